@@ -1,0 +1,63 @@
+#include "api/arguments.h"
+
+#include <arpa/inet.h>
+
+#include <cstdio>
+
+namespace {
+
+template <class... Args>
+std::string formatted(const char* format, Args... args) {
+  char buffer[64];
+  std::snprintf(buffer, sizeof buffer, format, args...);
+  return buffer;
+}
+
+}  // namespace
+
+chip::PortSet api::ports(const bcm_pbmp_t& bitmap) {
+  chip::PortSet result;
+  for (int port = 0; port < BCM_PBMP_PORT_MAX; ++port)
+    if (BCM_PBMP_MEMBER(bitmap, port)) result.add(port);
+  return result;
+}
+
+bcm_pbmp_t api::bitmap(const chip::PortSet& ports) {
+  bcm_pbmp_t result;
+  BCM_PBMP_CLEAR(result);
+  for (int port = 0; port < BCM_PBMP_PORT_MAX; ++port)
+    if (ports.contains(port)) BCM_PBMP_PORT_ADD(result, port);
+  return result;
+}
+
+std::string api::text(Mac mac) {
+  if (mac.pointer == nullptr) return "NULL";
+  const uint8_t* const m = mac.pointer;
+  return formatted("%02x:%02x:%02x:%02x:%02x:%02x", m[0], m[1], m[2], m[3], m[4], m[5]);
+}
+
+std::string api::text(Ip4 ip4) {
+  const uint32_t a = ip4.address;
+  return formatted("%u.%u.%u.%u", a >> 24, a >> 16 & 0xFF, a >> 8 & 0xFF, a & 0xFF);
+}
+
+std::string api::text(Ip6 ip6) {
+  if (ip6.pointer == nullptr) return "NULL";
+  char buffer[INET6_ADDRSTRLEN];
+  return inet_ntop(AF_INET6, ip6.pointer, buffer, sizeof buffer);
+}
+
+std::string api::text(Hex hex) { return formatted("0x%x", hex.value); }
+
+std::string api::text(const char* string) {
+  if (string == nullptr) return "NULL";
+  std::string result = "\"";
+  for (; *string != '\0'; ++string) {
+    if (*string == '"' || *string == '\\') result += '\\';
+    if (*string == '\n')
+      result += "\\n";
+    else
+      result += *string;
+  }
+  return result + '"';
+}

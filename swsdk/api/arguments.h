@@ -1,0 +1,225 @@
+// What a call's arguments are, for the call itself and for its journal line: a wrapper says how a pointer is used.
+#pragma once
+
+#include <bcm/types.h>
+
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <tuple>
+#include <type_traits>
+
+#include "api/records.h"
+#include "chip/port_set.h"
+
+namespace api {
+
+// ---------------------------------------------------------------------------------------------- the wrappers ----
+
+/// Points to what the call reads.
+template <class T>
+struct In {
+  const T* pointer;
+  const T& operator*() const { return *pointer; }
+};
+
+/// Points to where the call writes.
+template <class T>
+struct Out {
+  T* pointer;
+  T& operator*() const { return *pointer; }
+};
+
+/// Points to what the call reads first and writes then.
+template <class T>
+struct InOut {
+  T* pointer;
+  T before{};
+  T& operator*() const { return *pointer; }
+};
+
+/// Points to `count` items that the call reads.
+template <class T>
+struct Array {
+  const T* pointer;
+  int count;
+};
+
+/// Points to `count` items that the call writes.
+template <class T>
+struct OutArray {
+  T* pointer;
+  int count;
+};
+
+struct Mac {
+  const uint8_t* pointer;
+};
+struct Ip4 {
+  uint32_t address;
+};
+struct Ip6 {
+  const uint8_t* pointer;
+};
+struct Hex {
+  uint32_t value;
+};
+
+template <class T>
+In<T> in(const T* pointer) {
+  return {pointer};
+}
+template <class T>
+Out<T> out(T* pointer) {
+  return {pointer};
+}
+template <class T>
+InOut<T> inout(T* pointer) {
+  return pointer == nullptr ? InOut<T>{pointer} : InOut<T>{pointer, *pointer};
+}
+template <class T>
+Array<T> array(const T* pointer, int count) {
+  return {pointer, count};
+}
+template <class T>
+OutArray<T> out_array(T* pointer, int count) {
+  return {pointer, count};
+}
+inline Mac mac(const uint8_t* address) { return {address}; }
+inline Ip4 ip4(uint32_t address) { return {address}; }
+inline Ip6 ip6(const uint8_t* address) { return {address}; }
+inline Hex hex(uint32_t value) { return {value}; }
+
+/// The chip's set of the ports in an SDK bitmap.
+chip::PortSet ports(const bcm_pbmp_t& bitmap);
+/// The SDK bitmap of a set of the chip's ports.
+bcm_pbmp_t bitmap(const chip::PortSet& ports);
+
+/// Whether the caller gave a null pointer where the call needs one to something.
+template <class T>
+bool is_missing(const T& argument) {
+  if constexpr (requires { argument.count; })
+    return argument.pointer == nullptr && argument.count > 0;
+  else if constexpr (requires { argument.pointer; })
+    return argument.pointer == nullptr;
+  else
+    return false;
+}
+
+// -------------------------------------------------------------------------------------------------- as text ----
+
+std::string text(Mac mac);
+std::string text(Ip4 ip4);
+std::string text(Ip6 ip6);
+std::string text(Hex hex);
+std::string text(const char* string);
+
+template <class T>
+requires std::is_integral_v<T> || std::is_enum_v<T> std::string text(T value) {
+  if constexpr (std::is_enum_v<T>)
+    return std::to_string(static_cast<int>(value));
+  else
+    return std::to_string(value);
+}
+
+template <class T>
+requires std::is_pointer_v<T> std::string text(T pointer) {
+  if (pointer == nullptr) return "NULL";
+  return std::is_function_v<std::remove_pointer_t<T>> ? "<callback>" : "<pointer>";
+}
+
+inline std::string text(char* string) { return text(static_cast<const char*>(string)); }
+
+template <class T>
+std::string items_text(const T* items, int count);
+template <class Record>
+std::string record_text(const Record& record);
+
+/// A value behind a pointer or in a record: an address, a name, a bitmap, a list, a record, or a plain value.
+template <class T>
+std::string value_text(const T& value, Show show = Show::plain) {
+  if constexpr (std::is_same_v<T, bcm_mac_t>)
+    return text(Mac{value});
+  else if constexpr (std::is_same_v<T, bcm_ip6_t>)
+    return text(Ip6{value});
+  else if constexpr (std::is_array_v<T> && std::is_same_v<std::remove_extent_t<T>, char>)
+    return text(static_cast<const char*>(value));
+  else if constexpr (std::is_array_v<T>)
+    return items_text(value, static_cast<int>(std::extent_v<T>));
+  else if constexpr (std::is_same_v<T, bcm_pbmp_t>)
+    return chip::text(ports(value));
+  else if constexpr (requires { fields(&value); })
+    return record_text(value);
+  else if constexpr (std::is_integral_v<T>)
+    return show == Show::hex   ? text(hex(static_cast<uint32_t>(value)))
+           : show == Show::ip4 ? text(ip4(static_cast<uint32_t>(value)))
+                               : text(value);
+  else
+    return text(value);
+}
+
+/// The fields of a record that differ from their initial value: "{vid=10, flags=0x1}".
+template <class Record>
+std::string record_text(const Record& record) {
+  static const Record initial{};
+  std::string result = "{";
+  const auto add = [&](const auto& field) {
+    const auto& value = record.*field.where;
+    if (std::memcmp(&value, &(initial.*field.where), sizeof value) == 0) return;
+    if (result.size() > 1) result += ", ";
+    result += field.name;
+    result += '=';
+    result += value_text(value, field.show);
+  };
+  std::apply([&](const auto&... field) { (add(field), ...); }, fields(&record));
+  return result + '}';
+}
+
+template <class T>
+std::string items_text(const T* items, int count) {
+  std::string result = "[";
+  for (int i = 0; i < count; ++i) {
+    if (i > 0) result += ", ";
+    result += value_text(items[i]);
+  }
+  return result + ']';
+}
+
+// After the call: how each argument shows in the journal line of a call that answered `rv`.
+
+template <class T>
+std::string shown(const T& argument, int) {
+  return value_text(argument);
+}
+
+template <class T>
+std::string shown(const In<T>& in, int) {
+  return in.pointer == nullptr ? "NULL" : value_text(*in);
+}
+
+template <class T>
+std::string shown(const Out<T>& out, int rv) {
+  if (out.pointer == nullptr) return "NULL";
+  return rv < 0 ? "&?" : '&' + (value_text(*out));
+}
+
+template <class T>
+std::string shown(const InOut<T>& inout, int rv) {
+  if (inout.pointer == nullptr) return "NULL";
+  const std::string before = value_text(inout.before);
+  const std::string after = rv < 0 ? before : value_text(*inout);
+  return after == before ? before : before + " -> &" + after;
+}
+
+template <class T>
+std::string shown(const Array<T>& array, int) {
+  return array.pointer == nullptr ? "NULL" : items_text(array.pointer, array.count);
+}
+
+template <class T>
+std::string shown(const OutArray<T>& array, int rv) {
+  if (array.pointer == nullptr) return "NULL";
+  return rv < 0 ? "&?" : '&' + (items_text(array.pointer, array.count));
+}
+
+}  // namespace api

@@ -1,0 +1,84 @@
+// The one shape of an entry point: check the unit, take its lock, ask for a fault, do the work, write the journal line.
+#pragma once
+
+#include <bcm/error.h>
+
+#include <mutex>
+#include <optional>
+#include <string>
+#include <tuple>
+
+#include "api/arguments.h"
+#include "api/fault.h"
+#include "api/journal.h"
+#include "api/units.h"
+#include "chip/status.h"
+
+namespace api {
+
+inline int code(chip::Status status) { return static_cast<int>(status); }
+inline int code(int rv) { return rv; }
+
+/// Writes the line "function(arguments) = rv" when somebody records.
+template <class... Args>
+void record(const char* function, int rv, const Args&... args) {
+  if (!journal_is_recording()) return;
+  std::string line = function;
+  const char* separator = "(";
+  ((line += separator, line += shown(args, rv), separator = ", "), ...);
+  if constexpr (sizeof...(args) == 0) line += '(';
+  line += ") = ";
+  line += std::to_string(rv);
+  journal_add(line);
+}
+
+/// A call on a unit with its arguments, which make its journal line; a null pointer where one of them needs something
+/// is refused.
+template <class... Args>
+class Call {
+ public:
+  Call(const char* function, int unit, const Args&... args) : function_(function), unit_(unit), args_(args...) {}
+
+  /// Answers what `body` makes of the unit's chip.
+  template <class Body>
+  int answer(Body body) const {
+    Unit* const attached = find_unit(unit_);
+    if (attached == nullptr) return recorded(BCM_E_UNIT);
+    const std::lock_guard guard(attached->lock);
+    if (const std::optional<int> fault = next_fault(function_)) return recorded(*fault);
+    if (!attached->initialised) return recorded(BCM_E_INIT);
+    if (lacks_something()) return recorded(BCM_E_PARAM);
+    return recorded(code(body(*attached->chip)));
+  }
+
+ private:
+  bool lacks_something() const {
+    return std::apply([](const auto&... args) { return (is_missing(args) || ...); }, args_);
+  }
+
+  int recorded(int rv) const {
+    std::apply([&](const auto&... args) { record(function_, rv, unit_, args...); }, args_);
+    return rv;
+  }
+
+  const char* const function_;
+  const int unit_;
+  const std::tuple<Args...> args_;
+};
+
+/// Answers a call that is on no unit.
+template <class Body, class... Args>
+int call_without_unit(const char* function, Body body, const Args&... args) {
+  const std::optional<int> fault = next_fault(function);
+  const int rv = fault ? *fault : code(body());
+  record(function, rv, args...);
+  return rv;
+}
+
+/// Answers a call that the virtual chip does not model.
+template <class... Args>
+int unmodelled(const char* function, int unit, const Args&... args) {
+  return Call(function, unit, args...).answer([](const chip::Chip&) { return chip::Status::unavailable; });
+}
+
+}  // namespace api

@@ -1,0 +1,44 @@
+#include <bcm/multicast.h>
+
+#include "api/call.h"
+
+using api::hex;
+using api::inout;
+using api::out;
+using api::out_array;
+using api::unmodelled;
+
+int bcm_multicast_create(int unit, uint32 flags, bcm_multicast_t* group) {
+  return unmodelled(__func__, unit, hex(flags), inout(group));
+}
+
+int bcm_multicast_destroy(int unit, bcm_multicast_t group) { return unmodelled(__func__, unit, group); }
+
+int bcm_multicast_egress_add(int unit, bcm_multicast_t group, bcm_gport_t port, bcm_if_t encap_id) {
+  return unmodelled(__func__, unit, group, port, encap_id);
+}
+
+int bcm_multicast_egress_delete(int unit, bcm_multicast_t group, bcm_gport_t port, bcm_if_t encap_id) {
+  return unmodelled(__func__, unit, group, port, encap_id);
+}
+
+int bcm_multicast_egress_get(int unit, bcm_multicast_t group, int port_max, bcm_gport_t* port_array,
+                             bcm_if_t* encap_id_array, int* port_count) {
+  return unmodelled(__func__, unit, group, port_max, out_array(port_array, port_max),
+                    out_array(encap_id_array, port_max), out(port_count));
+}
+
+int bcm_multicast_init(int unit) { return unmodelled(__func__, unit); }
+
+int bcm_multicast_l2_encap_get(int unit, bcm_multicast_t group, bcm_gport_t port, bcm_vlan_t vlan, bcm_if_t* encap_id) {
+  return unmodelled(__func__, unit, group, port, vlan, out(encap_id));
+}
+
+int bcm_multicast_l3_encap_get(int unit, bcm_multicast_t group, bcm_gport_t port, bcm_if_t intf, bcm_if_t* encap_id) {
+  return unmodelled(__func__, unit, group, port, intf, out(encap_id));
+}
+
+int bcm_multicast_vlan_encap_get(int unit, bcm_multicast_t group, bcm_gport_t port, bcm_gport_t vlan_port_id,
+                                 bcm_if_t* encap_id) {
+  return unmodelled(__func__, unit, group, port, vlan_port_id, out(encap_id));
+}

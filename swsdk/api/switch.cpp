@@ -1,0 +1,50 @@
+#include <bcm/switch.h>
+
+#include "api/call.h"
+
+using api::array;
+using api::Call;
+using api::in;
+using api::out;
+using api::out_array;
+using api::unmodelled;
+using chip::Chip;
+
+int bcm_switch_control_get(int unit, bcm_switch_control_t type, int* arg) {
+  return Call(__func__, unit, type, out(arg)).answer([&](Chip& chip) { return chip.switch_controls.get(type, *arg); });
+}
+
+int bcm_switch_control_port_set(int unit, bcm_port_t port, bcm_switch_control_t type, int arg) {
+  return Call(__func__, unit, port, type, arg).answer([&](Chip& chip) {
+    return chip.switch_controls.set_port(port, type, arg);
+  });
+}
+
+int bcm_switch_control_set(int unit, bcm_switch_control_t type, int arg) {
+  return Call(__func__, unit, type, arg).answer([&](Chip& chip) { return chip.switch_controls.set(type, arg); });
+}
+
+int bcm_switch_ipv6_reserved_multicast_addr_multi_set(int unit, int inner, int num, bcm_ip6_t* ip6_addr,
+                                                      bcm_ip6_t* ip6_mask) {
+  return unmodelled(__func__, unit, inner, num, array(ip6_addr, num), array(ip6_mask, num));
+}
+
+int bcm_switch_network_group_config_get(int unit, bcm_switch_network_group_t source_network_group_id,
+                                        bcm_switch_network_group_config_t* config) {
+  return unmodelled(__func__, unit, source_network_group_id, out(config));
+}
+
+int bcm_switch_network_group_config_set(int unit, bcm_switch_network_group_t source_network_group_id,
+                                        bcm_switch_network_group_config_t* config) {
+  return unmodelled(__func__, unit, source_network_group_id, in(config));
+}
+
+int bcm_switch_object_count_multi_get(int unit, int object_size, bcm_switch_object_t* object_array, int* entries) {
+  return unmodelled(__func__, unit, object_size, array(object_array, object_size), out_array(entries, object_size));
+}
+
+int bcm_switch_temperature_monitor_get(int unit, int temperature_max,
+                                       bcm_switch_temperature_monitor_t* temperature_array, int* temperature_count) {
+  return unmodelled(__func__, unit, temperature_max, out_array(temperature_array, temperature_max),
+                    out(temperature_count));
+}

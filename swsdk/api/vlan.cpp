@@ -1,0 +1,199 @@
+#include <bcm/vlan.h>
+
+#include <tuple>
+
+#include "api/call.h"
+
+using api::Call;
+using api::hex;
+using api::in;
+using api::inout;
+using api::out;
+using api::ports;
+using api::unmodelled;
+using chip::Chip;
+using chip::Status;
+
+namespace {
+
+/// Each field of the SDK's VLAN control record beside the one of the chip's.
+constexpr auto control_fields() {
+  using Sdk = bcm_vlan_control_vlan_t;
+  using Own = chip::VlanControl;
+  return std::tuple{
+      std::pair{&Sdk::vrf, &Own::vrf},
+      std::pair{&Sdk::forwarding_vlan, &Own::forwarding_vlan},
+      std::pair{&Sdk::ingress_if, &Own::ingress_interface},
+      std::pair{&Sdk::outer_tpid, &Own::outer_tpid},
+      std::pair{&Sdk::flags, &Own::flags},
+      std::pair{&Sdk::ip6_mcast_flood_mode, &Own::ip6_multicast_flood_mode},
+      std::pair{&Sdk::ip4_mcast_flood_mode, &Own::ip4_multicast_flood_mode},
+      std::pair{&Sdk::l2_mcast_flood_mode, &Own::l2_multicast_flood_mode},
+      std::pair{&Sdk::if_class, &Own::interface_class},
+      std::pair{&Sdk::cosq, &Own::queue},
+      std::pair{&Sdk::qos_map_id, &Own::qos_map},
+      std::pair{&Sdk::broadcast_group, &Own::broadcast_group},
+      std::pair{&Sdk::unknown_multicast_group, &Own::unknown_multicast_group},
+      std::pair{&Sdk::unknown_unicast_group, &Own::unknown_unicast_group},
+      std::pair{&Sdk::aging_cycles, &Own::aging_cycles},
+      std::pair{&Sdk::learn_flags, &Own::learn_flags},
+      std::pair{&Sdk::flags2, &Own::flags2},
+  };
+}
+
+bcm_vlan_control_vlan_t to_sdk(const chip::VlanControl& own) {
+  bcm_vlan_control_vlan_t sdk;
+  bcm_vlan_control_vlan_t_init(&sdk);
+  const auto copy = [&](const auto& field) {
+    auto& target = sdk.*field.first;
+    target = static_cast<std::remove_reference_t<decltype(target)>>(own.*field.second);
+  };
+  std::apply([&](const auto&... field) { (copy(field), ...); }, control_fields());
+  return sdk;
+}
+
+chip::VlanControl to_chip(const bcm_vlan_control_vlan_t& sdk) {
+  chip::VlanControl own;
+  const auto copy = [&](const auto& field) {
+    auto& target = own.*field.second;
+    target = static_cast<std::remove_reference_t<decltype(target)>>(sdk.*field.first);
+  };
+  std::apply([&](const auto&... field) { (copy(field), ...); }, control_fields());
+  return own;
+}
+
+}  // namespace
+
+int bcm_vlan_control_port_get(int unit, int port, bcm_vlan_control_port_t type, int* arg) {
+  return unmodelled(__func__, unit, port, type, out(arg));
+}
+
+int bcm_vlan_control_port_set(int unit, int port, bcm_vlan_control_port_t type, int arg) {
+  return unmodelled(__func__, unit, port, type, arg);
+}
+
+int bcm_vlan_control_set(int unit, bcm_vlan_control_t type, int arg) { return unmodelled(__func__, unit, type, arg); }
+
+int bcm_vlan_control_vlan_get(int unit, bcm_vlan_t vlan, bcm_vlan_control_vlan_t* control) {
+  return Call(__func__, unit, vlan, out(control)).answer([&](Chip& chip) {
+    chip::VlanControl found;
+    const Status status = chip.vlans.control(vlan, found);
+    if (status == Status::ok) *control = to_sdk(found);
+    return status;
+  });
+}
+
+int bcm_vlan_control_vlan_set(int unit, bcm_vlan_t vlan, bcm_vlan_control_vlan_t control) {
+  return Call(__func__, unit, vlan, control).answer([&](Chip& chip) {
+    return chip.vlans.set_control(vlan, to_chip(control));
+  });
+}
+
+int bcm_vlan_create(int unit, bcm_vlan_t vid) {
+  return Call(__func__, unit, vid).answer([&](Chip& chip) { return chip.vlans.create(vid); });
+}
+
+int bcm_vlan_destroy(int unit, bcm_vlan_t vid) {
+  return Call(__func__, unit, vid).answer([&](Chip& chip) { return chip.vlans.destroy(vid); });
+}
+
+int bcm_vlan_destroy_all(int unit) {
+  return Call(__func__, unit).answer([&](Chip& chip) { return chip.vlans.destroy_all(); });
+}
+
+int bcm_vlan_dtag_add(int unit, int port, bcm_vlan_t old_vid, bcm_vlan_t new_vid, int prio) {
+  return unmodelled(__func__, unit, port, old_vid, new_vid, prio);
+}
+
+int bcm_vlan_dtag_delete(int unit, int port, bcm_vlan_t old_vid) { return unmodelled(__func__, unit, port, old_vid); }
+
+int bcm_vlan_dtag_range_add(int unit, int port, bcm_vlan_t old_vid_low, bcm_vlan_t old_vid_high, bcm_vlan_t new_vid,
+                            int int_prio) {
+  return unmodelled(__func__, unit, port, old_vid_low, old_vid_high, new_vid, int_prio);
+}
+
+int bcm_vlan_dtag_range_delete(int unit, int port, bcm_vlan_t old_vid_low, bcm_vlan_t old_vid_high) {
+  return unmodelled(__func__, unit, port, old_vid_low, old_vid_high);
+}
+
+int bcm_vlan_gport_add(int unit, bcm_vlan_t vlan, bcm_gport_t port, int flags) {
+  return unmodelled(__func__, unit, vlan, port, hex(static_cast<uint32>(flags)));
+}
+
+int bcm_vlan_gport_delete(int unit, bcm_vlan_t vlan, bcm_gport_t port) {
+  return unmodelled(__func__, unit, vlan, port);
+}
+
+int bcm_vlan_init(int unit) {
+  return Call(__func__, unit).answer([&](Chip& chip) {
+    chip.vlans.reset();
+    return Status::ok;
+  });
+}
+
+int bcm_vlan_ip_add(int unit, bcm_vlan_ip_t* vlan_ip) { return unmodelled(__func__, unit, in(vlan_ip)); }
+
+int bcm_vlan_ip_delete(int unit, bcm_vlan_ip_t* vlan_ip) { return unmodelled(__func__, unit, in(vlan_ip)); }
+
+int bcm_vlan_ip_delete_all(int unit) { return unmodelled(__func__, unit); }
+
+int bcm_vlan_mac_add(int unit, uint8* mac, bcm_vlan_t vid, int prio) {
+  return unmodelled(__func__, unit, api::mac(mac), vid, prio);
+}
+
+int bcm_vlan_mac_delete(int unit, uint8* mac) { return unmodelled(__func__, unit, api::mac(mac)); }
+
+int bcm_vlan_mac_delete_all(int unit) { return unmodelled(__func__, unit); }
+
+int bcm_vlan_mcast_flood_set(int unit, bcm_vlan_t vlan, bcm_vlan_mcast_flood_t mode) {
+  return unmodelled(__func__, unit, vlan, mode);
+}
+
+int bcm_vlan_port_add(int unit, bcm_vlan_t vid, bcm_pbmp_t pbmp, bcm_pbmp_t ubmp) {
+  return Call(__func__, unit, vid, pbmp, ubmp).answer([&](Chip& chip) {
+    return chip.vlans.add_ports(vid, ports(pbmp), ports(ubmp));
+  });
+}
+
+int bcm_vlan_port_create(int unit, bcm_vlan_port_t* vlan_port) { return unmodelled(__func__, unit, inout(vlan_port)); }
+
+int bcm_vlan_port_destroy(int unit, bcm_gport_t gport) { return unmodelled(__func__, unit, gport); }
+
+int bcm_vlan_port_find(int unit, bcm_vlan_port_t* vlan_port) { return unmodelled(__func__, unit, inout(vlan_port)); }
+
+int bcm_vlan_port_remove(int unit, bcm_vlan_t vid, bcm_pbmp_t pbmp) {
+  return Call(__func__, unit, vid, pbmp).answer([&](Chip& chip) { return chip.vlans.remove_ports(vid, ports(pbmp)); });
+}
+
+int bcm_vlan_translate_add(int unit, int port, bcm_vlan_t old_vid, bcm_vlan_t new_vid, int prio) {
+  return unmodelled(__func__, unit, port, old_vid, new_vid, prio);
+}
+
+int bcm_vlan_translate_delete(int unit, int port, bcm_vlan_t old_vid) {
+  return unmodelled(__func__, unit, port, old_vid);
+}
+
+int bcm_vlan_translate_egress_action_add(int unit, int port_class, bcm_vlan_t outer_vlan, bcm_vlan_t inner_vlan,
+                                         bcm_vlan_action_set_t* action) {
+  return unmodelled(__func__, unit, port_class, outer_vlan, inner_vlan, in(action));
+}
+
+int bcm_vlan_translate_egress_action_delete(int unit, int port_class, bcm_vlan_t outer_vlan, bcm_vlan_t inner_vlan) {
+  return unmodelled(__func__, unit, port_class, outer_vlan, inner_vlan);
+}
+
+int bcm_vlan_translate_egress_add(int unit, int port, bcm_vlan_t old_vid, bcm_vlan_t new_vid, int prio) {
+  return unmodelled(__func__, unit, port, old_vid, new_vid, prio);
+}
+
+int bcm_vlan_translate_egress_delete(int unit, int port, bcm_vlan_t old_vid) {
+  return unmodelled(__func__, unit, port, old_vid);
+}
+
+int bcm_vlan_translate_egress_get(int unit, int port, bcm_vlan_t old_vid, bcm_vlan_t* new_vid, int* prio) {
+  return unmodelled(__func__, unit, port, old_vid, out(new_vid), out(prio));
+}
+
+int bcm_vlan_translate_get(int unit, int port, bcm_vlan_t old_vid, bcm_vlan_t* new_vid, int* prio) {
+  return unmodelled(__func__, unit, port, old_vid, out(new_vid), out(prio));
+}

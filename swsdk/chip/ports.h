@@ -1,0 +1,27 @@
+// The chip's ports: the CPU port 0 and the Ethernet ports from 1 on.
+#pragma once
+
+#include "chip/port_set.h"
+
+namespace chip {
+
+class Ports {
+ public:
+  static constexpr int cpu = 0;
+  static constexpr int last_front_panel = 8;  // gigabit ports; the ones above are uplinks
+
+  explicit Ports(int ethernet_ports);
+
+  const PortSet& all() const { return all_; }
+  const PortSet& ethernet() const { return ethernet_; }
+  bool has(int port) const { return all_.contains(port); }
+
+  /// "cpu", "gigabit" or "uplink".
+  static const char* kind(int port);
+
+ private:
+  PortSet ethernet_;
+  PortSet all_;
+};
+
+}  // namespace chip

@@ -1,0 +1,69 @@
+#include "chip/vlans.h"
+
+namespace chip {
+
+/// Runs `body` on VLAN `id`, or tells why there is none.
+template <class Self, class Body>
+Status Vlans::with(Self& self, int id, Body body) {
+  if (!is_valid(id)) return Status::bad_parameter;
+  const auto found = self.vlans_.find(id);
+  return found == self.vlans_.end() ? Status::not_found : body(found->second);
+}
+
+void Vlans::reset() {
+  vlans_.clear();
+  vlans_[default_id] = Vlan{.members = ports_.all(), .untagged = ports_.ethernet(), .control = {}};
+}
+
+Status Vlans::create(int id) {
+  if (!is_valid(id)) return Status::bad_parameter;
+  return vlans_.try_emplace(id).second ? Status::ok : Status::exists;
+}
+
+Status Vlans::destroy(int id) {
+  if (id == default_id) return Status::bad_id;
+  return with(*this, id, [&](const Vlan&) {
+    vlans_.erase(id);
+    return Status::ok;
+  });
+}
+
+Status Vlans::destroy_all() {
+  std::erase_if(vlans_, [](const auto& vlan) { return vlan.first != default_id; });
+  return Status::ok;
+}
+
+Status Vlans::add_ports(int id, const PortSet& members, const PortSet& untagged) {
+  return with(*this, id, [&](Vlan& vlan) {
+    if (!(members - ports_.all()).empty()) return Status::bad_port;
+    vlan.members |= members;
+    vlan.untagged -= members;
+    vlan.untagged |= members & untagged;
+    return Status::ok;
+  });
+}
+
+Status Vlans::remove_ports(int id, const PortSet& members) {
+  return with(*this, id, [&](Vlan& vlan) {
+    if (!(members - ports_.all()).empty()) return Status::bad_port;
+    vlan.members -= members;
+    vlan.untagged -= members;
+    return Status::ok;
+  });
+}
+
+Status Vlans::control(int id, VlanControl& control) const {
+  return with(*this, id, [&](const Vlan& vlan) {
+    control = vlan.control;
+    return Status::ok;
+  });
+}
+
+Status Vlans::set_control(int id, const VlanControl& control) {
+  return with(*this, id, [&](Vlan& vlan) {
+    vlan.control = control;
+    return Status::ok;
+  });
+}
+
+}  // namespace chip

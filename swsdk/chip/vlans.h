@@ -1,0 +1,78 @@
+// The VLAN table: members, untagged members and the control record of each VLAN.
+#pragma once
+
+#include <cstdint>
+#include <map>
+
+#include "chip/ports.h"
+#include "chip/status.h"
+
+namespace chip {
+
+/// How one VLAN treats its frames.
+struct VlanControl {
+  int vrf = 0;
+  uint16_t forwarding_vlan = 0;
+  int ingress_interface = 0;
+  uint16_t outer_tpid = 0;
+  uint32_t flags = 0;
+  int ip6_multicast_flood_mode = 0;
+  int ip4_multicast_flood_mode = 0;
+  int l2_multicast_flood_mode = 0;
+  int interface_class = 0;
+  int queue = 0;
+  int qos_map = 0;
+  int broadcast_group = 0;
+  int unknown_multicast_group = 0;
+  int unknown_unicast_group = 0;
+  int aging_cycles = 0;
+  uint32_t learn_flags = 0;
+  uint32_t flags2 = 0;
+
+  bool operator==(const VlanControl&) const = default;
+};
+
+struct Vlan {
+  PortSet members;
+  PortSet untagged;
+  VlanControl control;
+};
+
+class Vlans {
+ public:
+  static constexpr int lowest_id = 1;
+  static constexpr int highest_id = 4094;
+  static constexpr int default_id = 1;
+
+  explicit Vlans(const Ports& ports) : ports_(ports) { reset(); }
+
+  /// Back to the default VLAN alone, with every Ethernet port as an untagged and the CPU port as a tagged member.
+  void reset();
+
+  Status create(int id);
+  /// The default VLAN cannot be destroyed.
+  Status destroy(int id);
+  /// Destroys all but the default VLAN.
+  Status destroy_all();
+
+  /// Makes `members` members; the ones that are in `untagged` too become untagged, the others tagged.
+  Status add_ports(int id, const PortSet& members, const PortSet& untagged);
+  /// A port that is no member is left alone.
+  Status remove_ports(int id, const PortSet& members);
+
+  Status control(int id, VlanControl& control) const;
+  Status set_control(int id, const VlanControl& control);
+
+  const std::map<int, Vlan>& all() const { return vlans_; }
+
+ private:
+  static bool is_valid(int id) { return id >= lowest_id && id <= highest_id; }
+
+  template <class Self, class Body>
+  static Status with(Self& self, int id, Body body);
+
+  const Ports& ports_;
+  std::map<int, Vlan> vlans_;
+};
+
+}  // namespace chip

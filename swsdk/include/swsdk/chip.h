@@ -1,0 +1,60 @@
+/**
+ * @file swsdk/chip.h
+ * The virtual chip itself: what is on the board before the SDK starts, and a look at the chip's tables.
+ *
+ * The chip starts as the real one does: `sdk_main` attaches the units, `system_init` initialises one. Before the first
+ * a call answers `BCM_E_UNIT`, before the second `BCM_E_INIT`.
+ */
+#ifndef SWSDK_CHIP_H
+#define SWSDK_CHIP_H
+
+#include <stddef.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/** The board: what `sdk_main` finds. */
+typedef struct swsdk_board {
+  int units;     /**< number of chips, 0 to 16; 1 at load */
+  int ports;     /**< Ethernet ports of each chip, numbered from 1, 1 to 255; 12 at load */
+  int chip_type; /**< chip-type code of each chip, 0 or more; 0 at load */
+} swsdk_board;
+
+/** Reads the board. */
+void swsdk_board_get(swsdk_board* board);
+
+/**
+ * Changes the board. Possible only while no unit is attached.
+ *
+ * @return 0; -1 when a field is outside its range or units are attached, and nothing is changed
+ */
+int swsdk_board_set(const swsdk_board* board);
+
+/** Switches the chips off: detaches all units and forgets their tables, the board, the journal and all faults. No SDK
+ *  call may be running or follow until `sdk_main`. */
+void swsdk_power_off(void);
+
+/**
+ * Prints one of a unit's tables for people, a line per entry under a line of headings.
+ *
+ * @param unit    number of an attached unit
+ * @param table   "port" or "vlan"
+ * @param buffer  where to print to; always ended by a zero byte when size is not 0; may be null when size is 0
+ * @param size    size of the buffer in bytes; what does not fit is left out
+ * @return length of the whole text in bytes, without a zero byte; -1 when there is no such unit or table
+ */
+long swsdk_show(int unit, const char* table, char* buffer, size_t size);
+
+/**
+ * Names the tables that swsdk_show() knows.
+ *
+ * @return the name of table number `index`, from 0, or null past the last
+ */
+const char* swsdk_show_table(int index);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

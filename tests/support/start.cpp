@@ -1,0 +1,19 @@
+#include "support/start.h"
+
+#include <appl/diag/system.h>
+
+extern "C" int sdk_main(int argc, char** argv);
+
+void support::attach_chip(int units) {
+  swsdk_power_off();
+  swsdk_board board;
+  swsdk_board_get(&board);
+  board.units = units;
+  swsdk_board_set(&board);
+  sdk_main(0, nullptr);
+}
+
+void support::start_chip(int units) {
+  attach_chip(units);
+  for (int unit = 0; unit < units; ++unit) system_init(unit);
+}

@@ -1,0 +1,14 @@
+// Brings the virtual chip up for a test.
+#pragma once
+
+#include <swsdk/chip.h>
+
+namespace support {
+
+/// A board of `units` chips with 12 Ethernet ports, attached and initialised, on a chip that was off.
+void start_chip(int units = 1);
+
+/// The same, but `system_init` is still to come.
+void attach_chip(int units = 1);
+
+}  // namespace support

@@ -1,0 +1,101 @@
+#include <swsdk/fault.h>
+
+#include <bcm/error.h>
+#include <bcm/switch.h>
+#include <bcm/vlan.h>
+#include <gtest/gtest.h>
+#include <swsdk/chip.h>
+#include <swsdk/journal.h>
+
+#include "support/scene.h"
+#include "support/start.h"
+
+namespace {
+
+class Fault : public testing::Test {
+ protected:
+  Fault() { support::start_chip(); }
+  ~Fault() override { swsdk_power_off(); }
+};
+
+TEST_F(Fault, MeetsTheNextCallOnce) {
+  ASSERT_EQ(swsdk_fault_inject("bcm_vlan_create", BCM_E_BUSY, 1), 0);
+  EXPECT_EQ(bcm_vlan_create(0, 10), BCM_E_BUSY);
+  EXPECT_EQ(bcm_vlan_create(0, 10), BCM_E_NONE);
+}
+
+TEST_F(Fault, MeetsTheNthCallOnce) {
+  ASSERT_EQ(swsdk_fault_inject("bcm_vlan_create", BCM_E_BUSY, 3), 0);
+  EXPECT_EQ(bcm_vlan_create(0, 10), BCM_E_NONE);
+  EXPECT_EQ(bcm_vlan_create(0, 11), BCM_E_NONE);
+  EXPECT_EQ(bcm_vlan_create(0, 12), BCM_E_BUSY);
+  EXPECT_EQ(bcm_vlan_create(0, 12), BCM_E_NONE);
+}
+
+TEST_F(Fault, MeetsEveryCallUntilItIsRemoved) {
+  ASSERT_EQ(swsdk_fault_inject("bcm_vlan_create", BCM_E_BUSY, SWSDK_FAULT_EVERY_CALL), 0);
+  for (int i = 0; i < 5; ++i) EXPECT_EQ(bcm_vlan_create(0, 10), BCM_E_BUSY);
+  swsdk_fault_clear();
+  EXPECT_EQ(bcm_vlan_create(0, 10), BCM_E_NONE);
+}
+
+TEST_F(Fault, ChangesNothingAndWritesNoOutput) {
+  int value = 77;
+  ASSERT_EQ(swsdk_fault_inject("bcm_switch_control_get", BCM_E_FAIL, 1), 0);
+  EXPECT_EQ(bcm_switch_control_get(0, bcmSwitchL3EgressMode, &value), BCM_E_FAIL);
+  EXPECT_EQ(value, 77);
+  ASSERT_EQ(swsdk_fault_inject("bcm_vlan_create", BCM_E_FAIL, 1), 0);
+  bcm_vlan_create(0, 10);
+  EXPECT_EQ(bcm_vlan_destroy(0, 10), BCM_E_NOT_FOUND);
+}
+
+TEST_F(Fault, MeetsOnlyItsFunction) {
+  ASSERT_EQ(swsdk_fault_inject("bcm_vlan_create", BCM_E_BUSY, 1), 0);
+  EXPECT_EQ(bcm_vlan_init(0), BCM_E_NONE);
+  ASSERT_EQ(swsdk_fault_inject("bcm_vlan_init", BCM_E_FULL, 1), 0);
+  EXPECT_EQ(bcm_vlan_create(0, 10), BCM_E_BUSY);
+  EXPECT_EQ(bcm_vlan_init(0), BCM_E_FULL);
+}
+
+TEST_F(Fault, TakesThePlaceOfAnEarlierOne) {
+  ASSERT_EQ(swsdk_fault_inject("bcm_vlan_create", BCM_E_BUSY, SWSDK_FAULT_EVERY_CALL), 0);
+  ASSERT_EQ(swsdk_fault_inject("bcm_vlan_create", BCM_E_FULL, 1), 0);
+  EXPECT_EQ(bcm_vlan_create(0, 10), BCM_E_FULL);
+  EXPECT_EQ(bcm_vlan_create(0, 10), BCM_E_NONE);
+}
+
+TEST_F(Fault, AnswersAnyCode) {
+  for (const int code : {0, 5, -22, -23, INT32_MIN}) {
+    ASSERT_EQ(swsdk_fault_inject("bcm_vlan_create", code, 1), 0);
+    EXPECT_EQ(bcm_vlan_create(0, 10), code);
+  }
+  EXPECT_EQ(bcm_vlan_destroy(0, 10), BCM_E_NOT_FOUND);
+}
+
+TEST_F(Fault, IsNotUsedUpByAUnitThatDoesNotExist) {
+  ASSERT_EQ(swsdk_fault_inject("bcm_vlan_create", BCM_E_BUSY, 1), 0);
+  EXPECT_EQ(bcm_vlan_create(5, 10), BCM_E_UNIT);
+  EXPECT_EQ(bcm_vlan_create(0, 10), BCM_E_BUSY);
+}
+
+TEST_F(Fault, ShowsInTheJournal) {
+  swsdk_journal_record(1);
+  ASSERT_EQ(swsdk_fault_inject("bcm_vlan_create", BCM_E_BUSY, 1), 0);
+  bcm_vlan_create(0, 10);
+  EXPECT_EQ(support::journal(), "bcm_vlan_create(0, 10) = -10\n");
+}
+
+TEST_F(Fault, IsRefusedForWhatIsNoSdkFunction) {
+  for (const char* name : {"bcm_vlan_creat", "", "soc_ndev", "_shr_errmsg", "bcm_vlan_port_t_init", "swsdk_show",
+                           "printf", "sai_vlan_create"})
+    EXPECT_EQ(swsdk_fault_inject(name, BCM_E_FAIL, 1), -1) << name;
+  EXPECT_EQ(swsdk_fault_inject(nullptr, BCM_E_FAIL, 1), -1);
+}
+
+TEST_F(Fault, IsRefusedForANegativeCountAndLeavesTheEarlierOne) {
+  ASSERT_EQ(swsdk_fault_inject("bcm_vlan_create", BCM_E_BUSY, 1), 0);
+  EXPECT_EQ(swsdk_fault_inject("bcm_vlan_create", BCM_E_FULL, -1), -1);
+  EXPECT_EQ(bcm_vlan_create(0, 10), BCM_E_BUSY);
+}
+
+}  // namespace

@@ -1,0 +1,132 @@
+#include "chip/vlans.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using chip::PortSet;
+using chip::Status;
+using chip::Vlan;
+
+class Vlans : public testing::Test {
+ protected:
+  const Vlan& vlan(int id) { return vlans.all().at(id); }
+
+  chip::Ports ports{12};
+  chip::Vlans vlans{ports};
+};
+
+TEST_F(Vlans, StartWithTheDefaultVlanOfEveryPort) {
+  ASSERT_EQ(vlans.all().size(), 1U);
+  EXPECT_EQ(text(vlan(1).members), "{0-12}");
+  EXPECT_EQ(text(vlan(1).untagged), "{1-12}");
+}
+
+TEST_F(Vlans, TakeIdsFrom1To4094) {
+  for (const int id : {-1, 0, 4095, 4096, 65535}) {
+    chip::VlanControl control;
+    EXPECT_EQ(vlans.create(id), Status::bad_parameter) << id;
+    EXPECT_EQ(vlans.destroy(id), Status::bad_parameter) << id;
+    EXPECT_EQ(vlans.add_ports(id, {1}, {}), Status::bad_parameter) << id;
+    EXPECT_EQ(vlans.remove_ports(id, {1}), Status::bad_parameter) << id;
+    EXPECT_EQ(vlans.control(id, control), Status::bad_parameter) << id;
+    EXPECT_EQ(vlans.set_control(id, control), Status::bad_parameter) << id;
+  }
+  EXPECT_EQ(vlans.create(2), Status::ok);
+  EXPECT_EQ(vlans.create(4094), Status::ok);
+}
+
+TEST_F(Vlans, HoldEveryIdAtOnce) {
+  for (int id = 2; id <= 4094; ++id) ASSERT_EQ(vlans.create(id), Status::ok);
+  EXPECT_EQ(vlans.all().size(), 4094U);
+}
+
+TEST_F(Vlans, AreCreatedEmptyAndOnce) {
+  EXPECT_EQ(vlans.create(1), Status::exists);
+  EXPECT_EQ(vlans.create(10), Status::ok);
+  EXPECT_TRUE(vlan(10).members.empty());
+  vlans.add_ports(10, {3}, {});
+  EXPECT_EQ(vlans.create(10), Status::exists);
+  EXPECT_EQ(text(vlan(10).members), "{3}");
+}
+
+TEST_F(Vlans, ThatAreAbsentAnswerNotFound) {
+  chip::VlanControl control;
+  EXPECT_EQ(vlans.destroy(10), Status::not_found);
+  EXPECT_EQ(vlans.add_ports(10, {1}, {}), Status::not_found);
+  EXPECT_EQ(vlans.remove_ports(10, {1}), Status::not_found);
+  EXPECT_EQ(vlans.control(10, control), Status::not_found);
+  EXPECT_EQ(vlans.set_control(10, control), Status::not_found);
+  EXPECT_EQ(vlans.all().size(), 1U);
+}
+
+TEST_F(Vlans, KeepTheDefaultVlan) {
+  EXPECT_EQ(vlans.destroy(1), Status::bad_id);
+  vlans.create(10);
+  EXPECT_EQ(vlans.destroy_all(), Status::ok);
+  EXPECT_EQ(vlans.all().size(), 1U);
+  EXPECT_TRUE(vlans.all().contains(1));
+}
+
+TEST_F(Vlans, ForgetEverythingOfADestroyedVlan) {
+  vlans.create(10);
+  vlans.add_ports(10, {1}, {1});
+  vlans.set_control(10, {.flags = 1});
+  EXPECT_EQ(vlans.destroy(10), Status::ok);
+  vlans.create(10);
+  EXPECT_TRUE(vlan(10).members.empty());
+  EXPECT_TRUE(vlan(10).untagged.empty());
+  EXPECT_EQ(vlan(10).control, chip::VlanControl{});
+}
+
+TEST_F(Vlans, TakeTheLastWordOnHowAPortIsTagged) {
+  vlans.create(10);
+  EXPECT_EQ(vlans.add_ports(10, {1, 2, 3}, {2}), Status::ok);
+  EXPECT_EQ(text(vlan(10).untagged), "{2}");
+  EXPECT_EQ(vlans.add_ports(10, {2, 3}, {3}), Status::ok);
+  EXPECT_EQ(text(vlan(10).members), "{1-3}");
+  EXPECT_EQ(text(vlan(10).untagged), "{3}");
+}
+
+TEST_F(Vlans, TakeNoUntaggedPortThatIsNoMember) {
+  vlans.create(10);
+  EXPECT_EQ(vlans.add_ports(10, {1}, {1, 2}), Status::ok);
+  EXPECT_EQ(text(vlan(10).members), "{1}");
+  EXPECT_EQ(text(vlan(10).untagged), "{1}");
+}
+
+TEST_F(Vlans, RefusePortsThatTheChipDoesNotHaveWhole) {
+  vlans.create(10);
+  EXPECT_EQ(vlans.add_ports(10, {1, 13}, {}), Status::bad_port);
+  EXPECT_TRUE(vlan(10).members.empty());
+  vlans.add_ports(10, {1}, {});
+  EXPECT_EQ(vlans.remove_ports(10, {1, 13}), Status::bad_port);
+  EXPECT_EQ(text(vlan(10).members), "{1}");
+}
+
+TEST_F(Vlans, LoseRemovedPortsAndLeaveOthersAlone) {
+  vlans.create(10);
+  vlans.add_ports(10, {1, 2, 3}, {1, 2});
+  EXPECT_EQ(vlans.remove_ports(10, {2, 5}), Status::ok);
+  EXPECT_EQ(text(vlan(10).members), "{1,3}");
+  EXPECT_EQ(text(vlan(10).untagged), "{1}");
+}
+
+TEST_F(Vlans, KeepTheirControlRecord) {
+  vlans.create(10);
+  const chip::VlanControl wanted{.vrf = 3, .flags = 0x80001, .unknown_unicast_group = 7};
+  EXPECT_EQ(vlans.set_control(10, wanted), Status::ok);
+  chip::VlanControl found;
+  EXPECT_EQ(vlans.control(10, found), Status::ok);
+  EXPECT_EQ(found, wanted);
+}
+
+TEST_F(Vlans, ResetGoesBackToTheDefaultVlan) {
+  vlans.create(10);
+  vlans.remove_ports(1, {1});
+  vlans.reset();
+  EXPECT_EQ(vlans.all().size(), 1U);
+  EXPECT_EQ(text(vlan(1).members), "{0-12}");
+}
+
+}  // namespace
