@@ -25,6 +25,8 @@ template <class... Args>
 /// The library code of `rv`, after failed(rv, ...).
 template <class... Args>
 [[nodiscard]] int32_t result(int rv, Format<std::type_identity_t<Args>..., const char*> format, Args... args) {
+  if (rv == SAI_E_NONE) [[likely]]
+    return SAI_E_NONE;
   static_cast<void>(failed<Args...>(rv, format, args...));
   return sdk_to_sai(rv);
 }

@@ -21,7 +21,7 @@ typedef enum bcm_stat_val_e {
   /* clang-format off */
   BCM_STAT_NAME_LIST_TAIL(BCM_STAT_NAME_ENUMERATOR)
   /* clang-format on */
-  snmpValCount,                       /* how many there are */
+  snmpValCount,                            /* how many there are */
   bcm_stat_val_force_int = -0x7fffffff - 1 /* makes room for numbers that have no name here */
 } bcm_stat_val_t;
 

@@ -1,0 +1,7 @@
+#!/usr/bin/env bash
+# usage: format.sh SOURCE_DIR
+# Every source is as .clang-format has it.
+set -euo pipefail
+cd "$1"
+find include src swsdk tools examples tests bench -name '*.h' -o -name '*.c' -o -name '*.cpp' |
+  xargs clang-format --dry-run --Werror

@@ -1,0 +1,35 @@
+#!/usr/bin/env bash
+# usage: install.sh BUILD_DIR EXAMPLES_DIR
+# An installed copy serves a program by pkg-config and by its CMake package.
+set -euo pipefail
+build=$1 examples=$2
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+cmake --install "$build" --prefix "$work/usr" >/dev/null
+libraries=$(dirname "$(find "$work/usr" -name libsai.so)")
+export PKG_CONFIG_PATH=$libraries/pkgconfig LD_LIBRARY_PATH=$libraries
+for file in "$libraries/libsai.so" "$libraries/libswsdk.so" "$work/usr/bin/saish"; do
+  if readelf --dynamic "$file" | grep -E '\((RPATH|RUNPATH)\)'; then
+    echo "$file: an installed file has no run path"
+    exit 1
+  fi
+done
+
+# The .pc file names the prefix that the build was configured for; the copy is elsewhere.
+pkg_config=(pkg-config --define-variable=prefix="$work/usr")
+cc -std=c99 -Wall -Wextra -Werror -o "$work/vlans" "$examples/vlans.c" $("${pkg_config[@]}" --cflags --libs sai)
+"$work/vlans" >"$work/vlans.out"
+"$work/usr/bin/saish" "$examples/vlans.sai" >"$work/saish.out"
+
+mkdir "$work/consumer"
+cat >"$work/consumer/CMakeLists.txt" <<CMAKE
+cmake_minimum_required(VERSION 3.25)
+project(consumer LANGUAGES C)
+find_package(sai REQUIRED)
+add_executable(vlans "$examples/vlans.c")
+target_link_libraries(vlans PRIVATE sai::sai)
+CMAKE
+cmake -S "$work/consumer" -B "$work/consumer/build" -DCMAKE_PREFIX_PATH="$work/usr" >/dev/null
+cmake --build "$work/consumer/build" >/dev/null
+"$work/consumer/build/vlans" >/dev/null
