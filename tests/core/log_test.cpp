@@ -160,6 +160,17 @@ TEST_F(Log, TheFileTakesMessagesUpToItsLimit) {
   EXPECT_EQ(take_syslog(), "");
 }
 
+TEST_F(Log, ALineIsInTheFileWhenTheCallReturns) {
+  open();
+  limit(SAI_LOG_FILE, 7);
+  fclose(sai_log_default->file);
+  sai_log_default->file = std::tmpfile();
+  sai_err("x");
+  struct stat status;
+  fstat(fileno(sai_log_default->file), &status);
+  EXPECT_EQ(status.st_size, static_cast<off_t>(std::strlen("2026/11/21 09:05:00 NONE: x\n")));
+}
+
 TEST_F(Log, AFileLimitWithoutAFileWritesNothing) {
   sai_log_default = open_sai_log("switch", 0, 0, 0);
   take_syslog();
@@ -316,7 +327,7 @@ TEST_F(Log, OneMessageHasTheSameStampInTheFileAndOnTheConsole) {
   limit(SAI_LOG_FILE, 7);
   limit(SAI_LOG_CONSOLE, 7);
   sai_log_default->time_precision = 6;
-  set_clock(morning, 654321);
+  set_clock(morning, 654321, 1);
   const std::string shown = console([] { sai_err("x"); });
   EXPECT_EQ(shown, "2026/11/21 09:05:00.654321 NONE: x\n");
   EXPECT_EQ(file(), shown);

@@ -18,13 +18,17 @@ constexpr bool own_allocator = true;
 namespace {
 
 timeval now{};
+long clock_step = 0;
 int dates = 0;
 std::string records;
 bool out_of_memory = false;
 
 }  // namespace
 
-void support::system::set_clock(time_t seconds, long microseconds) { now = {seconds, microseconds}; }
+void support::system::set_clock(time_t seconds, long microseconds, long step) {
+  now = {seconds, microseconds};
+  clock_step = step;
+}
 
 int support::system::dates_made() { return dates; }
 
@@ -39,6 +43,7 @@ extern "C" {
 
 int gettimeofday(timeval* time, void* /*zone*/) noexcept {
   *time = now;
+  now.tv_usec += clock_step;
   errno = EINTR;  // libc may leave errno changed by any call; so does this one, always
   return 0;
 }

@@ -1,4 +1,4 @@
-// The system calls that the log makes, taken over by the test program: a clock that stands still, a system log that
+// The system calls that the log makes, taken over by the test program: a clock that is set by hand, a system log that
 // remembers, and memory that runs out. The program's symbols take the place of libc's in libsai.so.
 #pragma once
 
@@ -7,8 +7,8 @@
 
 namespace support::system {
 
-/// What gettimeofday tells from now on.
-void set_clock(time_t seconds, long microseconds);
+/// What gettimeofday tells from now on; each reading moves it on by `step` microseconds.
+void set_clock(time_t seconds, long microseconds, long step = 0);
 
 /// How often a date was made into text.
 int dates_made();
