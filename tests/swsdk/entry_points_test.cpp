@@ -1,0 +1,85 @@
+// What all entry points of the SDK have in common, whether the virtual chip models them or not.
+#include <bcm/error.h>
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+#include <swsdk/chip.h>
+#include <swsdk/fault.h>
+#include <swsdk/journal.h>
+
+#include <set>
+#include <string>
+
+#include "support/scene.h"
+#include "support/start.h"
+
+namespace {
+
+/// Every function that the interface headers declare.
+constexpr const char* functions[] = {
+#include "swsdk_functions.inc"
+};
+
+/// Beside these, functions without a public header.
+constexpr const char* undeclared[] = {"sdk_main", "bcm_esw_vlan_ip4_mcast_flood_set",
+                                      "bcm_esw_vlan_ip6_mcast_flood_set"};
+
+const std::set<std::string> without_unit = {"soc_knet_cmd_req"};
+const std::set<std::string> without_result = {"soc_linkscan_pause", "soc_linkscan_continue"};
+
+bool is_initialiser(const std::string& name) { return name.ends_with("_t_init"); }
+
+/// Calls a function of any signature with a unit and zeros; the calling convention leaves what is too much alone, and
+/// records by value are read from the caller's own stack.
+int call(const char* name, int unit) {
+  using Any = int (*)(int, void*, void*, void*, void*, void*, void*, void*);
+  const auto function = reinterpret_cast<Any>(dlsym(RTLD_DEFAULT, name));
+  if (function == nullptr) throw std::runtime_error(std::string(name) + " is missing");
+  return function(unit, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+}
+
+class EntryPoints : public testing::Test {
+ protected:
+  ~EntryPoints() override { swsdk_power_off(); }
+
+  /// Checks that each function with a unit answers `code` and writes one journal line that tells so.
+  static void expect_each_answers(int unit, int code) {
+    swsdk_journal_record(1);
+    for (const std::string name : functions) {
+      if (is_initialiser(name) || without_unit.contains(name) || name == "system_init") continue;
+      swsdk_journal_clear();
+      const int rv = call(name.c_str(), unit);
+      EXPECT_TRUE(rv == code || without_result.contains(name)) << name << ": " << rv;
+      const std::string line = support::journal();
+      EXPECT_TRUE(line.starts_with(name + "(" + std::to_string(unit))) << name << ": " << line;
+      EXPECT_TRUE(line.ends_with(") = " + std::to_string(code) + "\n")) << name << ": " << line;
+      EXPECT_EQ(line.find('\n'), line.size() - 1) << name << ": " << line;
+    }
+  }
+};
+
+TEST_F(EntryPoints, AreAllThere) {
+  EXPECT_GE(std::size(functions), 240U);
+  for (const char* name : functions) EXPECT_NE(dlsym(RTLD_DEFAULT, name), nullptr) << name;
+  for (const char* name : undeclared) EXPECT_NE(dlsym(RTLD_DEFAULT, name), nullptr) << name;
+}
+
+TEST_F(EntryPoints, RefuseAUnitThatDoesNotExist) {
+  support::start_chip();
+  expect_each_answers(7, BCM_E_UNIT);
+}
+
+TEST_F(EntryPoints, AnswerNotInitialisedBeforeTheSystemIs) {
+  support::attach_chip();
+  expect_each_answers(0, BCM_E_INIT);
+}
+
+TEST_F(EntryPoints, CanEachBeMadeToFail) {
+  support::start_chip();
+  for (const std::string name : functions) {
+    const int accepted = swsdk_fault_inject(name.c_str(), -77, SWSDK_FAULT_EVERY_CALL);
+    EXPECT_EQ(accepted, is_initialiser(name) ? -1 : 0) << name;
+  }
+  expect_each_answers(0, -77);
+}
+
+}  // namespace
