@@ -194,7 +194,7 @@ SAI_API int32_t sai_vlan_init(int32_t unit);
  * A VLAN that exists already is no error: the CPU port is added (again), so the call also repairs a VLAN that was made
  * elsewhere. When adding the CPU port fails, the VLAN stays.
  *
- * @param vid  VLAN id, 1 to 4094; checked by the chip
+ * @param vid  VLAN id, 1 to 4095; checked by the chip
  * @return 0, or the converted result of the failed `bcm_vlan_create` or `bcm_vlan_port_add`
  */
 SAI_API int32_t sai_vlan_create(int32_t unit, uint16_t vid);
@@ -202,7 +202,7 @@ SAI_API int32_t sai_vlan_create(int32_t unit, uint16_t vid);
 /**
  * Destroys a VLAN.
  *
- * @param vid  VLAN id, 1 to 4094; checked by the chip
+ * @param vid  VLAN id, 1 to 4095; checked by the chip
  * @return 0, or the converted result of `bcm_vlan_destroy`, -7 (not found) among them
  */
 SAI_API int32_t sai_vlan_destroy(int32_t unit, uint16_t vid);
@@ -217,7 +217,7 @@ SAI_API int32_t sai_vlan_destroy_all(int32_t unit);
 /**
  * Makes a port a member of a VLAN.
  *
- * @param vid     VLAN id, 1 to 4094; checked by the chip
+ * @param vid     VLAN id, 1 to 4095; checked by the chip
  * @param port    port number, 0 to 255; a larger one is refused without asking the chip
  * @param tagged  non-zero: frames of the VLAN leave the port tagged; 0: untagged
  * @return 0; -5 for a port above 255; or the converted result of `bcm_vlan_port_add`, -7 (no such VLAN) and -9 (no such
@@ -228,7 +228,7 @@ SAI_API int32_t sai_vlan_port_add(int32_t unit, uint16_t vid, uint16_t port, int
 /**
  * Removes a port, tagged or untagged, from a VLAN.
  *
- * @param vid   VLAN id, 1 to 4094; checked by the chip
+ * @param vid   VLAN id, 1 to 4095; checked by the chip
  * @param port  port number, 0 to 255; a larger one is refused without asking the chip
  * @return 0; -5 for a port above 255; or the converted result of `bcm_vlan_port_remove`
  */
@@ -237,7 +237,7 @@ SAI_API int32_t sai_vlan_port_remove(int32_t unit, uint16_t vid, uint16_t port);
 /**
  * Switches the learning of source addresses in a VLAN.
  *
- * @param vid     VLAN id, 1 to 4094; checked by the chip
+ * @param vid     VLAN id, 1 to 4095; checked by the chip
  * @param enable  non-zero: addresses are learned (`BCM_VLAN_LEARN_DISABLE` is cleared); 0: they are not
  * @return 0, or the converted result of the failed `bcm_vlan_control_vlan_get` or `bcm_vlan_control_vlan_set`; nothing
  *         is written when the get failed
@@ -247,7 +247,7 @@ SAI_API int32_t sai_vlan_l2_learn_set(int32_t unit, uint16_t vid, int32_t enable
 /**
  * Sets or clears the layer-2 lookup flag of a VLAN, `BCM_VLAN_L2_LOOKUP_DISABLE`.
  *
- * @param vid    VLAN id, 1 to 4094; checked by the chip
+ * @param vid    VLAN id, 1 to 4095; checked by the chip
  * @param value  the flag itself, not an "enable": non-zero sets it, 0 clears it
  * @return 0, or the converted result of the failed `bcm_vlan_control_vlan_get` or `bcm_vlan_control_vlan_set`; nothing
  *         is written when the get failed

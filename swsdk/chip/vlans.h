@@ -41,7 +41,7 @@ struct Vlan {
 class Vlans {
  public:
   static constexpr int lowest_id = 1;
-  static constexpr int highest_id = 4094;
+  static constexpr int highest_id = 4095;
   static constexpr int default_id = 1;
 
   explicit Vlans(const Ports& ports) : ports_(ports) { reset(); }
