@@ -1,0 +1,131 @@
+#include "built_ins.h"
+
+#include <swsdk/chip.h>
+#include <swsdk/fault.h>
+
+#include <cstdio>
+#include <string>
+
+#include "library.h"
+#include "session.h"
+
+namespace saish {
+
+namespace {
+
+constexpr int any_length = 1000;
+
+void help_on(std::string_view name) {
+  if (const BuiltIn* built_in = find_built_in(name)) {
+    std::printf("%s\n%s\n", built_in->usage, built_in->summary);
+  } else if (const Function* function = find_function(name)) {
+    std::printf("%s\n%s\nHere: %s\n", function->prototype, function->summary, usage(*function).c_str());
+  } else {
+    throw BadInput("there is no command \"" + std::string(name) + "\"; help lists them all");
+  }
+}
+
+void help(Session& /*session*/, const Words& arguments) {
+  if (!arguments.empty()) return help_on(arguments[0]);
+  std::printf("Commands of the shell:\n");
+  for (const BuiltIn& built_in : built_ins()) std::printf("  %-28s %s\n", built_in.usage, built_in.summary);
+  std::printf("\nFunctions of the library; help NAME tells more:\n");
+  for (const Function& function : functions()) std::printf("  %-28s %s\n", function.name, function.summary);
+}
+
+int unit_number(const std::string& word) {
+  const std::optional<int64_t> unit = number(word);
+  if (!unit || *unit < 0 || *unit > 15) throw BadInput("unit: \"" + word + "\" is not a number from 0 to 15");
+  return static_cast<int>(*unit);
+}
+
+std::string table_names() {
+  std::string result;
+  for (int i = 0; swsdk_show_table(i) != nullptr; ++i) result += (i > 0 ? ", " : "") + std::string(swsdk_show_table(i));
+  return result;
+}
+
+void show(Session& /*session*/, const Words& arguments) {
+  bool known = false;
+  for (int i = 0; swsdk_show_table(i) != nullptr; ++i) known = known || arguments[0] == swsdk_show_table(i);
+  if (!known) throw BadInput("there is no table \"" + arguments[0] + "\"; the tables are " + table_names());
+  const int unit = arguments.size() > 1 ? unit_number(arguments[1]) : 0;
+
+  const long length = swsdk_show(unit, arguments[0].c_str(), nullptr, 0);
+  if (length < 0) throw BadInput("unit " + std::to_string(unit) + " is not attached");
+  std::string text(static_cast<std::size_t>(length), '\0');
+  swsdk_show(unit, arguments[0].c_str(), text.data(), text.size() + 1);
+  std::fputs(text.c_str(), stdout);
+}
+
+void fail(Session& /*session*/, const Words& arguments) {
+  if (arguments[0] == "clear" && arguments.size() == 1) return swsdk_fault_clear();
+  if (arguments.size() < 2) throw BadInput("a code is missing; the form is fail NAME CODE [NTH] or fail clear");
+
+  const std::optional<int64_t> code = number(arguments[1]);
+  if (!code || *code < INT32_MIN || *code > INT32_MAX)
+    throw BadInput("code: \"" + arguments[1] + "\" is neither a number nor a BCM_E_ name");
+  const bool every = arguments.size() == 3 && arguments[2] == "every";
+  const std::optional<int64_t> nth = every ? SWSDK_FAULT_EVERY_CALL : arguments.size() == 3 ? number(arguments[2]) : 1;
+  if (!nth || *nth > INT32_MAX || *nth < (every ? 0 : 1))
+    throw BadInput("nth: \"" + arguments[2] + "\" is neither a number from 1 on nor \"every\"");
+  if (swsdk_fault_inject(arguments[0].c_str(), static_cast<int>(*code), static_cast<int>(*nth)) != 0)
+    throw BadInput("the Chip SDK has no function \"" + arguments[0] + "\"");
+}
+
+void log(Session& /*session*/, const Words& arguments) {
+  const std::string& word = arguments[0];
+  const std::optional<int64_t> given = number(word);
+  const int32_t level = word == "off"                                                   ? SAI_LOG_OFF
+                        : given && *given >= SAI_LOG_OFF && *given <= SAI_LOG_DEBUGGING ? static_cast<int32_t>(*given)
+                                                                                        : sai_level_match(word.c_str());
+  if (level == -1 && word != "off" && given != -1)
+    throw BadInput("level: \"" + word +
+                   "\" is neither off, a number from 0 to 7, nor a level such as errors or debugging");
+  if (sai_log_default == nullptr) keep(open_sai_log("saish", 0, 0, 0));
+  sai_log_set_level(nullptr, SAI_LOG_CONSOLE, level);
+}
+
+void journal(Session& session, const Words& arguments) {
+  const std::string& word = arguments[0];
+  if (word == "on" || word == "off")
+    session.follow_journal(word == "on");
+  else if (word == "clear")
+    session.clear_journal();
+  else if (word == "show")
+    std::fputs(journal_text().c_str(), stdout);
+  else
+    throw BadInput("\"" + word + "\" is not on, off, show or clear");
+}
+
+void source(Session& session, const Words& arguments) { session.run_script(arguments[0]); }
+
+void quit(Session& session, const Words& /*arguments*/) { session.end(); }
+
+/// Only for help: the session itself runs the command behind it.
+void expect(Session& /*session*/, const Words& /*arguments*/) {}
+
+constexpr BuiltIn table[] = {
+    {"help", "help [NAME]", "Lists the commands, or tells about one.", 0, 1, help},
+    {"show", "show TABLE [UNIT]", "Shows one of the chip's tables.", 1, 2, show},
+    {"journal", "journal on|off|show|clear", "Shows the SDK calls of each command, or of all since the last clear.", 1,
+     1, journal},
+    {"fail", "fail NAME CODE [NTH|every]", "Makes the nth call of an SDK function fail; \"fail clear\" ends all.", 1, 3,
+     fail},
+    {"log", "log LEVEL", "Shows log messages up to a level on the console; off: none.", 1, 1, log},
+    {"expect", "expect CODE COMMAND", "Runs a command that has to return that code.", 2, any_length, expect},
+    {"source", "source FILE", "Runs a script.", 1, 1, source},
+    {"quit", "quit", "Ends the shell.", 0, 0, quit},
+};
+
+}  // namespace
+
+std::span<const BuiltIn> built_ins() { return table; }
+
+const BuiltIn* find_built_in(std::string_view name) {
+  for (const BuiltIn& built_in : table)
+    if (name == built_in.name) return &built_in;
+  return nullptr;
+}
+
+}  // namespace saish

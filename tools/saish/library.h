@@ -1,0 +1,37 @@
+// The library's functions as the shell knows them, from sai.h.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "arguments.h"
+
+namespace saish {
+
+struct Function {
+  const char* name;
+  const char* prototype;
+  const char* summary;
+  std::vector<const char*> parameters;
+  Result (*run)(const std::vector<const char*>& parameters, const Words& arguments);
+};
+
+/// An enumerator of sai.h.
+struct Name {
+  const char* name;
+  int32_t value;
+};
+
+std::span<const Function> functions();
+const Function* find_function(std::string_view name);
+
+/// The form of a call: the name and the parameters.
+std::string usage(const Function& function);
+
+/// "-7 SAI_E_NOT_FOUND", or the number alone.
+std::string code_text(int32_t code);
+
+}  // namespace saish

@@ -1,0 +1,147 @@
+#include "session.h"
+
+#include <appl/diag/system.h>
+#include <soc/drv.h>
+#include <swsdk/chip.h>
+#include <swsdk/journal.h>
+
+#include <cstdio>
+#include <fstream>
+#include <iostream>
+
+#include "built_ins.h"
+#include "library.h"
+#include "style.h"
+
+extern "C" int sdk_main(int argc, char** argv);
+
+namespace saish {
+
+namespace {
+
+constexpr int most_scripts = 16;
+
+/// Checks how many words a command was given.
+void check_count(const std::string& form, std::size_t given, std::size_t fewest, std::size_t most) {
+  if (given < fewest) throw BadInput("too few arguments; the form is " + form);
+  if (given > most) throw BadInput("too many arguments; the form is " + form);
+}
+
+int32_t expected_code(const std::string& word) {
+  const std::optional<int64_t> code = number(word);
+  if (!code || *code < INT32_MIN || *code > INT32_MAX)
+    throw BadInput("code: \"" + word + "\" is neither a number nor a SAI_E_ name; the form is expect CODE COMMAND");
+  return static_cast<int32_t>(*code);
+}
+
+void judge(const Result& result, const std::optional<int32_t>& expected) {
+  if (!result) return;
+  if (expected ? *result == *expected : *result >= 0) return;
+  throw Unexpected("expected " + (expected ? code_text(*expected) : std::string("0 or more")) + ", came " +
+                   code_text(*result));
+}
+
+}  // namespace
+
+std::string journal_text() {
+  std::string text(swsdk_journal_read(nullptr, 0), '\0');
+  text.resize(std::min(text.size(), swsdk_journal_read(text.data(), text.size() + 1)));
+  return text;
+}
+
+Session::Session(bool cold) {
+  if (cold) return;
+  sdk_main(0, nullptr);
+  for (int unit = 0; unit < soc_ndev; ++unit) system_init(unit);
+}
+
+Session::~Session() {
+  if (sai_log_default != nullptr) close_sai_log(sai_log_default);
+  sai_log_default = nullptr;
+  swsdk_power_off();
+}
+
+void Session::follow_journal(bool on) {
+  swsdk_journal_record(on);
+  following_ = on;
+  journal_shown_ = journal_text().size();
+}
+
+void Session::clear_journal() {
+  swsdk_journal_clear();
+  journal_shown_ = 0;
+}
+
+void Session::print_news() {
+  if (!following_) return;
+  const std::string text = journal_text();
+  while (journal_shown_ < text.size()) {
+    const std::size_t end = text.find('\n', journal_shown_);
+    std::printf("  %s> %s%s\n", style::dim(), text.substr(journal_shown_, end - journal_shown_).c_str(),
+                style::plain());
+    journal_shown_ = end + 1;
+  }
+}
+
+Result Session::execute(const Words& words) {
+  const Words arguments(words.begin() + 1, words.end());
+  if (const BuiltIn* built_in = find_built_in(words[0])) {
+    check_count(built_in->usage, arguments.size(), built_in->fewest_words, built_in->most_words);
+    built_in->run(*this, arguments);
+    return std::nullopt;
+  }
+  const Function* function = find_function(words[0]);
+  if (function == nullptr) throw BadInput("there is no command \"" + words[0] + "\"; help lists them all");
+
+  const std::string form = usage(*function);
+  check_count(form, arguments.size(), function->parameters.size(), function->parameters.size());
+  Result result;
+  try {
+    result = function->run(function->parameters, arguments);
+  } catch (const BadInput& bad) {
+    throw BadInput(std::string(bad.what()) + "; the form is " + form);
+  }
+  std::fflush(stdout);
+  print_news();
+  if (result) std::printf("  %s= %s%s\n", *result < 0 ? style::red() : "", code_text(*result).c_str(), style::plain());
+  return result;
+}
+
+void Session::run(std::string_view line) {
+  Words given = words(line);
+  if (given.empty()) return;
+  std::optional<int32_t> expected;
+  if (given[0] == "expect") {
+    check_count(find_built_in("expect")->usage, given.size() - 1, 2, given.size());
+    expected = expected_code(given[1]);
+    given.erase(given.begin(), given.begin() + 2);
+    if (find_function(given[0]) == nullptr)
+      throw BadInput("expect: \"" + given[0] + "\" is not one of the library's functions");
+  }
+  judge(execute(given), expected);
+}
+
+void Session::run_script(const std::string& path) {
+  std::ifstream file;
+  if (path != "-") file.open(path);
+  std::istream& script = path == "-" ? std::cin : file;
+  if (!script) throw BadInput("cannot read the script \"" + path + "\"");
+  if (scripts_ == most_scripts)
+    throw BadInput("scripts that run each other end at a depth of " + std::to_string(most_scripts));
+
+  ++scripts_;
+  int number = 0;
+  for (std::string line; !ended_ && std::getline(script, line);) {
+    ++number;
+    std::printf("%s\n", line.c_str());
+    try {
+      run(line);
+    } catch (const std::runtime_error& error) {
+      --scripts_;
+      throw Unexpected(path + ":" + std::to_string(number) + ": " + line + ": " + error.what());
+    }
+  }
+  --scripts_;
+}
+
+}  // namespace saish

@@ -1,0 +1,54 @@
+// A session of the shell: runs lines and scripts, and says what came of them.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "arguments.h"
+
+namespace saish {
+
+/// A command of a script, or one after `expect`, did not give what it should.
+struct Unexpected : std::runtime_error {
+  using runtime_error::runtime_error;
+};
+
+class Session {
+ public:
+  /// Starts the chip, unless `cold`.
+  explicit Session(bool cold);
+  ~Session();
+
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+
+  /// Runs one line and prints what came of it. Throws BadInput when the line is no command, and nothing was changed;
+  /// Unexpected when the result is not the expected one.
+  void run(std::string_view line);
+
+  /// Runs a script line by line, each echoed first. Throws Unexpected, with file and line, at the first line that does
+  /// not give what it should.
+  void run_script(const std::string& path);
+
+  /// Whether every command prints the SDK calls that it made.
+  void follow_journal(bool on);
+  void clear_journal();
+
+  void end() { ended_ = true; }
+  bool ended() const { return ended_; }
+
+ private:
+  Result execute(const Words& words);
+  void print_news();
+
+  bool ended_ = false;
+  bool following_ = false;
+  std::size_t journal_shown_ = 0;
+  int scripts_ = 0;  // that are running each other
+};
+
+/// What the virtual chip's journal holds.
+std::string journal_text();
+
+}  // namespace saish
