@@ -39,7 +39,7 @@ struct Argument<T> {
                      " to " + std::to_string(highest));
     value = static_cast<T>(*given);
   }
-  T get() { return value; }
+  T get() const { return value; }
   T value;
 };
 
@@ -47,7 +47,7 @@ struct Argument<T> {
 template <>
 struct Argument<const char*> {
   Argument(std::string_view /*parameter*/, const std::string& word);
-  const char* get() { return kept; }
+  const char* get() const { return kept; }
   const char* kept;
 };
 
@@ -61,7 +61,7 @@ struct Argument<char*> {
 template <>
 struct Argument<sai_log_handle*> {
   Argument(std::string_view parameter, const std::string& word) : handle(log_handle(parameter, word)) {}
-  sai_log_handle* get() { return handle; }
+  sai_log_handle* get() const { return handle; }
   sai_log_handle* handle;
 };
 
