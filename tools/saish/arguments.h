@@ -70,11 +70,6 @@ using Words = std::vector<std::string>;
 /// What a call gave: a result where the function has one.
 using Result = std::optional<int32_t>;
 
-/// Keeps what open_sai_log() returned as the default log, as an application does.
-Result keep(sai_log_handle* opened);
-
-inline Result keep(int32_t result) { return result; }
-
 /// Parses every word before the call is made, so that bad input changes nothing.
 template <class Returned, class... Args, std::size_t... I>
 Result call(Returned (*function)(Args...), const std::vector<const char*>& parameters, const Words& arguments,
@@ -84,7 +79,7 @@ Result call(Returned (*function)(Args...), const std::vector<const char*>& param
     function(std::get<I>(parsed).get()...);
     return std::nullopt;
   } else {
-    return keep(function(std::get<I>(parsed).get()...));
+    return function(std::get<I>(parsed).get()...);
   }
 }
 
@@ -105,5 +100,14 @@ template <auto function>
 Result run(const std::vector<const char*>& parameters, const Words& arguments) {
   return run(function, parameters, arguments);
 }
+
+/// The shell has one log at a time and holds it for the library as an application does. These three functions check
+/// nothing, so the shell does.
+template <>
+Result run<&open_sai_log>(const std::vector<const char*>& parameters, const Words& arguments);
+template <>
+Result run<&close_sai_log>(const std::vector<const char*>& parameters, const Words& arguments);
+template <>
+Result run<&sai_log_set_level>(const std::vector<const char*>& parameters, const Words& arguments);
 
 }  // namespace saish

@@ -82,7 +82,8 @@ void log(Session& /*session*/, const Words& arguments) {
   if (level == -1 && word != "off" && given != -1)
     throw BadInput("level: \"" + word +
                    "\" is neither off, a number from 0 to 7, nor a level such as errors or debugging");
-  if (sai_log_default == nullptr) keep(open_sai_log("saish", 0, 0, 0));
+  if (sai_log_default == nullptr) sai_log_default = open_sai_log("saish", 0, 0, 0);
+  if (sai_log_default == nullptr) throw BadInput("no memory for a log");
   sai_log_set_level(nullptr, SAI_LOG_CONSOLE, level);
 }
 

@@ -80,9 +80,45 @@ Argument<const char*>::Argument(std::string_view /*parameter*/, const std::strin
   kept = texts.emplace_back(word).c_str();
 }
 
-Result keep(sai_log_handle* opened) {
-  sai_log_default = opened;
-  return opened == nullptr ? SAI_E_MEMORY : SAI_E_NONE;
+namespace {
+
+/// An index that the library uses unchecked.
+int32_t index(std::string_view parameter, const std::string& word, int32_t highest) {
+  const int32_t value = Argument<int32_t>(parameter, word).get();
+  if (value < 0 || value > highest)
+    throw BadInput(std::string(parameter) + ": \"" + word + "\" is not a number from 0 to " + std::to_string(highest));
+  return value;
+}
+
+constexpr int32_t highest_module = static_cast<int32_t>(std::size(sai_log_module_names)) - 2;
+
+}  // namespace
+
+template <>
+Result run<&open_sai_log>(const std::vector<const char*>& parameters, const Words& arguments) {
+  if (sai_log_default != nullptr) throw BadInput("a log is open; close_sai_log default closes it");
+  const int32_t module = index(parameters[1], arguments[1], highest_module);
+  const int32_t options = Argument<int32_t>(parameters[2], arguments[2]).get();
+  const int32_t facility = Argument<int32_t>(parameters[3], arguments[3]).get();
+  sai_log_default = open_sai_log(Argument<const char*>(parameters[0], arguments[0]).get(), module, options, facility);
+  return sai_log_default == nullptr ? SAI_E_MEMORY : SAI_E_NONE;
+}
+
+template <>
+Result run<&close_sai_log>(const std::vector<const char*>& parameters, const Words& arguments) {
+  sai_log_handle* log = log_handle(parameters[0], arguments[0]);
+  if (log == nullptr) throw BadInput(std::string(parameters[0]) + ": null cannot be closed");
+  close_sai_log(log);
+  sai_log_default = nullptr;
+  return std::nullopt;
+}
+
+template <>
+Result run<&sai_log_set_level>(const std::vector<const char*>& parameters, const Words& arguments) {
+  sai_log_handle* log = log_handle(parameters[0], arguments[0]);
+  const int32_t destination = index(parameters[1], arguments[1], SAI_LOG_FILE);
+  sai_log_set_level(log, destination, Argument<int32_t>(parameters[2], arguments[2]).get());
+  return std::nullopt;
 }
 
 }  // namespace saish

@@ -37,7 +37,7 @@ void run_interactively(saish::Session& session) {
 int run(saish::Session& session, const std::string& script, const std::string& command) {
   try {
     if (!command.empty())
-      session.run(command);
+      session.run_well(command);
     else if (!script.empty())
       session.run_script(script);
     else if (isatty(STDIN_FILENO) != 0)

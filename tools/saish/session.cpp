@@ -107,19 +107,21 @@ Result Session::execute(const Words& words) {
   return result;
 }
 
-void Session::run(std::string_view line) {
+Result Session::run(std::string_view line) {
   Words given = words(line);
-  if (given.empty()) return;
-  std::optional<int32_t> expected;
-  if (given[0] == "expect") {
-    check_count(find_built_in("expect")->usage, given.size() - 1, 2, given.size());
-    expected = expected_code(given[1]);
-    given.erase(given.begin(), given.begin() + 2);
-    if (find_function(given[0]) == nullptr)
-      throw BadInput("expect: \"" + given[0] + "\" is not one of the library's functions");
-  }
+  if (given.empty()) return std::nullopt;
+  if (given[0] != "expect") return execute(given);
+
+  check_count(find_built_in("expect")->usage, given.size() - 1, 2, given.size());
+  const int32_t expected = expected_code(given[1]);
+  given.erase(given.begin(), given.begin() + 2);
+  if (find_function(given[0]) == nullptr)
+    throw BadInput("expect: \"" + given[0] + "\" is not one of the library's functions");
   judge(execute(given), expected);
+  return std::nullopt;
 }
+
+void Session::run_well(std::string_view line) { judge(run(line), std::nullopt); }
 
 void Session::run_script(const std::string& path) {
   std::ifstream file;
@@ -135,7 +137,7 @@ void Session::run_script(const std::string& path) {
     ++number;
     std::printf("%s\n", line.c_str());
     try {
-      run(line);
+      run_well(line);
     } catch (const std::runtime_error& error) {
       --scripts_;
       throw Unexpected(path + ":" + std::to_string(number) + ": " + line + ": " + error.what());

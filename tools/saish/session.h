@@ -23,9 +23,12 @@ class Session {
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
 
-  /// Runs one line and prints what came of it. Throws BadInput when the line is no command, and nothing was changed;
-  /// Unexpected when the result is not the expected one.
-  void run(std::string_view line);
+  /// Runs one line, prints what came of it and returns the result of a function of the library. Throws BadInput when
+  /// the line is no command, and nothing was changed; Unexpected when `expect` was not met.
+  Result run(std::string_view line);
+
+  /// The same; throws Unexpected also when a function failed.
+  void run_well(std::string_view line);
 
   /// Runs a script line by line, each echoed first. Throws Unexpected, with file and line, at the first line that does
   /// not give what it should.
