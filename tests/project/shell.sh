@@ -1,0 +1,68 @@
+#!/usr/bin/env bash
+# usage: shell.sh SAISH EXAMPLES_DIR
+# The shell as a program: its exit codes, and what goes to standard output and what to standard error.
+set -euo pipefail
+saish=$1 examples=$2
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cd "$work"
+
+fail() {
+  echo "$1" >&2
+  exit 1
+}
+
+# check CODE ERRORS COMMAND...: COMMAND exits with CODE and writes lines to standard error that the pattern matches.
+check() {
+  local code=$1 errors=$2 got=0
+  shift 2
+  "$@" >out 2>err </dev/null || got=$?
+  [ "$got" -eq "$code" ] || fail "$*: exit code $got, not $code; it said: $(cat err)"
+  [[ "$(cat err)" =~ ^$errors$ ]] || fail "$*: said '$(cat err)', which is not: $errors"
+}
+
+one_line='[^'$'\n'']+'
+
+check 0 "" "$saish" -c "sai_vlan_create 0 10"
+[ "$(cat out)" = "  = 0" ] || fail "a command printed: $(cat out)"
+check 0 "" "$saish" -c "expect 4 sai_hash_to_sdk 0"
+check 0 "" "$saish" --cold -c "sai_unit_get"
+check 0 "" "$saish" --version
+grep -Eqx 'saish [0-9.]+' out || fail "--version printed: $(cat out)"
+
+check 1 "expected 1, came 0" "$saish" -c "expect 1 sai_unit_get"
+check 1 "expected 0 or more, came -6 SAI_E_EXISTS" "$saish" -c "sdk_to_sai BCM_E_EXISTS"
+
+for bad in nothing "sai_vlan_create 0" "sai_vlan_create 0 10 10" "sai_vlan_create 0 65536" "show nothing" \
+  "sai_err \"x" "source missing" "expect 0" "fail nothing -1" "log loud"; do
+  check 2 "$one_line" "$saish" -c "$bad"
+  [ ! -s out ] || fail "$bad: printed $(cat out)"
+done
+check 2 'cannot read the script "missing.sai"' "$saish" missing.sai
+
+printf 'sai_unit_get\nsai_unit_get\nexpect 1 sai_unit_get\nsai_hash_to_sdk 0\n' >three.sai
+check 1 'three\.sai:3: expect 1 sai_unit_get: expected 1, came 0' "$saish" three.sai
+[ "$(tail -n 1 out)" = "  = 0" ] || fail "a script went on after an unexpected result: $(cat out)"
+printf 'sai_unit_get\nnothing\n' >bad.sai
+check 1 "bad\\.sai:2: nothing: $one_line" "$saish" bad.sai
+printf 'source three.sai\n' >outer.sai
+check 1 'outer\.sai:1: source three\.sai: three\.sai:3: .*' "$saish" outer.sai
+printf 'quit\nexpect 1 sai_unit_get\n' >quit.sai
+check 0 "" "$saish" quit.sai
+
+# Standard input is a script too.
+for arguments in "" "-"; do
+  got=0
+  "$saish" $arguments <three.sai >out 2>err || got=$?
+  [ "$got" -eq 1 ] || fail "standard input: exit code $got"
+  [ "$(cat err)" = "-:3: expect 1 sai_unit_get: expected 1, came 0" ] || fail "standard input: said $(cat err)"
+done
+
+check 0 "" "$saish" "$examples/vlans.sai"
+expectations=$(grep -n '^expect ' "$examples/vlans.sai" | cut -d: -f1)
+[ -n "$expectations" ] || fail "vlans.sai: no line with expect"
+for line in $expectations; do
+  sed "${line}s/^expect SAI_E_[A-Z_]*/expect SAI_E_MEMORY/" "$examples/vlans.sai" >changed.sai
+  check 1 "changed\\.sai:$line: expect SAI_E_MEMORY .*: expected -3 SAI_E_MEMORY, came -[0-9]+ SAI_E_[A-Z_]+" \
+    "$saish" changed.sai
+done

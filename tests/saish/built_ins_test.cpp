@@ -1,0 +1,211 @@
+#include "built_ins.h"
+
+#include "library.h"
+#include "saish/shell.h"
+
+namespace {
+
+/// The first lines of what is shown: a heading and the default VLAN.
+constexpr const char* vlan_heading =
+    "VLAN  tagged  untagged  flags\n"
+    "1     {0}     {1-12}    -\n";
+
+class ShellBuiltIns : public support::Shell {
+ protected:
+  ShellBuiltIns() { run("journal off", "journal clear"); }
+
+  /// A log that is open and hears nothing, so that failures do not go to standard error.
+  void open_log() { run("open_sai_log test 0 0 0"); }
+};
+
+TEST_F(ShellBuiltIns, HelpListsEveryCommandAndEveryFunction) {
+  const std::string text = run("help");
+  const auto has_line = [&](const std::string& begin, const std::string& end) {
+    const std::size_t at = text.find("\n  " + begin + " ");
+    return at != std::string::npos && text.substr(at + 1, text.find('\n', at + 1) - at - 1).ends_with(" " + end);
+  };
+  for (const saish::BuiltIn& built_in : saish::built_ins())
+    EXPECT_TRUE(has_line(built_in.usage, built_in.summary)) << built_in.name;
+  for (const saish::Function& function : saish::functions())
+    EXPECT_TRUE(has_line(function.name, function.summary)) << function.name;
+}
+
+TEST_F(ShellBuiltIns, HelpOnAFunctionShowsItsPrototypeItsSentenceAndItsForm) {
+  EXPECT_EQ(run("help sai_vlan_create"),
+            "int32_t sai_vlan_create(int32_t unit, uint16_t vid)\n"
+            "Creates a VLAN with the CPU port as a tagged member.\n"
+            "Here: sai_vlan_create unit vid\n");
+  EXPECT_EQ(run("help sai_unit_get"),
+            "int32_t sai_unit_get(void)\n"
+            "Gives the number of the unit that the library drives: always 0.\n"
+            "Here: sai_unit_get\n");
+  EXPECT_EQ(run("help sai_err"),
+            "void sai_err(const char* format, ...)\n"
+            "Logs a message at level 3, \"errors\".\n"
+            "Here: sai_err format\n");
+}
+
+TEST_F(ShellBuiltIns, HelpOnACommandOfTheShellShowsItsForm) {
+  EXPECT_EQ(run("help expect"), "expect CODE COMMAND\nRuns a command that has to return that code.\n");
+}
+
+TEST_F(ShellBuiltIns, HelpOnAnUnknownNameIsRefused) {
+  EXPECT_TRUE(refused("help nothing").starts_with("there is no command \"nothing\"; "));
+}
+
+TEST_F(ShellBuiltIns, TooFewOrTooManyWordsAreRefusedWithTheForm) {
+  EXPECT_EQ(refused("show"), "too few arguments; the form is show TABLE [UNIT]");
+  EXPECT_EQ(refused("show vlan 0 0"), "too many arguments; the form is show TABLE [UNIT]");
+  EXPECT_EQ(refused("help a b"), "too many arguments; the form is help [NAME]");
+  EXPECT_EQ(refused("journal"), "too few arguments; the form is journal on|off|show|clear");
+  EXPECT_EQ(refused("journal on off"), "too many arguments; the form is journal on|off|show|clear");
+  EXPECT_EQ(refused("fail"), "too few arguments; the form is fail NAME CODE [NTH|every]");
+  EXPECT_EQ(refused("fail bcm_vlan_init -1 1 1"), "too many arguments; the form is fail NAME CODE [NTH|every]");
+  EXPECT_EQ(refused("log"), "too few arguments; the form is log LEVEL");
+  EXPECT_EQ(refused("source"), "too few arguments; the form is source FILE");
+  EXPECT_EQ(refused("quit now"), "too many arguments; the form is quit");
+  EXPECT_FALSE(session().ended());
+}
+
+TEST_F(ShellBuiltIns, ShowPrintsATableOfTheChip) {
+  EXPECT_EQ(run("show vlan"), vlan_heading);
+  run("sai_vlan_create 0 10", "sai_vlan_port_add 0 10 3 0");
+  EXPECT_EQ(run("show vlan 0"), std::string(vlan_heading) + "10    {0}     {3}       -\n");
+  EXPECT_TRUE(run("show port").starts_with("port  kind")) << run("show port");
+}
+
+TEST_F(ShellBuiltIns, ShowRefusesATableThatThereIsNot) {
+  const std::string text = refused("show mac_addresses");
+  EXPECT_TRUE(text.starts_with("there is no table \"mac_addresses\"; the tables are ")) << text;
+  EXPECT_NE(text.find("port"), std::string::npos);
+  EXPECT_NE(text.find("vlan"), std::string::npos);
+  EXPECT_TRUE(refused("show VLAN").starts_with("there is no table \"VLAN\"; "));
+}
+
+TEST_F(ShellBuiltIns, ShowRefusesAUnitThatThereIsNot) {
+  EXPECT_EQ(refused("show vlan 1"), "unit 1 is not attached");
+  EXPECT_EQ(refused("show vlan 15"), "unit 15 is not attached");
+  for (const std::string unit : {"16", "-1", "first"})
+    EXPECT_EQ(refused("show vlan " + unit), "unit: \"" + unit + "\" is not a number from 0 to 15");
+}
+
+TEST_F(ShellBuiltIns, JournalOnShowsExactlyTheCallsOfEachCommand) {
+  EXPECT_EQ(run("sai_vlan_create 0 10"), "  = 0\n");
+  EXPECT_EQ(run("journal on"), "");
+  EXPECT_EQ(run("sai_vlan_create 0 20"),
+            "  > bcm_vlan_create(0, 20) = 0\n"
+            "  > bcm_vlan_port_add(0, 20, {0}, {}) = 0\n"
+            "  = 0\n");
+  EXPECT_EQ(run("sai_vlan_destroy 0 20"), "  > bcm_vlan_destroy(0, 20) = 0\n  = 0\n");
+  EXPECT_EQ(run("sai_unit_get"), "  = 0\n");
+  EXPECT_EQ(run("expect -1 sai_sh_process_command 0 ps"),
+            "  > sh_process_command(0, \"ps\") = -16\n  = -1 SAI_E_FAIL\n");
+}
+
+TEST_F(ShellBuiltIns, JournalOffShowsNoneAndRecordsNone) {
+  run("journal on", "sai_vlan_init 0");
+  EXPECT_EQ(run("journal off"), "");
+  EXPECT_EQ(run("sai_vlan_create 0 10"), "  = 0\n");
+  EXPECT_EQ(run("journal show"), "bcm_vlan_init(0) = 0\n");
+  EXPECT_EQ(run("journal on", "sai_vlan_destroy 0 10"), "  > bcm_vlan_destroy(0, 10) = 0\n  = 0\n");
+}
+
+TEST_F(ShellBuiltIns, JournalShowGivesAllCallsSinceTheLastClear) {
+  EXPECT_EQ(run("journal show"), "");
+  run("journal on", "sai_vlan_create 0 10", "sai_vlan_destroy 0 10");
+  EXPECT_EQ(run("journal show"),
+            "bcm_vlan_create(0, 10) = 0\n"
+            "bcm_vlan_port_add(0, 10, {0}, {}) = 0\n"
+            "bcm_vlan_destroy(0, 10) = 0\n");
+  EXPECT_EQ(run("journal clear", "journal show"), "");
+  EXPECT_EQ(run("sai_vlan_init 0"), "  > bcm_vlan_init(0) = 0\n  = 0\n");
+  EXPECT_EQ(run("journal show"), "bcm_vlan_init(0) = 0\n");
+}
+
+TEST_F(ShellBuiltIns, JournalRefusesAnyOtherWord) {
+  EXPECT_EQ(refused("journal maybe"), "\"maybe\" is not on, off, show or clear");
+}
+
+TEST_F(ShellBuiltIns, FailMakesTheNextCallFail) {
+  open_log();
+  EXPECT_EQ(run("fail bcm_vlan_create BCM_E_FULL"), "");
+  EXPECT_EQ(run("expect SAI_E_FULL sai_vlan_create 0 10"), "  = -13 SAI_E_FULL\n");
+  EXPECT_EQ(run("sai_vlan_create 0 10"), "  = 0\n");
+}
+
+TEST_F(ShellBuiltIns, FailMakesTheNthCallFailOrEvery) {
+  open_log();
+  run("fail bcm_vlan_init -18 3");
+  EXPECT_EQ(run("sai_vlan_init 0", "sai_vlan_init 0", "expect SAI_E_PORT sai_vlan_init 0", "sai_vlan_init 0"),
+            "  = 0\n  = 0\n  = -9 SAI_E_PORT\n  = 0\n");
+  run("fail bcm_vlan_init BCM_E_MEMORY every");
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(run("expect SAI_E_MEMORY sai_vlan_init 0"), "  = -3 SAI_E_MEMORY\n");
+}
+
+TEST_F(ShellBuiltIns, FailClearEndsAllFaults) {
+  run("fail bcm_vlan_create BCM_E_FULL every", "fail bcm_vlan_port_add BCM_E_FULL 1");
+  EXPECT_EQ(run("fail clear"), "");
+  EXPECT_EQ(run("sai_vlan_create 0 10"), "  = 0\n");
+}
+
+TEST_F(ShellBuiltIns, FailRefusesWhatItDoesNotKnowAndInjectsNothing) {
+  EXPECT_EQ(refused("fail bcm_vlan_creat BCM_E_FULL"), "the Chip SDK has no function \"bcm_vlan_creat\"");
+  EXPECT_EQ(refused("fail sai_vlan_create BCM_E_FULL"), "the Chip SDK has no function \"sai_vlan_create\"");
+  EXPECT_EQ(refused("fail bcm_vlan_create"), "a code is missing; the form is fail NAME CODE [NTH] or fail clear");
+  for (const std::string code : {"BCM_E_NONSENSE", "full", "2147483648", "-2147483649"})
+    EXPECT_EQ(refused("fail bcm_vlan_create " + code), "code: \"" + code + "\" is neither a number nor a BCM_E_ name");
+  for (const std::string nth : {"0", "-1", "2147483648", "each"})
+    EXPECT_EQ(refused("fail bcm_vlan_create -1 " + nth),
+              "nth: \"" + nth + "\" is neither a number from 1 on nor \"every\"");
+  EXPECT_EQ(run("sai_vlan_create 0 10"), "  = 0\n");
+}
+
+TEST_F(ShellBuiltIns, LogSetsWhatTheConsoleTakes) {
+  const auto heard = [&] {
+    std::string levels;
+    for (const std::string function : {"sai_err", "sai_warn", "sai_notice", "sai_info", "sai_debug"})
+      if (run(function + " x") == "2026/11/21 09:05:00 NONE: x\n") levels += function.substr(4) + " ";
+    return levels;
+  };
+  run("log errors");
+  EXPECT_EQ(heard(), "err ");
+  run("log 4");
+  EXPECT_EQ(heard(), "err warn ");
+  run("log SAI_LOG_NOTIFICATIONS");
+  EXPECT_EQ(heard(), "err warn notice ");
+  run("log info");
+  EXPECT_EQ(heard(), "err warn notice info ");
+  run("log debugging");
+  EXPECT_EQ(heard(), "err warn notice info debug ");
+  run("log off");
+  EXPECT_EQ(heard(), "");
+  run("log 7", "log -1");
+  EXPECT_EQ(heard(), "");
+}
+
+TEST_F(ShellBuiltIns, LogOpensALogOnlyWhenThereIsNone) {
+  open_log();
+  sai_log_handle* const before = sai_log_default;
+  run("log 7");
+  EXPECT_EQ(sai_log_default, before);
+  EXPECT_EQ(sai_log_default->max_level[SAI_LOG_CONSOLE], 7);
+  EXPECT_EQ(sai_log_default->max_level[SAI_LOG_SYSLOG], SAI_LOG_OFF);
+  EXPECT_EQ(sai_log_default->max_level[SAI_LOG_FILE], SAI_LOG_OFF);
+}
+
+TEST_F(ShellBuiltIns, LogRefusesWhatIsNoLevel) {
+  for (const std::string level : {"8", "-2", "loud", "e"})
+    EXPECT_EQ(refused("log " + level),
+              "level: \"" + level + "\" is neither off, a number from 0 to 7, nor a level such as errors or debugging");
+  EXPECT_EQ(sai_log_default, nullptr);
+}
+
+TEST_F(ShellBuiltIns, ALogLineOnTheConsoleComesBeforeTheCallsAndTheResultLast) {
+  run("log errors", "journal on");
+  EXPECT_EQ(run("expect SAI_E_NOT_FOUND sai_vlan_port_add 0 30 4 1"),
+            "2026/11/21 09:05:00 NONE: Failed to add port [4] to vlan [30]: Entry not found\n"
+            "  > bcm_vlan_port_add(0, 30, {4}, {}) = -7\n"
+            "  = -7 SAI_E_NOT_FOUND\n");
+}
+
+}  // namespace

@@ -1,0 +1,199 @@
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "saish/shell.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class ShellSession : public support::Shell {
+ protected:
+  ShellSession() { fs::create_directory(directory_); }
+  ~ShellSession() override { fs::remove_all(directory_); }
+
+  /// Writes a script and gives its path.
+  std::string script(const std::string& name, const std::string& text) const {
+    std::ofstream(path(name)) << text;
+    return path(name);
+  }
+
+  std::string path(const std::string& name) const { return (directory_ / name).string(); }
+
+ private:
+  const fs::path directory_ = fs::temp_directory_path() / ("saish_session_test." + std::to_string(getpid()));
+};
+
+TEST_F(ShellSession, ARunPrintsTheResult) {
+  EXPECT_EQ(run("sai_vlan_create 0 10"), "  = 0\n");
+  EXPECT_EQ(run("sai_unit_get"), "  = 0\n");
+  EXPECT_EQ(saish::journal_text(), "bcm_vlan_create(0, 10) = 0\nbcm_vlan_port_add(0, 10, {0}, {}) = 0\n");
+}
+
+TEST_F(ShellSession, AFunctionWithoutResultPrintsNone) {
+  run("log off");
+  EXPECT_EQ(run("sai_err x"), "");
+}
+
+TEST_F(ShellSession, BlankLinesAndCommentsDoNothing) {
+  EXPECT_EQ(run("", "  \t", "# sai_vlan_create 0 10"), "");
+  EXPECT_EQ(saish::journal_text(), "");
+}
+
+TEST_F(ShellSession, AnUnknownCommandIsRefusedByName) {
+  for (const std::string line : {"sai_vlan_creat 0 10", "SAI_VLAN_CREATE 0 10", "vlan_create 0 10", "0"}) {
+    const std::string name = line.substr(0, line.find(' '));
+    EXPECT_TRUE(refused(line).starts_with("there is no command \"" + name + "\"; ")) << refused(line);
+  }
+  EXPECT_TRUE(refused("\"\"").starts_with("there is no command \"\"; "));
+}
+
+TEST_F(ShellSession, AQuoteThatIsNotClosedCallsNothing) {
+  EXPECT_EQ(refused("sai_vlan_create 0 \"10"), "a quoted text has no closing quote: \"10");
+}
+
+TEST_F(ShellSession, ANegativeResultIsUnexpected) {
+  run("open_sai_log test 0 0 0");
+  EXPECT_EQ(run("sai_vlan_destroy 0 99"),
+            "  = -7 SAI_E_NOT_FOUND\n"
+            "unexpected: expected 0 or more, came -7 SAI_E_NOT_FOUND\n");
+  EXPECT_EQ(run("sai_level_match debug"), "  = 7\n");
+}
+
+TEST_F(ShellSession, AnExpectedCodeThatComesIsFine) {
+  run("open_sai_log test 0 0 0");
+  EXPECT_EQ(run("expect SAI_E_NOT_FOUND sai_vlan_destroy 0 99"), "  = -7 SAI_E_NOT_FOUND\n");
+  EXPECT_EQ(run("expect -7 sai_vlan_destroy 0 99"), "  = -7 SAI_E_NOT_FOUND\n");
+  EXPECT_EQ(run("expect 0 sai_vlan_create 0 10"), "  = 0\n");
+  EXPECT_EQ(run("expect 7 sai_level_match debug"), "  = 7\n");
+}
+
+TEST_F(ShellSession, AnyOtherCodeThanTheExpectedOneIsUnexpected) {
+  run("open_sai_log test 0 0 0");
+  EXPECT_EQ(run("expect SAI_E_EXISTS sai_vlan_destroy 0 99"),
+            "  = -7 SAI_E_NOT_FOUND\n"
+            "unexpected: expected -6 SAI_E_EXISTS, came -7 SAI_E_NOT_FOUND\n");
+  EXPECT_EQ(run("expect SAI_E_NOT_FOUND sai_vlan_create 0 10"),
+            "  = 0\n"
+            "unexpected: expected -7 SAI_E_NOT_FOUND, came 0\n");
+  EXPECT_EQ(run("expect 0 sai_level_match debug"), "  = 7\nunexpected: expected 0, came 7\n");
+}
+
+TEST_F(ShellSession, AnExpectThatIsNotWellFormedCallsNothing) {
+  EXPECT_EQ(refused("expect"), "too few arguments; the form is expect CODE COMMAND");
+  EXPECT_EQ(refused("expect 0"), "too few arguments; the form is expect CODE COMMAND");
+  for (const std::string code : {"SAI_E_NONSENSE", "2147483648", "-2147483649", "sai_vlan_create"})
+    EXPECT_EQ(refused("expect " + code + " sai_vlan_create 0 10"),
+              "code: \"" + code + "\" is neither a number nor a SAI_E_ name; the form is expect CODE COMMAND");
+  for (const std::string name : {"show", "expect", "nothing"})
+    EXPECT_EQ(refused("expect 0 " + name + " vlan x"),
+              "expect: \"" + name + "\" is not one of the library's functions");
+}
+
+TEST_F(ShellSession, ExpectsCodeMayBeAnyOf32Bits) {
+  EXPECT_EQ(run("expect -2147483648 sai_unit_get"), "  = 0\nunexpected: expected -2147483648, came 0\n");
+  EXPECT_EQ(run("expect 2147483647 sai_unit_get"), "  = 0\nunexpected: expected 2147483647, came 0\n");
+}
+
+TEST_F(ShellSession, AScriptEchoesEachLineBeforeWhatItPrints) {
+  EXPECT_EQ(run_script(script("a", "# two VLANs\n\nsai_vlan_create 0 10\r\n  sai_unit_get")),
+            "# two VLANs\n"
+            "\n"
+            "sai_vlan_create 0 10\r\n"
+            "  = 0\n"
+            "  sai_unit_get\n"
+            "  = 0\n");
+}
+
+TEST_F(ShellSession, AScriptStopsAtTheFirstUnexpectedResultAndNamesFileAndLine) {
+  const std::string file =
+      script("a", "log off\n\nsai_vlan_create 0 10\nsai_vlan_destroy 0 99\nsai_vlan_create 0 20\n");
+  EXPECT_EQ(run_script(file),
+            "log off\n"
+            "\n"
+            "sai_vlan_create 0 10\n"
+            "  = 0\n"
+            "sai_vlan_destroy 0 99\n"
+            "  = -7 SAI_E_NOT_FOUND\n"
+            "unexpected: " +
+                file + ":4: sai_vlan_destroy 0 99: expected 0 or more, came -7 SAI_E_NOT_FOUND\n");
+  EXPECT_EQ(saish::journal_text(),
+            "bcm_vlan_create(0, 10) = 0\n"
+            "bcm_vlan_port_add(0, 10, {0}, {}) = 0\n"
+            "bcm_vlan_destroy(0, 99) = -7\n");
+}
+
+TEST_F(ShellSession, AScriptStopsAtBadInputAndNamesFileAndLine) {
+  const std::string file = script("a", "nonsense\nsai_vlan_create 0 10\n");
+  const std::string result = run_script(file);
+  EXPECT_TRUE(result.starts_with("nonsense\nunexpected: " + file + ":1: nonsense: there is no command \"nonsense\"; "))
+      << result;
+  EXPECT_EQ(saish::journal_text(), "");
+}
+
+TEST_F(ShellSession, AScriptThatIsNotThereIsBadInput) {
+  const std::string file = path("missing");
+  EXPECT_EQ(run_script(file), "bad input: cannot read the script \"" + file + "\"\n");
+  EXPECT_EQ(refused("source " + file), "cannot read the script \"" + file + "\"");
+}
+
+TEST_F(ShellSession, AnEmptyScriptDoesNothing) { EXPECT_EQ(run_script(script("a", "")), ""); }
+
+TEST_F(ShellSession, SourceRunsAScriptAndTheOtherGoesOn) {
+  const std::string inner = script("inner", "sai_vlan_create 0 20\n");
+  const std::string outer = script("outer", "source " + inner + "\nsai_unit_get\n");
+  EXPECT_EQ(run("source " + outer), "source " + inner +
+                                        "\n"
+                                        "sai_vlan_create 0 20\n"
+                                        "  = 0\n"
+                                        "sai_unit_get\n"
+                                        "  = 0\n");
+}
+
+TEST_F(ShellSession, WhatGoesWrongInASourcedScriptStopsTheOthersAndNamesAllOfThem) {
+  const std::string inner = script("inner", "\nsai_unit_get 1\n");
+  const std::string outer = script("outer", "sai_unit_get\nsource " + inner + "\nsai_vlan_create 0 10\n");
+  EXPECT_EQ(run("source " + outer), "sai_unit_get\n  = 0\nsource " + inner +
+                                        "\n\nsai_unit_get 1\nunexpected: " + outer + ":2: source " + inner + ": " +
+                                        inner + ":2: sai_unit_get 1: too many arguments; the form is sai_unit_get\n");
+  EXPECT_EQ(saish::journal_text(), "");
+}
+
+TEST_F(ShellSession, AScriptThatRunsItselfEndsAtADepthOf16) {
+  const std::string file = path("a");
+  script("a", "sai_vlan_init 0\nsource " + file + "\n");
+  const std::string result = run_script(file);
+  EXPECT_TRUE(result.ends_with(file + ":2: source " + file + ": scripts that run each other end at a depth of 16\n"))
+      << result;
+  std::string calls;
+  for (int i = 0; i < 16; ++i) calls += "bcm_vlan_init(0) = 0\n";
+  EXPECT_EQ(saish::journal_text(), calls);
+}
+
+TEST_F(ShellSession, AfterScriptsThatFailedTheDepthStartsAnew) {
+  const std::string bad = script("bad", "nonsense\n");
+  for (int i = 0; i < 20; ++i) run_script(bad);
+  EXPECT_EQ(run_script(script("good", "sai_unit_get\n")), "sai_unit_get\n  = 0\n");
+}
+
+TEST_F(ShellSession, QuitEndsTheScriptsThatAreRunning) {
+  const std::string inner = script("inner", "quit\nsai_vlan_create 0 10\n");
+  EXPECT_EQ(run_script(script("outer", "source " + inner + "\nsai_vlan_create 0 20\n")),
+            "source " + inner + "\nquit\n");
+  EXPECT_TRUE(session().ended());
+  EXPECT_EQ(saish::journal_text(), "");
+}
+
+TEST(ColdSession, LeavesTheChipOff) {
+  saish::Session session(true);
+  EXPECT_THROW(session.run("show vlan"), saish::BadInput);
+  testing::internal::CaptureStdout();
+  testing::internal::CaptureStderr();
+  EXPECT_NO_THROW(session.run("expect SAI_E_FAIL sai_vlan_init 0"));
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "  = -1 SAI_E_FAIL\n");
+  EXPECT_TRUE(testing::internal::GetCapturedStderr().ends_with("Failed to init vlan: No such unit\n"));
+}
+
+}  // namespace
