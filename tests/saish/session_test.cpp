@@ -54,12 +54,15 @@ TEST_F(ShellSession, AQuoteThatIsNotClosedCallsNothing) {
   EXPECT_EQ(refused("sai_vlan_create 0 \"10"), "a quoted text has no closing quote: \"10");
 }
 
-TEST_F(ShellSession, ANegativeResultIsUnexpected) {
+TEST_F(ShellSession, ANegativeResultIsUnexpectedWhereALineHasToSucceed) {
   run("open_sai_log test 0 0 0");
-  EXPECT_EQ(run("sai_vlan_destroy 0 99"),
+  EXPECT_EQ(run("sai_vlan_destroy 0 99"), "  = -7 SAI_E_NOT_FOUND\n");
+  EXPECT_EQ(run_well("sai_vlan_destroy 0 99"),
             "  = -7 SAI_E_NOT_FOUND\n"
             "unexpected: expected 0 or more, came -7 SAI_E_NOT_FOUND\n");
-  EXPECT_EQ(run("sai_level_match debug"), "  = 7\n");
+  EXPECT_EQ(run_well("expect SAI_E_NOT_FOUND sai_vlan_destroy 0 99"), "  = -7 SAI_E_NOT_FOUND\n");
+  EXPECT_EQ(run_well("sai_level_match debug"), "  = 7\n");
+  EXPECT_EQ(run_well("sai_err x"), "");
 }
 
 TEST_F(ShellSession, AnExpectedCodeThatComesIsFine) {
@@ -184,6 +187,41 @@ TEST_F(ShellSession, QuitEndsTheScriptsThatAreRunning) {
             "source " + inner + "\nquit\n");
   EXPECT_TRUE(session().ended());
   EXPECT_EQ(saish::journal_text(), "");
+}
+
+TEST_F(ShellSession, OneLogIsOpenAtATime) {
+  EXPECT_EQ(run("open_sai_log first 1 0 0"), "  = 0\n");
+  sai_log_handle* const first = sai_log_default;
+  EXPECT_TRUE(refused("open_sai_log second 0 0 0").starts_with("a log is open; close_sai_log default closes it"));
+  EXPECT_EQ(sai_log_default, first);
+  EXPECT_EQ(run("close_sai_log default"), "");
+  EXPECT_EQ(sai_log_default, nullptr);
+  EXPECT_TRUE(refused("close_sai_log default").starts_with("log: no log is open; "));
+  EXPECT_EQ(run("open_sai_log second 0 0 0"), "  = 0\n");
+  EXPECT_STREQ(sai_log_default->ident, "second");
+}
+
+TEST_F(ShellSession, NullIsNoLogThatCanBeClosed) {
+  run("open_sai_log test 0 0 0");
+  EXPECT_TRUE(refused("close_sai_log null").starts_with("log: null cannot be closed; "));
+  EXPECT_NE(sai_log_default, nullptr);
+}
+
+TEST_F(ShellSession, AnIndexThatTheLibraryUsesUncheckedIsRefusedOutsideItsTable) {
+  for (const std::string module : {"-1", "2", "2147483647", "-2147483648"})
+    EXPECT_TRUE(refused("open_sai_log test " + module + " 0 0")
+                    .starts_with("module: \"" + module + "\" is not a number from 0 to 1; "));
+  EXPECT_EQ(sai_log_default, nullptr);
+  run("open_sai_log test 1 0 0");
+  EXPECT_EQ(sai_log_default->module, 1);
+  for (const std::string log : {"default", "null"})
+    for (const std::string destination : {"-1", "3", "2147483647", "-2147483648"})
+      EXPECT_TRUE(refused("sai_log_set_level " + log + " " + destination + " 7")
+                      .starts_with("destination: \"" + destination + "\" is not a number from 0 to 2; "));
+  for (const int32_t limit : sai_log_default->max_level) EXPECT_EQ(limit, SAI_LOG_OFF);
+  run("sai_log_set_level default 0 1", "sai_log_set_level default 2 5");
+  EXPECT_EQ(sai_log_default->max_level[0], 1);
+  EXPECT_EQ(sai_log_default->max_level[2], 5);
 }
 
 TEST(ColdSession, LeavesTheChipOff) {

@@ -28,6 +28,11 @@ class Shell : public testing::Test {
     return printed([&] { session_->run(line); });
   }
 
+  /// The same for a line that has to succeed, as in a script.
+  std::string run_well(const std::string& line) {
+    return printed([&] { session_->run_well(line); });
+  }
+
   std::string run_script(const std::string& path) {
     return printed([&] { session_->run_script(path); });
   }
