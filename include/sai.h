@@ -8,7 +8,8 @@
  * - `unit` is the Chip SDK's unit number. The library drives one chip; sai_unit_get() gives its number.
  * - The result is #SAI_E_NONE (0) or a negative code of #sai_result. A code comes from the Chip SDK's result by
  *   sdk_to_sai(), or from the library itself when it refuses an argument without asking the chip.
- * - A failed SDK call is logged once, at level "errors", with a message that ends with the SDK's text for the failure.
+ * - A failed SDK call is logged once, at level "errors", with a message that ends with the SDK's text for the failure
+ *   (in the messages of sai_vlan_vport_init() a full stop follows; the LED messages have no such text).
  * - Output arguments are written on success only.
  * - Nothing is rolled back. An operation of several steps that fails in the middle leaves what it had done in the chip.
  * - One caller at a time. The library takes no locks and creates no threads.
@@ -22,6 +23,9 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+
+/* The Chip SDK's records that callbacks receive. */
+#include <bcm/link.h>
 
 /** Marks what libsai.so exports; everything else in it is hidden. */
 #define SAI_API __attribute__((visibility("default")))
@@ -51,6 +55,10 @@ enum sai_log_level {
 /**
  * A log: where messages go and how their lines look. Made by open_sai_log(), ended by close_sai_log(). Between the two
  * the caller may set every field directly.
+ *
+ * A line of the console and of the file is `2026/11/21 07:24:30.125 errors: NONE: the message`: the local time, its
+ * fraction as time_precision asks, the level where show_priority asks, the module, the message. A record of the system
+ * log is the message alone.
  */
 typedef struct sai_log_handle {
   FILE* file;             /**< log file opened by the caller, or null; closed by close_sai_log() */
@@ -61,7 +69,7 @@ typedef struct sai_log_handle {
   int32_t level;          /**< -1 after open_sai_log(); free for the caller, the library never reads it */
   int32_t syslog_options; /**< option bits that were given to the system's openlog */
   int32_t show_priority;  /**< non-zero: file and console lines carry the level's name */
-  int32_t time_precision; /**< digits of a second's fraction in the stamp of a line, 0 (none) to 19 */
+  int32_t time_precision; /**< digits of a second's fraction in the stamp, 0 to 19; any other value: no fraction */
   int32_t max_level[3];   /**< highest level that each destination takes, by #sai_log_destination; -1: none */
 } sai_log_handle;
 
@@ -179,6 +187,159 @@ SAI_API int32_t sai_unit_get(void);
  */
 SAI_API int32_t sai_sh_process_command(int32_t unit, char* command);
 
+/* ----------------------------------------------------------------------------------------- Chip start-up ---------- */
+
+/**
+ * Brings the switching chip up, from power-on to forwarding, with the library's fixed policy.
+ *
+ * Starts the Chip SDK, then for each unit: initializes it, loads the LED program, creates the CPU network interface
+ * "ethv0", switches VLAN membership checks on, prepares the multicast tables, VLAN translation and virtual ports, traps
+ * control protocols to the CPU, captures slow protocols, keeps unknown floods away from the CPU, and reserves the IPv6
+ * multicast addresses ff01::/16 and ff02::/16. To be called once, when the log is open, before any other function that
+ * needs the chip.
+ *
+ * Traps of routed, neighbour discovery, DHCP and ARP frames are set on ports up to number 8 only, the front panel;
+ * membership checks and floods on every Ethernet port.
+ *
+ * Every step but the unit's own initialization is tried whatever became of the ones before; failures are logged. Three
+ * go to standard output: that of the unit's initialization, which ends the work on this unit, and those of the two
+ * steps that reserve IPv6 multicast addresses. The results of `sdk_main` and `bcm_policer_init` are not looked at.
+ *
+ * @param system_mac  the switch's own MAC address, 6 bytes
+ * @return 0, also when there is no unit; or for the last unit the converted result of `system_init` or of setting
+ *         `bcmSwitchIpmcSameVlanL3Route`. No other failure, and none of an earlier unit, shows in it.
+ */
+SAI_API int32_t sai_switch_chip_init(const uint8_t* system_mac);
+
+/* ------------------------------------------------------------------------- Control frames and CPU queues ---------- */
+
+/**
+ * Has frames to a MAC address treated as BPDUs and copied to the CPU, from any VLAN and port.
+ *
+ * @param mac    destination MAC address to match, 6 bytes
+ * @param index  receives the index of the entry, for sai_bpdu_unset(); written on success only
+ * @return 0, or the converted result of `bcm_l2_cache_set`, -13 (table full) among them
+ */
+SAI_API int32_t sai_bpdu_set(int32_t unit, const uint8_t* mac, int32_t* index);
+
+/**
+ * Removes what sai_bpdu_set() installed.
+ *
+ * @param index  index of the entry
+ * @return 0, or the converted result of `bcm_l2_cache_delete`: -5 (no such index), -7 (no entry there)
+ */
+SAI_API int32_t sai_bpdu_unset(int32_t unit, int32_t index);
+
+/**
+ * Has LLDP frames, to 01:80:c2:00:00:0e, copied to the CPU. The library remembers one entry: after a second call the
+ * first entry can no longer be removed by sai_lldp_unset().
+ *
+ * @return 0, or the converted result of `bcm_l2_cache_set`, -13 (table full) among them
+ */
+SAI_API int32_t sai_lldp_set(int32_t unit);
+
+/**
+ * Removes the entry of the last sai_lldp_set(), whatever its unit was; without one, the entry of index 0. The index is
+ * remembered beyond the call.
+ *
+ * @return 0, or the converted result of `bcm_l2_cache_delete`, -7 (no entry there) among them
+ */
+SAI_API int32_t sai_lldp_unset(int32_t unit);
+
+/** Scheduling modes of sai_cosq_sched_set(). */
+enum sai_cosq_mode {
+  SAI_COSQ_STRICT = 0,
+  SAI_COSQ_WEIGHTED_ROUND_ROBIN = 1,
+  SAI_COSQ_DEFICIT_ROUND_ROBIN = 2,
+};
+
+/**
+ * Chooses how the queues towards the CPU are scheduled.
+ *
+ * @param mode     a #sai_cosq_mode; any other value is taken as a mode of the SDK
+ * @param weights  weight of each queue, as many as the SDK has CoS queues; neither checked nor copied
+ * @param delay    passed to the SDK as it is
+ * @return 0, or the converted result of `bcm_cosq_sched_set`, -5 (no such mode) among them
+ */
+SAI_API int32_t sai_cosq_sched_set(int32_t unit, int32_t mode, const int32_t* weights, int32_t delay);
+
+/* -------------------------------------------------------------------------------- CPU network interfaces ---------- */
+
+/**
+ * Creates a kernel network interface whose frames enter the chip as if received on the CPU port. Frames that the host
+ * receives on it keep their tag.
+ *
+ * @param netif_id  id of the interface
+ * @param name      its name; what is longer than 15 characters is cut
+ * @param mac       its MAC address, 6 bytes
+ * @return 0, or the converted result of `bcm_knet_netif_create`: -6 (a name that is taken), -13 (table full)
+ */
+SAI_API int32_t sai_knet_netif_init(int32_t unit, int32_t netif_id, const char* name, const uint8_t* mac);
+
+/**
+ * Sends a tag command to the kernel module, of which there is one per host.
+ *
+ * @param command  command selector, 36996 to 37011; others, and those without a meaning, are sent as opcode 0
+ * @param value    the command's value
+ * @return 0, or -1 when the command could not be sent, whatever the SDK's code
+ */
+SAI_API int32_t sai_knet_ktag_set(int32_t command, uint32_t value);
+
+/**
+ * Sends a VLAN command to the kernel module, of which there is one per host.
+ *
+ * @param command  command selector, 37008 or 37009; others are sent as opcode 0
+ * @param value1   the command's first value
+ * @param value2   the command's second value
+ * @return 0, or -1 when the command could not be sent, whatever the SDK's code
+ */
+SAI_API int32_t sai_knet_vlan_set(int32_t command, uint32_t value1, uint32_t value2);
+
+/* ------------------------------------------------------------------------------------------- Serial LEDs ---------- */
+
+/**
+ * Loads "/usr/sbin/bcm956275k.hex" into both LED processors of a unit and starts them. A command that fails is logged
+ * and ends the work on that processor; the message is the command, without a text of the SDK's.
+ */
+SAI_API void sai_serial_led_config(int32_t unit);
+
+/* ------------------------------------------------------------------------------------------------ Events ---------- */
+
+/**
+ * The caller's function for changes of the MAC table. Runs on a thread of the Chip SDK.
+ *
+ * @param vid        VLAN of the address
+ * @param port       its port
+ * @param mac        the address, 6 bytes, valid during the call only
+ * @param operation  `BCM_L2_CALLBACK_DELETE` or `BCM_L2_CALLBACK_ADD`
+ */
+typedef void (*sai_l2_event_cb)(uint16_t vid, int32_t port, uint8_t* mac, int32_t operation);
+
+/**
+ * Has a function called when a link of any unit goes up or down. It runs on the Chip SDK's link scan thread. To be
+ * called after sai_switch_chip_init(): units that are not attached yet are passed over.
+ *
+ * @param handler  the function
+ * @return always 0; a unit that refuses is logged
+ */
+SAI_API int32_t sai_register_link_service(bcm_linkscan_handler_t handler);
+
+/**
+ * Has a function called when an address enters or leaves the MAC table. To be called after sai_switch_chip_init().
+ *
+ * @param callback  the function; null is taken, and its events are dropped
+ * @return 0, or the converted result of `bcm_l2_addr_register`
+ */
+SAI_API int32_t sai_register_l2_service(int32_t unit, sai_l2_event_cb callback);
+
+/**
+ * Ends what sai_register_l2_service() began. A failure is logged with the words of that function.
+ *
+ * @param callback  the same function
+ * @return 0, or the converted result of `bcm_l2_addr_unregister`, -7 (was not registered) among them
+ */
+SAI_API int32_t sai_unregister_l2_service(int32_t unit, sai_l2_event_cb callback);
+
 /* ------------------------------------------------------------------------------------------- VLAN table ---------- */
 
 /**
@@ -230,7 +391,8 @@ SAI_API int32_t sai_vlan_port_add(int32_t unit, uint16_t vid, uint16_t port, int
  *
  * @param vid   VLAN id, 1 to 4095; checked by the chip
  * @param port  port number, 0 to 255; a larger one is refused without asking the chip
- * @return 0; -5 for a port above 255; or the converted result of `bcm_vlan_port_remove`
+ * @return 0; -5 for a port above 255; or the converted result of `bcm_vlan_port_remove`, -7 (no such VLAN) and -9 (no
+ *         such port) among them
  */
 SAI_API int32_t sai_vlan_port_remove(int32_t unit, uint16_t vid, uint16_t port);
 
@@ -253,6 +415,115 @@ SAI_API int32_t sai_vlan_l2_learn_set(int32_t unit, uint16_t vid, int32_t enable
  *         is written when the get failed
  */
 SAI_API int32_t sai_vlan_l2_lookup_set(int32_t unit, uint16_t vid, int32_t value);
+
+/* ------------------------------------------------------------- VLAN translation and double tagging ---------- */
+
+/**
+ * Enables VLAN translation on the chip: once per unit, before translations are added. sai_switch_chip_init() does so.
+ *
+ * @return 0, or the converted result of `bcm_vlan_control_set`
+ */
+SAI_API int32_t sai_port_vlan_translate_init(int32_t unit);
+
+/**
+ * Translates a VLAN on a port: old_vid becomes new_vid on the way in, and new_vid becomes old_vid on the way out.
+ *
+ * When the way in fails the way out is not tried; when the way out fails the way in stays.
+ *
+ * @param port         port number
+ * @param old_vid      VLAN id outside the switch; its low 16 bits count
+ * @param egress_prio  priority on the way out, passed to the SDK as it is
+ * @param new_vid      VLAN id inside the switch; its low 16 bits count
+ * @param prio         priority on the way in, passed to the SDK as it is
+ * @return 0, or the converted result of the failed `bcm_vlan_translate_add` or `bcm_vlan_translate_egress_add`, -6
+ *         (there is a translation of that VLAN) and -13 (table full) among them
+ */
+SAI_API int32_t sai_vlan_translate_add(int32_t unit, int32_t port, int32_t old_vid, int32_t egress_prio,
+                                       int32_t new_vid, int32_t prio);
+
+/**
+ * Deletes a translation of a port, each of its two directions only as far as it still is the one given. A failure ends
+ * the work: without a way in the way out is not looked at; when the way out fails the way in is gone.
+ *
+ * @param port     port number
+ * @param old_vid  VLAN id outside the switch; its low 16 bits count
+ * @param new_vid  VLAN id inside the switch; its low 16 bits count
+ * @return 0, also when neither direction was the one given; or the converted result of the failed
+ *         `bcm_vlan_translate_get`, `bcm_vlan_translate_delete`, `bcm_vlan_translate_egress_get` or
+ *         `bcm_vlan_translate_egress_delete`, -7 (no translation of that VLAN) among them
+ */
+SAI_API int32_t sai_vlan_translate_delete(int32_t unit, int32_t port, int32_t old_vid, int32_t new_vid);
+
+/**
+ * Double tagging: frames of an inner VLAN gain an outer tag on the way in, and leave with the tag of the inner VLAN
+ * alone on the way out.
+ *
+ * When the way in fails the way out is not tried; when the way out fails the way in stays.
+ *
+ * @param port             port number
+ * @param inner_vid        VLAN id of the inner tag; its low 16 bits count
+ * @param egress_priority  priority on the way out, passed to the SDK as it is
+ * @param outer_vid        VLAN id of the outer tag; its low 16 bits count
+ * @param prio             priority on the way in, passed to the SDK as it is
+ * @return 0, or the converted result of the failed `bcm_vlan_dtag_add` or `bcm_vlan_translate_egress_action_add`
+ */
+SAI_API int32_t sai_vlan_dtag_add(int32_t unit, int32_t port, int32_t inner_vid, int32_t egress_priority,
+                                  int32_t outer_vid, int32_t prio);
+
+/**
+ * Deletes what sai_vlan_dtag_add() added; the way out only when the way in could be deleted.
+ *
+ * @param port       port number
+ * @param inner_vid  VLAN id of the inner tag; its low 16 bits count
+ * @param outer_vid  VLAN id of the outer tag; its low 16 bits count
+ * @return 0, or the converted result of the failed `bcm_vlan_dtag_delete` or `bcm_vlan_translate_egress_action_delete`,
+ *         -7 (no such rule) among them
+ */
+SAI_API int32_t sai_vlan_dtag_delete(int32_t unit, int32_t port, int32_t inner_vid, int32_t outer_vid);
+
+/**
+ * Double tagging of a range of inner VLANs, which all gain the same outer tag on the way in and lose it on the way out.
+ * The way out has no priority, so what stands where sai_vlan_dtag_add() has it is ignored.
+ *
+ * @param port       port number
+ * @param inner_lo   lowest VLAN id of the inner tag; its low 16 bits count
+ * @param inner_hi   highest VLAN id of the inner tag; its low 16 bits count
+ * @param ignored    has no effect
+ * @param outer_vid  VLAN id of the outer tag; its low 16 bits count
+ * @param prio       priority on the way in
+ * @return 0, or the converted result of the failed `bcm_vlan_dtag_range_add` or `bcm_vlan_translate_egress_action_add`
+ */
+SAI_API int32_t sai_vlan_dtag_range_add(int32_t unit, int32_t port, int32_t inner_lo, int32_t inner_hi, int32_t ignored,
+                                        int32_t outer_vid, int32_t prio);
+
+/**
+ * Deletes what sai_vlan_dtag_range_add() added; the way out only when the way in could be deleted.
+ *
+ * @param port       port number
+ * @param inner_lo   lowest VLAN id of the inner tag; its low 16 bits count
+ * @param inner_hi   highest VLAN id of the inner tag; its low 16 bits count
+ * @param outer_vid  VLAN id of the outer tag; its low 16 bits count
+ * @return 0, or the converted result of the failed `bcm_vlan_dtag_range_delete` or
+ *         `bcm_vlan_translate_egress_action_delete`, -7 (no such range) among them
+ */
+SAI_API int32_t sai_vlan_dtag_range_delete(int32_t unit, int32_t port, int32_t inner_lo, int32_t inner_hi,
+                                           int32_t outer_vid);
+
+/* ----------------------------------------------------------------------------------------- Virtual ports ---------- */
+
+/**
+ * Prepares a unit for virtual ports: L3 egress objects, three flood groups, the system VLAN 4095 with every front port
+ * tagged, VLAN translation on every front port with a key of both tags and then of the outer one, and the policers.
+ * sai_switch_chip_init() does so. A second call makes three more groups, which new virtual ports then join; the earlier
+ * ones stay.
+ *
+ * No failure ends the work; each is logged, but for that of the policers. A VLAN 4095 that exists already is logged as
+ * well, and is no failure.
+ *
+ * @return 0, or the converted result of adding the last port to VLAN 4095, or of creating it when there is no port;
+ * what came before does not show
+ */
+SAI_API int32_t sai_vlan_vport_init(int32_t unit);
 
 #ifdef __cplusplus
 }

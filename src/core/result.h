@@ -15,7 +15,7 @@ namespace sai {
 
 /// True when `rv` is an SDK failure; then logs `format`, whose last conversion takes the SDK's text for `rv`.
 template <class... Args>
-[[nodiscard]] bool failed(int rv, Format<std::type_identity_t<Args>..., const char*> format, Args... args) {
+bool failed(int rv, Format<std::type_identity_t<Args>..., const char*> format, Args... args) {
   if (rv >= 0) [[likely]]
     return false;
   sai_err(format.text(), args..., error_text(rv));
@@ -27,7 +27,7 @@ template <class... Args>
 [[nodiscard]] int32_t result(int rv, Format<std::type_identity_t<Args>..., const char*> format, Args... args) {
   if (rv == SAI_E_NONE) [[likely]]
     return SAI_E_NONE;
-  static_cast<void>(failed<Args...>(rv, format, args...));
+  failed<Args...>(rv, format, args...);
   return sdk_to_sai(rv);
 }
 

@@ -1,12 +1,27 @@
-// The one door to the Chip SDK's headers: parts of the vendor's are plain C without C++ guards.
+// The door to the Chip SDK (sai.h takes the one header that its callbacks need): its headers, parts of which are plain
+// C without C++ guards, and what it exports without a public header.
 #pragma once
 
 extern "C" {
 #include <appl/diag/shell.h>
+#include <appl/diag/system.h>
+#include <bcm/cosq.h>
 #include <bcm/error.h>
+#include <bcm/ipmc.h>
+#include <bcm/knet.h>
+#include <bcm/l2.h>
+#include <bcm/link.h>
+#include <bcm/mcast.h>
+#include <bcm/multicast.h>
+#include <bcm/policer.h>
+#include <bcm/port.h>
+#include <bcm/switch.h>
 #include <bcm/trunk.h>
 #include <bcm/types.h>
 #include <bcm/vlan.h>
 #include <shared/error.h>
 #include <soc/drv.h>
+#include <soc/knet.h>
+
+int sdk_main(int argc, char** argv);
 }

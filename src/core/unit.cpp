@@ -4,7 +4,25 @@
 
 #include "core/sdk.h"
 
-int sai::cpu_port(int unit) { return CMIC_PORT(unit); }
+namespace sai {
+
+int cpu_port(int unit) { return CMIC_PORT(unit); }
+
+int lowest_port(int unit, Ports set) {
+  if (unit < 0 || unit >= soc_ndev || soc_control[unit] == nullptr) return -1;  // no such unit: nothing to walk
+  return set == Ports::ethernet ? SOC_PORT_MIN(unit, ether) : SOC_PORT_MIN(unit, port);
+}
+
+int highest_port(int unit, Ports set) {
+  return set == Ports::ethernet ? SOC_PORT_MAX(unit, ether) : SOC_PORT_MAX(unit, port);
+}
+
+bool has_port(int unit, Ports set, int port) {
+  return set == Ports::ethernet ? BCM_PBMP_MEMBER(SOC_PORT_BITMAP(unit, ether), port)
+                                : BCM_PBMP_MEMBER(SOC_PORT_BITMAP(unit, port), port);
+}
+
+}  // namespace sai
 
 // Meant: one chip, always unit 0.
 int32_t sai_unit_get() { return 0; }

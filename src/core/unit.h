@@ -1,9 +1,25 @@
-// What the library reads of the Chip SDK's information on a unit.
+// What the library reads of the Chip SDK's information on a unit; it is read nowhere else.
 #pragma once
 
 namespace sai {
 
 /// The port through which the switch's own processor is attached.
 int cpu_port(int unit);
+
+/// The port sets of a unit that the library walks.
+enum class Ports { ethernet, front };
+
+int lowest_port(int unit, Ports set);
+int highest_port(int unit, Ports set);
+bool has_port(int unit, Ports set, int port);
+
+/// Runs `body` for each port of the set in ascending order. Meant: the highest port is read anew after each.
+template <class Body>
+void for_each_port(int unit, Ports set, Body body) {
+  const int lowest = lowest_port(unit, set);
+  if (lowest < 0) return;
+  for (int port = lowest; port <= highest_port(unit, set); ++port)
+    if (has_port(unit, set, port)) body(port);
+}
 
 }  // namespace sai

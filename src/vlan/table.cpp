@@ -1,28 +1,17 @@
 #include <sai.h>
 
+#include "core/ports.h"
 #include "core/result.h"
 #include "core/sdk.h"
 #include "core/unit.h"
 
 using sai::failed;
+using sai::fits_bitmap;
+using sai::no_ports;
+using sai::only_port;
 using sai::result;
 
 namespace {
-
-bcm_pbmp_t no_ports() {
-  bcm_pbmp_t ports;
-  BCM_PBMP_CLEAR(ports);
-  return ports;
-}
-
-/// Ports are counted from 0 to BCM_PBMP_PORT_MAX - 1; the callers see to it.
-bcm_pbmp_t only_port(int port) {
-  bcm_pbmp_t ports = no_ports();
-  BCM_PBMP_PORT_ADD(ports, port);
-  return ports;
-}
-
-constexpr bool fits_bitmap(int port) { return port < BCM_PBMP_PORT_MAX; }
 
 int control_get(int unit, uint16_t vid, bcm_vlan_control_vlan_t& control) {
   bcm_vlan_control_vlan_t_init(&control);
@@ -37,6 +26,7 @@ int32_t sai_vlan_create(int32_t unit, uint16_t vid) {
   const int rv = bcm_vlan_create(unit, vid);
   // Meant: an existing VLAN gets the CPU port too, which repairs one that was made elsewhere.
   if (rv != BCM_E_EXISTS && failed(rv, "Failed to create vlan %d: %s", vid)) return sdk_to_sai(rv);
+  // Meant: "to adding".
   return result(bcm_vlan_port_add(unit, vid, only_port(sai::cpu_port(unit)), no_ports()),
                 "Failed to adding port to vlan [%d]: %s", vid);
 }

@@ -49,6 +49,16 @@ std::string api::text(Ip6 ip6) {
 
 std::string api::text(Hex hex) { return formatted("0x%x", hex.value); }
 
+std::string api::text(Bytes bytes) {
+  if (bytes.pointer == nullptr) return "NULL";
+  std::string result = "[";
+  for (unsigned i = 0; i < bytes.count; ++i) {
+    if (i > 0) result += ' ';
+    result += formatted("%02x", bytes.pointer[i]);
+  }
+  return result + ']';
+}
+
 std::string api::text(const char* string) {
   if (string == nullptr) return "NULL";
   std::string result = "\"";

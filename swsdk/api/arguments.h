@@ -3,6 +3,7 @@
 
 #include <bcm/types.h>
 
+#include <array>
 #include <cstdint>
 #include <cstring>
 #include <string>
@@ -64,6 +65,11 @@ struct Ip6 {
 struct Hex {
   uint32_t value;
 };
+/// Bytes without a structure.
+struct Bytes {
+  const uint8_t* pointer;
+  unsigned count;
+};
 
 template <class T>
 In<T> in(const T* pointer) {
@@ -89,11 +95,20 @@ inline Mac mac(const uint8_t* address) { return {address}; }
 inline Ip4 ip4(uint32_t address) { return {address}; }
 inline Ip6 ip6(const uint8_t* address) { return {address}; }
 inline Hex hex(uint32_t value) { return {value}; }
+inline Bytes bytes(const uint8_t* pointer, unsigned count) { return {pointer, count}; }
 
 /// The chip's set of the ports in an SDK bitmap.
 chip::PortSet ports(const bcm_pbmp_t& bitmap);
 /// The SDK bitmap of a set of the chip's ports.
 bcm_pbmp_t bitmap(const chip::PortSet& ports);
+
+/// The SDK's array of `Size` bytes as the chip's.
+template <std::size_t Size>
+std::array<uint8_t, Size> address(const uint8_t (&bytes)[Size]) {
+  std::array<uint8_t, Size> result;
+  std::memcpy(result.data(), bytes, Size);
+  return result;
+}
 
 /// Whether the caller gave a null pointer where the call needs one to something.
 template <class T>
@@ -112,6 +127,7 @@ std::string text(Mac mac);
 std::string text(Ip4 ip4);
 std::string text(Ip6 ip6);
 std::string text(Hex hex);
+std::string text(Bytes bytes);
 std::string text(const char* string);
 
 template <class T>

@@ -3,6 +3,19 @@
 #include "api/call.h"
 
 using api::inout;
-using api::unmodelled;
+using chip::Status;
 
-int bcm_knet_netif_create(int unit, bcm_knet_netif_t* netif) { return unmodelled(__func__, unit, inout(netif)); }
+int bcm_knet_netif_create(int unit, bcm_knet_netif_t* netif) {
+  return api::Call(__func__, unit, inout(netif)).answer([&](chip::Chip& chip) {
+    const chip::NetworkInterface wanted{
+        .type = netif->type,
+        .flags = netif->flags,
+        .mac = api::address(netif->mac_addr),
+        .vlan = netif->vlan,
+        .port = netif->port,
+        .queue = netif->cosq,
+        .name = std::string(netif->name, strnlen(netif->name, sizeof netif->name)),
+    };
+    return chip.network_interfaces.create(wanted, netif->id);
+  });
+}

@@ -2,11 +2,14 @@
 
 #include "api/call.h"
 
+using api::Call;
 using api::hex;
 using api::in;
 using api::inout;
 using api::out;
 using api::unmodelled;
+using chip::Chip;
+using chip::Status;
 
 int bcm_l2_addr_add(int unit, bcm_l2_addr_t* l2addr) { return unmodelled(__func__, unit, in(l2addr)); }
 
@@ -33,23 +36,47 @@ int bcm_l2_addr_get(int unit, uint8* mac_addr, bcm_vlan_t vid, bcm_l2_addr_t* l2
 }
 
 int bcm_l2_addr_register(int unit, bcm_l2_addr_callback_t callback, void* userdata) {
-  return unmodelled(__func__, unit, callback, userdata);
+  return Call(__func__, unit, callback, userdata).answer([&](const Chip&) {
+    return callback == nullptr ? Status::bad_parameter : api::find_unit(unit)->l2_listeners.add({callback, userdata});
+  });
 }
 
 int bcm_l2_addr_unregister(int unit, bcm_l2_addr_callback_t callback, void* userdata) {
-  return unmodelled(__func__, unit, callback, userdata);
+  return Call(__func__, unit, callback, userdata).answer([&](const Chip&) {
+    return api::find_unit(unit)->l2_listeners.remove({callback, userdata});
+  });
 }
 
 int bcm_l2_age_timer_get(int unit, int* age_seconds) { return unmodelled(__func__, unit, out(age_seconds)); }
 
 int bcm_l2_age_timer_set(int unit, int age_seconds) { return unmodelled(__func__, unit, age_seconds); }
 
-int bcm_l2_cache_delete(int unit, int index) { return unmodelled(__func__, unit, index); }
+int bcm_l2_cache_delete(int unit, int index) {
+  return Call(__func__, unit, index).answer([&](Chip& chip) { return chip.l2_cache.remove(index); });
+}
 
-int bcm_l2_cache_delete_all(int unit) { return unmodelled(__func__, unit); }
+int bcm_l2_cache_delete_all(int unit) {
+  return Call(__func__, unit).answer([](Chip& chip) {
+    chip.l2_cache.clear();
+    return Status::ok;
+  });
+}
 
 int bcm_l2_cache_set(int unit, int index, bcm_l2_cache_addr_t* addr, int* index_used) {
-  return unmodelled(__func__, unit, index, in(addr), out(index_used));
+  return Call(__func__, unit, index, in(addr), out(index_used)).answer([&](Chip& chip) {
+    const chip::L2CacheEntry entry{
+        .flags = addr->flags,
+        .mac = api::address(addr->mac),
+        .mac_mask = api::address(addr->mac_mask),
+        .vlan = addr->vlan,
+        .vlan_mask = addr->vlan_mask,
+        .source_port = addr->src_port,
+        .source_port_mask = addr->src_port_mask,
+        .destination_port = addr->dest_port,
+        .priority = addr->prio,
+    };
+    return chip.l2_cache.set(index, entry, *index_used);
+  });
 }
 
 int bcm_l2_init(int unit) { return unmodelled(__func__, unit); }

@@ -2,10 +2,18 @@
 
 #include "api/call.h"
 
-using api::unmodelled;
+using api::Call;
+using chip::Chip;
+using chip::Status;
 
-int bcm_linkscan_enable_set(int unit, int us) { return unmodelled(__func__, unit, us); }
+int bcm_linkscan_enable_set(int unit, int us) { return api::unmodelled(__func__, unit, us); }
 
-int bcm_linkscan_register(int unit, bcm_linkscan_handler_t f) { return unmodelled(__func__, unit, f); }
+int bcm_linkscan_register(int unit, bcm_linkscan_handler_t f) {
+  return Call(__func__, unit, f).answer([&](const Chip&) {
+    return f == nullptr ? Status::bad_parameter : api::find_unit(unit)->link_listeners.add(f);
+  });
+}
 
-int bcm_linkscan_unregister(int unit, bcm_linkscan_handler_t f) { return unmodelled(__func__, unit, f); }
+int bcm_linkscan_unregister(int unit, bcm_linkscan_handler_t f) {
+  return Call(__func__, unit, f).answer([&](const Chip&) { return api::find_unit(unit)->link_listeners.remove(f); });
+}

@@ -2,17 +2,23 @@
 
 #include "api/call.h"
 
+using api::Call;
 using api::hex;
 using api::inout;
 using api::out;
 using api::out_array;
 using api::unmodelled;
+using chip::Chip;
 
 int bcm_multicast_create(int unit, uint32 flags, bcm_multicast_t* group) {
-  return unmodelled(__func__, unit, hex(flags), inout(group));
+  return Call(__func__, unit, hex(flags), inout(group)).answer([&](Chip& chip) {
+    return chip.multicast_groups.create(flags, *group);
+  });
 }
 
-int bcm_multicast_destroy(int unit, bcm_multicast_t group) { return unmodelled(__func__, unit, group); }
+int bcm_multicast_destroy(int unit, bcm_multicast_t group) {
+  return Call(__func__, unit, group).answer([&](Chip& chip) { return chip.multicast_groups.destroy(group); });
+}
 
 int bcm_multicast_egress_add(int unit, bcm_multicast_t group, bcm_gport_t port, bcm_if_t encap_id) {
   return unmodelled(__func__, unit, group, port, encap_id);
@@ -28,7 +34,12 @@ int bcm_multicast_egress_get(int unit, bcm_multicast_t group, int port_max, bcm_
                     out_array(encap_id_array, port_max), out(port_count));
 }
 
-int bcm_multicast_init(int unit) { return unmodelled(__func__, unit); }
+int bcm_multicast_init(int unit) {
+  return Call(__func__, unit).answer([&](Chip& chip) {
+    chip.multicast_groups.clear();
+    return chip::Status::ok;
+  });
+}
 
 int bcm_multicast_l2_encap_get(int unit, bcm_multicast_t group, bcm_gport_t port, bcm_vlan_t vlan, bcm_if_t* encap_id) {
   return unmodelled(__func__, unit, group, port, vlan, out(encap_id));

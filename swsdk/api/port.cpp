@@ -1,11 +1,16 @@
 #include <bcm/port.h>
 
 #include "api/call.h"
+#include "chip/gports.h"
 
+using api::Call;
 using api::hex;
 using api::in;
 using api::out;
 using api::unmodelled;
+using chip::Chip;
+using chip::Status;
+using chip::gport::port_of;
 
 int bcm_port_autoneg_get(int unit, bcm_port_t port, int* autoneg) {
   return unmodelled(__func__, unit, port, out(autoneg));
@@ -36,13 +41,19 @@ int bcm_port_enable_get(int unit, bcm_port_t port, int* enable) {
 int bcm_port_enable_set(int unit, bcm_port_t port, int enable) { return unmodelled(__func__, unit, port, enable); }
 
 int bcm_port_flood_block_set(int unit, bcm_port_t ingress_port, bcm_port_t egress_port, uint32 flags) {
-  return unmodelled(__func__, unit, ingress_port, egress_port, hex(flags));
+  return Call(__func__, unit, ingress_port, egress_port, hex(flags)).answer([&](Chip& chip) {
+    return chip.port_filters.block_floods(port_of(ingress_port), port_of(egress_port), flags);
+  });
 }
 
 int bcm_port_frame_max_set(int unit, bcm_port_t port, int size) { return unmodelled(__func__, unit, port, size); }
 
 int bcm_port_gport_get(int unit, bcm_port_t port, bcm_gport_t* gport) {
-  return unmodelled(__func__, unit, port, out(gport));
+  return Call(__func__, unit, port, out(gport)).answer([&](Chip& chip) {
+    if (!chip.ports.has(port)) return Status::bad_port;
+    *gport = chip::gport::of_port(port);
+    return Status::ok;
+  });
 }
 
 int bcm_port_ifg_get(int unit, bcm_port_t port, int speed, bcm_port_duplex_t duplex, int* bit_times) {
@@ -147,5 +158,7 @@ int bcm_port_untagged_vlan_set(int unit, bcm_port_t port, bcm_vlan_t vid) {
 }
 
 int bcm_port_vlan_member_set(int unit, bcm_port_t port, uint32 flags) {
-  return unmodelled(__func__, unit, port, hex(flags));
+  return Call(__func__, unit, port, hex(flags)).answer([&](Chip& chip) {
+    return chip.port_filters.set_membership_checks(port_of(port), flags);
+  });
 }

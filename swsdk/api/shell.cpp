@@ -1,7 +1,85 @@
 #include <appl/diag/shell.h>
 
+#include <charconv>
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
 #include "api/call.h"
 
+using chip::Chip;
+using chip::Status;
+
+namespace {
+
+using Words = std::vector<std::string>;
+
+cmd_result_t help(Chip& chip, const Words& words);
+
+cmd_result_t to_result(Status status) { return status == Status::ok ? CMD_OK : CMD_FAIL; }
+
+cmd_result_t led(Chip& chip, const Words& words) {
+  if (words.size() < 3) return CMD_USAGE;
+  int number = -1;
+  const char* const end = words[1].data() + words[1].size();
+  if (std::from_chars(words[1].data(), end, number).ptr != end || !chip.led_processors.has(number)) return CMD_USAGE;
+
+  const Words rest(words.begin() + 2, words.end());
+  if (rest.size() == 2 && rest[0] == "load") {
+    std::ifstream program(rest[1]);
+    return program ? to_result(chip.led_processors.load(number, program)) : CMD_FAIL;
+  }
+  if (rest == Words{"auto", "on"} || rest == Words{"auto", "off"}) {
+    chip.led_processors.set_automatic(number, rest[1] == "on");
+    return CMD_OK;
+  }
+  if (rest == Words{"start"}) return to_result(chip.led_processors.start(number));
+  if (rest == Words{"stop"}) {
+    chip.led_processors.stop(number);
+    return CMD_OK;
+  }
+  return CMD_USAGE;
+}
+
+struct Command {
+  const char* name;
+  const char* usage;
+  cmd_result_t (*run)(Chip& chip, const Words& words);
+};
+
+constexpr Command commands[] = {
+    {"help", "help", help},
+    {"led", "led N load FILE | auto on|off | start | stop", led},
+};
+
+cmd_result_t help(Chip& /*chip*/, const Words& /*words*/) {
+  for (const Command& command : commands) std::printf("%s\n", command.usage);
+  return CMD_OK;
+}
+
+cmd_result_t process(Chip& chip, const char* line) {
+  std::istringstream stream(line);
+  Words words;
+  for (std::string word; stream >> word;) words.push_back(word);
+  if (words.empty()) return CMD_OK;
+
+  for (const Command& command : commands) {
+    if (words[0] != command.name) continue;
+    const cmd_result_t result = command.run(chip, words);
+    if (result == CMD_USAGE) std::printf("Usage: %s\n", command.usage);
+    return result;
+  }
+  std::printf("%s: no such command; help lists them\n", words[0].c_str());
+  return CMD_NFND;
+}
+
+}  // namespace
+
 cmd_result_t sh_process_command(int unit, char* c) {
-  return static_cast<cmd_result_t>(api::unmodelled(__func__, unit, c));
+  const int result = api::Call(__func__, unit, c).answer([&](Chip& chip) {
+    return c == nullptr ? static_cast<int>(CMD_USAGE) : static_cast<int>(process(chip, c));
+  });
+  return static_cast<cmd_result_t>(result);
 }

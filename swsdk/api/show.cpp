@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <vector>
 
+#include "api/arguments.h"
+
 namespace {
 
 using Row = std::vector<std::string>;
@@ -64,13 +66,121 @@ std::string show_ports(const chip::Chip& chip) {
   return columns(rows);
 }
 
+std::string mac_text(const chip::Mac& mac) { return api::text(api::Mac{mac.data()}); }
+
+std::string flag_names(uint32_t flags, std::initializer_list<std::pair<uint32_t, const char*>> names) {
+  std::string result;
+  for (const auto& [flag, name] : names)
+    if (flags & flag) result += (result.empty() ? "" : ",") + std::string(name);
+  return result.empty() ? "-" : result;
+}
+
+std::string show_l2_cache(const chip::Chip& chip) {
+  constexpr uint32_t to_cpu = 0x1;
+  constexpr uint32_t bpdu = 0x10;
+  std::vector<Row> rows{{"index", "MAC", "mask", "flags"}};
+  for (const auto& [index, entry] : chip.l2_cache.all())
+    rows.push_back({std::to_string(index), mac_text(entry.mac), mac_text(entry.mac_mask),
+                    flag_names(entry.flags, {{to_cpu, "to-cpu"}, {bpdu, "bpdu"}})});
+  return columns(rows);
+}
+
+/// Controls by number: their ports with a value other than 0, or the value for the whole chip.
+std::string show_switch_controls(const chip::Chip& chip) {
+  std::vector<Row> rows{{"control", "value"}};
+  std::map<int, chip::PortSet> ports;
+  for (const auto& [key, value] : chip.switch_controls.all()) {
+    const auto& [control, port] = key;
+    if (value == 0) continue;
+    if (port == chip::SwitchControls::whole_chip)
+      rows.push_back({chip::SwitchControls::name(control), std::to_string(value)});
+    else
+      ports[control].add(port);
+  }
+  for (const auto& [control, set] : ports)
+    rows.push_back({chip::SwitchControls::name(control), "on ports " + text(set)});
+  return columns(rows);
+}
+
+std::string show_filters(const chip::Chip& chip) {
+  using chip::PortFilters;
+  std::vector<Row> rows{{"port", "checks VLANs at", "floods kept from the CPU"}};
+  for (int port = 0; port <= chip.ports.all().highest(); ++port)
+    rows.push_back({std::to_string(port),
+                    flag_names(chip.port_filters.membership_checks(port),
+                               {{PortFilters::check_ingress, "ingress"}, {PortFilters::check_egress, "egress"}}),
+                    flag_names(chip.port_filters.blocked_floods(port, chip::Ports::cpu),
+                               {{PortFilters::broadcast, "broadcast"},
+                                {PortFilters::unknown_unicast, "unknown unicast"},
+                                {PortFilters::unknown_multicast, "unknown multicast"}})});
+  return columns(rows);
+}
+
+std::string show_multicast(const chip::Chip& chip) {
+  using chip::MulticastGroups;
+  std::vector<Row> rows{{"group", "type"}};
+  for (const auto& [id, group] : chip.multicast_groups.all())
+    rows.push_back({std::to_string(id), group.type == MulticastGroups::l2   ? "L2"
+                                        : group.type == MulticastGroups::l3 ? "L3"
+                                                                            : "VLAN"});
+  return columns(rows);
+}
+
+std::string show_network_interfaces(const chip::Chip& chip) {
+  std::vector<Row> rows{{"id", "name", "MAC", "type", "flags"}};
+  for (const auto& [id, netif] : chip.network_interfaces.all())
+    rows.push_back({std::to_string(id), netif.name, mac_text(netif.mac), std::to_string(netif.type),
+                    api::text(api::hex(netif.flags))});
+  return columns(rows);
+}
+
+std::string show_leds(const chip::Chip& chip) {
+  std::vector<Row> rows{{"processor", "program", "auto", "state"}};
+  for (int led = 0; led < chip::LedProcessors::count; ++led) {
+    const chip::LedProcessor& processor = chip.led_processors[led];
+    rows.push_back({std::to_string(led), processor.loaded ? "loaded" : "-", processor.automatic ? "on" : "off",
+                    processor.running ? "running" : "stopped"});
+  }
+  return columns(rows);
+}
+
+std::string show_translations(const chip::Chip& chip) {
+  const chip::VlanTranslations& tables = chip.vlan_translations;
+  std::vector<Row> rows{{"direction", "port", "VLAN", "becomes", "priority"}};
+  for (const auto& [key, to] : tables.ingress())
+    rows.push_back({"in", std::to_string(key.port), std::to_string(key.vlan), std::to_string(to.vlan),
+                    std::to_string(to.priority)});
+  for (const auto& [key, range] : tables.outer())
+    rows.push_back({"in", std::to_string(key.port),
+                    std::to_string(key.vlan) + (range.high > key.vlan ? "-" + std::to_string(range.high) : ""),
+                    "inner of " + std::to_string(range.outer.vlan), std::to_string(range.outer.priority)});
+  for (const auto& [key, to] : tables.egress())
+    rows.push_back({"out", std::to_string(key.port), std::to_string(key.vlan), std::to_string(to.vlan),
+                    std::to_string(to.priority)});
+  for (const auto& [key, action] : chip.egress_actions.all())
+    rows.push_back({"out", std::to_string(key.port_class),
+                    std::to_string(key.outer) + (key.inner != 0 ? ":" + std::to_string(key.inner) : ""),
+                    action.double_tagged.outer.vlan == chip::TagAction::remove ? "without the outer tag"
+                    : action.outer_vlan != 0                                   ? std::to_string(action.outer_vlan)
+                                                                               : "-",
+                    std::to_string(action.priority)});
+  return columns(rows);
+}
+
 struct Table {
   const char* name;
   std::string (*show)(const chip::Chip& chip);
 };
 
 constexpr Table tables[] = {
+    {"control", show_switch_controls},
+    {"filter", show_filters},
+    {"l2cache", show_l2_cache},
+    {"led", show_leds},
+    {"multicast", show_multicast},
+    {"netif", show_network_interfaces},
     {"port", show_ports},
+    {"translation", show_translations},
     {"vlan", show_vlans},
 };
 

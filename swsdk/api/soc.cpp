@@ -1,5 +1,4 @@
 #include <soc/cmic.h>
-#include <soc/knet.h>
 
 #include "api/call.h"
 
@@ -25,9 +24,4 @@ int soc_miimc45_read(int unit, uint32 phy_id, uint8 phy_devad, uint16 phy_reg_ad
 
 int soc_miimc45_write(int unit, uint32 phy_id, uint8 phy_devad, uint16 phy_reg_addr, uint16 phy_wr_data) {
   return unmodelled(__func__, unit, phy_id, phy_devad, phy_reg_addr, hex(phy_wr_data));
-}
-
-int soc_knet_cmd_req(kcom_msg_t* kmsg, unsigned int len, unsigned int buf_size) {
-  return api::call_without_unit(
-      __func__, [] { return chip::Status::unavailable; }, kmsg, len, buf_size);
 }

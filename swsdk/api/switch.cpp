@@ -1,5 +1,7 @@
 #include <bcm/switch.h>
 
+#include <vector>
+
 #include "api/call.h"
 
 using api::array;
@@ -26,7 +28,12 @@ int bcm_switch_control_set(int unit, bcm_switch_control_t type, int arg) {
 
 int bcm_switch_ipv6_reserved_multicast_addr_multi_set(int unit, int inner, int num, bcm_ip6_t* ip6_addr,
                                                       bcm_ip6_t* ip6_mask) {
-  return unmodelled(__func__, unit, inner, num, array(ip6_addr, num), array(ip6_mask, num));
+  return Call(__func__, unit, inner, num, array(ip6_addr, num), array(ip6_mask, num)).answer([&](Chip& chip) {
+    if (num < 0) return chip::Status::bad_parameter;
+    std::vector<chip::Ip6Match> matches;
+    for (int i = 0; i < num; ++i) matches.push_back({api::address(ip6_addr[i]), api::address(ip6_mask[i])});
+    return chip.reserved_multicast.set(inner, matches);
+  });
 }
 
 int bcm_switch_network_group_config_get(int unit, bcm_switch_network_group_t source_network_group_id,

@@ -10,6 +10,8 @@
 #include <string>
 
 #include "api/call.h"
+#include "api/events.h"
+#include "api/kernel_commands.h"
 #include "api/show.h"
 
 int soc_ndev = 0;
@@ -96,11 +98,14 @@ int swsdk_board_set(const swsdk_board* board) {
 }
 
 void swsdk_power_off() {
+  api::stop_event_threads();
   soc_ndev = 0;
   attached_units = 0;
   for (api::Unit& unit : units) {
     unit.chip.reset();
     unit.initialised = false;
+    unit.link_listeners.clear();
+    unit.l2_listeners.clear();
   }
   for (soc_control_t*& control : soc_control) control = nullptr;
   for (uint32*& module : l3_module_data) module = nullptr;
@@ -108,6 +113,7 @@ void swsdk_power_off() {
   swsdk_fault_clear();
   swsdk_journal_record(0);
   swsdk_journal_clear();
+  api::forget_kernel_commands();
 }
 
 long swsdk_show(int unit, const char* table, char* buffer, size_t size) {

@@ -3,6 +3,7 @@
 #include <tuple>
 
 #include "api/call.h"
+#include "chip/gports.h"
 
 using api::Call;
 using api::hex;
@@ -13,6 +14,7 @@ using api::ports;
 using api::unmodelled;
 using chip::Chip;
 using chip::Status;
+using chip::gport::port_of;
 
 namespace {
 
@@ -62,17 +64,56 @@ chip::VlanControl to_chip(const bcm_vlan_control_vlan_t& sdk) {
   return own;
 }
 
+chip::EgressAction to_chip(const bcm_vlan_action_set_t& sdk) {
+  const auto change = [](bcm_vlan_action_t vlan, bcm_vlan_action_t priority, bcm_vlan_action_t packet_priority,
+                         bcm_vlan_action_t cfi) {
+    using chip::TagAction;
+    return chip::TagChange{TagAction(vlan), TagAction(priority), TagAction(packet_priority), TagAction(cfi)};
+  };
+  constexpr bcm_vlan_action_t no_such_field = bcmVlanActionNone;
+  return {
+      .double_tagged = {change(sdk.dt_outer, sdk.dt_outer_prio, sdk.dt_outer_pkt_prio, sdk.dt_outer_cfi),
+                        change(sdk.dt_inner, sdk.dt_inner_prio, sdk.dt_inner_pkt_prio, sdk.dt_inner_cfi)},
+      .outer_tagged = {change(sdk.ot_outer, sdk.ot_outer_prio, sdk.ot_outer_pkt_prio, sdk.ot_outer_cfi),
+                       change(sdk.ot_inner, no_such_field, sdk.ot_inner_pkt_prio, sdk.ot_inner_cfi)},
+      .inner_tagged = {change(sdk.it_outer, no_such_field, sdk.it_outer_pkt_prio, sdk.it_outer_cfi),
+                       change(sdk.it_inner, sdk.it_inner_prio, sdk.it_inner_pkt_prio, sdk.it_inner_cfi)},
+      .untagged = {change(sdk.ut_outer, no_such_field, sdk.ut_outer_pkt_prio, sdk.ut_outer_cfi),
+                   change(sdk.ut_inner, no_such_field, sdk.ut_inner_pkt_prio, sdk.ut_inner_cfi)},
+      .outer_vlan = sdk.new_outer_vlan,
+      .inner_vlan = sdk.new_inner_vlan,
+      .priority = sdk.priority,
+      .inner_packet_priority = sdk.new_inner_pkt_prio,
+      .outer_cfi = sdk.new_outer_cfi,
+      .inner_cfi = sdk.new_inner_cfi,
+  };
+}
+
+/// Hands a translation that was found to the caller.
+Status tell(Status status, const chip::Translation& found, bcm_vlan_t* vlan, int* priority) {
+  if (status != Status::ok) return status;
+  *vlan = found.vlan;
+  *priority = found.priority;
+  return status;
+}
+
 }  // namespace
 
 int bcm_vlan_control_port_get(int unit, int port, bcm_vlan_control_port_t type, int* arg) {
-  return unmodelled(__func__, unit, port, type, out(arg));
+  return Call(__func__, unit, port, type, out(arg)).answer([&](Chip& chip) {
+    return chip.vlan_controls.get_port(port_of(port), type, *arg);
+  });
 }
 
 int bcm_vlan_control_port_set(int unit, int port, bcm_vlan_control_port_t type, int arg) {
-  return unmodelled(__func__, unit, port, type, arg);
+  return Call(__func__, unit, port, type, arg).answer([&](Chip& chip) {
+    return chip.vlan_controls.set_port(port_of(port), type, arg);
+  });
 }
 
-int bcm_vlan_control_set(int unit, bcm_vlan_control_t type, int arg) { return unmodelled(__func__, unit, type, arg); }
+int bcm_vlan_control_set(int unit, bcm_vlan_control_t type, int arg) {
+  return Call(__func__, unit, type, arg).answer([&](Chip& chip) { return chip.vlan_controls.set(type, arg); });
+}
 
 int bcm_vlan_control_vlan_get(int unit, bcm_vlan_t vlan, bcm_vlan_control_vlan_t* control) {
   return Call(__func__, unit, vlan, out(control)).answer([&](Chip& chip) {
@@ -102,18 +143,28 @@ int bcm_vlan_destroy_all(int unit) {
 }
 
 int bcm_vlan_dtag_add(int unit, int port, bcm_vlan_t old_vid, bcm_vlan_t new_vid, int prio) {
-  return unmodelled(__func__, unit, port, old_vid, new_vid, prio);
+  return Call(__func__, unit, port, old_vid, new_vid, prio).answer([&](Chip& chip) {
+    return chip.vlan_translations.add_outer(port_of(port), old_vid, old_vid, {new_vid, prio});
+  });
 }
 
-int bcm_vlan_dtag_delete(int unit, int port, bcm_vlan_t old_vid) { return unmodelled(__func__, unit, port, old_vid); }
+int bcm_vlan_dtag_delete(int unit, int port, bcm_vlan_t old_vid) {
+  return Call(__func__, unit, port, old_vid).answer([&](Chip& chip) {
+    return chip.vlan_translations.remove_outer(port_of(port), old_vid, old_vid);
+  });
+}
 
 int bcm_vlan_dtag_range_add(int unit, int port, bcm_vlan_t old_vid_low, bcm_vlan_t old_vid_high, bcm_vlan_t new_vid,
                             int int_prio) {
-  return unmodelled(__func__, unit, port, old_vid_low, old_vid_high, new_vid, int_prio);
+  return Call(__func__, unit, port, old_vid_low, old_vid_high, new_vid, int_prio).answer([&](Chip& chip) {
+    return chip.vlan_translations.add_outer(port_of(port), old_vid_low, old_vid_high, {new_vid, int_prio});
+  });
 }
 
 int bcm_vlan_dtag_range_delete(int unit, int port, bcm_vlan_t old_vid_low, bcm_vlan_t old_vid_high) {
-  return unmodelled(__func__, unit, port, old_vid_low, old_vid_high);
+  return Call(__func__, unit, port, old_vid_low, old_vid_high).answer([&](Chip& chip) {
+    return chip.vlan_translations.remove_outer(port_of(port), old_vid_low, old_vid_high);
+  });
 }
 
 int bcm_vlan_gport_add(int unit, bcm_vlan_t vlan, bcm_gport_t port, int flags) {
@@ -166,34 +217,54 @@ int bcm_vlan_port_remove(int unit, bcm_vlan_t vid, bcm_pbmp_t pbmp) {
 }
 
 int bcm_vlan_translate_add(int unit, int port, bcm_vlan_t old_vid, bcm_vlan_t new_vid, int prio) {
-  return unmodelled(__func__, unit, port, old_vid, new_vid, prio);
+  return Call(__func__, unit, port, old_vid, new_vid, prio).answer([&](Chip& chip) {
+    return chip.vlan_translations.add(port_of(port), old_vid, {new_vid, prio});
+  });
 }
 
 int bcm_vlan_translate_delete(int unit, int port, bcm_vlan_t old_vid) {
-  return unmodelled(__func__, unit, port, old_vid);
+  return Call(__func__, unit, port, old_vid).answer([&](Chip& chip) {
+    return chip.vlan_translations.remove(port_of(port), old_vid);
+  });
 }
 
 int bcm_vlan_translate_egress_action_add(int unit, int port_class, bcm_vlan_t outer_vlan, bcm_vlan_t inner_vlan,
                                          bcm_vlan_action_set_t* action) {
-  return unmodelled(__func__, unit, port_class, outer_vlan, inner_vlan, in(action));
+  return Call(__func__, unit, port_class, outer_vlan, inner_vlan, in(action)).answer([&](Chip& chip) {
+    return chip.egress_actions.set({port_class, outer_vlan, inner_vlan}, to_chip(*action));
+  });
 }
 
 int bcm_vlan_translate_egress_action_delete(int unit, int port_class, bcm_vlan_t outer_vlan, bcm_vlan_t inner_vlan) {
-  return unmodelled(__func__, unit, port_class, outer_vlan, inner_vlan);
+  return Call(__func__, unit, port_class, outer_vlan, inner_vlan).answer([&](Chip& chip) {
+    return chip.egress_actions.remove({port_class, outer_vlan, inner_vlan});
+  });
 }
 
 int bcm_vlan_translate_egress_add(int unit, int port, bcm_vlan_t old_vid, bcm_vlan_t new_vid, int prio) {
-  return unmodelled(__func__, unit, port, old_vid, new_vid, prio);
+  return Call(__func__, unit, port, old_vid, new_vid, prio).answer([&](Chip& chip) {
+    return chip.vlan_translations.add_egress(port_of(port), old_vid, {new_vid, prio});
+  });
 }
 
 int bcm_vlan_translate_egress_delete(int unit, int port, bcm_vlan_t old_vid) {
-  return unmodelled(__func__, unit, port, old_vid);
+  return Call(__func__, unit, port, old_vid).answer([&](Chip& chip) {
+    return chip.vlan_translations.remove_egress(port_of(port), old_vid);
+  });
 }
 
 int bcm_vlan_translate_egress_get(int unit, int port, bcm_vlan_t old_vid, bcm_vlan_t* new_vid, int* prio) {
-  return unmodelled(__func__, unit, port, old_vid, out(new_vid), out(prio));
+  return Call(__func__, unit, port, old_vid, out(new_vid), out(prio)).answer([&](Chip& chip) {
+    chip::Translation found;
+    const Status status = chip.vlan_translations.find_egress(port_of(port), old_vid, found);
+    return tell(status, found, new_vid, prio);
+  });
 }
 
 int bcm_vlan_translate_get(int unit, int port, bcm_vlan_t old_vid, bcm_vlan_t* new_vid, int* prio) {
-  return unmodelled(__func__, unit, port, old_vid, out(new_vid), out(prio));
+  return Call(__func__, unit, port, old_vid, out(new_vid), out(prio)).answer([&](Chip& chip) {
+    chip::Translation found;
+    const Status status = chip.vlan_translations.find(port_of(port), old_vid, found);
+    return tell(status, found, new_vid, prio);
+  });
 }

@@ -1,14 +1,30 @@
 // One switching chip: its ports and its tables.
 #pragma once
 
+#include "chip/egress_actions.h"
+#include "chip/l2_cache.h"
+#include "chip/led_processors.h"
+#include "chip/multicast_groups.h"
+#include "chip/network_interfaces.h"
+#include "chip/port_filters.h"
 #include "chip/ports.h"
+#include "chip/queues.h"
+#include "chip/reserved_multicast.h"
 #include "chip/switch_controls.h"
+#include "chip/vlan_controls.h"
+#include "chip/vlan_translations.h"
 #include "chip/vlans.h"
 
 namespace chip {
 
 struct Chip {
-  explicit Chip(int ethernet_ports) : ports(ethernet_ports), vlans(ports), switch_controls(ports) {}
+  explicit Chip(int ethernet_ports)
+      : ports(ethernet_ports),
+        vlans(ports),
+        vlan_controls(ports),
+        vlan_translations(ports),
+        port_filters(ports),
+        switch_controls(ports) {}
 
   // The tables refer to the ports.
   Chip(const Chip&) = delete;
@@ -17,12 +33,34 @@ struct Chip {
   /// Every table as after power-on.
   void reset() {
     vlans.reset();
+    vlan_controls.reset();
+    vlan_translations.reset();
+    egress_actions.clear();
+    port_filters.reset();
     switch_controls.reset();
+    l2_cache.clear();
+    multicast_groups.clear();
+    multicast_routing = false;
+    reserved_multicast.reset();
+    queues.reset();
+    network_interfaces.clear();
+    led_processors.reset();
   }
 
   Ports ports;
   Vlans vlans;
+  VlanControls vlan_controls;
+  VlanTranslations vlan_translations;
+  EgressActions egress_actions;
+  PortFilters port_filters;
   SwitchControls switch_controls;
+  L2Cache l2_cache;
+  MulticastGroups multicast_groups;
+  bool multicast_routing = false;
+  ReservedMulticast reserved_multicast;
+  Queues queues;
+  NetworkInterfaces network_interfaces;
+  LedProcessors led_processors;
 };
 
 }  // namespace chip

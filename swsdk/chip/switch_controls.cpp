@@ -2,30 +2,51 @@
 
 namespace chip {
 
+namespace {
+
+struct Row {
+  SwitchControl control;
+  bool of_each_port;
+  const char* name;
+};
+
+constexpr Row rows[] = {
+    {SwitchControl::non_ip_l3_error_to_cpu, true, "non-IP L3 errors to CPU"},
+    {SwitchControl::ip6_l3_destination_miss_to_cpu, true, "IPv6 destination misses to CPU"},
+    {SwitchControl::ip4_l3_destination_miss_to_cpu, true, "IPv4 destination misses to CPU"},
+    {SwitchControl::arp_reply_to_cpu, true, "ARP replies to CPU"},
+    {SwitchControl::arp_request_to_cpu, true, "ARP requests to CPU"},
+    {SwitchControl::neighbour_discovery_to_cpu, true, "neighbour discovery to CPU"},
+    {SwitchControl::dhcp_to_cpu, true, "DHCP to CPU"},
+    {SwitchControl::dhcp_drop, true, "DHCP dropped"},
+    {SwitchControl::ip4_reserved_multicast_flood, true, "IPv4 reserved multicast flooded"},
+    {SwitchControl::ip6_reserved_multicast_to_cpu, true, "IPv6 reserved multicast to CPU"},
+    {SwitchControl::ip6_reserved_multicast_flood, true, "IPv6 reserved multicast flooded"},
+    {SwitchControl::directed_mirroring, false, "directed mirroring"},
+    {SwitchControl::mld_reserved_multicast_enable, false, "reserved MLD multicast"},
+    {SwitchControl::l3_egress_mode, false, "L3 egress objects"},
+    {SwitchControl::ipmc_same_vlan_l3_route, false, "multicast routed within a VLAN"},
+    {SwitchControl::l2_destination_hit_enable, false, "L2 destination hits"},
+    {SwitchControl::flexible_mirror_destinations, false, "flexible mirror destinations"},
+};
+
+const Row* find(int control) {
+  for (const Row& row : rows)
+    if (static_cast<int>(row.control) == control) return &row;
+  return nullptr;
+}
+
+}  // namespace
+
 SwitchControls::Scope SwitchControls::scope(int control) {
-  switch (static_cast<SwitchControl>(control)) {
-    using enum SwitchControl;
-    case non_ip_l3_error_to_cpu:
-    case ip6_l3_destination_miss_to_cpu:
-    case ip4_l3_destination_miss_to_cpu:
-    case arp_reply_to_cpu:
-    case arp_request_to_cpu:
-    case neighbour_discovery_to_cpu:
-    case dhcp_to_cpu:
-    case dhcp_drop:
-    case ip4_reserved_multicast_flood:
-    case ip6_reserved_multicast_to_cpu:
-    case ip6_reserved_multicast_flood:
-      return Scope::port;
-    case directed_mirroring:
-    case mld_reserved_multicast_enable:
-    case l3_egress_mode:
-    case ipmc_same_vlan_l3_route:
-    case l2_destination_hit_enable:
-    case flexible_mirror_destinations:
-      return Scope::chip;
-  }
-  return Scope::none;
+  const Row* const row = find(control);
+  if (row == nullptr) return Scope::none;
+  return row->of_each_port ? Scope::port : Scope::chip;
+}
+
+const char* SwitchControls::name(int control) {
+  const Row* const row = find(control);
+  return row == nullptr ? "" : row->name;
 }
 
 Status SwitchControls::set(int control, int value) {

@@ -48,14 +48,20 @@ class SwitchControls {
   Status set_port(int port, int control, int value);
   Status get_port(int port, int control, int& value) const;
 
- private:
+  /// The name of a control that the chip has.
+  static const char* name(int control);
+
+  /// What is set, by (control, port or whole_chip).
+  const std::map<std::pair<int, int>, int>& all() const { return values_; }
+
   static constexpr int whole_chip = -1;
 
+ private:
   enum class Scope { none, port, chip };
   static Scope scope(int control);
 
   const Ports& ports_;
-  std::map<std::pair<int, int>, int> values_;  // by (control, port or whole_chip); absent: 0
+  std::map<std::pair<int, int>, int> values_;  // absent: 0
 };
 
 }  // namespace chip

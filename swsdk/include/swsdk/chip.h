@@ -39,7 +39,7 @@ void swsdk_power_off(void);
  * Prints one of a unit's tables for people, a line per entry under a line of headings.
  *
  * @param unit    number of an attached unit
- * @param table   "port" or "vlan"
+ * @param table   one of swsdk_show_table()
  * @param buffer  where to print to; always ended by a zero byte when size is not 0; may be null when size is 0
  * @param size    size of the buffer in bytes; what does not fit is left out
  * @return length of the whole text in bytes, without a zero byte; -1 when there is no such unit or table
@@ -52,6 +52,39 @@ long swsdk_show(int unit, const char* table, char* buffer, size_t size);
  * @return the name of table number `index`, from 0, or null past the last
  */
 const char* swsdk_show_table(int index);
+
+/**
+ * Raises a link event: the link scan thread calls the handlers of `bcm_linkscan_register`.
+ *
+ * @param port  an Ethernet port
+ * @param up    non-zero: the link went up; 0: it went down
+ * @return 0, or -1 when there is no such initialised unit or port
+ */
+int swsdk_link_event(int unit, int port, int up);
+
+/**
+ * Raises an event of the MAC table: the L2 thread calls the functions of `bcm_l2_addr_register`.
+ *
+ * @param operation  what happened: `BCM_L2_CALLBACK_ADD`, `BCM_L2_CALLBACK_DELETE` or another code
+ * @param vid        VLAN of the address, 1 to 4095
+ * @param mac        the address, 6 bytes
+ * @param port       its port
+ * @return 0, or -1 when there is no such initialised unit or port, or the VLAN is out of range
+ */
+int swsdk_l2_event(int unit, int operation, int vid, const unsigned char* mac, int port);
+
+/** Waits until all events that were raised have been told. Returns at once when it is called from a callback. */
+void swsdk_events_drain(void);
+
+/**
+ * Reads a command that was sent to the kernel module by `soc_knet_cmd_req`. The last 64 are kept.
+ *
+ * @param index   0 for the newest, 1 for the one before it, and so on
+ * @param buffer  where to copy its bytes to; may be null when size is 0
+ * @param size    size of the buffer in bytes; what does not fit is left out
+ * @return length of the command in bytes, or 0 when there is none of that index
+ */
+size_t swsdk_kernel_command(int index, void* buffer, size_t size);
 
 #ifdef __cplusplus
 }

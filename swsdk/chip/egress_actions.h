@@ -1,0 +1,75 @@
+// What happens to the tags of frames on the way out, by class of the port and by the tags that they have.
+#pragma once
+
+#include <compare>
+#include <cstdint>
+#include <map>
+
+#include "chip/status.h"
+
+namespace chip {
+
+enum class TagAction : int { none, add, replace, remove, copy };
+
+/// What becomes of the parts of one tag.
+struct TagChange {
+  TagAction vlan = TagAction::none;
+  TagAction priority = TagAction::none;
+  TagAction packet_priority = TagAction::none;
+  TagAction cfi = TagAction::none;
+};
+
+struct TagsChange {
+  TagChange outer;
+  TagChange inner;
+};
+
+struct EgressAction {
+  TagsChange double_tagged;
+  TagsChange outer_tagged;
+  TagsChange inner_tagged;
+  TagsChange untagged;
+  uint16_t outer_vlan = 0;
+  uint16_t inner_vlan = 0;
+  int priority = 0;
+  int inner_packet_priority = 0;
+  int outer_cfi = 0;
+  int inner_cfi = 0;
+};
+
+class EgressActions {
+ public:
+  static constexpr std::size_t capacity = 8192;
+  static constexpr int highest_vlan = 4095;
+
+  struct Key {
+    int port_class;
+    int outer;
+    int inner;  // 0: any
+    auto operator<=>(const Key&) const = default;
+  };
+
+  /// An action takes the place of the one with its key.
+  Status set(const Key& key, const EgressAction& action) {
+    if (!is_valid(key)) return Status::bad_parameter;
+    if (actions_.size() >= capacity && !actions_.contains(key)) return Status::full;
+    actions_[key] = action;
+    return Status::ok;
+  }
+  Status remove(const Key& key) {
+    if (!is_valid(key)) return Status::bad_parameter;
+    return actions_.erase(key) == 1 ? Status::ok : Status::not_found;
+  }
+  void clear() { actions_.clear(); }
+
+  const std::map<Key, EgressAction>& all() const { return actions_; }
+
+ private:
+  static bool is_valid(const Key& key) {
+    return key.outer >= 0 && key.outer <= highest_vlan && key.inner >= 0 && key.inner <= highest_vlan;
+  }
+
+  std::map<Key, EgressAction> actions_;
+};
+
+}  // namespace chip

@@ -1,0 +1,38 @@
+// The IPv6 addresses that the chip takes for reserved multicast, in the outer and in the inner header of a frame.
+#pragma once
+
+#include <array>
+#include <vector>
+
+#include "chip/addresses.h"
+#include "chip/status.h"
+
+namespace chip {
+
+struct Ip6Match {
+  Ip6 address{};
+  Ip6 mask{};
+  bool operator==(const Ip6Match&) const = default;
+};
+
+class ReservedMulticast {
+ public:
+  static constexpr std::size_t capacity = 2;  // of each header
+
+  void reset() { matches_ = {}; }
+
+  /// Writes a whole table: `inner` 0 for the outer header, 1 for the inner one.
+  Status set(int inner, std::vector<Ip6Match> matches) {
+    if (inner != 0 && inner != 1) return Status::bad_parameter;
+    if (matches.size() > capacity) return Status::bad_parameter;
+    matches_[static_cast<std::size_t>(inner)] = std::move(matches);
+    return Status::ok;
+  }
+  const std::vector<Ip6Match>& of_outer_header() const { return matches_[0]; }
+  const std::vector<Ip6Match>& of_inner_header() const { return matches_[1]; }
+
+ private:
+  std::array<std::vector<Ip6Match>, 2> matches_;
+};
+
+}  // namespace chip

@@ -1,0 +1,83 @@
+#include "chip/vlan_translations.h"
+
+namespace chip {
+
+namespace {
+
+bool is_vlan(int vlan) { return vlan >= 1 && vlan <= VlanTranslations::highest_vlan; }
+
+}  // namespace
+
+void VlanTranslations::reset() {
+  ingress_.clear();
+  egress_.clear();
+  outer_.clear();
+}
+
+Status VlanTranslations::check(int port, int vlan) const {
+  if (!ports_.has(port)) return Status::bad_port;
+  return is_vlan(vlan) ? Status::ok : Status::bad_parameter;
+}
+
+Status VlanTranslations::add(Table& table, std::size_t used, int port, int vlan, const Translation& to) {
+  if (const Status status = check(port, vlan); status != Status::ok) return status;
+  if (!is_vlan(to.vlan)) return Status::bad_parameter;
+  if (table.contains({port, vlan})) return Status::exists;
+  if (used >= capacity) return Status::full;
+  table[{port, vlan}] = to;
+  return Status::ok;
+}
+
+Status VlanTranslations::find(const Table& table, int port, int vlan, Translation& found) const {
+  if (const Status status = check(port, vlan); status != Status::ok) return status;
+  const auto entry = table.find({port, vlan});
+  if (entry == table.end()) return Status::not_found;
+  found = entry->second;
+  return Status::ok;
+}
+
+Status VlanTranslations::remove(Table& table, int port, int vlan) {
+  if (const Status status = check(port, vlan); status != Status::ok) return status;
+  return table.erase({port, vlan}) == 1 ? Status::ok : Status::not_found;
+}
+
+Status VlanTranslations::add(int port, int vlan, const Translation& to) {
+  return add(ingress_, ingress_.size() + outer_.size(), port, vlan, to);
+}
+
+Status VlanTranslations::find(int port, int vlan, Translation& found) const {
+  return find(ingress_, port, vlan, found);
+}
+
+Status VlanTranslations::remove(int port, int vlan) { return remove(ingress_, port, vlan); }
+
+Status VlanTranslations::add_egress(int port, int vlan, const Translation& to) {
+  return add(egress_, egress_.size(), port, vlan, to);
+}
+
+Status VlanTranslations::find_egress(int port, int vlan, Translation& found) const {
+  return find(egress_, port, vlan, found);
+}
+
+Status VlanTranslations::remove_egress(int port, int vlan) { return remove(egress_, port, vlan); }
+
+Status VlanTranslations::add_outer(int port, int low, int high, const Translation& outer) {
+  if (const Status status = check(port, low); status != Status::ok) return status;
+  if (!is_vlan(high) || high < low || !is_vlan(outer.vlan)) return Status::bad_parameter;
+  for (const auto& [key, range] : outer_)
+    if (key.port == port && low <= range.high && key.vlan <= high) return Status::exists;
+  if (ingress_.size() + outer_.size() >= capacity) return Status::full;
+  outer_[{port, low}] = {high, outer};
+  return Status::ok;
+}
+
+Status VlanTranslations::remove_outer(int port, int low, int high) {
+  if (const Status status = check(port, low); status != Status::ok) return status;
+  if (!is_vlan(high) || high < low) return Status::bad_parameter;
+  const auto entry = outer_.find({port, low});
+  if (entry == outer_.end() || entry->second.high != high) return Status::not_found;
+  outer_.erase(entry);
+  return Status::ok;
+}
+
+}  // namespace chip
