@@ -99,6 +99,16 @@ void journal(Session& session, const Words& arguments) {
     throw BadInput("\"" + word + "\" is not on, off, show or clear");
 }
 
+void link(Session& /*session*/, const Words& arguments) {
+  const std::optional<int64_t> port = number(arguments[0]);
+  const bool up = arguments[1] == "up";
+  if (!up && arguments[1] != "down") throw BadInput("\"" + arguments[1] + "\" is neither up nor down");
+  const int unit = arguments.size() > 2 ? unit_number(arguments[2]) : 0;
+  if (!port || *port < 0 || *port > INT32_MAX || swsdk_link_event(unit, static_cast<int>(*port), up) != 0)
+    throw BadInput("port: unit " + std::to_string(unit) + " has no Ethernet port \"" + arguments[0] + "\"");
+  swsdk_events_drain();
+}
+
 void source(Session& session, const Words& arguments) { session.run_script(arguments[0]); }
 
 void quit(Session& session, const Words& /*arguments*/) { session.end(); }
@@ -115,6 +125,7 @@ constexpr BuiltIn table[] = {
      fail},
     {"log", "log LEVEL", "Shows log messages up to a level on the console; off: none.", 1, 1, log},
     {"expect", "expect CODE COMMAND", "Runs a command that has to return that code.", 2, any_length, expect},
+    {"link", "link PORT up|down [UNIT]", "Takes a port's link up or down; who is registered is told.", 2, 3, link},
     {"source", "source FILE", "Runs a script.", 1, 1, source},
     {"quit", "quit", "Ends the shell.", 0, 0, quit},
 };

@@ -41,7 +41,7 @@ foreach(declaration IN LISTS declarations)
     endif()
   endforeach()
   string(APPEND functions
-         "    {\"${name}\", \"${prototype}\", \"${summary}\", {${parameters}}, &run<&${name}>},\n")
+         "    {\"${name}\", \"${prototype}\", \"${summary}\", parameters(&${name}, {${parameters}}), &run<&${name}>},\n")
 endforeach()
 
 set(names "")

@@ -43,8 +43,10 @@ std::vector<std::string> continuations(std::vector<std::string> before) {
 std::string hint(const std::vector<std::string>& before) {
   if (before.empty()) return {};
   const Function* function = find_function(before[0]);
+  if (function == nullptr) return {};
+  const std::vector<std::string> names = given_parameters(*function);
   const std::size_t position = before.size() - 1;
-  return function != nullptr && position < function->parameters.size() ? function->parameters[position] : "";
+  return position < names.size() ? names[position] : "";
 }
 
 char* next_candidate(const char* text, int state) {

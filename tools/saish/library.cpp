@@ -3,6 +3,7 @@
 #include <bcm/error.h>
 
 #include <charconv>
+#include <cstdio>
 #include <deque>
 
 namespace saish {
@@ -40,7 +41,14 @@ const Function* find_function(std::string_view name) {
 
 std::string usage(const Function& function) {
   std::string result = function.name;
-  for (const char* parameter : function.parameters) result += std::string(" ") + parameter;
+  for (const std::string& parameter : given_parameters(function)) result += ' ' + parameter;
+  return result;
+}
+
+std::vector<std::string> given_parameters(const Function& function) {
+  std::vector<std::string> result;
+  for (const Parameter& parameter : function.parameters)
+    if (parameter.given) result.emplace_back(parameter.name);
   return result;
 }
 
@@ -75,6 +83,51 @@ sai_log_handle* log_handle(std::string_view parameter, std::string_view word) {
   return word == "default" ? sai_log_default : nullptr;
 }
 
+namespace {
+
+/// The byte of two hexadecimal digits.
+std::optional<uint8_t> byte(std::string_view digits) {
+  uint8_t value = 0;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value, 16);
+  if (digits.size() != 2 || error != std::errc{} || end != digits.data() + 2) return std::nullopt;
+  return value;
+}
+
+std::string mac_text(const uint8_t* mac) {
+  std::string result;
+  for (int i = 0; i < 6; ++i) {
+    char text[4];
+    std::snprintf(text, sizeof text, i == 0 ? "%02x" : ":%02x", mac[i]);
+    result += text;
+  }
+  return result;
+}
+
+}  // namespace
+
+Argument<const uint8_t*>::Argument(std::string_view parameter, const std::string& word) : address{} {
+  bool good = word.size() == address.size() * 3 - 1;
+  for (std::size_t i = 0; good && i < address.size(); ++i) {
+    const std::optional<uint8_t> part = byte(std::string_view(word).substr(i * 3, 2));
+    good = part && (i + 1 == address.size() || word[i * 3 + 2] == ':');
+    address[i] = part.value_or(0);
+  }
+  if (!good)
+    throw BadInput(std::string(parameter) + ": \"" + word + "\" is not a MAC address such as 00:11:22:33:44:55");
+}
+
+// These run on the SDK's threads; one call of printf is one whole line.
+
+template <>
+void Argument<bcm_linkscan_handler_t>::print(int unit, int port, bcm_port_info_t* info) {
+  std::printf("  ! link of unit %d port %d is %s\n", unit, port, info->linkstatus != 0 ? "up" : "down");
+}
+
+template <>
+void Argument<sai_l2_event_cb>::print(uint16_t vid, int32_t port, uint8_t* mac, int32_t operation) {
+  std::printf("  ! address %s in VLAN %d on port %d: operation %d\n", mac_text(mac).c_str(), vid, port, operation);
+}
+
 Argument<const char*>::Argument(std::string_view /*parameter*/, const std::string& word) {
   static std::deque<std::string> texts;
   kept = texts.emplace_back(word).c_str();
@@ -95,30 +148,30 @@ constexpr int32_t highest_module = static_cast<int32_t>(std::size(sai_log_module
 }  // namespace
 
 template <>
-Result run<&open_sai_log>(const std::vector<const char*>& parameters, const Words& arguments) {
+Outcome run<&open_sai_log>(const Parameters& parameters, const Words& words) {
   if (sai_log_default != nullptr) throw BadInput("a log is open; close_sai_log default closes it");
-  const int32_t module = index(parameters[1], arguments[1], highest_module);
-  const int32_t options = Argument<int32_t>(parameters[2], arguments[2]).get();
-  const int32_t facility = Argument<int32_t>(parameters[3], arguments[3]).get();
-  sai_log_default = open_sai_log(Argument<const char*>(parameters[0], arguments[0]).get(), module, options, facility);
-  return sai_log_default == nullptr ? SAI_E_MEMORY : SAI_E_NONE;
+  const int32_t module = index(parameters[1].name, words[1], highest_module);
+  const int32_t options = Argument<int32_t>(parameters[2].name, words[2]).get();
+  const int32_t facility = Argument<int32_t>(parameters[3].name, words[3]).get();
+  sai_log_default = open_sai_log(Argument<const char*>(parameters[0].name, words[0]).get(), module, options, facility);
+  return {sai_log_default == nullptr ? SAI_E_MEMORY : SAI_E_NONE};
 }
 
 template <>
-Result run<&close_sai_log>(const std::vector<const char*>& parameters, const Words& arguments) {
-  sai_log_handle* log = log_handle(parameters[0], arguments[0]);
-  if (log == nullptr) throw BadInput(std::string(parameters[0]) + ": null cannot be closed");
+Outcome run<&close_sai_log>(const Parameters& parameters, const Words& words) {
+  sai_log_handle* log = log_handle(parameters[0].name, words[0]);
+  if (log == nullptr) throw BadInput(std::string(parameters[0].name) + ": null cannot be closed");
   close_sai_log(log);
   sai_log_default = nullptr;
-  return std::nullopt;
+  return {};
 }
 
 template <>
-Result run<&sai_log_set_level>(const std::vector<const char*>& parameters, const Words& arguments) {
-  sai_log_handle* log = log_handle(parameters[0], arguments[0]);
-  const int32_t destination = index(parameters[1], arguments[1], SAI_LOG_FILE);
-  sai_log_set_level(log, destination, Argument<int32_t>(parameters[2], arguments[2]).get());
-  return std::nullopt;
+Outcome run<&sai_log_set_level>(const Parameters& parameters, const Words& words) {
+  sai_log_handle* log = log_handle(parameters[0].name, words[0]);
+  const int32_t destination = index(parameters[1].name, words[1], SAI_LOG_FILE);
+  sai_log_set_level(log, destination, Argument<int32_t>(parameters[2].name, words[2]).get());
+  return {};
 }
 
 }  // namespace saish

@@ -15,8 +15,8 @@ struct Function {
   const char* name;
   const char* prototype;
   const char* summary;
-  std::vector<const char*> parameters;
-  Result (*run)(const std::vector<const char*>& parameters, const Words& arguments);
+  Parameters parameters;
+  Outcome (*run)(const Parameters& parameters, const Words& words);
 };
 
 /// An enumerator of sai.h.
@@ -28,8 +28,11 @@ struct Name {
 std::span<const Function> functions();
 const Function* find_function(std::string_view name);
 
-/// The form of a call: the name and the parameters.
+/// The form of a call: the name and the parameters that take a word.
 std::string usage(const Function& function);
+
+/// The names of these parameters.
+std::vector<std::string> given_parameters(const Function& function);
 
 /// "-7 SAI_E_NOT_FOUND", or the number alone.
 std::string code_text(int32_t code);

@@ -34,7 +34,7 @@ int32_t expected_code(const std::string& word) {
   return static_cast<int32_t>(*code);
 }
 
-void judge(const Result& result, const std::optional<int32_t>& expected) {
+void judge(const std::optional<int32_t>& result, const std::optional<int32_t>& expected) {
   if (!result) return;
   if (expected ? *result == *expected : *result >= 0) return;
   throw Unexpected("expected " + (expected ? code_text(*expected) : std::string("0 or more")) + ", came " +
@@ -83,41 +83,44 @@ void Session::print_news() {
   }
 }
 
-Result Session::execute(const Words& words) {
+Outcome Session::execute(const Words& words) {
   const Words arguments(words.begin() + 1, words.end());
   if (const BuiltIn* built_in = find_built_in(words[0])) {
     check_count(built_in->usage, arguments.size(), built_in->fewest_words, built_in->most_words);
     built_in->run(*this, arguments);
-    return std::nullopt;
+    return {};
   }
   const Function* function = find_function(words[0]);
   if (function == nullptr) throw BadInput("there is no command \"" + words[0] + "\"; help lists them all");
 
   const std::string form = usage(*function);
-  check_count(form, arguments.size(), function->parameters.size(), function->parameters.size());
-  Result result;
+  const std::size_t count = given_parameters(*function).size();
+  check_count(form, arguments.size(), count, count);
+  Outcome outcome;
   try {
-    result = function->run(function->parameters, arguments);
+    outcome = function->run(function->parameters, arguments);
   } catch (const BadInput& bad) {
     throw BadInput(std::string(bad.what()) + "; the form is " + form);
   }
   std::fflush(stdout);
   print_news();
-  if (result) std::printf("  %s= %s%s\n", *result < 0 ? style::red() : "", code_text(*result).c_str(), style::plain());
-  return result;
+  if (const std::optional<int32_t> result = outcome.result)
+    std::printf("  %s= %s%s\n", *result < 0 ? style::red() : "", code_text(*result).c_str(), style::plain());
+  for (const std::string& answer : outcome.answers) std::printf("  %s\n", answer.c_str());
+  return outcome;
 }
 
-Result Session::run(std::string_view line) {
+std::optional<int32_t> Session::run(std::string_view line) {
   Words given = words(line);
   if (given.empty()) return std::nullopt;
-  if (given[0] != "expect") return execute(given);
+  if (given[0] != "expect") return execute(given).result;
 
   check_count(find_built_in("expect")->usage, given.size() - 1, 2, given.size());
   const int32_t expected = expected_code(given[1]);
   given.erase(given.begin(), given.begin() + 2);
   if (find_function(given[0]) == nullptr)
     throw BadInput("expect: \"" + given[0] + "\" is not one of the library's functions");
-  judge(execute(given), expected);
+  judge(execute(given).result, expected);
   return std::nullopt;
 }
 

@@ -25,7 +25,7 @@ class Session {
 
   /// Runs one line, prints what came of it and returns the result of a function of the library. Throws BadInput when
   /// the line is no command, and nothing was changed; Unexpected when `expect` was not met.
-  Result run(std::string_view line);
+  std::optional<int32_t> run(std::string_view line);
 
   /// The same; throws Unexpected also when a function failed.
   void run_well(std::string_view line);
@@ -42,7 +42,7 @@ class Session {
   bool ended() const { return ended_; }
 
  private:
-  Result execute(const Words& words);
+  Outcome execute(const Words& words);
   void print_news();
 
   bool ended_ = false;
