@@ -99,7 +99,8 @@ TEST_F(ShellBuiltIns, JournalOnShowsExactlyTheCallsOfEachCommand) {
   EXPECT_EQ(run("sai_vlan_destroy 0 20"), "  > bcm_vlan_destroy(0, 20) = 0\n  = 0\n");
   EXPECT_EQ(run("sai_unit_get"), "  = 0\n");
   EXPECT_EQ(run("expect -1 sai_sh_process_command 0 ps"),
-            "  > sh_process_command(0, \"ps\") = -16\n  = -1 SAI_E_FAIL\n");
+            "ps: no such command; help lists them\n"
+            "  > sh_process_command(0, \"ps\") = -3\n  = -1 SAI_E_FAIL\n");
 }
 
 TEST_F(ShellBuiltIns, JournalOffShowsNoneAndRecordsNone) {

@@ -39,7 +39,10 @@ std::string Scene::take_log() {
 
   constexpr size_t stamp_length = sizeof "2026/11/21 09:05:00 " - 1;
   std::string result;
-  for (std::string line; std::getline(lines, line);) result += "log: " + line.substr(stamp_length) + '\n';
+  for (std::string line; std::getline(lines, line);) {
+    const bool goes_on = line.empty();  // a message with a newline of its own
+    result += goes_on ? "log, next line\n" : "log: " + line.substr(stamp_length) + '\n';
+  }
   return result;
 }
 
@@ -52,8 +55,8 @@ std::string Scene::observe(const std::function<int32_t()>& call) {
   return journal() + take_log() + "returned " + std::to_string(result) + '\n';
 }
 
-std::string Scene::observe_failing(const char* function, int code, const std::function<int32_t()>& call) {
-  if (swsdk_fault_inject(function, code, 1) != 0) throw std::invalid_argument(function);
+std::string Scene::observe_failing(const char* function, int code, const std::function<int32_t()>& call, int nth) {
+  if (swsdk_fault_inject(function, code, nth) != 0) throw std::invalid_argument(function);
   const std::string result = observe(call);
   swsdk_fault_clear();
   return result;

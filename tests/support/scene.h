@@ -22,8 +22,8 @@ class Scene : public testing::Test {
   /// result.
   std::string observe(const std::function<int32_t()>& call);
 
-  /// The same for a call whose SDK function `function` answers `code` the first time.
-  std::string observe_failing(const char* function, int code, const std::function<int32_t()>& call);
+  /// The same for a call whose SDK function `function` answers `code` the `nth` time.
+  std::string observe_failing(const char* function, int code, const std::function<int32_t()>& call, int nth = 1);
 
   static constexpr int unit = 0;
 
