@@ -340,6 +340,653 @@ SAI_API int32_t sai_register_l2_service(int32_t unit, sai_l2_event_cb callback);
  */
 SAI_API int32_t sai_unregister_l2_service(int32_t unit, sai_l2_event_cb callback);
 
+/* ------------------------------------------------------------------------------------------- Port attributes ------ */
+
+/**
+ * Enables or disables a port. Link scanning pauses meanwhile.
+ *
+ * @param port    port number
+ * @param enable  1: enabled, 0: disabled
+ * @return 0, or the converted result of `bcm_port_enable_set`
+ */
+SAI_API int32_t sai_port_enable_set(int32_t unit, int32_t port, int32_t enable);
+
+/**
+ * Tells whether a port is enabled. Link scanning pauses meanwhile.
+ *
+ * @param port    port number
+ * @param enable  receives 1 or 0, from the SDK itself
+ * @return 0, or the converted result of `bcm_port_enable_get`; its message shows the low half of the address `enable`
+ */
+SAI_API int32_t sai_port_enable_get(int32_t unit, int32_t port, int32_t* enable);
+
+/**
+ * Switches the autonegotiation of a port.
+ *
+ * @param port     port number
+ * @param autoneg  1: on, 0: off
+ * @return 0, or the converted result of `bcm_port_autoneg_set`
+ */
+SAI_API int32_t sai_port_autoneg_set(int32_t unit, int32_t port, int32_t autoneg);
+
+/**
+ * Tells whether a port autonegotiates.
+ *
+ * @param port     port number
+ * @param autoneg  receives 1 or 0, from the SDK itself
+ * @return 0, or the converted result of `bcm_port_autoneg_get`; its message ends with the bytes of `*autoneg` up to the
+ *         first that is zero, not with the SDK's text
+ */
+SAI_API int32_t sai_port_autoneg_get(int32_t unit, int32_t port, int32_t* autoneg);
+
+/**
+ * Sets the duplex mode of a port.
+ *
+ * @param port    port number
+ * @param duplex  0: half, 1: full
+ * @return 0, or the converted result of `bcm_port_duplex_set`
+ */
+SAI_API int32_t sai_port_duplex_set(int32_t unit, int32_t port, int32_t duplex);
+
+/**
+ * Reads the duplex mode of a port.
+ *
+ * @param port    port number
+ * @param duplex  receives 0 (half) or 1 (full), from the SDK itself
+ * @return 0, or the converted result of `bcm_port_duplex_get`; its message ends with the bytes of `*duplex` up to the
+ *         first that is zero, not with the SDK's text
+ */
+SAI_API int32_t sai_port_duplex_get(int32_t unit, int32_t port, int32_t* duplex);
+
+/**
+ * Sets the speed of a port.
+ *
+ * @param port   port number
+ * @param speed  speed in Mb/s
+ * @return 0, or the converted result of `bcm_port_speed_set`
+ */
+SAI_API int32_t sai_port_speed_set(int32_t unit, int32_t port, int32_t speed);
+
+/**
+ * Reads the speed of a port.
+ *
+ * @param port   port number
+ * @param speed  receives the speed in Mb/s, from the SDK itself
+ * @return 0, or the converted result of `bcm_port_speed_get`; its message ends with the bytes of `*speed` up to the
+ *         first that is zero, not with the SDK's text
+ */
+SAI_API int32_t sai_port_speed_get(int32_t unit, int32_t port, int32_t* speed);
+
+/**
+ * Switches the pause frames of a port, each way by itself.
+ *
+ * @param port      port number
+ * @param pause_tx  1: the port sends them, 0: it does not
+ * @param pause_rx  1: the port obeys them, 0: it does not
+ * @return 0, or the converted result of `bcm_port_pause_set`
+ */
+SAI_API int32_t sai_port_pause_set(int32_t unit, int32_t port, int32_t pause_tx, int32_t pause_rx);
+
+/**
+ * Sets the longest frame that a port accepts.
+ *
+ * @param port  port number
+ * @param size  length in bytes
+ * @return 0, or the converted result of `bcm_port_frame_max_set`
+ */
+SAI_API int32_t sai_port_frame_max_set(int32_t unit, int32_t port, int32_t size);
+
+/**
+ * Sets what a port does with frames from addresses that it does not know.
+ *
+ * @param port   port number
+ * @param flags  `BCM_PORT_LEARN_*` bits: 0x1 learn the address, 0x2 copy to the CPU, 0x4 forward
+ * @return 0, or the converted result of `bcm_port_learn_set`
+ */
+SAI_API int32_t sai_port_learn_set(int32_t unit, int32_t port, int32_t flags);
+
+/**
+ * Reads what sai_port_learn_set() sets.
+ *
+ * @param port   port number
+ * @param flags  receives `BCM_PORT_LEARN_*` bits, from the SDK itself
+ * @return 0, or the converted result of `bcm_port_learn_get`; its message shows the low half of the address `flags`
+ */
+SAI_API int32_t sai_port_learn_get(int32_t unit, int32_t port, int32_t* flags);
+
+/**
+ * Sets the kind of interface between a port and its PHY.
+ *
+ * Besides, link state, autonegotiation, speed and both advertisements of the port are set as the SDK initialises them.
+ *
+ * @param port  port number
+ * @param mode  an interface of the SDK's `bcm_port_if_t`
+ * @return 0, or the converted result of `bcm_port_selective_set`
+ */
+SAI_API int32_t sai_port_interface_set(int32_t unit, int32_t port, int32_t mode);
+
+/**
+ * Reads the kind of interface between a port and its PHY.
+ *
+ * @param port  port number
+ * @param mode  receives an interface of the SDK's `bcm_port_if_t`; written on success only
+ * @return 0, or the converted result of `bcm_port_interface_get`; its message shows the low half of the address `mode`
+ */
+SAI_API int32_t sai_port_interface_get(int32_t unit, int32_t port, int32_t* mode);
+
+/**
+ * Sets the VLAN of a port's untagged frames.
+ *
+ * @param port  port number
+ * @param vlan  VLAN id, 1 to 4095; checked by the chip
+ * @return 0, or the converted result of `bcm_port_untagged_vlan_set`
+ */
+SAI_API int32_t sai_port_untagged_vlan_set(int32_t unit, int32_t port, uint16_t vlan);
+
+/**
+ * Tells whether the link of a port is up.
+ *
+ * @param port  port number
+ * @param up    receives 1 or 0; written on success only
+ * @return 0, or the converted result of `bcm_port_link_status_get`
+ */
+SAI_API int32_t sai_port_link_status_get(int32_t unit, int32_t port, int32_t* up);
+
+/**
+ * Loops a port back to itself.
+ *
+ * @param port  port number
+ * @param mode  0 none, 1 in the MAC, 2 in the PHY; any other is logged and refused without asking the chip
+ * @return 0; -1 for another mode; or the converted result of `bcm_port_loopback_set`
+ */
+SAI_API int32_t sai_port_loopback_set(int32_t unit, int32_t port, int32_t mode);
+
+/**
+ * Keeps what a port receives from one other port. Calls add up.
+ *
+ * @param port    port number
+ * @param target  the port that no longer receives anything of `port`, 0 to 255
+ * @return 0; -5 for another target; or the converted result of the failed `bcm_port_egress_get` or
+ *         `bcm_port_egress_set`; nothing is written when the get failed or the target is refused
+ */
+SAI_API int32_t sai_port_isolate_set(int32_t unit, int32_t port, int32_t target);
+
+/**
+ * Lets what a port receives go to every front port again, which are those of unit 0 whatever the unit.
+ *
+ * @param port  port number
+ * @return 0, or the converted result of `bcm_port_egress_set`
+ */
+SAI_API int32_t sai_port_isolate_reset(int32_t unit, int32_t port);
+
+/**
+ * Gives untagged frames of one protocol that a port receives a VLAN of their own.
+ *
+ * @param port        port number
+ * @param frame_type  frame type of the SDK
+ * @param ether_type  Ethernet type
+ * @param vlan        VLAN id, 1 to 4095; checked by the chip
+ * @return 0, or the converted result of `bcm_port_protocol_vlan_add`
+ */
+SAI_API int32_t sai_port_protocol_vlan_add(int32_t unit, int32_t port, int32_t frame_type, uint16_t ether_type,
+                                           uint16_t vlan);
+
+/**
+ * Deletes what sai_port_protocol_vlan_add() added.
+ *
+ * @param port        port number
+ * @param frame_type  frame type of the SDK
+ * @param ether_type  Ethernet type
+ * @return 0, or the converted result of `bcm_port_protocol_vlan_delete`
+ */
+SAI_API int32_t sai_port_protocol_vlan_del(int32_t unit, int32_t port, int32_t frame_type, uint16_t ether_type);
+
+/**
+ * Deletes all that sai_port_protocol_vlan_add() added to a port.
+ *
+ * @param port  port number
+ * @return 0, or the converted result of `bcm_port_protocol_vlan_delete_all`; its message shows the low half of the
+ *         address of the SDK's text in place of the port, and ends with that text's number, 1 to 23
+ */
+SAI_API int32_t sai_port_protocol_vlan_clear(int32_t unit, int32_t port);
+
+/**
+ * Switches whether a port looks up the VLAN of untagged frames by their source MAC address.
+ *
+ * @param port    port number
+ * @param enable  1: it does, 0: it does not
+ * @return 0, or the converted result of `bcm_vlan_control_port_set`
+ */
+SAI_API int32_t sai_port_mac_vlan_set(int32_t unit, int32_t port, uint8_t enable);
+
+/**
+ * Tells what sai_port_mac_vlan_set() sets.
+ *
+ * @param port     port number
+ * @param enabled  receives 1 or 0; written on failure too, with 0 unless the SDK gave a value all the same
+ * @return 0, or the converted result of `bcm_vlan_control_port_get`
+ */
+SAI_API int32_t sai_port_mac_vlan_get(int32_t unit, int32_t port, uint8_t* enabled);
+
+/**
+ * Switches whether a port looks up the VLAN of untagged frames by their source IP address.
+ *
+ * @param port    port number
+ * @param enable  1: it does, 0: it does not
+ * @return 0, or the converted result of `bcm_vlan_control_port_set`
+ */
+SAI_API int32_t sai_port_subnet_vlan_set(int32_t unit, int32_t port, uint8_t enable);
+
+/**
+ * Tells what sai_port_subnet_vlan_set() sets.
+ *
+ * @param port     port number
+ * @param enabled  receives 1 or 0; written on failure too, with 0 unless the SDK gave a value all the same
+ * @return 0, or the converted result of `bcm_vlan_control_port_get`
+ */
+SAI_API int32_t sai_port_subnet_vlan_get(int32_t unit, int32_t port, uint8_t* enabled);
+
+/** What sai_vlan_precedence_set() prefers. */
+enum sai_vlan_precedence {
+  SAI_VLAN_PRECEDENCE_MAC = 1,
+  SAI_VLAN_PRECEDENCE_SUBNET = 2,
+};
+
+/**
+ * Chooses which VLAN a frame gets that has one by its MAC address and another by its IP address.
+ *
+ * @param port  port number
+ * @param mode  a #sai_vlan_precedence; any other value is refused without asking the chip, and not logged
+ * @return 0; -1 for another mode; or the converted result of `bcm_vlan_control_port_set`
+ */
+SAI_API int32_t sai_vlan_precedence_set(int32_t unit, int32_t port, int32_t mode);
+
+/**
+ * Sets the gap between the frames that a port sends, at the speed and duplex that it has now.
+ *
+ * @param port  port number
+ * @param ifg   gap in bit times
+ * @return 0, or the converted result of the failed `bcm_port_speed_get`, `bcm_port_duplex_get` or `bcm_port_ifg_set`
+ */
+SAI_API int32_t sai_port_ifg_set(int32_t unit, int32_t port, int32_t ifg);
+
+/**
+ * Reads the gap between the frames that a port sends, at the speed and duplex that it has now.
+ *
+ * @param port  port number
+ * @param ifg   receives the gap in bit times, from the SDK itself
+ * @return 0, or the converted result of the failed `bcm_port_speed_get`, `bcm_port_duplex_get` or `bcm_port_ifg_get`
+ */
+SAI_API int32_t sai_port_ifg_get(int32_t unit, int32_t port, int32_t* ifg);
+
+/* ---------------------------------------------------------------------------------- Rates and storm control ------ */
+
+/**
+ * Limits the multicast frames that a port receives.
+ *
+ * @param port    port number
+ * @param enable  1 or more: limited; 0 or less: not limited
+ * @param rate    frames per second, given to the chip either way
+ * @return 0, or the converted result of `bcm_rate_mcast_set`
+ */
+SAI_API int32_t sai_rate_mcast_set(int32_t unit, int32_t port, int32_t enable, uint32_t rate);
+
+/**
+ * Limits the unicast frames to unknown destinations that a port receives.
+ *
+ * @param port    port number
+ * @param enable  1 or more: limited; 0 or less: not limited
+ * @param rate    frames per second, given to the chip either way
+ * @return 0, or the converted result of `bcm_rate_dlfbc_set`
+ */
+SAI_API int32_t sai_rate_dlfbc_set(int32_t unit, int32_t port, int32_t enable, uint32_t rate);
+
+/**
+ * Limits the broadcast frames that a port receives.
+ *
+ * @param port    port number
+ * @param enable  1 or more: limited; 0 or less: not limited
+ * @param rate    frames per second, given to the chip either way
+ * @return 0, or the converted result of `bcm_rate_bcast_set`
+ */
+SAI_API int32_t sai_rate_bcast_set(int32_t unit, int32_t port, int32_t enable, uint32_t rate);
+
+/** A storm control request, passed by value as one 64-bit quantity. */
+typedef struct sai_storm_ctrl {
+  uint32_t rate; /**< frames per second */
+  uint32_t type; /**< which frames: `BCM_RATE_DLF` (1), `BCM_RATE_MCAST` (2) or `BCM_RATE_BCAST` (4) */
+} sai_storm_ctrl;
+
+/**
+ * Limits one kind of frames that a port receives. The limit is ended by the function for its kind above.
+ *
+ * @param port     port number; its low 16 bits count
+ * @param request  kind and rate; of an unknown kind the chip is not asked
+ * @return 0, also for an unknown kind; or the converted result of `bcm_rate_mcast_set`, `bcm_rate_bcast_set` or
+ *         `bcm_rate_dlfbc_set`
+ */
+SAI_API int32_t sai_port_storm_ctrl_set(int32_t unit, int32_t port, sai_storm_ctrl request);
+
+/**
+ * Shapes what goes to the CPU, which is port 0.
+ *
+ * @param rate   rate in kbit/s
+ * @param burst  burst in kbit
+ * @return 0, or the converted result of `bcm_port_rate_egress_set`; its message ends with the rate, not with the SDK's
+ *         text
+ */
+SAI_API int32_t sai_cpu_rate_egress_set(int32_t unit, uint32_t rate, uint32_t burst);
+
+/**
+ * Reads what sai_cpu_rate_egress_set() sets.
+ *
+ * @param rate   receives the rate in kbit/s; written on success only
+ * @param burst  receives the burst in kbit; written on success only
+ * @return 0, or the converted result of `bcm_port_rate_egress_get`
+ */
+SAI_API int32_t sai_cpu_rate_egress_get(int32_t unit, uint32_t* rate, uint32_t* burst);
+
+/**
+ * Shapes what a port sends.
+ *
+ * @param port   port number; its low 16 bits count
+ * @param rate   rate in kbit/s
+ * @param burst  burst in kbit
+ * @return 0, or the converted result of `bcm_port_rate_egress_set`
+ */
+SAI_API int32_t sai_port_rate_egress_set(int32_t unit, int32_t port, uint32_t rate, uint32_t burst);
+
+/**
+ * Reads what sai_port_rate_egress_set() sets.
+ *
+ * @param port   port number; its low 16 bits count
+ * @param rate   receives the rate in kbit/s; written on success only
+ * @param burst  receives the burst in kbit; written on success only
+ * @return 0, or the converted result of `bcm_port_rate_egress_get`
+ */
+SAI_API int32_t sai_port_rate_egress_get(int32_t unit, int32_t port, uint32_t* rate, uint32_t* burst);
+
+/**
+ * Shapes what a port sends, by frames.
+ *
+ * @param port   port number; its low 16 bits count
+ * @param pps    rate in frames per second
+ * @param burst  burst in frames
+ * @return 0, or the converted result of `bcm_port_rate_egress_pps_set`
+ */
+SAI_API int32_t sai_port_rate_egress_pps_set(int32_t unit, int32_t port, uint32_t pps, uint32_t burst);
+
+/**
+ * Reads what sai_port_rate_egress_pps_set() sets.
+ *
+ * @param port   port number; its low 16 bits count
+ * @param pps    receives the rate in frames per second; written on success only
+ * @param burst  receives the burst in frames; written on success only
+ * @return 0, or the converted result of `bcm_port_rate_egress_pps_get`
+ */
+SAI_API int32_t sai_port_rate_egress_pps_get(int32_t unit, int32_t port, uint32_t* pps, uint32_t* burst);
+
+/**
+ * Polices what a port receives.
+ *
+ * @param port   port number; its low 16 bits count
+ * @param rate   rate in kbit/s
+ * @param burst  burst in kbit
+ * @return 0, or the converted result of `bcm_port_rate_ingress_set`
+ */
+SAI_API int32_t sai_port_rate_ingress_set(int32_t unit, int32_t port, uint32_t rate, uint32_t burst);
+
+/**
+ * Reads what sai_port_rate_ingress_set() sets.
+ *
+ * @param port   port number; its low 16 bits count
+ * @param rate   receives the rate in kbit/s; written on success only
+ * @param burst  receives the burst in kbit; written on success only
+ * @return 0, or the converted result of `bcm_port_rate_ingress_get`
+ */
+SAI_API int32_t sai_port_rate_ingress_get(int32_t unit, int32_t port, uint32_t* rate, uint32_t* burst);
+
+/* ------------------------------------------------------------------------------------------ PHYs and SerDes ------ */
+
+/**
+ * Reads a PHY register by its MDIO address, clause 22.
+ *
+ * @param phy_addr  MDIO address of the PHY
+ * @param reg       register number
+ * @param data      receives the register, from the SDK itself
+ * @return 0, or the converted result of `soc_miim_read`
+ */
+SAI_API int32_t sai_phy_miim_read(int32_t unit, uint16_t phy_addr, uint8_t reg, uint16_t* data);
+
+/**
+ * Writes a PHY register by its MDIO address, clause 22.
+ *
+ * @param phy_addr  MDIO address of the PHY
+ * @param reg       register number
+ * @param data      what to write
+ * @return 0, or the converted result of `soc_miim_write`
+ */
+SAI_API int32_t sai_phy_miim_write(int32_t unit, uint16_t phy_addr, uint8_t reg, uint16_t data);
+
+/**
+ * Reads a PHY register by its MDIO address, clause 45.
+ *
+ * @param phy_addr  MDIO address of the PHY
+ * @param devad     device in the PHY
+ * @param reg       register number; its low 8 bits count, so that registers above 255 cannot be reached
+ * @param data      receives the register, from the SDK itself
+ * @return 0, or the converted result of `soc_miimc45_read`
+ */
+SAI_API int32_t sai_phy_miimc45_read(int32_t unit, uint16_t phy_addr, uint8_t devad, uint16_t reg, uint16_t* data);
+
+/**
+ * Writes a PHY register by its MDIO address, clause 45.
+ *
+ * @param phy_addr  MDIO address of the PHY
+ * @param devad     device in the PHY
+ * @param reg       register number; its low 8 bits count, so that registers above 255 cannot be reached
+ * @param data      what to write
+ * @return 0, or the converted result of `soc_miimc45_write`
+ */
+SAI_API int32_t sai_phy_miimc45_write(int32_t unit, uint16_t phy_addr, uint8_t devad, uint16_t reg, uint16_t data);
+
+/**
+ * Reads a register of a port's PHY.
+ *
+ * @param port  port number
+ * @param reg   register number, in the SDK's default register space
+ * @param data  receives the register, from the SDK itself
+ * @return 0, or the converted result of `bcm_port_phy_get`
+ */
+SAI_API int32_t sai_port_phy_read(int32_t unit, int32_t port, uint32_t reg, uint32_t* data);
+
+/**
+ * Writes a register of a port's PHY.
+ *
+ * @param port  port number
+ * @param reg   register number, in the SDK's default register space
+ * @param data  what to write
+ * @return 0, or the converted result of `bcm_port_phy_set`
+ */
+SAI_API int32_t sai_port_phy_write(int32_t unit, int32_t port, uint32_t reg, uint32_t data);
+
+/**
+ * Sets the taps of a port's transmit filter. Each is tried, whatever became of the others.
+ *
+ * @param port   port number
+ * @param pre    tap before the main one; all values are passed to the PHY as they are
+ * @param main   main tap
+ * @param post   first tap after it
+ * @param post2  second tap after it
+ * @param post3  third tap after it
+ * @return 0, or the converted result of the last `bcm_port_phy_control_set`, that of post3; the others are only logged
+ */
+SAI_API int32_t sai_port_phy_tx_fir_set(int32_t unit, int32_t port, uint32_t pre, uint32_t main, uint32_t post,
+                                        uint32_t post2, uint32_t post3);
+
+/**
+ * Reads the taps of a port's transmit filter. Each is tried, whatever became of the others.
+ *
+ * @param port  port number
+ * @param fir   receives 5 values from the SDK itself: pre, main, post, post2, post3
+ * @return 0, or the converted result of the last `bcm_port_phy_control_get`, that of post3; the others are only logged
+ */
+SAI_API int32_t sai_port_phy_tx_fir_get(int32_t unit, int32_t port, uint32_t fir[5]);
+
+/**
+ * Switches the forward error correction of a port, if its speed can be read.
+ *
+ * @param port      port number
+ * @param fec_type  1 the basic one, 2 clause 91, 3 clause 108; any other value means 1
+ * @param value     passed to the PHY as it is
+ * @return 0, or the converted result of the failed `bcm_port_speed_get` or `bcm_port_phy_control_set`; nothing is
+ *         written when the get failed
+ */
+SAI_API int32_t sai_port_phy_fec_set(int32_t unit, int32_t port, int32_t fec_type, uint32_t value);
+
+/**
+ * Reads the forward error correction of a port.
+ *
+ * @param port      port number
+ * @param fec_type  1 the basic one, 2 clause 91, 3 clause 108; any other value means 1
+ * @param value     receives the setting, from the SDK itself
+ * @return 0, or the converted result of `bcm_port_phy_control_get`
+ */
+SAI_API int32_t sai_port_phy_fec_get(int32_t unit, int32_t port, int32_t fec_type, uint32_t* value);
+
+/**
+ * Switches the decision feedback equaliser of a port.
+ *
+ * @param port      port number
+ * @param dfe_type  1 the full one, 2 low power, 3 `BCM_PORT_PHY_CONTROL_FIRMWARE_BR_DFE_ENABLE`; any other value means
+ * 1
+ * @param value     passed to the PHY as it is
+ * @return 0, or the converted result of `bcm_port_phy_control_set`
+ */
+SAI_API int32_t sai_port_phy_dfe_set(int32_t unit, int32_t port, int32_t dfe_type, uint32_t value);
+
+/**
+ * Reads the decision feedback equaliser of a port.
+ *
+ * @param port      port number
+ * @param dfe_type  1 the full one, 2 low power, 3 `BCM_PORT_PHY_CONTROL_FIRMWARE_BR_DFE_ENABLE`; any other value means
+ * 1
+ * @param value     receives the setting, from the SDK itself
+ * @return 0, or the converted result of `bcm_port_phy_control_get`
+ */
+SAI_API int32_t sai_port_phy_dfe_get(int32_t unit, int32_t port, int32_t dfe_type, uint32_t* value);
+
+/**
+ * Sets one of a port's receive filters, if its speed can be read.
+ *
+ * @param port     port number
+ * @param pf_type  1 peak filter, 2 low-frequency peak filter, 3 variable gain amplifier; any other value means 1
+ * @param value    passed to the PHY as it is
+ * @return 0, or the converted result of the failed `bcm_port_speed_get` or `bcm_port_phy_control_set`; nothing is
+ *         written when the get failed
+ */
+SAI_API int32_t sai_port_phy_rx_pf_set(int32_t unit, int32_t port, int32_t pf_type, uint32_t value);
+
+/**
+ * Reads all receive filters of a port. Each is tried, whatever became of the others.
+ *
+ * @param port  port number
+ * @param pf    receives 3 values from the SDK itself: peak filter, low-frequency peak filter, variable gain amplifier
+ * @return 0, or the converted result of the last `bcm_port_phy_control_get`, that of the amplifier; the others are only
+ *         logged
+ */
+SAI_API int32_t sai_port_phy_rx_pf_get(int32_t unit, int32_t port, uint32_t pf[3]);
+
+/**
+ * Sets one of a port's receive taps.
+ *
+ * @param port   port number
+ * @param tap    1 to 6; any other value means 1
+ * @param value  passed to the PHY as it is
+ * @return 0, or the converted result of `bcm_port_phy_control_set`
+ */
+SAI_API int32_t sai_port_phy_rxtap_set(int32_t unit, int32_t port, int32_t tap, uint32_t value);
+
+/**
+ * Reads all receive taps of a port. Each is tried, whatever became of the others.
+ *
+ * @param port  port number
+ * @param taps  receives 6 values from the SDK itself, taps 1 to 6
+ * @return 0, or the converted result of the last `bcm_port_phy_control_get`, that of tap 6; the others are only logged
+ */
+SAI_API int32_t sai_port_phy_rxtap_get(int32_t unit, int32_t port, uint32_t taps[6]);
+
+/* ------------------------------------------------------------------------------------------- Port statistics ------ */
+
+/** A counter that sai_port_mib_read() reads. */
+typedef struct sai_hw_counter {
+  uint32_t index; /**< the row's own position in #hw_counters_table */
+  uint32_t stat;  /**< number of the SDK's statistic */
+  uint64_t value; /**< what was last read, of whichever port; 0 at load */
+} sai_hw_counter;
+
+/**
+ * The counters of sai_port_mib_read() in their order: octets, frames, unicast, multicast, broadcast, discards, errors
+ * and pause frames received; the same eight sent; CRC and alignment errors; collisions.
+ */
+extern SAI_API sai_hw_counter hw_counters_table[18];
+
+/**
+ * Prints every counter of a port to standard output, a line each: value, name and number.
+ *
+ * Values that do not fit in 32 bits are hexadecimal, the others decimal. A counter that cannot be read is left out and
+ * not logged.
+ *
+ * @param port  port number
+ * @return 0, or the converted result of the failed `bcm_stat_sync`, before which nothing is printed, or of the last
+ *         `bcm_stat_get`
+ */
+SAI_API int32_t sai_port_stat_show(int32_t unit, int32_t port);
+
+/**
+ * Clears the counters of a port.
+ *
+ * @param port  port number
+ * @return 0, or the converted result of `bcm_stat_clear`
+ */
+SAI_API int32_t sai_port_stat_clean(int32_t unit, int32_t port);
+
+/**
+ * Clears the counters of every Ethernet port of a unit. Each is tried, whatever became of the others.
+ *
+ * @return 0, also when there is no port; or the converted result of the last `bcm_stat_clear`; the others are only
+ *         logged
+ */
+SAI_API int32_t sai_stat_clean(int32_t unit);
+
+/**
+ * Reads the 18 counters of #hw_counters_table.
+ *
+ * In place of a counter that cannot be read stands what was last read, be it of another port. That is not logged.
+ *
+ * @param port    port number
+ * @param values  receives 18 values, in the order of the table
+ * @return always 0
+ */
+SAI_API int32_t sai_port_mib_read(int32_t unit, int32_t port, uint64_t values[18]);
+
+/* ----------------------------------------------------------------------------------------------- Temperature ------ */
+
+/**
+ * Reads the chip's temperature sensors, as two texts in degrees Celsius with one decimal.
+ *
+ * The sign of a temperature between -1 and 0 degree is lost. Of chip type 50 the last sensor is left out.
+ *
+ * @param avg_buf  receives the average of what the sensors show now, as " 41.1": the whole part is padded to 3
+ *                 characters; written on success only
+ * @param avg_len  size of `avg_buf` in bytes; the text is cut to fit and always ended by a zero byte
+ * @param max_buf  receives the highest that any sensor has shown, as "47.0" and a newline; written on success only
+ * @param max_len  size of `max_buf` in bytes, likewise
+ * @return 0; -1 when there is no sensor; or the converted result of `bcm_switch_temperature_monitor_get`
+ */
+SAI_API int32_t sai_switch_temperature_monitor_get(int32_t unit, char* avg_buf, int32_t avg_len, char* max_buf,
+                                                   int32_t max_len);
+
 /* ------------------------------------------------------------------------------------------- VLAN table ---------- */
 
 /**

@@ -5,7 +5,7 @@
 
 namespace sai {
 
-constexpr bool fits_bitmap(int port) { return port < BCM_PBMP_PORT_MAX; }
+constexpr bool fits_bitmap(int port) { return 0 <= port && port < BCM_PBMP_PORT_MAX; }
 
 inline bcm_pbmp_t no_ports() {
   bcm_pbmp_t ports;

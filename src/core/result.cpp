@@ -44,10 +44,12 @@ constexpr bool is_known(int rv) { return lowest_code <= rv && rv <= BCM_E_NONE; 
 
 }  // namespace
 
-const char* sai::error_text(int rv) {
+int sai::error_index(int rv) {
   constexpr int unknown_error = 1 - lowest_code;
-  return _shr_errmsg[is_known(rv) ? -rv : unknown_error];
+  return is_known(rv) ? -rv : unknown_error;
 }
+
+const char* sai::error_text(int rv) { return _shr_errmsg[error_index(rv)]; }
 
 int32_t sdk_to_sai(int32_t rv) { return is_known(rv) ? library_codes[rv - lowest_code] : SAI_E_FAIL; }
 

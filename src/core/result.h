@@ -9,6 +9,9 @@
 
 namespace sai {
 
+/// Where the Chip SDK's table of error texts has that of `rv`; for codes that it does not have, its unknown-error slot.
+[[gnu::cold]] int error_index(int rv);
+
 /// The Chip SDK's text for the result `rv`; its unknown-error text for codes that it does not have. Cold, and so is
 /// every path that asks for it: a successful call carries none of it.
 [[gnu::cold]] const char* error_text(int rv);

@@ -15,11 +15,14 @@ extern "C" {
 #include <bcm/multicast.h>
 #include <bcm/policer.h>
 #include <bcm/port.h>
+#include <bcm/rate.h>
+#include <bcm/stat.h>
 #include <bcm/switch.h>
 #include <bcm/trunk.h>
 #include <bcm/types.h>
 #include <bcm/vlan.h>
 #include <shared/error.h>
+#include <soc/cmic.h>
 #include <soc/drv.h>
 #include <soc/knet.h>
 

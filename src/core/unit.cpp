@@ -2,11 +2,13 @@
 
 #include <sai.h>
 
-#include "core/sdk.h"
+#include "core/ports.h"
 
 namespace sai {
 
 int cpu_port(int unit) { return CMIC_PORT(unit); }
+
+int chip_type(int unit) { return static_cast<int>(SOC_CHIP_TYPE(unit)); }
 
 int lowest_port(int unit, Ports set) {
   if (unit < 0 || unit >= soc_ndev || soc_control[unit] == nullptr) return -1;  // no such unit: nothing to walk
@@ -20,6 +22,11 @@ int highest_port(int unit, Ports set) {
 bool has_port(int unit, Ports set, int port) {
   return set == Ports::ethernet ? BCM_PBMP_MEMBER(SOC_PORT_BITMAP(unit, ether), port)
                                 : BCM_PBMP_MEMBER(SOC_PORT_BITMAP(unit, port), port);
+}
+
+bcm_pbmp_t ports(int unit, Ports set) {
+  if (lowest_port(unit, set) < 0) return no_ports();
+  return set == Ports::ethernet ? SOC_PORT_BITMAP(unit, ether) : SOC_PORT_BITMAP(unit, port);
 }
 
 }  // namespace sai

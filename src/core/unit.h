@@ -1,10 +1,14 @@
 // What the library reads of the Chip SDK's information on a unit; it is read nowhere else.
 #pragma once
 
+#include "core/sdk.h"
+
 namespace sai {
 
 /// The port through which the switch's own processor is attached.
 int cpu_port(int unit);
+
+int chip_type(int unit);
 
 /// The port sets of a unit that the library walks.
 enum class Ports { ethernet, front };
@@ -12,6 +16,8 @@ enum class Ports { ethernet, front };
 int lowest_port(int unit, Ports set);
 int highest_port(int unit, Ports set);
 bool has_port(int unit, Ports set, int port);
+/// The whole set; empty when there is no such unit.
+bcm_pbmp_t ports(int unit, Ports set);
 
 /// Runs `body` for each port of the set in ascending order. Meant: the highest port is read anew after each.
 template <class Body>
