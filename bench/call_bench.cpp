@@ -1,75 +1,117 @@
 // Each function of the library against the SDK calls that it makes, made directly. Goal: at most 1.10 times.
-#include <appl/diag/shell.h>
-#include <bcm/vlan.h>
+//
+// Both sides run on an SDK that does nothing. Which calls a function makes is found by running this program once more
+// on an SDK that prints the name of every call; so each function of sai.h is measured, without a list to keep up.
+#include <dlfcn.h>
 #include <sai.h>
 #include <soc/drv.h>
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <map>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <type_traits>
+#include <vector>
 
 #include "ratios.h"
 
 namespace {
 
 // Volatile: neither side may know its arguments when it is compiled.
-volatile int unit = 0;
-volatile bcm_vlan_t vid = 10;
-volatile uint16_t port = 3;
+volatile int number = 1;
 
-bcm_pbmp_t none() {
-  bcm_pbmp_t ports;
-  BCM_PBMP_CLEAR(ports);
-  return ports;
+/// What every pointer points to. Zeros are a good record, address, name and bitmap to an SDK that does nothing.
+alignas(64) std::array<char, 65536> memory;
+
+template <class T>
+T argument() {
+  if constexpr (std::is_pointer_v<T> && std::is_function_v<std::remove_pointer_t<T>>)
+    return nullptr;
+  else if constexpr (std::is_pointer_v<T>)
+    return reinterpret_cast<T>(memory.data());
+  else if constexpr (std::is_integral_v<T>)
+    return static_cast<T>(number);
+  else {
+    T record;
+    static_assert(sizeof record % sizeof number == 0 && std::is_trivially_copyable_v<T>);
+    for (std::size_t i = 0; i < sizeof record; i += sizeof number) {
+      const int word = number;
+      std::memcpy(reinterpret_cast<char*>(&record) + i, &word, sizeof word);
+    }
+    return record;
+  }
 }
 
-bcm_pbmp_t only(int member) {
-  bcm_pbmp_t ports = none();
-  BCM_PBMP_PORT_ADD(ports, member);
-  return ports;
+template <class... Args>
+void invoke(int32_t (*function)(Args...)) {
+  benchmark::DoNotOptimize(function(argument<Args>()...));
 }
 
-template <class Change>
-void change_flags(Change change) {
-  bcm_vlan_control_vlan_t control;
-  bcm_vlan_control_vlan_t_init(&control);
-  benchmark::DoNotOptimize(bcm_vlan_control_vlan_get(unit, vid, &control));
-  change(control.flags);
-  benchmark::DoNotOptimize(bcm_vlan_control_vlan_set(unit, vid, control));
+template <class... Args>
+void invoke(void (*function)(Args...)) {
+  function(argument<Args>()...);
 }
 
-using benchmark::DoNotOptimize;
+struct Function {
+  const char* name;
+  void (*call)();
+};
+
+constexpr Function functions[] = {
+#include "functions.inc"
+};
+
+using SdkCall = int (*)(...);
+
+/// Makes the calls behind one call of its own, as the library does.
+[[gnu::noipa]] void replay(const std::vector<SdkCall>& calls) {
+  for (const SdkCall call : calls) benchmark::DoNotOptimize(call(number, number, number, number));
+}
+
+/// The SDK calls of each function that makes some, as the recording run of this program prints them.
+std::map<std::string, std::vector<SdkCall>> recorded(const char* self) {
+  const std::string command = std::string("LD_LIBRARY_PATH=" RECORDING_SDK " ") + self + " --record";
+  const std::unique_ptr<FILE, int (*)(FILE*)> output(popen(command.c_str(), "r"), pclose);
+  std::map<std::string, std::vector<SdkCall>> result;
+  std::string function;
+  for (char line[256]; output != nullptr && std::fgets(line, sizeof line, output.get()) != nullptr;) {
+    std::istringstream words(line);
+    std::string kind;
+    std::string name;
+    words >> kind >> name;
+    if (kind == "function") function = name;
+    if (kind != "call") continue;
+    if (void* const symbol = dlsym(RTLD_DEFAULT, name.c_str()))
+      result[function].push_back(reinterpret_cast<SdkCall>(symbol));
+  }
+  return result;
+}
 
 }  // namespace
 
 int main(int argc, char** argv) {
   sai_log_default = open_sai_log("call_bench", 0, 0, 0);
-  static char command[] = "help";
-
-  bench::compare(
-      "sai_sh_process_command", [] { DoNotOptimize(sai_sh_process_command(unit, command)); },
-      [] { DoNotOptimize(sh_process_command(unit, command)); });
-  bench::compare(
-      "sai_vlan_init", [] { DoNotOptimize(sai_vlan_init(unit)); }, [] { DoNotOptimize(bcm_vlan_init(unit)); });
-  bench::compare(
-      "sai_vlan_create", [] { DoNotOptimize(sai_vlan_create(unit, vid)); },
-      [] {
-        DoNotOptimize(bcm_vlan_create(unit, vid));
-        DoNotOptimize(bcm_vlan_port_add(unit, vid, only(CMIC_PORT(unit)), none()));
-      });
-  bench::compare(
-      "sai_vlan_destroy", [] { DoNotOptimize(sai_vlan_destroy(unit, vid)); },
-      [] { DoNotOptimize(bcm_vlan_destroy(unit, vid)); });
-  bench::compare(
-      "sai_vlan_destroy_all", [] { DoNotOptimize(sai_vlan_destroy_all(unit)); },
-      [] { DoNotOptimize(bcm_vlan_destroy_all(unit)); });
-  bench::compare(
-      "sai_vlan_port_add", [] { DoNotOptimize(sai_vlan_port_add(unit, vid, port, 0)); },
-      [] { DoNotOptimize(bcm_vlan_port_add(unit, vid, only(port), only(port))); });
-  bench::compare(
-      "sai_vlan_port_remove", [] { DoNotOptimize(sai_vlan_port_remove(unit, vid, port)); },
-      [] { DoNotOptimize(bcm_vlan_port_remove(unit, vid, only(port))); });
-  bench::compare(
-      "sai_vlan_l2_learn_set", [] { DoNotOptimize(sai_vlan_l2_learn_set(unit, vid, 1)); },
-      [] { change_flags([](uint32& flags) { flags &= ~uint32{BCM_VLAN_LEARN_DISABLE}; }); });
-  bench::compare(
-      "sai_vlan_l2_lookup_set", [] { DoNotOptimize(sai_vlan_l2_lookup_set(unit, vid, 1)); },
-      [] { change_flags([](uint32& flags) { flags |= BCM_VLAN_L2_LOOKUP_DISABLE; }); });
+  if (argc > 1 && std::string(argv[1]) == "--record") {
+    std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
+    for (const Function& function : functions) {
+      std::printf("function %s\n", function.name);
+      function.call();
+    }
+    return EXIT_SUCCESS;
+  }
+  const std::map<std::string, std::vector<SdkCall>> calls = recorded(argv[0]);
+  for (const Function& function : functions) {
+    const auto found = calls.find(function.name);
+    if (found == calls.end()) {
+      std::printf("%s makes no SDK call with these arguments\n", function.name);
+      continue;
+    }
+    if (std::string(function.name).ends_with("_show")) continue;  // it prints, which takes much longer than its calls
+    bench::compare(function.name, function.call, [sdk_calls = found->second] { replay(sdk_calls); });
+  }
   return bench::run(argc, argv);
 }
