@@ -133,6 +133,26 @@ TEST_F(ShellArguments, ThirtyTwoUnsignedBitsRunFrom0To4294967295) {
   EXPECT_EQ(run("sai_hash_to_sdk 4294967295"), "  = 0\n");
 }
 
+TEST(ShellNumber, SixtyFourBitsRunFromTheirLowestToTheirHighest) {
+  const auto said = []<class T>(T /*kind*/, const std::string& word) -> std::string {
+    try {
+      return std::to_string(saish::Argument<T>("value", word).get());
+    } catch (const saish::BadInput& bad) {
+      return bad.what();
+    }
+  };
+  EXPECT_EQ(said(uint64_t{}, "18446744073709551615"), "18446744073709551615");
+  EXPECT_EQ(said(uint64_t{}, "0xffffffffffffffff"), "18446744073709551615");
+  EXPECT_EQ(said(uint64_t{}, "9223372036854775808"), "9223372036854775808");
+  for (const std::string word : {"-1", "18446744073709551616"})
+    EXPECT_EQ(said(uint64_t{}, word), "value: \"" + word + "\" is not a number from 0 to 18446744073709551615");
+  EXPECT_EQ(said(int64_t{}, "-9223372036854775808"), "-9223372036854775808");
+  EXPECT_EQ(said(int64_t{}, "9223372036854775807"), "9223372036854775807");
+  for (const std::string word : {"-9223372036854775809", "9223372036854775808", "-18446744073709551615"})
+    EXPECT_EQ(said(int64_t{}, word),
+              "value: \"" + word + "\" is not a number from -9223372036854775808 to 9223372036854775807");
+}
+
 TEST_F(ShellArguments, ANumberIsDecimalOrHexadecimalWithASign) {
   run("open_sai_log test 0 0 0");
   run("sai_vlan_destroy 0 0x3e8", "sai_vlan_destroy 0 0XFFF", "sai_vlan_destroy 0 0xfFfF", "sai_vlan_destroy 0 010",

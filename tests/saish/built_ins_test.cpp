@@ -85,7 +85,7 @@ TEST_F(ShellBuiltIns, ShowRefusesATableThatThereIsNot) {
 TEST_F(ShellBuiltIns, ShowRefusesAUnitThatThereIsNot) {
   EXPECT_EQ(refused("show vlan 1"), "unit 1 is not attached");
   EXPECT_EQ(refused("show vlan 15"), "unit 15 is not attached");
-  for (const std::string unit : {"16", "-1", "first"})
+  for (const std::string unit : {"16", "-1", "first", "SAI_E_NONE"})
     EXPECT_EQ(refused("show vlan " + unit), "unit: \"" + unit + "\" is not a number from 0 to 15");
 }
 
@@ -153,9 +153,9 @@ TEST_F(ShellBuiltIns, FailRefusesWhatItDoesNotKnowAndInjectsNothing) {
   EXPECT_EQ(refused("fail bcm_vlan_creat BCM_E_FULL"), "the Chip SDK has no function \"bcm_vlan_creat\"");
   EXPECT_EQ(refused("fail sai_vlan_create BCM_E_FULL"), "the Chip SDK has no function \"sai_vlan_create\"");
   EXPECT_EQ(refused("fail bcm_vlan_create"), "a code is missing; the form is fail NAME CODE [NTH] or fail clear");
-  for (const std::string code : {"BCM_E_NONSENSE", "full", "2147483648", "-2147483649"})
+  for (const std::string code : {"BCM_E_NONSENSE", "SAI_E_FULL", "SAI_LOG_OFF", "full", "2147483648", "-2147483649"})
     EXPECT_EQ(refused("fail bcm_vlan_create " + code), "code: \"" + code + "\" is neither a number nor a BCM_E_ name");
-  for (const std::string nth : {"0", "-1", "2147483648", "each"})
+  for (const std::string nth : {"0", "-1", "2147483648", "each", "SAI_LOG_ERRORS"})
     EXPECT_EQ(refused("fail bcm_vlan_create -1 " + nth),
               "nth: \"" + nth + "\" is neither a number from 1 on nor \"every\"");
   EXPECT_EQ(run("sai_vlan_create 0 10"), "  = 0\n");
@@ -195,7 +195,7 @@ TEST_F(ShellBuiltIns, LogOpensALogOnlyWhenThereIsNone) {
 }
 
 TEST_F(ShellBuiltIns, LogRefusesWhatIsNoLevel) {
-  for (const std::string level : {"8", "-2", "loud", "e"})
+  for (const std::string level : {"8", "-2", "loud", "e", "SAI_E_NONE", "SAI_E_FAIL", "BCM_E_NONE"})
     EXPECT_EQ(refused("log " + level),
               "level: \"" + level + "\" is neither off, a number from 0 to 7, nor a level such as errors or debugging");
   EXPECT_EQ(sai_log_default, nullptr);

@@ -87,7 +87,8 @@ TEST_F(ShellSession, AnyOtherCodeThanTheExpectedOneIsUnexpected) {
 TEST_F(ShellSession, AnExpectThatIsNotWellFormedCallsNothing) {
   EXPECT_EQ(refused("expect"), "too few arguments; the form is expect CODE COMMAND");
   EXPECT_EQ(refused("expect 0"), "too few arguments; the form is expect CODE COMMAND");
-  for (const std::string code : {"SAI_E_NONSENSE", "2147483648", "-2147483649", "sai_vlan_create"})
+  for (const std::string code :
+       {"SAI_E_NONSENSE", "BCM_E_NONE", "SAI_LOG_OFF", "2147483648", "-2147483649", "sai_vlan_create"})
     EXPECT_EQ(refused("expect " + code + " sai_vlan_create 0 10"),
               "code: \"" + code + "\" is neither a number nor a SAI_E_ name; the form is expect CODE COMMAND");
   for (const std::string name : {"show", "expect", "nothing"})

@@ -21,8 +21,28 @@
 
 namespace saish {
 
-/// The number that `word` is, decimal, hexadecimal after 0x, or the name of one of sai.h's enumerators.
-std::optional<int64_t> number(std::string_view word);
+/// Wide enough for every integer type of C.
+using Wide = __int128;
+std::optional<Wide> wide_number(std::string_view word);
+std::optional<Wide> wide_named_number(std::string_view word, std::string_view prefix);
+
+template <std::integral T>
+std::optional<T> narrowed(std::optional<Wide> value) {
+  if (!value || *value < std::numeric_limits<T>::min() || *value > std::numeric_limits<T>::max()) return std::nullopt;
+  return static_cast<T>(*value);
+}
+
+/// The number of type T that `word` is: decimal, or hexadecimal after 0x.
+template <std::integral T>
+std::optional<T> number(std::string_view word) {
+  return narrowed<T>(wide_number(word));
+}
+
+/// The same; `word` may also be the name, with this prefix, of an enumerator of sai.h or of a code of the Chip SDK.
+template <std::integral T>
+std::optional<T> named_number(std::string_view word, std::string_view prefix = "") {
+  return narrowed<T>(wide_named_number(word, prefix));
+}
 
 /// The log that `word` names.
 sai_log_handle* log_handle(std::string_view parameter, std::string_view word);
@@ -35,13 +55,12 @@ struct Argument;
 template <std::integral T>
 struct Argument<T> {
   Argument(std::string_view parameter, const std::string& word) {
-    const std::optional<int64_t> given = number(word);
-    constexpr auto lowest = static_cast<int64_t>(std::numeric_limits<T>::min());
-    constexpr auto highest = static_cast<int64_t>(std::numeric_limits<T>::max());
-    if (!given || *given < lowest || *given > highest)
-      throw BadInput(std::string(parameter) + ": \"" + word + "\" is not a number from " + std::to_string(lowest) +
-                     " to " + std::to_string(highest));
-    value = static_cast<T>(*given);
+    const std::optional<T> given = named_number<T>(word);
+    if (!given)
+      throw BadInput(std::string(parameter) + ": \"" + word + "\" is not a number from " +
+                     std::to_string(std::numeric_limits<T>::min()) + " to " +
+                     std::to_string(std::numeric_limits<T>::max()));
+    value = *given;
   }
   T get() const { return value; }
   T value;

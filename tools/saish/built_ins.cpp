@@ -34,9 +34,9 @@ void help(Session& /*session*/, const Words& arguments) {
 }
 
 int unit_number(const std::string& word) {
-  const std::optional<int64_t> unit = number(word);
+  const std::optional<int> unit = number<int>(word);
   if (!unit || *unit < 0 || *unit > 15) throw BadInput("unit: \"" + word + "\" is not a number from 0 to 15");
-  return static_cast<int>(*unit);
+  return *unit;
 }
 
 std::string table_names() {
@@ -62,22 +62,21 @@ void fail(Session& /*session*/, const Words& arguments) {
   if (arguments[0] == "clear" && arguments.size() == 1) return swsdk_fault_clear();
   if (arguments.size() < 2) throw BadInput("a code is missing; the form is fail NAME CODE [NTH] or fail clear");
 
-  const std::optional<int64_t> code = number(arguments[1]);
-  if (!code || *code < INT32_MIN || *code > INT32_MAX)
-    throw BadInput("code: \"" + arguments[1] + "\" is neither a number nor a BCM_E_ name");
+  const std::optional<int> code = named_number<int>(arguments[1], "BCM_E_");
+  if (!code) throw BadInput("code: \"" + arguments[1] + "\" is neither a number nor a BCM_E_ name");
   const bool every = arguments.size() == 3 && arguments[2] == "every";
-  const std::optional<int64_t> nth = every ? SWSDK_FAULT_EVERY_CALL : arguments.size() == 3 ? number(arguments[2]) : 1;
-  if (!nth || *nth > INT32_MAX || *nth < (every ? 0 : 1))
+  const std::optional<int> nth = every ? SWSDK_FAULT_EVERY_CALL : arguments.size() == 3 ? number<int>(arguments[2]) : 1;
+  if (!nth || *nth < (every ? 0 : 1))
     throw BadInput("nth: \"" + arguments[2] + "\" is neither a number from 1 on nor \"every\"");
-  if (swsdk_fault_inject(arguments[0].c_str(), static_cast<int>(*code), static_cast<int>(*nth)) != 0)
+  if (swsdk_fault_inject(arguments[0].c_str(), *code, *nth) != 0)
     throw BadInput("the Chip SDK has no function \"" + arguments[0] + "\"");
 }
 
 void log(Session& /*session*/, const Words& arguments) {
   const std::string& word = arguments[0];
-  const std::optional<int64_t> given = number(word);
+  const std::optional<int32_t> given = named_number<int32_t>(word, "SAI_LOG_");
   const int32_t level = word == "off"                                                   ? SAI_LOG_OFF
-                        : given && *given >= SAI_LOG_OFF && *given <= SAI_LOG_DEBUGGING ? static_cast<int32_t>(*given)
+                        : given && *given >= SAI_LOG_OFF && *given <= SAI_LOG_DEBUGGING ? *given
                                                                                         : sai_level_match(word.c_str());
   if (level == -1 && word != "off" && given != -1)
     throw BadInput("level: \"" + word +
@@ -100,11 +99,11 @@ void journal(Session& session, const Words& arguments) {
 }
 
 void link(Session& /*session*/, const Words& arguments) {
-  const std::optional<int64_t> port = number(arguments[0]);
+  const std::optional<int> port = number<int>(arguments[0]);
   const bool up = arguments[1] == "up";
   if (!up && arguments[1] != "down") throw BadInput("\"" + arguments[1] + "\" is neither up nor down");
   const int unit = arguments.size() > 2 ? unit_number(arguments[2]) : 0;
-  if (!port || *port < 0 || *port > INT32_MAX || swsdk_link_event(unit, static_cast<int>(*port), up) != 0)
+  if (!port || *port < 0 || swsdk_link_event(unit, *port, up) != 0)
     throw BadInput("port: unit " + std::to_string(unit) + " has no Ethernet port \"" + arguments[0] + "\"");
   swsdk_events_drain();
 }

@@ -60,19 +60,23 @@ std::string code_text(int32_t code) {
   return result;
 }
 
-std::optional<int64_t> number(std::string_view word) {
-  if (const Name* name = find(names, word)) return name->value;
-  if (const Name* name = find(sdk_names, word)) return name->value;
+std::optional<Wide> wide_named_number(std::string_view word, std::string_view prefix) {
+  if (word.starts_with(prefix)) {
+    if (const Name* name = find(names, word)) return name->value;
+    if (const Name* name = find(sdk_names, word)) return name->value;
+  }
+  return wide_number(word);
+}
 
+std::optional<Wide> wide_number(std::string_view word) {
   const bool negative = word.starts_with('-');
   if (negative) word.remove_prefix(1);
   const bool hexadecimal = word.starts_with("0x") || word.starts_with("0X");
   if (hexadecimal) word.remove_prefix(2);
   uint64_t digits = 0;
   const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), digits, hexadecimal ? 16 : 10);
-  if (error != std::errc{} || end != word.data() + word.size() || word.empty() || digits > INT64_MAX)
-    return std::nullopt;
-  return negative ? -static_cast<int64_t>(digits) : static_cast<int64_t>(digits);
+  if (error != std::errc{} || end != word.data() + word.size() || word.empty()) return std::nullopt;
+  return negative ? -static_cast<Wide>(digits) : static_cast<Wide>(digits);
 }
 
 sai_log_handle* log_handle(std::string_view parameter, std::string_view word) {

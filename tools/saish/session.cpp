@@ -28,10 +28,10 @@ void check_count(const std::string& form, std::size_t given, std::size_t fewest,
 }
 
 int32_t expected_code(const std::string& word) {
-  const std::optional<int64_t> code = number(word);
-  if (!code || *code < INT32_MIN || *code > INT32_MAX)
+  const std::optional<int32_t> code = named_number<int32_t>(word, "SAI_E_");
+  if (!code)
     throw BadInput("code: \"" + word + "\" is neither a number nor a SAI_E_ name; the form is expect CODE COMMAND");
-  return static_cast<int32_t>(*code);
+  return *code;
 }
 
 void judge(const std::optional<int32_t>& result, const std::optional<int32_t>& expected) {
