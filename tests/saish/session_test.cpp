@@ -91,9 +91,31 @@ TEST_F(ShellSession, AnExpectThatIsNotWellFormedCallsNothing) {
        {"SAI_E_NONSENSE", "BCM_E_NONE", "SAI_LOG_OFF", "2147483648", "-2147483649", "sai_vlan_create"})
     EXPECT_EQ(refused("expect " + code + " sai_vlan_create 0 10"),
               "code: \"" + code + "\" is neither a number nor a SAI_E_ name; the form is expect CODE COMMAND");
-  for (const std::string name : {"show", "expect", "nothing"})
+  for (const std::string name : {"show", "expect"})
     EXPECT_EQ(refused("expect 0 " + name + " vlan x"),
               "expect: \"" + name + "\" is not one of the library's functions");
+  EXPECT_TRUE(refused("expect 0 nothing vlan x").starts_with("there is no command \"nothing\"; "));
+}
+
+TEST_F(ShellSession, AFunctionThatReturnsNothingHasNoCodeToExpect) {
+  run("open_sai_log test 0 0 0");
+  for (const std::string call : {"sai_err x", "close_sai_log default", "sai_log_set_level default 1 7"})
+    EXPECT_EQ(refused("expect 0 " + call), "expect: " + call.substr(0, call.find(' ')) + " returns nothing");
+  EXPECT_NE(sai_log_default, nullptr);
+  EXPECT_EQ(sai_log_default->max_level[SAI_LOG_CONSOLE], SAI_LOG_OFF);
+}
+
+TEST_F(ShellSession, ANegativeResultThatIsNoCodeHasNoCodesName) {
+  EXPECT_EQ(run("sai_level_match xx"), "  = -1\n");
+  EXPECT_EQ(run_well("sai_level_match xx"), "  = -1\nunexpected: expected 0 or more, came -1\n");
+  EXPECT_EQ(run("expect -1 sai_level_match er"), "  = 3\nunexpected: expected -1, came 3\n");
+}
+
+TEST_F(ShellSession, ANegativeCodeHasItsNameWhateverGaveIt) {
+  EXPECT_EQ(run("sdk_to_sai -1"), "  = -1 SAI_E_FAIL\n");
+  run("open_sai_log test 0 0 0");
+  EXPECT_TRUE(run("sai_sh_process_command 0 nonsense").ends_with("  = -1 SAI_E_FAIL\n"));
+  EXPECT_EQ(run("sai_vlan_port_add 0 1 256 0"), "  = -5 SAI_E_PARAM\n");
 }
 
 TEST_F(ShellSession, ExpectsCodeMayBeAnyOf32Bits) {

@@ -1,6 +1,6 @@
 # cmake -DHEADER=include/sai.h -DOUTPUT=commands.inc -P commands.cmake
 # Makes the shell's table of commands from the library's header: every exported function with its prototype, its
-# parameters and the first sentence of its comment, and every enumerator with its value's name.
+# parameters, the kind of its result and the first sentence of its comment, and every enumerator with its value's name.
 cmake_minimum_required(VERSION 3.25)
 
 file(READ "${HEADER}" text)
@@ -40,8 +40,18 @@ foreach(declaration IN LISTS declarations)
       string(APPEND parameters "\"${CMAKE_MATCH_1}\", ")
     endif()
   endforeach()
-  string(APPEND functions
-         "    {\"${name}\", \"${prototype}\", \"${summary}\", parameters(&${name}, {${parameters}}), &run<&${name}>},\n")
+  # A negative result is a code of sai_result unless the comment says that something else comes.
+  set(result code)
+  if(prototype MATCHES "^void ")
+    set(result none)
+  elseif(prototype MATCHES "^int32_t " AND comment MATCHES "@return (.*)")
+    set(returned "${CMAKE_MATCH_1}")
+    if(NOT returned MATCHES "^(always )?0" AND NOT returned MATCHES "converted result|sai_result")
+      set(result number)
+    endif()
+  endif()
+  string(APPEND functions "    {\"${name}\", \"${prototype}\", \"${summary}\", Result::${result}, "
+         "parameters(&${name}, {${parameters}}), &run<&${name}>},\n")
 endforeach()
 
 set(names "")

@@ -52,12 +52,12 @@ std::vector<std::string> given_parameters(const Function& function) {
   return result;
 }
 
-std::string code_text(int32_t code) {
-  std::string result = std::to_string(code);
+std::string result_text(const Function& function, int32_t result) {
+  std::string text = std::to_string(result);
+  if (function.result != Result::code || result >= 0) return text;
   for (const Name& name : names)
-    if (code < 0 && name.value == code && std::string_view(name.name).starts_with("SAI_E_"))
-      result += std::string(" ") + name.name;
-  return result;
+    if (name.value == result && std::string_view(name.name).starts_with("SAI_E_")) text += std::string(" ") + name.name;
+  return text;
 }
 
 std::optional<Wide> wide_named_number(std::string_view word, std::string_view prefix) {

@@ -11,10 +11,14 @@
 
 namespace saish {
 
+/// What a function returns: nothing, a number of its own, or a code of sai_result when it is negative.
+enum class Result { none, number, code };
+
 struct Function {
   const char* name;
   const char* prototype;
   const char* summary;
+  Result result;
   Parameters parameters;
   Outcome (*run)(const Parameters& parameters, const Words& words);
 };
@@ -34,7 +38,7 @@ std::string usage(const Function& function);
 /// The names of these parameters.
 std::vector<std::string> given_parameters(const Function& function);
 
-/// "-7 SAI_E_NOT_FOUND", or the number alone.
-std::string code_text(int32_t code);
+/// "-7 SAI_E_NOT_FOUND", or the number alone where it is no code.
+std::string result_text(const Function& function, int32_t result);
 
 }  // namespace saish

@@ -34,13 +34,6 @@ int32_t expected_code(const std::string& word) {
   return *code;
 }
 
-void judge(const std::optional<int32_t>& result, const std::optional<int32_t>& expected) {
-  if (!result) return;
-  if (expected ? *result == *expected : *result >= 0) return;
-  throw Unexpected("expected " + (expected ? code_text(*expected) : std::string("0 or more")) + ", came " +
-                   code_text(*result));
-}
-
 }  // namespace
 
 std::string journal_text() {
@@ -83,48 +76,55 @@ void Session::print_news() {
   }
 }
 
-Outcome Session::execute(const Words& words) {
-  const Words arguments(words.begin() + 1, words.end());
-  if (const BuiltIn* built_in = find_built_in(words[0])) {
-    check_count(built_in->usage, arguments.size(), built_in->fewest_words, built_in->most_words);
-    built_in->run(*this, arguments);
-    return {};
-  }
-  const Function* function = find_function(words[0]);
-  if (function == nullptr) throw BadInput("there is no command \"" + words[0] + "\"; help lists them all");
-
-  const std::string form = usage(*function);
-  const std::size_t count = given_parameters(*function).size();
+std::optional<int32_t> Session::call(const Function& function, const Words& arguments) {
+  const std::string form = usage(function);
+  const std::size_t count = given_parameters(function).size();
   check_count(form, arguments.size(), count, count);
   Outcome outcome;
   try {
-    outcome = function->run(function->parameters, arguments);
+    outcome = function.run(function.parameters, arguments);
   } catch (const BadInput& bad) {
     throw BadInput(std::string(bad.what()) + "; the form is " + form);
   }
   std::fflush(stdout);
   print_news();
   if (const std::optional<int32_t> result = outcome.result)
-    std::printf("  %s= %s%s\n", *result < 0 ? style::red() : "", code_text(*result).c_str(), style::plain());
+    std::printf("  %s= %s%s\n", *result < 0 ? style::red() : "", result_text(function, *result).c_str(),
+                style::plain());
   for (const std::string& answer : outcome.answers) std::printf("  %s\n", answer.c_str());
-  return outcome;
+  return outcome.result;
 }
 
-std::optional<int32_t> Session::run(std::string_view line) {
+void Session::execute(std::string_view line, bool well) {
   Words given = words(line);
-  if (given.empty()) return std::nullopt;
-  if (given[0] != "expect") return execute(given).result;
+  if (given.empty()) return;
+  std::optional<int32_t> expected;
+  if (given[0] == "expect") {
+    check_count(find_built_in("expect")->usage, given.size() - 1, 2, given.size());
+    expected = expected_code(given[1]);
+    given.erase(given.begin(), given.begin() + 2);
+  }
+  const Words arguments(given.begin() + 1, given.end());
 
-  check_count(find_built_in("expect")->usage, given.size() - 1, 2, given.size());
-  const int32_t expected = expected_code(given[1]);
-  given.erase(given.begin(), given.begin() + 2);
-  if (find_function(given[0]) == nullptr)
-    throw BadInput("expect: \"" + given[0] + "\" is not one of the library's functions");
-  judge(execute(given).result, expected);
-  return std::nullopt;
+  const BuiltIn* built_in = find_built_in(given[0]);
+  if (built_in != nullptr && !expected) {
+    check_count(built_in->usage, arguments.size(), built_in->fewest_words, built_in->most_words);
+    return built_in->run(*this, arguments);
+  }
+  if (built_in != nullptr) throw BadInput("expect: \"" + given[0] + "\" is not one of the library's functions");
+  const Function* function = find_function(given[0]);
+  if (function == nullptr) throw BadInput("there is no command \"" + given[0] + "\"; help lists them all");
+  if (expected && function->result == Result::none) throw BadInput("expect: " + given[0] + " returns nothing");
+
+  const std::optional<int32_t> result = call(*function, arguments);
+  if (!result || (expected ? *result == *expected : !well || *result >= 0)) return;
+  throw Unexpected("expected " + (expected ? result_text(*function, *expected) : std::string("0 or more")) + ", came " +
+                   result_text(*function, *result));
 }
 
-void Session::run_well(std::string_view line) { judge(run(line), std::nullopt); }
+void Session::run(std::string_view line) { execute(line, false); }
+
+void Session::run_well(std::string_view line) { execute(line, true); }
 
 void Session::run_script(const std::string& path) {
   std::ifstream file;

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "arguments.h"
+#include "library.h"
 
 namespace saish {
 
@@ -23,9 +23,9 @@ class Session {
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
 
-  /// Runs one line, prints what came of it and returns the result of a function of the library. Throws BadInput when
-  /// the line is no command, and nothing was changed; Unexpected when `expect` was not met.
-  std::optional<int32_t> run(std::string_view line);
+  /// Runs one line and prints what came of it. Throws BadInput when the line is no command, and nothing was changed;
+  /// Unexpected when `expect` was not met.
+  void run(std::string_view line);
 
   /// The same; throws Unexpected also when a function failed.
   void run_well(std::string_view line);
@@ -42,7 +42,8 @@ class Session {
   bool ended() const { return ended_; }
 
  private:
-  Outcome execute(const Words& words);
+  void execute(std::string_view line, bool well);
+  std::optional<int32_t> call(const Function& function, const Words& arguments);
   void print_news();
 
   bool ended_ = false;
