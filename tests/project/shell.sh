@@ -39,6 +39,9 @@ for bad in nothing "sai_vlan_create 0" "sai_vlan_create 0 10 10" "sai_vlan_creat
   [ ! -s out ] || fail "$bad: printed $(cat out)"
 done
 check 2 'cannot read the script "missing.sai"' "$saish" missing.sai
+check 2 'cannot read the script "\."' "$saish" .
+check 2 'cannot read the script "\."' "$saish" -c "source ."
+check 2 'cannot read the script "-"' bash -c '"$0" - <.' "$saish"
 
 printf 'sai_unit_get\nsai_unit_get\nexpect 1 sai_unit_get\nsai_hash_to_sdk 0\n' >three.sai
 check 1 'three\.sai:3: expect 1 sai_unit_get: expected 1, came 0' "$saish" three.sai

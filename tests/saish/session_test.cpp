@@ -165,6 +165,12 @@ TEST_F(ShellSession, AScriptThatIsNotThereIsBadInput) {
   EXPECT_EQ(refused("source " + file), "cannot read the script \"" + file + "\"");
 }
 
+TEST_F(ShellSession, ADirectoryIsNoScript) {
+  const std::string directory = fs::path(path("a")).parent_path().string();
+  EXPECT_EQ(run_script(directory), "bad input: cannot read the script \"" + directory + "\"\n");
+  EXPECT_EQ(refused("source " + directory), "cannot read the script \"" + directory + "\"");
+}
+
 TEST_F(ShellSession, AnEmptyScriptDoesNothing) { EXPECT_EQ(run_script(script("a", "")), ""); }
 
 TEST_F(ShellSession, SourceRunsAScriptAndTheOtherGoesOn) {

@@ -130,7 +130,8 @@ void Session::run_script(const std::string& path) {
   std::ifstream file;
   if (path != "-") file.open(path);
   std::istream& script = path == "-" ? std::cin : file;
-  if (!script) throw BadInput("cannot read the script \"" + path + "\"");
+  const BadInput unreadable("cannot read the script \"" + path + "\"");
+  if (!script) throw unreadable;
   if (scripts_ == most_scripts)
     throw BadInput("scripts that run each other end at a depth of " + std::to_string(most_scripts));
 
@@ -147,6 +148,8 @@ void Session::run_script(const std::string& path) {
     }
   }
   --scripts_;
+  // A directory opens like a file; only reading it fails, which std::cin does not tell.
+  if (script.bad() || (path == "-" && std::ferror(stdin) != 0)) throw unreadable;
 }
 
 }  // namespace saish
