@@ -45,9 +45,25 @@ TEST_F(ShellSession, BlankLinesAndCommentsDoNothing) {
 TEST_F(ShellSession, AnUnknownCommandIsRefusedByName) {
   for (const std::string line : {"sai_vlan_creat 0 10", "SAI_VLAN_CREATE 0 10", "vlan_create 0 10", "0"}) {
     const std::string name = line.substr(0, line.find(' '));
-    EXPECT_TRUE(refused(line).starts_with("there is no command \"" + name + "\"; ")) << refused(line);
+    EXPECT_TRUE(refused(line).starts_with("no such command \"" + name + "\"; ")) << refused(line);
   }
-  EXPECT_TRUE(refused("\"\"").starts_with("there is no command \"\"; "));
+}
+
+TEST_F(ShellSession, ForAnUnknownCommandTheNearestNameIsShownWhereOneIsNear) {
+  const auto meant = [&](const std::string& name) {
+    const std::string text = refused(name + " 0 10");
+    const std::string begin = "no such command \"" + name + "\"; did you mean ";
+    return text.starts_with(begin) ? text.substr(begin.size()) : text;
+  };
+  EXPECT_EQ(meant("sai_vlan_crate"), "sai_vlan_create?");
+  EXPECT_EQ(meant("sai_vlan_destory"), "sai_vlan_destroy?");
+  EXPECT_EQ(meant("sai_vlan_creates"), "sai_vlan_create?");
+  EXPECT_EQ(meant("hlep"), "help?");
+  EXPECT_EQ(meant("journl"), "journal?");
+  EXPECT_EQ(refused("expect 0 sai_vlan_crate 0 10"),
+            "no such command \"sai_vlan_crate\"; did you mean sai_vlan_create?");
+  for (const std::string name : {"\"\"", "0", "ab", "nonsense", "SAI_VLAN_CREATE"})
+    EXPECT_TRUE(refused(name).ends_with("; help lists them all")) << refused(name);
 }
 
 TEST_F(ShellSession, AQuoteThatIsNotClosedCallsNothing) {
@@ -94,7 +110,7 @@ TEST_F(ShellSession, AnExpectThatIsNotWellFormedCallsNothing) {
   for (const std::string name : {"show", "expect"})
     EXPECT_EQ(refused("expect 0 " + name + " vlan x"),
               "expect: \"" + name + "\" is not one of the library's functions");
-  EXPECT_TRUE(refused("expect 0 nothing vlan x").starts_with("there is no command \"nothing\"; "));
+  EXPECT_TRUE(refused("expect 0 nothing vlan x").starts_with("no such command \"nothing\"; "));
 }
 
 TEST_F(ShellSession, AFunctionThatReturnsNothingHasNoCodeToExpect) {
@@ -154,7 +170,7 @@ TEST_F(ShellSession, AScriptStopsAtTheFirstUnexpectedResultAndNamesFileAndLine) 
 TEST_F(ShellSession, AScriptStopsAtBadInputAndNamesFileAndLine) {
   const std::string file = script("a", "nonsense\nsai_vlan_create 0 10\n");
   const std::string result = run_script(file);
-  EXPECT_TRUE(result.starts_with("nonsense\nunexpected: " + file + ":1: nonsense: there is no command \"nonsense\"; "))
+  EXPECT_TRUE(result.starts_with("nonsense\nunexpected: " + file + ":1: nonsense: no such command \"nonsense\"; "))
       << result;
   EXPECT_EQ(saish::journal_text(), "");
 }

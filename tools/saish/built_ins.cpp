@@ -3,7 +3,9 @@
 #include <swsdk/chip.h>
 #include <swsdk/fault.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <numeric>
 #include <string>
 
 #include "library.h"
@@ -21,7 +23,7 @@ void help_on(std::string_view name) {
   } else if (const Function* function = find_function(name)) {
     std::printf("%s\n%s\nHere: %s\n", function->prototype, function->summary, usage(*function).c_str());
   } else {
-    throw BadInput("there is no command \"" + std::string(name) + "\"; help lists them all");
+    throw unknown_command(name);
   }
 }
 
@@ -137,6 +139,44 @@ const BuiltIn* find_built_in(std::string_view name) {
   for (const BuiltIn& built_in : table)
     if (name == built_in.name) return &built_in;
   return nullptr;
+}
+
+std::vector<std::string> command_names() {
+  std::vector<std::string> names;
+  for (const BuiltIn& built_in : built_ins()) names.emplace_back(built_in.name);
+  for (const Function& function : functions()) names.emplace_back(function.name);
+  return names;
+}
+
+namespace {
+
+/// How many letters have to be put in, taken out or changed to make one text the other.
+std::size_t distance(std::string_view one, std::string_view other) {
+  std::vector<std::size_t> row(other.size() + 1);  // from what is read of one to each beginning of the other
+  std::iota(row.begin(), row.end(), std::size_t{0});
+  for (const char letter : one) {
+    std::size_t diagonal = row[0]++;
+    for (std::size_t i = 1; i < row.size(); ++i) {
+      const std::size_t changed = diagonal + (letter == other[i - 1] ? 0 : 1);
+      diagonal = row[i];
+      row[i] = std::min({changed, row[i] + 1, row[i - 1] + 1});
+    }
+  }
+  return row.back();
+}
+
+}  // namespace
+
+BadInput unknown_command(std::string_view name) {
+  std::string nearest;
+  std::size_t least = name.size() / 4 + 2;  // farther than what a slip of the hand makes
+  for (const std::string& other : command_names())
+    if (const std::size_t far = distance(name, other); far < std::min(least, name.size())) {
+      nearest = other;
+      least = far;
+    }
+  return BadInput("no such command \"" + std::string(name) + "\"; " +
+                  (nearest.empty() ? "help lists them all" : "did you mean " + nearest + "?"));
 }
 
 }  // namespace saish

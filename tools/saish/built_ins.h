@@ -22,4 +22,10 @@ struct BuiltIn {
 std::span<const BuiltIn> built_ins();
 const BuiltIn* find_built_in(std::string_view name);
 
+/// The names of these and of the library's functions.
+std::vector<std::string> command_names();
+
+/// What to say of a name that is none of them: the nearest one, if there is one near.
+BadInput unknown_command(std::string_view name);
+
 }  // namespace saish

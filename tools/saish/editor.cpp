@@ -17,13 +17,6 @@ namespace {
 /// What may stand where the cursor is; set before libedit asks for it one by one.
 std::vector<std::string> candidates;
 
-std::vector<std::string> command_names() {
-  std::vector<std::string> names;
-  for (const BuiltIn& built_in : built_ins()) names.emplace_back(built_in.name);
-  for (const Function& function : functions()) names.emplace_back(function.name);
-  return names;
-}
-
 std::vector<std::string> table_names() {
   std::vector<std::string> names;
   for (int i = 0; swsdk_show_table(i) != nullptr; ++i) names.emplace_back(swsdk_show_table(i));

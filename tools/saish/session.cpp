@@ -113,7 +113,7 @@ void Session::execute(std::string_view line, bool well) {
   }
   if (built_in != nullptr) throw BadInput("expect: \"" + given[0] + "\" is not one of the library's functions");
   const Function* function = find_function(given[0]);
-  if (function == nullptr) throw BadInput("there is no command \"" + given[0] + "\"; help lists them all");
+  if (function == nullptr) throw unknown_command(given[0]);
   if (expected && function->result == Result::none) throw BadInput("expect: " + given[0] + " returns nothing");
 
   const std::optional<int32_t> result = call(*function, arguments);
