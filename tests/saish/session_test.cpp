@@ -66,6 +66,16 @@ TEST_F(ShellSession, ForAnUnknownCommandTheNearestNameIsShownWhereOneIsNear) {
     EXPECT_TRUE(refused(name).ends_with("; help lists them all")) << refused(name);
 }
 
+TEST_F(ShellSession, AMessageShowsControlCharactersWrittenOut) {
+  EXPECT_EQ(refused("\"a\nb\x1b[31m\x7f\""), "no such command \"a\\nb\\x1b[31m\\x7f\"; help lists them all");
+  EXPECT_TRUE(refused("sai_vlan_create 0 \"1\n\t\"").starts_with("vid: \"1\\n\\x09\" is not a number "));
+  EXPECT_EQ(refused("source \"a\r\nb\""), "cannot read the script \"a\\x0d\\nb\"");
+  EXPECT_TRUE(refused("Z\u00fcrich").starts_with("no such command \"Z\u00fcrich\"; "));
+  const std::string file = script("a", "expect 1\tsai_unit_get\r\n");
+  EXPECT_TRUE(run_script(file).ends_with("  = 0\nunexpected: " + file +
+                                         ":1: expect 1\\x09sai_unit_get\\x0d: expected 1, came 0\n"));
+}
+
 TEST_F(ShellSession, AQuoteThatIsNotClosedCallsNothing) {
   EXPECT_EQ(refused("sai_vlan_create 0 \"10"), "a quoted text has no closing quote: \"10");
 }

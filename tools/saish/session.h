@@ -11,7 +11,7 @@ namespace saish {
 
 /// A command of a script, or one after `expect`, did not give what it should.
 struct Unexpected : std::runtime_error {
-  using runtime_error::runtime_error;
+  explicit Unexpected(std::string_view text) : runtime_error(printable(text)) {}
 };
 
 class Session {

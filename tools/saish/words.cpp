@@ -1,5 +1,7 @@
 #include "words.h"
 
+#include <cstdio>
+
 namespace saish {
 
 namespace {
@@ -23,6 +25,17 @@ std::string quoted(std::string_view& line) {
 }
 
 }  // namespace
+
+std::string printable(std::string_view text) {
+  std::string result;
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    char code[5];
+    std::snprintf(code, sizeof code, c == '\n' ? "\\n" : "\\x%02x", byte);
+    result += byte < ' ' || byte == 0x7F ? code : std::string(1, c);
+  }
+  return result;
+}
 
 std::vector<std::string> words(std::string_view line) {
   std::vector<std::string> result;

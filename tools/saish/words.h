@@ -8,9 +8,12 @@
 
 namespace saish {
 
+/// `text` with control characters written out, as \n or \x1b: in a message it stays on its line and moves no cursor.
+std::string printable(std::string_view text);
+
 /// What is wrong with what the user typed: one line for a person.
 struct BadInput : std::runtime_error {
-  using runtime_error::runtime_error;
+  explicit BadInput(std::string_view text) : runtime_error(printable(text)) {}
 };
 
 /// The words of a line: separated by blanks; "quoted text" is one word, in which \" and \\ stand for themselves. A word
