@@ -30,6 +30,12 @@ check 0 "" "$saish" --cold -c "sai_unit_get"
 check 0 "" "$saish" --version
 grep -Eqx 'saish [0-9.]+' out || fail "--version printed: $(cat out)"
 
+check 0 "" "$saish" --help
+grep -q -- --cold out || fail "--help printed: $(cat out)"
+check 0 "" "$saish" -c ""
+[ ! -s out ] || fail "no command printed: $(cat out)"
+check 0 "" "$saish" --cold --command ""
+
 check 1 "expected 1, came 0" "$saish" -c "expect 1 sai_unit_get"
 check 1 "expected 0 or more, came -6 SAI_E_EXISTS" "$saish" -c "sdk_to_sai BCM_E_EXISTS"
 
@@ -38,10 +44,25 @@ for bad in nothing "sai_vlan_create 0" "sai_vlan_create 0 10 10" "sai_vlan_creat
   check 2 "$one_line" "$saish" -c "$bad"
   [ ! -s out ] || fail "$bad: printed $(cat out)"
 done
+check 2 'no such command "a\\nb\\x1b"; help lists them all' "$saish" -c $'"a\nb\e"'
 check 2 'cannot read the script "missing.sai"' "$saish" missing.sai
+check 2 'cannot read the script ""' "$saish" ""
 check 2 'cannot read the script "\."' "$saish" .
 check 2 'cannot read the script "\."' "$saish" -c "source ."
 check 2 'cannot read the script "-"' bash -c '"$0" - <.' "$saish"
+
+check 2 "$one_line" "$saish" --nonsense
+check 2 "$one_line" "$saish" -c
+check 2 "$one_line" "$saish" -c "sai_unit_get" -c "sai_unit_get"
+check 2 "$one_line" "$saish" -c "sai_unit_get" missing.sai
+check 2 "$one_line" "$saish" -c "" ""
+check 2 "$one_line" "$saish" missing.sai missing.sai
+check 2 "$one_line" "$saish" $'--a\nb\e'
+
+# Nobody takes what does not reach them for done.
+for arguments in "-c sai_unit_get" "-c help" "--help" "--version" "$examples/vlans.sai"; do
+  check 1 "cannot write to standard output" bash -c '"$@" >/dev/full' -- "$saish" $arguments
+done
 
 printf 'sai_unit_get\nsai_unit_get\nexpect 1 sai_unit_get\nsai_hash_to_sdk 0\n' >three.sai
 check 1 'three\.sai:3: expect 1 sai_unit_get: expected 1, came 0' "$saish" three.sai

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr int unexpected_result = 1;
+constexpr int unexpected_result = 1;  // or one that could not be written
 constexpr int bad_start = 2;
 
 /// Tells what is wrong on standard error, after what was printed before.
@@ -34,17 +34,34 @@ void run_interactively(saish::Session& session) {
   }
 }
 
-int run(saish::Session& session, const std::string& script, const std::string& command) {
+/// Runs what the command line asks for.
+int run(int argc, char** argv) {
+  CLI::App app{"Runs the functions of libsai.so as commands, on the virtual chip."};
+  std::string script;
+  std::string command;
+  bool cold = false;
+  app.add_option("FILE", script, "script to run; - is standard input; without one, type commands");
+  app.add_option("-c,--command", command, "one command to run in place of a script")->excludes("FILE");
+  app.add_flag("--cold", cold, "leave the chip off: sdk_main and system_init are still to come");
+  app.set_version_flag("--version", "saish " SAI_VERSION);
+
   try {
-    if (!command.empty())
+    app.parse(argc, argv);
+    saish::Session session(cold);
+    if (app.count("--command") > 0)
       session.run_well(command);
-    else if (!script.empty())
+    else if (app.count("FILE") > 0)
       session.run_script(script);
     else if (isatty(STDIN_FILENO) != 0)
       run_interactively(session);
     else
       session.run_script("-");
     return 0;
+  } catch (const CLI::Success& help_or_version) {
+    return app.exit(help_or_version);
+  } catch (const CLI::ParseError& error) {
+    tell(saish::BadInput(std::string(error.what()) + "; --help tells what can be given"));
+    return bad_start;
   } catch (const saish::BadInput& error) {
     tell(error);
     return bad_start;
@@ -57,16 +74,9 @@ int run(saish::Session& session, const std::string& script, const std::string& c
 }  // namespace
 
 int main(int argc, char** argv) {
-  CLI::App app{"Runs the functions of libsai.so as commands, on the virtual chip."};
-  std::string script;
-  std::string command;
-  bool cold = false;
-  app.add_option("FILE", script, "script to run; - is standard input; without one, type commands");
-  app.add_option("-c,--command", command, "one command to run in place of a script")->excludes("FILE");
-  app.add_flag("--cold", cold, "leave the chip off: sdk_main and system_init are still to come");
-  app.set_version_flag("--version", "saish " SAI_VERSION);
-  CLI11_PARSE(app, argc, argv);
-
-  saish::Session session(cold);
-  return run(session, script, command);
+  const int code = run(argc, argv);
+  std::fflush(stdout);
+  if (std::ferror(stdout) == 0) return code;
+  std::fprintf(stderr, "cannot write to standard output\n");
+  return code == 0 ? unexpected_result : code;
 }
