@@ -23,7 +23,7 @@ void api::journal_add(std::string_view line) {
   lines += '\n';
 }
 
-std::size_t api::copy_out(const std::string& text, char* buffer, std::size_t size) {
+std::size_t api::copy_out(std::string_view text, char* buffer, std::size_t size) {
   if (size > 0) {
     const std::size_t length = std::min(text.size(), size - 1);
     std::memcpy(buffer, text.data(), length);
@@ -41,7 +41,9 @@ void swsdk_journal_clear() {
   lines.clear();
 }
 
-size_t swsdk_journal_read(char* buffer, size_t size) {
+size_t swsdk_journal_read(char* buffer, size_t size) { return swsdk_journal_read_from(0, buffer, size); }
+
+size_t swsdk_journal_read_from(size_t position, char* buffer, size_t size) {
   const std::lock_guard guard(lock);
-  return api::copy_out(lines, buffer, size);
+  return api::copy_out(std::string_view(lines).substr(std::min(position, lines.size())), buffer, size);
 }

@@ -12,6 +12,6 @@ bool journal_is_recording();
 void journal_add(std::string_view line);
 
 /// Copies `text` as the control interface does: as much as fits, always ended by a zero byte. The whole length.
-std::size_t copy_out(const std::string& text, char* buffer, std::size_t size);
+std::size_t copy_out(std::string_view text, char* buffer, std::size_t size);
 
 }  // namespace api

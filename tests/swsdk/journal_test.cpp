@@ -93,6 +93,26 @@ TEST_F(Journal, IsReadAsFarAsItFits) {
   EXPECT_STREQ(text, "");
 }
 
+TEST_F(Journal, IsReadFromAPositionOn) {
+  bcm_vlan_init(0);
+  const std::size_t before = swsdk_journal_read(nullptr, 0);
+  char text[64];
+  EXPECT_EQ(swsdk_journal_read_from(before, text, sizeof text), 0);
+  EXPECT_STREQ(text, "");
+  bcm_vlan_create(0, 10);
+  const std::string line = "bcm_vlan_create(0, 10) = 0\n";
+  EXPECT_EQ(swsdk_journal_read_from(before, nullptr, 0), line.size());
+  EXPECT_EQ(swsdk_journal_read_from(before, text, sizeof text), line.size());
+  EXPECT_EQ(text, line);
+  EXPECT_EQ(swsdk_journal_read_from(before, text, 4), line.size());
+  EXPECT_STREQ(text, "bcm");
+  EXPECT_EQ(swsdk_journal_read_from(0, nullptr, 0), before + line.size());
+  for (const std::size_t beyond : {before + line.size() + 1, ~std::size_t{0}}) {
+    EXPECT_EQ(swsdk_journal_read_from(beyond, text, sizeof text), 0);
+    EXPECT_STREQ(text, "");
+  }
+}
+
 TEST_F(Journal, ShowsBitmapsAsTheirPorts) {
   bcm_pbmp_t members;
   bcm_pbmp_t untagged;

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <fstream>
 #include <iostream>
+#include <sstream>
 
 #include "built_ins.h"
 #include "library.h"
@@ -36,9 +37,9 @@ int32_t expected_code(const std::string& word) {
 
 }  // namespace
 
-std::string journal_text() {
-  std::string text(swsdk_journal_read(nullptr, 0), '\0');
-  text.resize(std::min(text.size(), swsdk_journal_read(text.data(), text.size() + 1)));
+std::string journal_text(std::size_t position) {
+  std::string text(swsdk_journal_read_from(position, nullptr, 0), '\0');
+  text.resize(std::min(text.size(), swsdk_journal_read_from(position, text.data(), text.size() + 1)));
   return text;
 }
 
@@ -57,7 +58,7 @@ Session::~Session() {
 void Session::follow_journal(bool on) {
   swsdk_journal_record(on);
   following_ = on;
-  journal_shown_ = journal_text().size();
+  journal_shown_ = swsdk_journal_read(nullptr, 0);
 }
 
 void Session::clear_journal() {
@@ -67,13 +68,9 @@ void Session::clear_journal() {
 
 void Session::print_news() {
   if (!following_) return;
-  const std::string text = journal_text();
-  while (journal_shown_ < text.size()) {
-    const std::size_t end = text.find('\n', journal_shown_);
-    std::printf("  %s> %s%s\n", style::dim(), text.substr(journal_shown_, end - journal_shown_).c_str(),
-                style::plain());
-    journal_shown_ = end + 1;
-  }
+  std::istringstream news(journal_text(journal_shown_));
+  for (std::string line; std::getline(news, line); journal_shown_ += line.size() + 1)
+    std::printf("  %s> %s%s\n", style::dim(), line.c_str(), style::plain());
 }
 
 std::optional<int32_t> Session::call(const Function& function, const Words& arguments) {

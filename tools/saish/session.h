@@ -52,7 +52,7 @@ class Session {
   int scripts_ = 0;  // that are running each other
 };
 
-/// What the virtual chip's journal holds.
-std::string journal_text();
+/// What the virtual chip's journal holds from a position on.
+std::string journal_text(std::size_t position = 0);
 
 }  // namespace saish

@@ -38,6 +38,16 @@ void swsdk_journal_clear(void);
  */
 size_t swsdk_journal_read(char* buffer, size_t size);
 
+/**
+ * The same from a position on, for who has read what is before it.
+ *
+ * @param position  how many bytes to pass over
+ * @param buffer    as above
+ * @param size      as above
+ * @return length of the journal from there on in bytes; 0 when it ends there or before
+ */
+size_t swsdk_journal_read_from(size_t position, char* buffer, size_t size);
+
 #ifdef __cplusplus
 }
 #endif
