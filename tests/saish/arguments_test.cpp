@@ -74,7 +74,8 @@ std::string command(const Function& function, std::size_t place, const std::stri
   for (std::size_t i = 0; i < all.size(); ++i) {
     if (!function.parameters[i].given) continue;
     const auto good = good_words.find(all[i]);
-    result += " " + (i == place ? word : good == good_words.end() ? "0" : good->second);
+    const std::string usual = function.parameters[i].fields.empty() ? "0" : "{}";
+    result += " " + (i == place ? word : good == good_words.end() ? usual : good->second);
   }
   return result;
 }
@@ -88,7 +89,8 @@ TEST_F(ShellArguments, EveryIntegerOfEveryFunctionIsRefusedOutsideItsTypesRange)
     for (std::size_t i = 0; i < all.size(); ++i) {
       const auto found = ranges.find(all[i]);
       if (found == ranges.end()) {
-        EXPECT_TRUE(!function.parameters[i].given || good_words.contains(all[i]))
+        const saish::Parameter& parameter = function.parameters[i];
+        EXPECT_TRUE(!parameter.given || !parameter.fields.empty() || good_words.contains(all[i]))
             << function.name << ": what is a " << all[i] << "?";
         continue;
       }

@@ -54,6 +54,18 @@ TEST(Words, ABackslashQuotesOnlyInsideQuotes) {
   EXPECT_EQ(words(R"(a\b c\\)"), (List{R"(a\b)", R"(c\\)"}));
 }
 
+TEST(Words, ARecordIsOneWord) {
+  EXPECT_EQ(words("x {a=1, b={c=2, d=[3, 4]} } y"), (List{"x", "{a=1, b={c=2, d=[3, 4]} }", "y"}));
+  EXPECT_EQ(words("{} {a=#1}#"), (List{"{}", "{a=#1}#"}));
+  EXPECT_EQ(words("a{b c}"), (List{"a{b", "c}"}));
+  EXPECT_EQ(words("\"{a\" b}"), (List{"{a", "b}"}));
+}
+
+TEST(Words, ABraceThatIsNotClosedIsBadInput) {
+  EXPECT_EQ(complaint("x {a=1, b={c=2}"), "a record has no closing brace: {a=1, b={c=2}");
+  EXPECT_EQ(complaint("{"), "a record has no closing brace: {");
+}
+
 TEST(Words, AQuoteThatIsNotClosedIsBadInput) {
   EXPECT_EQ(complaint("sai_err \"two words"), "a quoted text has no closing quote: \"two words");
   EXPECT_EQ(complaint("sai_err \""), "a quoted text has no closing quote: \"");

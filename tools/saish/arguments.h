@@ -17,32 +17,9 @@
 #include <utility>
 #include <vector>
 
-#include "words.h"
+#include "values.h"
 
 namespace saish {
-
-/// Wide enough for every integer type of C.
-using Wide = __int128;
-std::optional<Wide> wide_number(std::string_view word);
-std::optional<Wide> wide_named_number(std::string_view word, std::string_view prefix);
-
-template <std::integral T>
-std::optional<T> narrowed(std::optional<Wide> value) {
-  if (!value || *value < std::numeric_limits<T>::min() || *value > std::numeric_limits<T>::max()) return std::nullopt;
-  return static_cast<T>(*value);
-}
-
-/// The number of type T that `word` is: decimal, or hexadecimal after 0x.
-template <std::integral T>
-std::optional<T> number(std::string_view word) {
-  return narrowed<T>(wide_number(word));
-}
-
-/// The same; `word` may also be the name, with this prefix, of an enumerator of sai.h or of a code of the Chip SDK.
-template <std::integral T>
-std::optional<T> named_number(std::string_view word, std::string_view prefix = "") {
-  return narrowed<T>(wide_named_number(word, prefix));
-}
 
 /// The log that `word` names.
 sai_log_handle* log_handle(std::string_view parameter, std::string_view word);
@@ -54,14 +31,7 @@ struct Argument;
 
 template <std::integral T>
 struct Argument<T> {
-  Argument(std::string_view parameter, const std::string& word) {
-    const std::optional<T> given = named_number<T>(word);
-    if (!given)
-      throw BadInput(std::string(parameter) + ": \"" + word + "\" is not a number from " +
-                     std::to_string(std::numeric_limits<T>::min()) + " to " +
-                     std::to_string(std::numeric_limits<T>::max()));
-    value = *given;
-  }
+  Argument(std::string_view parameter, const std::string& word) { read(std::string(parameter), word, value); }
   T get() const { return value; }
   T value;
 };
@@ -91,9 +61,9 @@ struct Argument<sai_log_handle*> {
 /// A MAC address, "00:11:22:33:44:55".
 template <>
 struct Argument<const uint8_t*> {
-  Argument(std::string_view parameter, const std::string& word);
-  const uint8_t* get() const { return address.data(); }
-  std::array<uint8_t, 6> address;
+  Argument(std::string_view parameter, const std::string& word) { read(std::string(parameter), word, address); }
+  const uint8_t* get() const { return address; }
+  uint8_t address[6];
 };
 
 /// A list, "1,2,3". What the function reads beyond it is 0.
@@ -123,6 +93,34 @@ struct Argument<T*> {
   T value = 0;
 };
 
+/// A record, by value or by pointer.
+template <class T>
+requires std::is_class_v<T>
+struct Argument<T> {
+  Argument(std::string_view parameter, const std::string& word) { read(std::string(parameter), word, value); }
+  const T& get() const { return value; }
+  T value;
+};
+
+template <class T>
+requires std::is_class_v<T>
+struct Argument<const T*> {
+  Argument(std::string_view parameter, const std::string& word) { read(std::string(parameter), word, value); }
+  const T* get() const { return &value; }
+  T value;
+};
+
+/// A record that the function reads, writes or both: it is given, and shown afterwards.
+template <class T>
+requires std::is_class_v<T>
+struct Argument<T*> {
+  Argument(std::string_view parameter, const std::string& word) : name(parameter) { read(name, word, value); }
+  T* get() { return &value; }
+  std::string answer() const { return name + " = " + text(value); }
+  std::string name;
+  T value;
+};
+
 /// A function to be called: "print" is the shell's, which prints what it is called with; "null" is none.
 template <class Returned, class... Args>
 struct Argument<Returned (*)(Args...)> {
@@ -147,12 +145,14 @@ constexpr bool is_answer = requires(Argument<T> argument) {
   argument.answer();
 };
 
-using Words = std::vector<std::string>;
+template <class T>
+constexpr bool takes_word = std::is_constructible_v<Argument<T>, const char*, const std::string&>;
 
-/// A parameter of a function, and whether the user gives a word for it.
+/// A parameter of a function, whether the user gives a word for it, and of a record its fields.
 struct Parameter {
   const char* name;
   bool given = true;
+  std::span<const Field> fields = {};
 };
 using Parameters = std::vector<Parameter>;
 
@@ -165,10 +165,10 @@ struct Outcome {
 /// The next argument, from its word where it takes one.
 template <class T>
 Argument<T> parsed(const Parameters& parameters, std::size_t index, const Words& words, std::size_t& word) {
-  if constexpr (is_answer<T>)
-    return Argument<T>(parameters[index].name);
-  else
+  if constexpr (takes_word<T>)
     return Argument<T>(parameters[index].name, words[word++]);
+  else
+    return Argument<T>(parameters[index].name);
 }
 
 /// Parses every word before the call is made, so that bad input changes nothing.
@@ -207,13 +207,20 @@ Outcome run(const Parameters& parameters, const Words& words) {
   return run(function, parameters, words);
 }
 
+template <class T>
+std::span<const Field> fields_of() {
+  using Record = std::remove_const_t<std::remove_pointer_t<T>>;
+  if constexpr (requires { fields<Record>(); })
+    return fields<Record>();
+  else
+    return {};
+}
+
 /// The parameters of a function with these names.
 template <class Returned, class... Args>
 Parameters parameters(Returned (*)(Args...), std::initializer_list<const char*> names) {
-  Parameters result(names.begin(), names.end());
-  std::size_t i = 0;
-  ((result[i++].given = !is_answer<Args>), ...);
-  return result;
+  auto name = names.begin();
+  return {Parameter{*name++, takes_word<Args>, fields_of<Args>()}...};
 }
 
 inline Parameters parameters(void (*)(const char*, ...), std::initializer_list<const char*> names) {

@@ -22,6 +22,9 @@ void help_on(std::string_view name) {
     std::printf("%s\n%s\n", built_in->usage, built_in->summary);
   } else if (const Function* function = find_function(name)) {
     std::printf("%s\n%s\nHere: %s\n", function->prototype, function->summary, usage(*function).c_str());
+    for (const Parameter& parameter : function->parameters)
+      if (!parameter.fields.empty())
+        std::printf("  %s is {field=value, ...} of %s\n", parameter.name, names_text(parameter.fields).c_str());
   } else {
     throw unknown_command(name);
   }

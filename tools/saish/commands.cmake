@@ -1,6 +1,7 @@
 # cmake -DHEADER=include/sai.h -DOUTPUT=commands.inc -P commands.cmake
 # Makes the shell's table of commands from the library's header: every exported function with its prototype, its
-# parameters, the kind of its result and the first sentence of its comment, and every enumerator with its value's name.
+# parameters, the kind of its result and the first sentence of its comment, every record with its fields, and every
+# enumerator with its value's name.
 cmake_minimum_required(VERSION 3.25)
 
 file(READ "${HEADER}" text)
@@ -54,6 +55,40 @@ foreach(declaration IN LISTS declarations)
          "parameters(&${name}, {${parameters}}), &run<&${name}>},\n")
 endforeach()
 
+# Of a record with a field of another shape, such as a pointer, nothing is made; what needs it does not compile.
+set(records "")
+string(REGEX MATCHALL "\ntypedef struct[^{;@]*{[^}]*}[^@]*@" structures "${text}")
+string(REGEX MATCHALL "\ntypedef struct" all "${text}")
+list(LENGTH structures count)
+list(LENGTH all declared)
+if(NOT count EQUAL declared)
+  message(FATAL_ERROR "${HEADER}: ${declared} records are declared, only ${count} of them can be read")
+endif()
+foreach(structure IN LISTS structures)
+  string(REGEX REPLACE "^.*} *([a-z_0-9]+)@$" "\\1" record "${structure}")
+  string(REGEX REPLACE "^[^{]*{(.*)}[^}]*$" "\\1" rest "${structure}")
+  string(REGEX REPLACE "/\\*\\*? ([^*]|\\*[^/])*\\*/" "" rest "${rest}")
+  set(fields "")
+  while(rest MATCHES "^[ \n]*([a-z_0-9]+) ([a-z_0-9]+)(<[A-Z_0-9]+>)?@( */\\*\\*<([^*]|\\*[^/])*\\*/)?")
+    set(type "${CMAKE_MATCH_1}")
+    set(name "${CMAKE_MATCH_2}")
+    set(comment "${CMAKE_MATCH_4}")
+    string(LENGTH "${CMAKE_MATCH_0}" length)
+    string(SUBSTRING "${rest}" ${length} -1 rest)
+    set(form "")
+    if(type STREQUAL uint32_t AND comment MATCHES "network byte order")
+      set(form ", Form::network_ip4")
+    elseif(type STREQUAL uint32_t AND comment MATCHES "IPv4 ([a-z]+ )?(address|mask)")
+      set(form ", Form::ip4")
+    endif()
+    string(APPEND fields "      field<&${record}::${name}${form}>(\"${name}\"),\n")
+  endwhile()
+  if(rest MATCHES "^[ \n]*$")
+    string(APPEND records "template <>\nstd::span<const Field> fields<${record}>() {\n  static constexpr Field list[] = {\n"
+           "${fields}  };\n  return list;\n}\n\n")
+  endif()
+endforeach()
+
 set(names "")
 string(REGEX MATCHALL "\n  (SAI_[A-Z_0-9]+) = " enumerators "${text}")
 foreach(enumerator IN LISTS enumerators)
@@ -62,10 +97,14 @@ foreach(enumerator IN LISTS enumerators)
 endforeach()
 
 file(CONFIGURE OUTPUT "${OUTPUT}" @ONLY CONTENT
-"// Made from sai.h.
+"// Made from the header by commands.cmake.
+@records@namespace {
+
 constexpr Name names[] = {
 @names@};
 
 const Function function_table[] = {
 @functions@};
+
+}  // namespace
 ")

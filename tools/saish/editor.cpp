@@ -57,7 +57,7 @@ char** complete(const char* text, int start, int /*end*/) {
   try {
     before = words(std::string_view(rl_line_buffer).substr(0, static_cast<std::size_t>(start)));
   } catch (const BadInput&) {
-    return nullptr;  // inside a quoted text
+    return nullptr;  // inside a quoted text or a record
   }
   rl_attempted_completion_over = 1;  // no file names
   candidates = continuations(before);

@@ -4,13 +4,14 @@
 
 #include <charconv>
 #include <cstdio>
+#include <cstring>
 #include <deque>
 
 namespace saish {
 
-namespace {
-
 #include "commands.inc"
+
+namespace {
 
 /// The Chip SDK's result codes, for `fail`.
 constexpr Name sdk_names[] = {
@@ -87,39 +88,6 @@ sai_log_handle* log_handle(std::string_view parameter, std::string_view word) {
   return word == "default" ? sai_log_default : nullptr;
 }
 
-namespace {
-
-/// The byte of two hexadecimal digits.
-std::optional<uint8_t> byte(std::string_view digits) {
-  uint8_t value = 0;
-  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value, 16);
-  if (digits.size() != 2 || error != std::errc{} || end != digits.data() + 2) return std::nullopt;
-  return value;
-}
-
-std::string mac_text(const uint8_t* mac) {
-  std::string result;
-  for (int i = 0; i < 6; ++i) {
-    char text[4];
-    std::snprintf(text, sizeof text, i == 0 ? "%02x" : ":%02x", mac[i]);
-    result += text;
-  }
-  return result;
-}
-
-}  // namespace
-
-Argument<const uint8_t*>::Argument(std::string_view parameter, const std::string& word) : address{} {
-  bool good = word.size() == address.size() * 3 - 1;
-  for (std::size_t i = 0; good && i < address.size(); ++i) {
-    const std::optional<uint8_t> part = byte(std::string_view(word).substr(i * 3, 2));
-    good = part && (i + 1 == address.size() || word[i * 3 + 2] == ':');
-    address[i] = part.value_or(0);
-  }
-  if (!good)
-    throw BadInput(std::string(parameter) + ": \"" + word + "\" is not a MAC address such as 00:11:22:33:44:55");
-}
-
 // These run on the SDK's threads; one call of printf is one whole line.
 
 template <>
@@ -129,7 +97,9 @@ void Argument<bcm_linkscan_handler_t>::print(int unit, int port, bcm_port_info_t
 
 template <>
 void Argument<sai_l2_event_cb>::print(uint16_t vid, int32_t port, uint8_t* mac, int32_t operation) {
-  std::printf("  ! address %s in VLAN %d on port %d: operation %d\n", mac_text(mac).c_str(), vid, port, operation);
+  uint8_t address[6];
+  std::memcpy(address, mac, sizeof address);
+  std::printf("  ! address %s in VLAN %d on port %d: operation %d\n", text(address).c_str(), vid, port, operation);
 }
 
 Argument<const char*>::Argument(std::string_view /*parameter*/, const std::string& word) {

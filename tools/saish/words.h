@@ -1,6 +1,7 @@
 // A command line as words.
 #pragma once
 
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -16,8 +17,17 @@ struct BadInput : std::runtime_error {
   explicit BadInput(std::string_view text) : runtime_error(printable(text)) {}
 };
 
-/// The words of a line: separated by blanks; "quoted text" is one word, in which \" and \\ stand for themselves. A word
-/// that begins with # begins a comment.
-std::vector<std::string> words(std::string_view line);
+using Words = std::vector<std::string>;
+
+/// The words of a line: separated by blanks; "quoted text" is one word, in which \" and \\ stand for themselves, and so
+/// is a record, {in braces}. A word that begins with # begins a comment.
+Words words(std::string_view line);
+
+/// A text without the blanks around it.
+std::string trimmed(std::string_view text);
+
+/// What is between `open` and `close`, separated by commas, each without the blanks around it; nothing when `word` is
+/// not enclosed so. Commas inside brackets and braces separate nothing.
+std::optional<Words> enclosed(std::string_view word, char open, char close);
 
 }  // namespace saish
