@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <map>
 #include <vector>
 
 #include "library.h"
@@ -35,6 +36,10 @@ int32_t sample_fail(sample_inner* inner) {
   return -1;
 }
 
+int32_t sample_find() { return -1; }
+
+void sample_forget() {}
+
 namespace saish {
 #include "sample_commands.inc"
 }  // namespace saish
@@ -65,6 +70,17 @@ std::string complaint(const std::string& line) {
     return bad.what();
   }
   return "";
+}
+
+TEST(Functions, ReturnWhatTheirPrototypesAndCommentsSay) {
+  std::map<std::string, saish::Result> results;
+  for (const saish::Function& function : saish::function_table) results[function.name] = function.result;
+  EXPECT_EQ(results, (std::map<std::string, saish::Result>{{"sample_take", saish::Result::code},
+                                                           {"sample_take_value", saish::Result::code},
+                                                           {"sample_change", saish::Result::code},
+                                                           {"sample_fail", saish::Result::code},
+                                                           {"sample_find", saish::Result::number},
+                                                           {"sample_forget", saish::Result::none}}));
 }
 
 TEST(Records, FieldsThatAreNotGivenAre0) {

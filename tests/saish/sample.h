@@ -20,7 +20,8 @@ typedef struct sample_entry {
   int32_t port;      /* as the chip counts */
   uint64_t octets;   /**< octets counted */
   uint32_t ip;       /**< IPv4 address */
-  uint32_t net_mask; /**< IPv4 mask, network byte order */
+  uint32_t net_mask; /**< IPv4 mask, network
+                      *   byte order */
   uint32_t ip_type;  /**< 2: IPv4, 3: IPv6 */
   uint8_t ip6[16];   /**< IPv6 address */
   /** Told before the field. */
@@ -38,11 +39,16 @@ typedef struct sample_list {
 /**
  * Takes a record by a pointer to const.
  *
- * @return what `port` is in it
+ * @return what `port` is in it, or the converted
+ *         result of nothing
  */
 SAI_API int32_t sample_take(int32_t unit, const sample_entry* entry);
 
-/** Takes a record by value. */
+/**
+ * Takes a record by value.
+ *
+ * @return always 0
+ */
 SAI_API int32_t sample_take_value(sample_inner inner);
 
 /** Takes a record and changes it: the port becomes twice what it was. */
@@ -50,3 +56,13 @@ SAI_API int32_t sample_change(int32_t unit, sample_entry* entry);
 
 /** Fails, with a record that was changed before. */
 SAI_API int32_t sample_fail(sample_inner* inner);
+
+/**
+ * Finds something.
+ *
+ * @return where, or -1
+ */
+SAI_API int32_t sample_find(void);
+
+/** Answers nothing. */
+SAI_API void sample_forget(void);

@@ -224,7 +224,7 @@ Parameters parameters(Returned (*)(Args...), std::initializer_list<const char*> 
 }
 
 inline Parameters parameters(void (*)(const char*, ...), std::initializer_list<const char*> names) {
-  return {names.begin(), names.end()};
+  return {Parameter{*names.begin()}};
 }
 
 /// The shell has one log at a time and holds it for the library as an application does. These three functions check
