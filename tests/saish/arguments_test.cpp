@@ -87,10 +87,11 @@ TEST_F(ShellArguments, EveryIntegerOfEveryFunctionIsRefusedOutsideItsTypesRange)
     const std::vector<std::string> all = types(function);
     ASSERT_EQ(all.size(), function.parameters.size()) << function.name;
     for (std::size_t i = 0; i < all.size(); ++i) {
+      const saish::Parameter& parameter = function.parameters[i];
+      if (!parameter.given) continue;
       const auto found = ranges.find(all[i]);
       if (found == ranges.end()) {
-        const saish::Parameter& parameter = function.parameters[i];
-        EXPECT_TRUE(!parameter.given || !parameter.fields.empty() || good_words.contains(all[i]))
+        EXPECT_TRUE(!parameter.fields.empty() || good_words.contains(all[i]))
             << function.name << ": what is a " << all[i] << "?";
         continue;
       }
@@ -138,7 +139,7 @@ TEST_F(ShellArguments, ThirtyTwoUnsignedBitsRunFrom0To4294967295) {
 TEST(ShellNumber, SixtyFourBitsRunFromTheirLowestToTheirHighest) {
   const auto said = []<class T>(T /*kind*/, const std::string& word) -> std::string {
     try {
-      return std::to_string(saish::Argument<T>("value", word).get());
+      return std::to_string(saish::Argument<T>(saish::Parameter{"value"}, word).get());
     } catch (const saish::BadInput& bad) {
       return bad.what();
     }

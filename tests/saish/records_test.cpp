@@ -40,6 +40,23 @@ int32_t sample_find() { return -1; }
 
 void sample_forget() {}
 
+int32_t sample_numbers(uint16_t numbers[3]) {
+  for (uint16_t i = 0; i < 3; ++i) numbers[i] = static_cast<uint16_t>(i + 7);
+  return 0;
+}
+
+int32_t sample_text(int32_t unit, char* name_buf, int32_t name_len) {
+  return std::snprintf(name_buf, static_cast<size_t>(name_len), "unit %d\n", unit);
+}
+
+int32_t sample_table(sample_inner* entries) {
+  entries[0].vid = 10;
+  entries[2].tos = 4;
+  return 0;
+}
+
+int32_t sample_addresses(const uint8_t group[16], uint32_t ip) { return group[15] + static_cast<int32_t>(ip & 0xFF); }
+
 namespace saish {
 #include "sample_commands.inc"
 }  // namespace saish
@@ -75,12 +92,10 @@ std::string complaint(const std::string& line) {
 TEST(Functions, ReturnWhatTheirPrototypesAndCommentsSay) {
   std::map<std::string, saish::Result> results;
   for (const saish::Function& function : saish::function_table) results[function.name] = function.result;
-  EXPECT_EQ(results, (std::map<std::string, saish::Result>{{"sample_take", saish::Result::code},
-                                                           {"sample_take_value", saish::Result::code},
-                                                           {"sample_change", saish::Result::code},
-                                                           {"sample_fail", saish::Result::code},
-                                                           {"sample_find", saish::Result::number},
-                                                           {"sample_forget", saish::Result::none}}));
+  for (const char* name : {"sample_take", "sample_take_value", "sample_change", "sample_fail"})
+    EXPECT_EQ(results.at(name), saish::Result::code) << name;
+  EXPECT_EQ(results.at("sample_find"), saish::Result::number);
+  EXPECT_EQ(results.at("sample_forget"), saish::Result::none);
 }
 
 TEST(Records, FieldsThatAreNotGivenAre0) {
@@ -181,6 +196,25 @@ TEST(Records, WhatIsNoRecordIsRefused) {
 TEST(Records, OneWithAFieldThatNobodyCanWriteHasNoFields) {
   EXPECT_TRUE(saish::fields_of<const sample_list*>().empty());
   EXPECT_EQ(saish::names_text(saish::fields_of<sample_inner>()), "vid, tos");
+}
+
+TEST(Answers, OfAKnownLengthAreAList) {
+  EXPECT_EQ(run("sample_numbers").answers, std::vector<std::string>{"numbers = [7, 8, 9]"});
+}
+
+TEST(Answers, ATextComesInABufferOfTheShells) {
+  EXPECT_EQ(run("sample_text 3").answers, std::vector<std::string>{"name_buf = \"unit 3\\n\""});
+}
+
+TEST(Answers, ATableIsShownWithoutWhatIsEmpty) {
+  EXPECT_EQ(run("sample_table").answers,
+            std::vector<std::string>{"entries =\n    {vid=10, tos=0}\n    {vid=0, tos=4}"});
+}
+
+TEST(Addresses, AreTakenAsPeopleWriteThem) {
+  EXPECT_EQ(run("sample_addresses ff02::5 10.0.0.7").result, 12);
+  EXPECT_THROW(run("sample_addresses 00:11:22:33:44:55 10.0.0.7"), saish::BadInput);
+  EXPECT_THROW(run("sample_addresses ff02::5 10.0.0"), saish::BadInput);
 }
 
 }  // namespace

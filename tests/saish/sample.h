@@ -66,3 +66,15 @@ SAI_API int32_t sample_find(void);
 
 /** Answers nothing. */
 SAI_API void sample_forget(void);
+
+/** Answers three numbers. */
+SAI_API int32_t sample_numbers(uint16_t numbers[3]);
+
+/** Answers a text. */
+SAI_API int32_t sample_text(int32_t unit, char* name_buf, int32_t name_len);
+
+/** Fills a table. */
+SAI_API int32_t sample_table(sample_inner* entries);
+
+/** Answers the last byte of an IPv6 address plus that of an IPv4 one. */
+SAI_API int32_t sample_addresses(const uint8_t group[16], uint32_t ip);

@@ -3,6 +3,7 @@
 
 #include <sai.h>
 
+#include <algorithm>
 #include <array>
 #include <concepts>
 
@@ -21,8 +22,25 @@
 
 namespace saish {
 
+/// A parameter as sai.h declares it: its name, and how many items it has when it is an array of a known length.
+struct Declared {
+  const char* name;
+  std::size_t count = 0;
+};
+
+/// A parameter of a function, whether the user gives a word for it, and of a record its fields.
+struct Parameter : Declared {
+  bool given = true;
+  std::span<const Field> fields = {};
+};
+using Parameters = std::vector<Parameter>;
+
 /// The log that `word` names.
 sai_log_handle* log_handle(std::string_view parameter, std::string_view word);
+
+/// Room for a text and for a table that a function answers.
+constexpr int8_t buffer_size = 64;
+constexpr std::size_t table_size = 65536;
 
 /// How one argument of type T comes from a word. It holds what the argument points to until the call is over. An
 /// argument through which the function answers takes no word and tells afterwards what came.
@@ -31,7 +49,16 @@ struct Argument;
 
 template <std::integral T>
 struct Argument<T> {
-  Argument(std::string_view parameter, const std::string& word) { read(std::string(parameter), word, value); }
+  Argument(const Parameter& parameter, const std::string& word) {
+    if constexpr (std::same_as<T, uint32_t>)
+      if (word.find('.') != std::string::npos) {
+        value = read_ip4(parameter.name, word);
+        return;
+      }
+    read(std::string(parameter.name), word, value);
+  }
+  /// The length of the buffer before it.
+  explicit Argument(const Parameter& /*parameter*/) : value(buffer_size) {}
   T get() const { return value; }
   T value;
 };
@@ -39,43 +66,55 @@ struct Argument<T> {
 /// A text may be kept by the library, as a log's identity is, so it lives as long as the shell.
 template <>
 struct Argument<const char*> {
-  Argument(std::string_view /*parameter*/, const std::string& word);
+  Argument(const Parameter& /*parameter*/, const std::string& word);
   const char* get() const { return kept; }
   const char* kept;
 };
 
+/// A text that the function may change, or, without a word, a buffer for the one that it answers.
 template <>
 struct Argument<char*> {
-  Argument(std::string_view /*parameter*/, const std::string& word) : text(word) {}
-  char* get() { return text.data(); }
-  std::string text;
+  Argument(const Parameter& /*parameter*/, const std::string& word) : characters(word) {}
+  explicit Argument(const Parameter& parameter) : name(parameter.name), characters(buffer_size, '\0') {}
+  char* get() { return characters.data(); }
+  std::string answer() const { return name.empty() ? "" : name + " = \"" + printable(characters.c_str()) + '"'; }
+  std::string name;
+  std::string characters;
 };
 
 template <>
 struct Argument<sai_log_handle*> {
-  Argument(std::string_view parameter, const std::string& word) : handle(log_handle(parameter, word)) {}
+  Argument(const Parameter& parameter, const std::string& word) : handle(log_handle(parameter.name, word)) {}
   sai_log_handle* get() const { return handle; }
   sai_log_handle* handle;
 };
 
-/// A MAC address, "00:11:22:33:44:55".
+/// An IPv6 address where the function takes 16 bytes, otherwise a MAC address.
 template <>
 struct Argument<const uint8_t*> {
-  Argument(std::string_view parameter, const std::string& word) { read(std::string(parameter), word, address); }
-  const uint8_t* get() const { return address; }
-  uint8_t address[6];
+  Argument(const Parameter& parameter, const std::string& word) {
+    if (parameter.count == sizeof ip6)
+      read(parameter.name, word, ip6);
+    else
+      read(parameter.name, word, mac);
+  }
+  const uint8_t* get() const { return mac; }
+  union {
+    uint8_t mac[6];
+    uint8_t ip6[16];
+  };
 };
 
 /// A list, "1,2,3". What the function reads beyond it is 0.
 template <std::integral T>
 struct Argument<const T*> {
-  Argument(std::string_view parameter, const std::string& word) {
+  Argument(const Parameter& parameter, const std::string& word) {
     std::size_t begin = 0;
     std::size_t end = 0;
     for (std::size_t count = 0; end != std::string::npos; begin = end + 1, ++count) {
       end = word.find(',', begin);
       if (count == items.size())
-        throw BadInput(std::string(parameter) + ": more than " + std::to_string(items.size()) + " numbers");
+        throw BadInput(std::string(parameter.name) + ": more than " + std::to_string(items.size()) + " numbers");
       items[count] = Argument<T>(parameter, word.substr(begin, end == std::string::npos ? end : end - begin)).get();
     }
   }
@@ -83,21 +122,26 @@ struct Argument<const T*> {
   std::array<T, 64> items{};
 };
 
-/// A number that the function answers.
+/// A number that the function answers, or several.
 template <std::integral T>
 struct Argument<T*> {
-  explicit Argument(std::string_view parameter) : name(parameter) {}
-  T* get() { return &value; }
-  std::string answer() const { return name + " = " + std::to_string(value); }
+  explicit Argument(const Parameter& parameter)
+      : name(parameter.name), values(std::max<std::size_t>(parameter.count, 1)) {}
+  T* get() { return values.data(); }
+  std::string answer() const {
+    std::string list;
+    for (const T& value : values) list += (list.empty() ? "" : ", ") + std::to_string(value);
+    return name + " = " + (values.size() == 1 ? list : '[' + list + ']');
+  }
   std::string name;
-  T value = 0;
+  std::vector<T> values;
 };
 
 /// A record, by value or by pointer.
 template <class T>
 requires std::is_class_v<T>
 struct Argument<T> {
-  Argument(std::string_view parameter, const std::string& word) { read(std::string(parameter), word, value); }
+  Argument(const Parameter& parameter, const std::string& word) { read(std::string(parameter.name), word, value); }
   const T& get() const { return value; }
   T value;
 };
@@ -105,29 +149,40 @@ struct Argument<T> {
 template <class T>
 requires std::is_class_v<T>
 struct Argument<const T*> {
-  Argument(std::string_view parameter, const std::string& word) { read(std::string(parameter), word, value); }
+  Argument(const Parameter& parameter, const std::string& word) { read(std::string(parameter.name), word, value); }
   const T* get() const { return &value; }
   T value;
 };
 
-/// A record that the function reads, writes or both: it is given, and shown afterwards.
+/// A record that the function reads, writes or both: it is given, and shown afterwards. Without a word, a table that
+/// the function fills; what it left empty is not shown.
 template <class T>
 requires std::is_class_v<T>
 struct Argument<T*> {
-  Argument(std::string_view parameter, const std::string& word) : name(parameter) { read(name, word, value); }
-  T* get() { return &value; }
-  std::string answer() const { return name + " = " + text(value); }
+  Argument(const Parameter& parameter, const std::string& word) : name(parameter.name), records(1) {
+    read(name, word, records[0]);
+  }
+  explicit Argument(const Parameter& parameter) : name(parameter.name), records(table_size) {}
+  T* get() { return records.data(); }
+  std::string answer() const {
+    if (records.size() == 1) return name + " = " + text(records[0]);
+    const std::string empty = text(T{});
+    std::string lines = name + " =";
+    for (const T& record : records)
+      if (const std::string line = text(record); line != empty) lines += "\n    " + line;
+    return lines;
+  }
   std::string name;
-  T value;
+  std::vector<T> records;
 };
 
 /// A function to be called: "print" is the shell's, which prints what it is called with; "null" is none.
 template <class Returned, class... Args>
 struct Argument<Returned (*)(Args...)> {
   using Function = Returned (*)(Args...);
-  Argument(std::string_view parameter, const std::string& word) : function(word == "print" ? &print : nullptr) {
+  Argument(const Parameter& parameter, const std::string& word) : function(word == "print" ? &print : nullptr) {
     if (word != "print" && word != "null")
-      throw BadInput(std::string(parameter) + ": \"" + word + "\" is neither \"print\" nor \"null\"");
+      throw BadInput(std::string(parameter.name) + ": \"" + word + "\" is neither \"print\" nor \"null\"");
   }
   Function get() const { return function; }
   Function function;
@@ -146,15 +201,7 @@ constexpr bool is_answer = requires(Argument<T> argument) {
 };
 
 template <class T>
-constexpr bool takes_word = std::is_constructible_v<Argument<T>, const char*, const std::string&>;
-
-/// A parameter of a function, whether the user gives a word for it, and of a record its fields.
-struct Parameter {
-  const char* name;
-  bool given = true;
-  std::span<const Field> fields = {};
-};
-using Parameters = std::vector<Parameter>;
+constexpr bool takes_word = std::is_constructible_v<Argument<T>, const Parameter&, const std::string&>;
 
 /// What a call gave: a result where the function has one, and what it answered through its arguments.
 struct Outcome {
@@ -165,10 +212,13 @@ struct Outcome {
 /// The next argument, from its word where it takes one.
 template <class T>
 Argument<T> parsed(const Parameters& parameters, std::size_t index, const Words& words, std::size_t& word) {
-  if constexpr (takes_word<T>)
-    return Argument<T>(parameters[index].name, words[word++]);
+  const Parameter& parameter = parameters[index];
+  if constexpr (!takes_word<T>)
+    return Argument<T>(parameter);
+  else if constexpr (std::is_constructible_v<Argument<T>, const Parameter&>)
+    return parameter.given ? Argument<T>(parameter, words[word++]) : Argument<T>(parameter);
   else
-    return Argument<T>(parameters[index].name);
+    return Argument<T>(parameter, words[word++]);
 }
 
 /// Parses every word before the call is made, so that bad input changes nothing.
@@ -183,7 +233,9 @@ Outcome call(Returned (*function)(Args...), const Parameters& parameters, const 
   } else {
     Outcome outcome{function(std::get<I>(arguments).get()...)};
     const auto answer = [&]<class T>(const Argument<T>& argument) {
-      if constexpr (is_answer<T>) outcome.answers.push_back(argument.answer());
+      if constexpr (is_answer<T>)
+        if (const std::string answer_text = argument.answer(); !answer_text.empty())
+          outcome.answers.push_back(answer_text);
     };
     if (outcome.result >= 0) (answer(std::get<I>(arguments)), ...);
     return outcome;
@@ -216,15 +268,20 @@ std::span<const Field> fields_of() {
     return {};
 }
 
-/// The parameters of a function with these names.
+/// Whether the shell provides what the function fills: a buffer for a text and its length, or a table.
+bool is_provided(std::string_view name);
+
+/// The parameters of a function as sai.h declares them.
 template <class Returned, class... Args>
-Parameters parameters(Returned (*)(Args...), std::initializer_list<const char*> names) {
-  auto name = names.begin();
-  return {Parameter{*name++, takes_word<Args>, fields_of<Args>()}...};
+Parameters parameters(Returned (*)(Args...), std::initializer_list<Declared> declared) {
+  auto next = declared.begin();
+  Parameters result{Parameter{*next++, takes_word<Args>, fields_of<Args>()}...};
+  for (Parameter& parameter : result) parameter.given = parameter.given && !is_provided(parameter.name);
+  return result;
 }
 
-inline Parameters parameters(void (*)(const char*, ...), std::initializer_list<const char*> names) {
-  return {Parameter{*names.begin()}};
+inline Parameters parameters(void (*)(const char*, ...), std::initializer_list<Declared> declared) {
+  return {Parameter{*declared.begin()}};
 }
 
 /// The shell has one log at a time and holds it for the library as an application does. These three functions check

@@ -88,6 +88,10 @@ sai_log_handle* log_handle(std::string_view parameter, std::string_view word) {
   return word == "default" ? sai_log_default : nullptr;
 }
 
+bool is_provided(std::string_view name) {
+  return name.ends_with("_buf") || name.ends_with("_len") || name == "entries";
+}
+
 // These run on the SDK's threads; one call of printf is one whole line.
 
 template <>
@@ -102,7 +106,7 @@ void Argument<sai_l2_event_cb>::print(uint16_t vid, int32_t port, uint8_t* mac, 
   std::printf("  ! address %s in VLAN %d on port %d: operation %d\n", text(address).c_str(), vid, port, operation);
 }
 
-Argument<const char*>::Argument(std::string_view /*parameter*/, const std::string& word) {
+Argument<const char*>::Argument(const Parameter& /*parameter*/, const std::string& word) {
   static std::deque<std::string> texts;
   kept = texts.emplace_back(word).c_str();
 }
@@ -110,10 +114,11 @@ Argument<const char*>::Argument(std::string_view /*parameter*/, const std::strin
 namespace {
 
 /// An index that the library uses unchecked.
-int32_t index(std::string_view parameter, const std::string& word, int32_t highest) {
+int32_t index(const Parameter& parameter, const std::string& word, int32_t highest) {
   const int32_t value = Argument<int32_t>(parameter, word).get();
   if (value < 0 || value > highest)
-    throw BadInput(std::string(parameter) + ": \"" + word + "\" is not a number from 0 to " + std::to_string(highest));
+    throw BadInput(std::string(parameter.name) + ": \"" + word + "\" is not a number from 0 to " +
+                   std::to_string(highest));
   return value;
 }
 
@@ -124,10 +129,10 @@ constexpr int32_t highest_module = static_cast<int32_t>(std::size(sai_log_module
 template <>
 Outcome run<&open_sai_log>(const Parameters& parameters, const Words& words) {
   if (sai_log_default != nullptr) throw BadInput("a log is open; close_sai_log default closes it");
-  const int32_t module = index(parameters[1].name, words[1], highest_module);
-  const int32_t options = Argument<int32_t>(parameters[2].name, words[2]).get();
-  const int32_t facility = Argument<int32_t>(parameters[3].name, words[3]).get();
-  sai_log_default = open_sai_log(Argument<const char*>(parameters[0].name, words[0]).get(), module, options, facility);
+  const int32_t module = index(parameters[1], words[1], highest_module);
+  const int32_t options = Argument<int32_t>(parameters[2], words[2]).get();
+  const int32_t facility = Argument<int32_t>(parameters[3], words[3]).get();
+  sai_log_default = open_sai_log(Argument<const char*>(parameters[0], words[0]).get(), module, options, facility);
   return {sai_log_default == nullptr ? SAI_E_MEMORY : SAI_E_NONE};
 }
 
@@ -143,8 +148,8 @@ Outcome run<&close_sai_log>(const Parameters& parameters, const Words& words) {
 template <>
 Outcome run<&sai_log_set_level>(const Parameters& parameters, const Words& words) {
   sai_log_handle* log = log_handle(parameters[0].name, words[0]);
-  const int32_t destination = index(parameters[1].name, words[1], SAI_LOG_FILE);
-  sai_log_set_level(log, destination, Argument<int32_t>(parameters[2].name, words[2]).get());
+  const int32_t destination = index(parameters[1], words[1], SAI_LOG_FILE);
+  sai_log_set_level(log, destination, Argument<int32_t>(parameters[2], words[2]).get());
   return {};
 }
 
