@@ -3,7 +3,14 @@
 #include <bcm/link.h>
 #include <swsdk/chip.h>
 
+#include <algorithm>
+#include <array>
+#include <condition_variable>
 #include <cstring>
+#include <deque>
+#include <functional>
+#include <mutex>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -11,16 +18,107 @@
 
 namespace {
 
-api::EventThread link_scan;
-api::EventThread l2_learning;
+/// Threads that each run pieces of work one after the other. A thread starts with its first piece.
+class EventThreads {
+ public:
+  enum Kind : std::size_t { link_scan, l2_learning };
 
-/// The listeners of a unit as they are now. They are called without the unit's lock, so that they may call the SDK.
-template <class Listener>
-std::vector<Listener> present(int unit, api::Listeners<Listener> api::Unit::*listeners) {
+  ~EventThreads() { stop(); }
+
+  /// What comes while the threads stop is forgotten.
+  void post(Kind kind, std::function<void()> work);
+
+  /// Waits until no thread has anything left to do, also of what its work makes the others do. Returns at once on the
+  /// threads themselves.
+  void drain();
+
+  /// Lets the pieces that are running end, and forgets the others.
+  void stop();
+
+ private:
+  struct Thread {
+    std::deque<std::function<void()>> waiting;
+    bool busy = false;
+    std::thread thread;
+  };
+
+  void run(Thread& self);
+
+  std::mutex lock_;
+  std::condition_variable changed_;
+  std::array<Thread, 2> threads_;  // by kind
+  bool stopping_ = false;
+  static thread_local bool is_one_;
+};
+
+thread_local bool EventThreads::is_one_ = false;
+
+void EventThreads::post(Kind kind, std::function<void()> work) {
+  const std::lock_guard guard(lock_);
+  if (stopping_) return;
+  Thread& doer = threads_[kind];
+  doer.waiting.push_back(std::move(work));
+  if (!doer.thread.joinable()) doer.thread = std::thread([this, &doer] { run(doer); });
+  changed_.notify_all();
+}
+
+void EventThreads::drain() {
+  if (is_one_) return;
+  std::unique_lock guard(lock_);
+  const auto is_idle = [](const Thread& doer) { return doer.waiting.empty() && !doer.busy; };
+  changed_.wait(guard, [&] { return std::all_of(threads_.begin(), threads_.end(), is_idle); });
+}
+
+void EventThreads::stop() {
+  {
+    const std::lock_guard guard(lock_);
+    stopping_ = true;
+    for (Thread& doer : threads_) doer.waiting.clear();
+    changed_.notify_all();
+  }
+  for (Thread& doer : threads_)
+    if (doer.thread.joinable()) doer.thread.join();
+  const std::lock_guard guard(lock_);
+  stopping_ = false;
+}
+
+void EventThreads::run(Thread& self) {
+  is_one_ = true;
+  std::unique_lock guard(lock_);
+  while (true) {
+    changed_.wait(guard, [&] { return stopping_ || !self.waiting.empty(); });
+    if (stopping_) return;
+    const std::function<void()> work = std::move(self.waiting.front());
+    self.waiting.pop_front();
+    self.busy = true;
+    guard.unlock();
+    work();
+    guard.lock();
+    self.busy = false;
+    changed_.notify_all();
+  }
+}
+
+/// Made on first use: a program that ends with the chip on ends the threads before everything that they work with.
+EventThreads& threads() {
+  static EventThreads all;
+  return all;
+}
+
+/// Calls each listener of a unit, in the order in which they were added, that is still one when its turn comes. The
+/// unit's lock is free meanwhile, so that they may call the SDK.
+template <class Listener, class Tell>
+void tell_each(int unit, api::Listeners<Listener> api::Unit::*listeners, Tell tell) {
   api::Unit* const attached = api::find_unit(unit);
-  if (attached == nullptr) return {};
-  const std::lock_guard guard(attached->lock);
-  return (attached->*listeners).all();
+  if (attached == nullptr) return;
+  const auto present = [&] {
+    const std::lock_guard guard(attached->lock);
+    return (attached->*listeners).all();
+  };
+  for (const Listener& listener : present()) {
+    const std::vector<Listener> now = present();
+    if (std::find(now.begin(), now.end(), listener) != now.end()) tell(listener);
+  }
 }
 
 /// Whether the unit is up and has the port.
@@ -33,59 +131,16 @@ bool has_port(int unit, int port) {
 
 }  // namespace
 
-void api::EventThread::post(std::function<void()> work) {
-  const std::lock_guard guard(lock_);
-  waiting_.push_back(std::move(work));
-  if (!thread_.joinable()) thread_ = std::thread(&EventThread::run, this);
-  changed_.notify_all();
-}
-
-void api::EventThread::drain() {
-  std::unique_lock guard(lock_);
-  if (thread_.get_id() == std::this_thread::get_id()) return;
-  changed_.wait(guard, [&] { return waiting_.empty() && !busy_; });
-}
-
-void api::EventThread::stop() {
-  {
-    const std::lock_guard guard(lock_);
-    stopping_ = true;
-    waiting_.clear();
-    changed_.notify_all();
-  }
-  if (thread_.joinable()) thread_.join();
-  stopping_ = false;
-}
-
-void api::EventThread::run() {
-  std::unique_lock guard(lock_);
-  while (true) {
-    changed_.wait(guard, [&] { return stopping_ || !waiting_.empty(); });
-    if (stopping_) return;
-    const std::function<void()> work = std::move(waiting_.front());
-    waiting_.pop_front();
-    busy_ = true;
-    guard.unlock();
-    work();
-    guard.lock();
-    busy_ = false;
-    changed_.notify_all();
-  }
-}
-
-void api::stop_event_threads() {
-  link_scan.stop();
-  l2_learning.stop();
-}
+void api::stop_event_threads() { threads().stop(); }
 
 int swsdk_link_event(int unit, int port, int up) {
   if (!has_port(unit, port) || port == chip::Ports::cpu) return -1;
-  link_scan.post([=] {
-    for (const bcm_linkscan_handler_t handler : present(unit, &api::Unit::link_listeners)) {
+  threads().post(EventThreads::link_scan, [=] {
+    tell_each(unit, &api::Unit::link_listeners, [=](bcm_linkscan_handler_t handler) {
       bcm_port_info_t info{};
       info.linkstatus = up != 0 ? 1 : 0;
       handler(unit, port, &info);
-    }
+    });
   });
   return 0;
 }
@@ -97,16 +152,13 @@ int swsdk_l2_event(int unit, int operation, int vid, const unsigned char* mac, i
   std::memcpy(address.mac, mac, sizeof address.mac);
   address.vid = static_cast<bcm_vlan_t>(vid);
   address.port = port;
-  l2_learning.post([=] {
-    for (const api::L2Listener& listener : present(unit, &api::Unit::l2_listeners)) {
+  threads().post(EventThreads::l2_learning, [=] {
+    tell_each(unit, &api::Unit::l2_listeners, [=](const api::L2Listener& listener) {
       bcm_l2_addr_t told = address;
       listener.callback(unit, &told, operation, listener.user_data);
-    }
+    });
   });
   return 0;
 }
 
-void swsdk_events_drain() {
-  link_scan.drain();
-  l2_learning.drain();
-}
+void swsdk_events_drain() { threads().drain(); }

@@ -31,8 +31,9 @@ void swsdk_board_get(swsdk_board* board);
  */
 int swsdk_board_set(const swsdk_board* board);
 
-/** Switches the chips off: detaches all units and forgets their tables, the board, the journal and all faults. No SDK
- *  call may be running or follow until `sdk_main`. */
+/** Switches the chips off: detaches all units and forgets their tables, the board, the journal, all faults and pending
+ *  events; a callback that is running is waited for. No SDK call may be running or follow until `sdk_main`. Not to be
+ *  called from a callback. */
 void swsdk_power_off(void);
 
 /**
@@ -73,7 +74,8 @@ int swsdk_link_event(int unit, int port, int up);
  */
 int swsdk_l2_event(int unit, int operation, int vid, const unsigned char* mac, int port);
 
-/** Waits until all events that were raised have been told. Returns at once when it is called from a callback. */
+/** Waits until all events that were raised have been told, those that callbacks raise meanwhile too. Returns at once
+ *  when it is called from a callback. */
 void swsdk_events_drain(void);
 
 /**
