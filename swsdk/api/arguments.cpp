@@ -59,15 +59,16 @@ std::string api::text(Bytes bytes) {
   return result + ']';
 }
 
-std::string api::text(const char* string) {
-  if (string == nullptr) return "NULL";
+std::string api::text(const char* string) { return string == nullptr ? "NULL" : quoted(string); }
+
+std::string api::quoted(std::string_view string) {
   std::string result = "\"";
-  for (; *string != '\0'; ++string) {
-    if (*string == '"' || *string == '\\') result += '\\';
-    if (*string == '\n')
+  for (const char c : string) {
+    if (c == '"' || c == '\\') result += '\\';
+    if (c == '\n')
       result += "\\n";
     else
-      result += *string;
+      result += c;
   }
   return result + '"';
 }

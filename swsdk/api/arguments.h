@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstring>
 #include <string>
+#include <string_view>
 #include <tuple>
 #include <type_traits>
 
@@ -129,6 +130,7 @@ std::string text(Ip6 ip6);
 std::string text(Hex hex);
 std::string text(Bytes bytes);
 std::string text(const char* string);
+std::string quoted(std::string_view string);
 
 template <class T>
 requires std::is_integral_v<T> || std::is_enum_v<T> std::string text(T value) {
@@ -159,7 +161,7 @@ std::string value_text(const T& value, Show show = Show::plain) {
   else if constexpr (std::is_same_v<T, bcm_ip6_t>)
     return text(Ip6{value});
   else if constexpr (std::is_array_v<T> && std::is_same_v<std::remove_extent_t<T>, char>)
-    return text(static_cast<const char*>(value));
+    return quoted({value, strnlen(value, sizeof value)});  // one that fills its room has no zero byte
   else if constexpr (std::is_array_v<T>)
     return items_text(value, static_cast<int>(std::extent_v<T>));
   else if constexpr (std::is_same_v<T, bcm_pbmp_t>)
