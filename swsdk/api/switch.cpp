@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "api/call.h"
+#include "chip/gports.h"
 
 using api::array;
 using api::Call;
@@ -18,7 +19,7 @@ int bcm_switch_control_get(int unit, bcm_switch_control_t type, int* arg) {
 
 int bcm_switch_control_port_set(int unit, bcm_port_t port, bcm_switch_control_t type, int arg) {
   return Call(__func__, unit, port, type, arg).answer([&](Chip& chip) {
-    return chip.switch_controls.set_port(port, type, arg);
+    return chip.switch_controls.set_port(chip::gport::port_of(port), type, arg);
   });
 }
 
