@@ -1,0 +1,75 @@
+#include "chip/gports.h"
+
+#include <bcm/error.h>
+#include <bcm/port.h>
+#include <bcm/switch.h>
+#include <bcm/types.h>
+#include <bcm/vlan.h>
+
+#include "support/chip_test.h"
+
+namespace {
+
+using chip::gport::of_port;
+using chip::gport::port_of;
+
+int gport(int kind, int number) { return static_cast<int>(static_cast<unsigned>(kind) << 26) | number; }
+int module_port(int module, int port) { return gport(BCM_GPORT_TYPE_MODPORT, module << 11 | port); }
+
+class Gports : public support::ChipTest {};
+
+TEST_F(Gports, CarryTheirKindInTheTopBits) {
+  EXPECT_EQ(chip::gport::kind(gport(BCM_GPORT_TYPE_TRUNK, 5)), BCM_GPORT_TYPE_TRUNK);
+  EXPECT_EQ(chip::gport::kind(gport(63, 5)), 63);
+  EXPECT_EQ(chip::gport::kind(12), 0);
+}
+
+TEST_F(Gports, OfThisChipAreItsPorts) {
+  for (const int port : {0, 1, 12, 255}) {
+    EXPECT_EQ(port_of(port), port);
+    EXPECT_EQ(port_of(of_port(port)), port);
+    EXPECT_EQ(port_of(gport(BCM_GPORT_TYPE_LOCAL, port)), port);
+    EXPECT_EQ(port_of(module_port(0, port)), port);
+  }
+}
+
+TEST_F(Gports, OfAllElseAreNoPort) {
+  for (const int other : {module_port(1, 3), gport(BCM_GPORT_TYPE_TRUNK, 3), gport(BCM_GPORT_TYPE_MIRROR, 3), -1}) {
+    EXPECT_FALSE(port_of(other) >= 0 && port_of(other) <= 255) << other;
+    EXPECT_EQ(bcm_port_vlan_member_set(0, other, 0), BCM_E_PORT) << other;
+  }
+}
+
+TEST_F(Gports, AreToldForEachPort) {
+  for (const int port : {0, 1, 12}) {
+    bcm_gport_t told = -1;
+    EXPECT_EQ(bcm_port_gport_get(0, port, &told), BCM_E_NONE);
+    EXPECT_EQ(told, module_port(0, port));
+  }
+  bcm_gport_t told = 77;
+  for (const int port : {-1, 13, 256}) EXPECT_EQ(bcm_port_gport_get(0, port, &told), BCM_E_PORT) << port;
+  EXPECT_EQ(told, 77);
+  EXPECT_EQ(bcm_port_gport_get(0, 1, nullptr), BCM_E_PARAM);
+}
+
+TEST_F(Gports, AreTakenInPlaceOfAPortNumber) {
+  const int third = module_port(0, 3);
+  EXPECT_EQ(bcm_port_vlan_member_set(0, third, BCM_PORT_VLAN_MEMBER_INGRESS), BCM_E_NONE);
+  EXPECT_EQ(bcm_port_flood_block_set(0, third, gport(BCM_GPORT_TYPE_LOCAL, 0), BCM_PORT_FLOOD_BLOCK_BCAST), BCM_E_NONE);
+  EXPECT_NE(shown("filter").find("\n3     ingress          broadcast\n"), std::string::npos);
+
+  EXPECT_EQ(bcm_vlan_control_port_set(0, third, bcmVlanPortPreferMAC, 1), BCM_E_NONE);
+  int value = -1;
+  EXPECT_EQ(bcm_vlan_control_port_get(0, 3, bcmVlanPortPreferMAC, &value), BCM_E_NONE);
+  EXPECT_EQ(value, 1);
+
+  EXPECT_EQ(bcm_vlan_translate_add(0, third, 10, 20, 0), BCM_E_NONE);
+  EXPECT_EQ(bcm_vlan_translate_add(0, 3, 10, 20, 0), BCM_E_EXISTS);
+  EXPECT_EQ(bcm_vlan_dtag_add(0, third, 10, 20, 0), BCM_E_NONE);
+  EXPECT_EQ(bcm_vlan_dtag_delete(0, 3, 10), BCM_E_NONE);
+
+  EXPECT_EQ(bcm_switch_control_port_set(0, third, bcmSwitchDhcpPktToCpu, 1), BCM_E_NONE);
+  EXPECT_NE(shown("control").find("on ports {3}"), std::string::npos);
+}
+
+}  // namespace
