@@ -85,20 +85,23 @@ std::string show_l2_cache(const chip::Chip& chip) {
   return columns(rows);
 }
 
-/// Controls by number: their ports with a value other than 0, or the value for the whole chip.
+/// The controls that are not 0 everywhere, by number: the ports of one of each port, or the value for the whole chip.
 std::string show_switch_controls(const chip::Chip& chip) {
-  std::vector<Row> rows{{"control", "value"}};
+  using chip::SwitchControls;
   std::map<int, chip::PortSet> ports;
+  std::map<int, std::string> values;
   for (const auto& [key, value] : chip.switch_controls.all()) {
     const auto& [control, port] = key;
     if (value == 0) continue;
-    if (port == chip::SwitchControls::whole_chip)
-      rows.push_back({chip::SwitchControls::name(control), std::to_string(value)});
-    else
+    if (port != SwitchControls::whole_chip) {
       ports[control].add(port);
+      values[control] = "on ports " + text(ports[control]);
+    } else if (!SwitchControls::is_of_each_port(control)) {
+      values[control] = std::to_string(value);
+    }
   }
-  for (const auto& [control, set] : ports)
-    rows.push_back({chip::SwitchControls::name(control), "on ports " + text(set)});
+  std::vector<Row> rows{{"control", "value"}};
+  for (const auto& [control, value] : values) rows.push_back({SwitchControls::name(control), value});
   return columns(rows);
 }
 

@@ -50,6 +50,7 @@ class SwitchControls {
 
   /// The name of a control that the chip has.
   static const char* name(int control);
+  static bool is_of_each_port(int control) { return scope(control) == Scope::port; }
 
   /// What is set, by (control, port or whole_chip).
   const std::map<std::pair<int, int>, int>& all() const { return values_; }
