@@ -2,6 +2,7 @@
 #include <appl/diag/shell.h>
 #include <appl/diag/system.h>
 #include <bcm/error.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <fstream>
@@ -20,7 +21,7 @@ const std::string program =
 
 class DiagnosticShell : public support::ChipTest {
  protected:
-  DiagnosticShell() : file_(testing::TempDir() + "led_program.hex") { write(program); }
+  DiagnosticShell() : file_(testing::TempDir() + "led_program_" + std::to_string(getpid()) + ".hex") { write(program); }
   ~DiagnosticShell() override { std::remove(file_.c_str()); }
 
   void write(const std::string& text) { std::ofstream(file_) << text; }
