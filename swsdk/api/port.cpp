@@ -9,36 +9,71 @@ using api::in;
 using api::out;
 using api::unmodelled;
 using chip::Chip;
+using chip::PortForwarding;
+using chip::PortMac;
 using chip::Status;
 using chip::gport::port_of;
 
+namespace {
+
+constexpr int this_module = 0;
+
+}  // namespace
+
 int bcm_port_autoneg_get(int unit, bcm_port_t port, int* autoneg) {
-  return unmodelled(__func__, unit, port, out(autoneg));
+  return Call(__func__, unit, port, out(autoneg)).answer([&](Chip& chip) {
+    return chip.port_macs.get(port_of(port), &PortMac::negotiates, *autoneg);
+  });
 }
 
-int bcm_port_autoneg_set(int unit, bcm_port_t port, int autoneg) { return unmodelled(__func__, unit, port, autoneg); }
+int bcm_port_autoneg_set(int unit, bcm_port_t port, int autoneg) {
+  return Call(__func__, unit, port, autoneg).answer([&](Chip& chip) {
+    return chip.port_macs.negotiate(port_of(port), autoneg != 0);
+  });
+}
 
 int bcm_port_config_get(int unit, bcm_port_config_t* config) { return unmodelled(__func__, unit, out(config)); }
 
 int bcm_port_duplex_get(int unit, bcm_port_t port, int* duplex) {
-  return unmodelled(__func__, unit, port, out(duplex));
+  return Call(__func__, unit, port, out(duplex)).answer([&](Chip& chip) {
+    return chip.port_macs.get(port_of(port), &PortMac::duplex, *duplex);
+  });
 }
 
-int bcm_port_duplex_set(int unit, bcm_port_t port, int duplex) { return unmodelled(__func__, unit, port, duplex); }
+int bcm_port_duplex_set(int unit, bcm_port_t port, int duplex) {
+  return Call(__func__, unit, port, duplex).answer([&](Chip& chip) {
+    return chip.port_macs.set_duplex(port_of(port), duplex);
+  });
+}
 
 int bcm_port_egress_get(int unit, bcm_port_t port, int modid, bcm_pbmp_t* pbmp) {
-  return unmodelled(__func__, unit, port, modid, out(pbmp));
+  return Call(__func__, unit, port, modid, out(pbmp)).answer([&](Chip& chip) {
+    if (modid != this_module) return Status::bad_parameter;
+    chip::PortSet destinations;
+    const Status status = chip.port_forwarding.get(port_of(port), &PortForwarding::destinations, destinations);
+    if (status == Status::ok) *pbmp = api::bitmap(destinations);
+    return status;
+  });
 }
 
 int bcm_port_egress_set(int unit, bcm_port_t port, int modid, bcm_pbmp_t pbmp) {
-  return unmodelled(__func__, unit, port, modid, pbmp);
+  return Call(__func__, unit, port, modid, pbmp).answer([&](Chip& chip) {
+    if (modid != this_module) return Status::bad_parameter;
+    return chip.port_forwarding.set_destinations(port_of(port), api::ports(pbmp));
+  });
 }
 
 int bcm_port_enable_get(int unit, bcm_port_t port, int* enable) {
-  return unmodelled(__func__, unit, port, out(enable));
+  return Call(__func__, unit, port, out(enable)).answer([&](Chip& chip) {
+    return chip.port_macs.get(port_of(port), &PortMac::enabled, *enable);
+  });
 }
 
-int bcm_port_enable_set(int unit, bcm_port_t port, int enable) { return unmodelled(__func__, unit, port, enable); }
+int bcm_port_enable_set(int unit, bcm_port_t port, int enable) {
+  return Call(__func__, unit, port, enable).answer([&](Chip& chip) {
+    return chip.port_macs.enable(port_of(port), enable != 0);
+  });
+}
 
 int bcm_port_flood_block_set(int unit, bcm_port_t ingress_port, bcm_port_t egress_port, uint32 flags) {
   return Call(__func__, unit, ingress_port, egress_port, hex(flags)).answer([&](Chip& chip) {
@@ -46,7 +81,11 @@ int bcm_port_flood_block_set(int unit, bcm_port_t ingress_port, bcm_port_t egres
   });
 }
 
-int bcm_port_frame_max_set(int unit, bcm_port_t port, int size) { return unmodelled(__func__, unit, port, size); }
+int bcm_port_frame_max_set(int unit, bcm_port_t port, int size) {
+  return Call(__func__, unit, port, size).answer([&](Chip& chip) {
+    return chip.port_macs.set_frame_max(port_of(port), size);
+  });
+}
 
 int bcm_port_gport_get(int unit, bcm_port_t port, bcm_gport_t* gport) {
   return Call(__func__, unit, port, out(gport)).answer([&](Chip& chip) {
@@ -57,25 +96,39 @@ int bcm_port_gport_get(int unit, bcm_port_t port, bcm_gport_t* gport) {
 }
 
 int bcm_port_ifg_get(int unit, bcm_port_t port, int speed, bcm_port_duplex_t duplex, int* bit_times) {
-  return unmodelled(__func__, unit, port, speed, duplex, out(bit_times));
+  return Call(__func__, unit, port, speed, duplex, out(bit_times)).answer([&](Chip& chip) {
+    return chip.port_macs.gap(port_of(port), speed, duplex, *bit_times);
+  });
 }
 
 int bcm_port_ifg_set(int unit, bcm_port_t port, int speed, bcm_port_duplex_t duplex, int bit_times) {
-  return unmodelled(__func__, unit, port, speed, duplex, bit_times);
+  return Call(__func__, unit, port, speed, duplex, bit_times).answer([&](Chip& chip) {
+    return chip.port_macs.set_gap(port_of(port), speed, duplex, bit_times);
+  });
 }
 
 int bcm_port_interface_get(int unit, bcm_port_t port, bcm_port_if_t* intf) {
-  return unmodelled(__func__, unit, port, out(intf));
+  return Call(__func__, unit, port, out(intf)).answer([&](Chip& chip) {
+    return chip.port_macs.get(port_of(port), &PortMac::interface, *intf);
+  });
 }
 
 int bcm_port_learn_get(int unit, bcm_port_t port, uint32* flags) {
-  return unmodelled(__func__, unit, port, out(flags));
+  return Call(__func__, unit, port, out(flags)).answer([&](Chip& chip) {
+    return chip.port_forwarding.get(port_of(port), &PortForwarding::learning, *flags);
+  });
 }
 
-int bcm_port_learn_set(int unit, bcm_port_t port, uint32 flags) { return unmodelled(__func__, unit, port, hex(flags)); }
+int bcm_port_learn_set(int unit, bcm_port_t port, uint32 flags) {
+  return Call(__func__, unit, port, hex(flags)).answer([&](Chip& chip) {
+    return chip.port_forwarding.set_learning(port_of(port), flags);
+  });
+}
 
 int bcm_port_link_status_get(int unit, bcm_port_t port, int* status) {
-  return unmodelled(__func__, unit, port, out(status));
+  return Call(__func__, unit, port, out(status)).answer([&](Chip& chip) {
+    return chip.port_macs.get(port_of(port), &PortMac::link, *status);
+  });
 }
 
 int bcm_port_local_get(int unit, bcm_gport_t gport, bcm_port_t* local_port) {
@@ -83,11 +136,15 @@ int bcm_port_local_get(int unit, bcm_gport_t gport, bcm_port_t* local_port) {
 }
 
 int bcm_port_loopback_set(int unit, bcm_port_t port, int loopback) {
-  return unmodelled(__func__, unit, port, loopback);
+  return Call(__func__, unit, port, loopback).answer([&](Chip& chip) {
+    return chip.port_macs.set_loopback(port_of(port), loopback);
+  });
 }
 
 int bcm_port_pause_set(int unit, bcm_port_t port, int pause_tx, int pause_rx) {
-  return unmodelled(__func__, unit, port, pause_tx, pause_rx);
+  return Call(__func__, unit, port, pause_tx, pause_rx).answer([&](Chip& chip) {
+    return chip.port_macs.set_pause(port_of(port), pause_tx != 0, pause_rx != 0);
+  });
 }
 
 int bcm_port_phy_control_get(int unit, bcm_port_t port, bcm_port_phy_control_t type, uint32* value) {
@@ -108,14 +165,20 @@ int bcm_port_phy_set(int unit, bcm_port_t port, uint32 flags, uint32 phy_reg_add
 
 int bcm_port_protocol_vlan_add(int unit, bcm_port_t port, bcm_port_frametype_t frame, bcm_port_ethertype_t ether,
                                bcm_vlan_t vid) {
-  return unmodelled(__func__, unit, port, frame, hex(ether), vid);
+  return Call(__func__, unit, port, frame, hex(ether), vid).answer([&](Chip& chip) {
+    return chip.protocol_vlans.add({port_of(port), frame, ether}, vid);
+  });
 }
 
 int bcm_port_protocol_vlan_delete(int unit, bcm_port_t port, bcm_port_frametype_t frame, bcm_port_ethertype_t ether) {
-  return unmodelled(__func__, unit, port, frame, hex(ether));
+  return Call(__func__, unit, port, frame, hex(ether)).answer([&](Chip& chip) {
+    return chip.protocol_vlans.remove({port_of(port), frame, ether});
+  });
 }
 
-int bcm_port_protocol_vlan_delete_all(int unit, bcm_port_t port) { return unmodelled(__func__, unit, port); }
+int bcm_port_protocol_vlan_delete_all(int unit, bcm_port_t port) {
+  return Call(__func__, unit, port).answer([&](Chip& chip) { return chip.protocol_vlans.remove_all(port_of(port)); });
+}
 
 int bcm_port_rate_egress_get(int unit, bcm_port_t port, uint32* kbits_sec, uint32* kbits_burst) {
   return unmodelled(__func__, unit, port, out(kbits_sec), out(kbits_burst));
@@ -145,16 +208,28 @@ int bcm_port_selective_set(int unit, bcm_port_t port, bcm_port_info_t* info) {
   return unmodelled(__func__, unit, port, in(info));
 }
 
-int bcm_port_speed_get(int unit, bcm_port_t port, int* speed) { return unmodelled(__func__, unit, port, out(speed)); }
+int bcm_port_speed_get(int unit, bcm_port_t port, int* speed) {
+  return Call(__func__, unit, port, out(speed)).answer([&](Chip& chip) {
+    return chip.port_macs.get(port_of(port), &PortMac::speed, *speed);
+  });
+}
 
-int bcm_port_speed_set(int unit, bcm_port_t port, int speed) { return unmodelled(__func__, unit, port, speed); }
+int bcm_port_speed_set(int unit, bcm_port_t port, int speed) {
+  return Call(__func__, unit, port, speed).answer([&](Chip& chip) {
+    return chip.port_macs.set_speed(port_of(port), speed);
+  });
+}
 
 int bcm_port_untagged_vlan_get(int unit, bcm_port_t port, bcm_vlan_t* vid_ptr) {
-  return unmodelled(__func__, unit, port, out(vid_ptr));
+  return Call(__func__, unit, port, out(vid_ptr)).answer([&](Chip& chip) {
+    return chip.port_forwarding.get(port_of(port), &PortForwarding::untagged_vlan, *vid_ptr);
+  });
 }
 
 int bcm_port_untagged_vlan_set(int unit, bcm_port_t port, bcm_vlan_t vid) {
-  return unmodelled(__func__, unit, port, vid);
+  return Call(__func__, unit, port, vid).answer([&](Chip& chip) {
+    return chip.port_forwarding.set_untagged_vlan(port_of(port), vid);
+  });
 }
 
 int bcm_port_vlan_member_set(int unit, bcm_port_t port, uint32 flags) {

@@ -7,7 +7,10 @@
 #include "chip/multicast_groups.h"
 #include "chip/network_interfaces.h"
 #include "chip/port_filters.h"
+#include "chip/port_forwarding.h"
+#include "chip/port_macs.h"
 #include "chip/ports.h"
+#include "chip/protocol_vlans.h"
 #include "chip/queues.h"
 #include "chip/reserved_multicast.h"
 #include "chip/switch_controls.h"
@@ -24,6 +27,9 @@ struct Chip {
         vlan_controls(ports),
         vlan_translations(ports),
         port_filters(ports),
+        port_forwarding(ports),
+        port_macs(ports),
+        protocol_vlans(ports),
         switch_controls(ports) {}
 
   // The tables refer to the ports.
@@ -37,6 +43,9 @@ struct Chip {
     vlan_translations.reset();
     egress_actions.clear();
     port_filters.reset();
+    port_forwarding.reset();
+    port_macs.reset();
+    protocol_vlans.clear();
     switch_controls.reset();
     l2_cache.clear();
     multicast_groups.clear();
@@ -53,6 +62,9 @@ struct Chip {
   VlanTranslations vlan_translations;
   EgressActions egress_actions;
   PortFilters port_filters;
+  PortForwardings port_forwarding;
+  PortMacs port_macs;
+  ProtocolVlans protocol_vlans;
   SwitchControls switch_controls;
   L2Cache l2_cache;
   MulticastGroups multicast_groups;

@@ -10,7 +10,7 @@ Ports::Ports(int ethernet_ports) {
 
 const char* Ports::kind(int port) {
   if (port == cpu) return "cpu";
-  return port <= last_front_panel ? "gigabit" : "uplink";
+  return is_uplink(port) ? "uplink" : "gigabit";
 }
 
 }  // namespace chip

@@ -16,6 +16,7 @@ class Ports {
   const PortSet& ethernet() const { return ethernet_; }
   bool has(int port) const { return all_.contains(port); }
 
+  static bool is_uplink(int port) { return port > last_front_panel; }
   /// "cpu", "gigabit" or "uplink".
   static const char* kind(int port);
 
