@@ -1,4 +1,5 @@
 #include <bcm/port.h>
+#include <bcm/rate.h>
 
 #include "api/call.h"
 #include "chip/gports.h"
@@ -11,12 +12,72 @@ using api::unmodelled;
 using chip::Chip;
 using chip::PortForwarding;
 using chip::PortMac;
+using chip::RateUnit;
 using chip::Status;
 using chip::gport::port_of;
 
 namespace {
 
 constexpr int this_module = 0;
+
+/// A part of a port record: what its bits in the action mask do.
+struct Setting {
+  uint32 mask;
+  Status (*apply)(Chip& chip, int port, const bcm_port_info_t& info);
+};
+
+Status apply_storm_rate(Chip& chip, int port, uint32_t kind, int enable, int limit) {
+  return chip.storm_rates.set({port, kind}, enable != 0 ? kind : 0, limit);
+}
+
+// Negotiation comes after what it overrides.
+constexpr Setting settings[] = {
+    {BCM_PORT_ATTR_ENABLE_MASK,
+     [](Chip& chip, int port, const bcm_port_info_t& info) { return chip.port_macs.enable(port, info.enable != 0); }},
+    {BCM_PORT_ATTR_INTERFACE_MASK,
+     [](Chip& chip, int port, const bcm_port_info_t& info) {
+       return chip.port_macs.set_interface(port, info.interface);
+     }},
+    {BCM_PORT_ATTR_SPEED_MASK,
+     [](Chip& chip, int port, const bcm_port_info_t& info) { return chip.port_macs.set_speed(port, info.speed); }},
+    {BCM_PORT_ATTR_DUPLEX_MASK,
+     [](Chip& chip, int port, const bcm_port_info_t& info) { return chip.port_macs.set_duplex(port, info.duplex); }},
+    {BCM_PORT_ATTR_LOCAL_ADVERT_MASK,
+     [](Chip& chip, int port, const bcm_port_info_t& info) {
+       return chip.port_macs.advertise(port, info.local_advert);
+     }},
+    {BCM_PORT_ATTR_AUTONEG_MASK,
+     [](Chip& chip, int port, const bcm_port_info_t& info) {
+       return chip.port_macs.negotiate(port, info.autoneg != 0);
+     }},
+    {BCM_PORT_ATTR_RATE_MCAST_MASK,
+     [](Chip& chip, int port, const bcm_port_info_t& info) {
+       return apply_storm_rate(chip, port, BCM_RATE_MCAST, info.mcast_limit_enable, info.mcast_limit);
+     }},
+    {BCM_PORT_ATTR_RATE_BCAST_MASK,
+     [](Chip& chip, int port, const bcm_port_info_t& info) {
+       return apply_storm_rate(chip, port, BCM_RATE_BCAST, info.bcast_limit_enable, info.bcast_limit);
+     }},
+    {BCM_PORT_ATTR_RATE_DLFBC_MASK,
+     [](Chip& chip, int port, const bcm_port_info_t& info) {
+       return apply_storm_rate(chip, port, BCM_RATE_DLF, info.dlfbc_limit_enable, info.dlfbc_limit);
+     }},
+    // What the port reports of its link and its partner is not the caller's to set.
+    {BCM_PORT_ATTR_LINKSTAT_MASK | BCM_PORT_ATTR_REMOTE_ADVERT_MASK,
+     [](Chip&, int, const bcm_port_info_t&) { return Status::ok; }},
+};
+
+/// Applies what the action masks name, up to the first setting that is refused.
+Status apply(Chip& chip, int port, const bcm_port_info_t& info) {
+  if (!chip.ports.ethernet().contains(port)) return Status::bad_port;
+  uint32 unknown = info.action_mask;
+  for (const Setting& setting : settings) unknown &= ~setting.mask;
+  if (unknown != 0 || info.action_mask2 != 0) return Status::unavailable;
+  for (const Setting& setting : settings)
+    if ((info.action_mask & setting.mask) != 0)
+      if (const Status status = setting.apply(chip, port, info); status != Status::ok) return status;
+  return Status::ok;
+}
 
 }  // namespace
 
@@ -181,31 +242,43 @@ int bcm_port_protocol_vlan_delete_all(int unit, bcm_port_t port) {
 }
 
 int bcm_port_rate_egress_get(int unit, bcm_port_t port, uint32* kbits_sec, uint32* kbits_burst) {
-  return unmodelled(__func__, unit, port, out(kbits_sec), out(kbits_burst));
+  return Call(__func__, unit, port, out(kbits_sec), out(kbits_burst)).answer([&](Chip& chip) {
+    return chip.port_rates.shaping(port_of(port), RateUnit::kilobits, *kbits_sec, *kbits_burst);
+  });
 }
 
 int bcm_port_rate_egress_pps_get(int unit, bcm_port_t port, uint32* pps, uint32* burst) {
-  return unmodelled(__func__, unit, port, out(pps), out(burst));
+  return Call(__func__, unit, port, out(pps), out(burst)).answer([&](Chip& chip) {
+    return chip.port_rates.shaping(port_of(port), RateUnit::packets, *pps, *burst);
+  });
 }
 
 int bcm_port_rate_egress_pps_set(int unit, bcm_port_t port, uint32 pps, uint32 burst) {
-  return unmodelled(__func__, unit, port, pps, burst);
+  return Call(__func__, unit, port, pps, burst).answer([&](Chip& chip) {
+    return chip.port_rates.shape(port_of(port), {RateUnit::packets, pps, burst});
+  });
 }
 
 int bcm_port_rate_egress_set(int unit, bcm_port_t port, uint32 kbits_sec, uint32 kbits_burst) {
-  return unmodelled(__func__, unit, port, kbits_sec, kbits_burst);
+  return Call(__func__, unit, port, kbits_sec, kbits_burst).answer([&](Chip& chip) {
+    return chip.port_rates.shape(port_of(port), {RateUnit::kilobits, kbits_sec, kbits_burst});
+  });
 }
 
 int bcm_port_rate_ingress_get(int unit, bcm_port_t port, uint32* kbits_sec, uint32* kbits_burst) {
-  return unmodelled(__func__, unit, port, out(kbits_sec), out(kbits_burst));
+  return Call(__func__, unit, port, out(kbits_sec), out(kbits_burst)).answer([&](Chip& chip) {
+    return chip.port_rates.policing(port_of(port), *kbits_sec, *kbits_burst);
+  });
 }
 
 int bcm_port_rate_ingress_set(int unit, bcm_port_t port, uint32 kbits_sec, uint32 kbits_burst) {
-  return unmodelled(__func__, unit, port, kbits_sec, kbits_burst);
+  return Call(__func__, unit, port, kbits_sec, kbits_burst).answer([&](Chip& chip) {
+    return chip.port_rates.police(port_of(port), {RateUnit::kilobits, kbits_sec, kbits_burst});
+  });
 }
 
 int bcm_port_selective_set(int unit, bcm_port_t port, bcm_port_info_t* info) {
-  return unmodelled(__func__, unit, port, in(info));
+  return Call(__func__, unit, port, in(info)).answer([&](Chip& chip) { return apply(chip, port_of(port), *info); });
 }
 
 int bcm_port_speed_get(int unit, bcm_port_t port, int* speed) {

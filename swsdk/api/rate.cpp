@@ -1,18 +1,31 @@
 #include <bcm/rate.h>
 
 #include "api/call.h"
+#include "chip/gports.h"
 
+using api::Call;
 using api::hex;
-using api::unmodelled;
+using chip::Chip;
+using chip::StormRates;
+using chip::gport::port_of;
 
 int bcm_rate_bcast_set(int unit, int pps, int flags, int port) {
-  return unmodelled(__func__, unit, pps, hex(static_cast<uint32>(flags)), port);
+  const auto given = static_cast<uint32>(flags);
+  return Call(__func__, unit, pps, hex(given), port).answer([&](Chip& chip) {
+    return chip.storm_rates.set({port_of(port), StormRates::broadcast}, given, pps);
+  });
 }
 
 int bcm_rate_dlfbc_set(int unit, int pps, int flags, int port) {
-  return unmodelled(__func__, unit, pps, hex(static_cast<uint32>(flags)), port);
+  const auto given = static_cast<uint32>(flags);
+  return Call(__func__, unit, pps, hex(given), port).answer([&](Chip& chip) {
+    return chip.storm_rates.set({port_of(port), StormRates::unknown_destination}, given, pps);
+  });
 }
 
 int bcm_rate_mcast_set(int unit, int pps, int flags, int port) {
-  return unmodelled(__func__, unit, pps, hex(static_cast<uint32>(flags)), port);
+  const auto given = static_cast<uint32>(flags);
+  return Call(__func__, unit, pps, hex(given), port).answer([&](Chip& chip) {
+    return chip.storm_rates.set({port_of(port), StormRates::multicast}, given, pps);
+  });
 }

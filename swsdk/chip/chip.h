@@ -9,10 +9,12 @@
 #include "chip/port_filters.h"
 #include "chip/port_forwarding.h"
 #include "chip/port_macs.h"
+#include "chip/port_rates.h"
 #include "chip/ports.h"
 #include "chip/protocol_vlans.h"
 #include "chip/queues.h"
 #include "chip/reserved_multicast.h"
+#include "chip/storm_rates.h"
 #include "chip/switch_controls.h"
 #include "chip/vlan_controls.h"
 #include "chip/vlan_translations.h"
@@ -29,6 +31,8 @@ struct Chip {
         port_filters(ports),
         port_forwarding(ports),
         port_macs(ports),
+        port_rates(ports),
+        storm_rates(ports),
         protocol_vlans(ports),
         switch_controls(ports) {}
 
@@ -45,6 +49,8 @@ struct Chip {
     port_filters.reset();
     port_forwarding.reset();
     port_macs.reset();
+    port_rates.clear();
+    storm_rates.clear();
     protocol_vlans.clear();
     switch_controls.reset();
     l2_cache.clear();
@@ -64,6 +70,8 @@ struct Chip {
   PortFilters port_filters;
   PortForwardings port_forwarding;
   PortMacs port_macs;
+  PortRates port_rates;
+  StormRates storm_rates;
   ProtocolVlans protocol_vlans;
   SwitchControls switch_controls;
   L2Cache l2_cache;

@@ -1,0 +1,50 @@
+// Storm control: how many broadcasts, multicasts and frames to unknown destinations each port lets in.
+#pragma once
+
+#include <compare>
+#include <cstdint>
+#include <map>
+
+#include "chip/ports.h"
+#include "chip/status.h"
+
+namespace chip {
+
+class StormRates {
+ public:
+  // Kinds of storms, by the flag that turns their control on.
+  static constexpr uint32_t unknown_destination = 0x1;
+  static constexpr uint32_t multicast = 0x2;
+  static constexpr uint32_t broadcast = 0x4;
+
+  struct Key {
+    int port;
+    uint32_t kind;
+    auto operator<=>(const Key&) const = default;
+  };
+
+  explicit StormRates(const Ports& ports) : ports_(ports) {}
+
+  /// No control after a reset.
+  void clear() { rates_.clear(); }
+
+  /// Limits one kind to `rate` packets per second, or with flags 0 lets all of them in.
+  Status set(const Key& key, uint32_t flags, int rate) {
+    if (!ports_.has(key.port)) return Status::bad_port;
+    if ((flags & ~key.kind) != 0 || (flags != 0 && rate < 0)) return Status::bad_parameter;
+    if (flags == 0)
+      rates_.erase(key);
+    else
+      rates_[key] = rate;
+    return Status::ok;
+  }
+
+  /// In packets per second; a kind that is absent has no limit.
+  const std::map<Key, int>& all() const { return rates_; }
+
+ private:
+  const Ports& ports_;
+  std::map<Key, int> rates_;
+};
+
+}  // namespace chip
