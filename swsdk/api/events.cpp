@@ -121,20 +121,18 @@ void tell_each(int unit, api::Listeners<Listener> api::Unit::*listeners, Tell te
   }
 }
 
-/// Whether the unit is up and has the port.
-bool has_port(int unit, int port) {
-  api::Unit* const attached = api::find_unit(unit);
-  if (attached == nullptr) return false;
-  const std::lock_guard guard(attached->lock);
-  return attached->initialised && attached->chip->ports.has(port);
-}
-
 }  // namespace
 
 void api::stop_event_threads() { threads().stop(); }
 
 int swsdk_link_event(int unit, int port, int up) {
-  if (!has_port(unit, port) || port == chip::Ports::cpu) return -1;
+  bool watched = false;
+  const auto change = [&](chip::Chip& chip) {
+    watched = chip.link_scan.watches();
+    return chip.port_macs.set_partner(port, up != 0);
+  };
+  if (api::on_chip(unit, change) != 0) return -1;
+  if (!watched) return 0;
   threads().post(EventThreads::link_scan, [=] {
     tell_each(unit, &api::Unit::link_listeners, [=](bcm_linkscan_handler_t handler) {
       bcm_port_info_t info{};
@@ -146,7 +144,11 @@ int swsdk_link_event(int unit, int port, int up) {
 }
 
 int swsdk_l2_event(int unit, int operation, int vid, const unsigned char* mac, int port) {
-  if (!has_port(unit, port) || mac == nullptr || vid < chip::Vlans::lowest_id || vid > chip::Vlans::highest_id)
+  const auto has_port = [&](const chip::Chip& chip) {
+    return chip.ports.has(port) ? chip::Status::ok : chip::Status::bad_port;
+  };
+  if (api::on_chip(unit, has_port) != 0 || mac == nullptr || vid < chip::Vlans::lowest_id ||
+      vid > chip::Vlans::highest_id)
     return -1;
   bcm_l2_addr_t address{};
   std::memcpy(address.mac, mac, sizeof address.mac);

@@ -6,7 +6,9 @@ using api::Call;
 using chip::Chip;
 using chip::Status;
 
-int bcm_linkscan_enable_set(int unit, int us) { return api::unmodelled(__func__, unit, us); }
+int bcm_linkscan_enable_set(int unit, int us) {
+  return Call(__func__, unit, us).answer([&](Chip& chip) { return chip.link_scan.set_interval(us); });
+}
 
 int bcm_linkscan_register(int unit, bcm_linkscan_handler_t f) {
   return Call(__func__, unit, f).answer([&](const Chip&) {

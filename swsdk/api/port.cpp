@@ -20,6 +20,15 @@ namespace {
 
 constexpr int this_module = 0;
 
+/// The register space of a port's PHY that the chip models.
+constexpr uint32 default_registers = 0;
+
+/// The register at an address of that space: by clause 45 with a device above the low 16 bits, by clause 22 without.
+chip::PhyRegisters::Key phy_register(int port, uint32 address) {
+  const auto device = static_cast<int>(address >> 16);
+  return {static_cast<uint32>(port), device == 0 ? chip::PhyRegisters::clause22 : device, address & 0xFFFF};
+}
+
 /// A part of a port record: what its bits in the action mask do.
 struct Setting {
   uint32 mask;
@@ -209,19 +218,31 @@ int bcm_port_pause_set(int unit, bcm_port_t port, int pause_tx, int pause_rx) {
 }
 
 int bcm_port_phy_control_get(int unit, bcm_port_t port, bcm_port_phy_control_t type, uint32* value) {
-  return unmodelled(__func__, unit, port, type, out(value));
+  return Call(__func__, unit, port, type, out(value)).answer([&](Chip& chip) {
+    return chip.phy_controls.get(port_of(port), type, *value);
+  });
 }
 
 int bcm_port_phy_control_set(int unit, bcm_port_t port, bcm_port_phy_control_t type, uint32 value) {
-  return unmodelled(__func__, unit, port, type, value);
+  return Call(__func__, unit, port, type, value).answer([&](Chip& chip) {
+    return chip.phy_controls.set(port_of(port), type, value);
+  });
 }
 
 int bcm_port_phy_get(int unit, bcm_port_t port, uint32 flags, uint32 phy_reg_addr, uint32* phy_data) {
-  return unmodelled(__func__, unit, port, hex(flags), hex(phy_reg_addr), out(phy_data));
+  return Call(__func__, unit, port, hex(flags), hex(phy_reg_addr), out(phy_data)).answer([&](Chip& chip) {
+    if (!chip.ports.ethernet().contains(port_of(port))) return Status::bad_port;
+    if (flags != default_registers) return Status::unavailable;
+    return chip.phy_registers.read(phy_register(port_of(port), phy_reg_addr), *phy_data);
+  });
 }
 
 int bcm_port_phy_set(int unit, bcm_port_t port, uint32 flags, uint32 phy_reg_addr, uint32 phy_data) {
-  return unmodelled(__func__, unit, port, hex(flags), hex(phy_reg_addr), hex(phy_data));
+  return Call(__func__, unit, port, hex(flags), hex(phy_reg_addr), hex(phy_data)).answer([&](Chip& chip) {
+    if (!chip.ports.ethernet().contains(port_of(port))) return Status::bad_port;
+    if (flags != default_registers) return Status::unavailable;
+    return chip.phy_registers.write(phy_register(port_of(port), phy_reg_addr), phy_data);
+  });
 }
 
 int bcm_port_protocol_vlan_add(int unit, bcm_port_t port, bcm_port_frametype_t frame, bcm_port_ethertype_t ether,

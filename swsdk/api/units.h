@@ -57,4 +57,13 @@ Unit* find_unit(int unit);
 /// The initialised chip of that number, or null.
 chip::Chip* find_chip(int unit);
 
+/// Runs `body` on that chip under the unit's lock: 0, or -1 when there is no such chip or the body refuses.
+template <class Body>
+int on_chip(int unit, Body body) {
+  Unit* const attached = find_unit(unit);
+  if (attached == nullptr) return -1;
+  const std::lock_guard guard(attached->lock);
+  return attached->initialised && body(*attached->chip) == chip::Status::ok ? 0 : -1;
+}
+
 }  // namespace api

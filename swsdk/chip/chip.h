@@ -4,8 +4,11 @@
 #include "chip/egress_actions.h"
 #include "chip/l2_cache.h"
 #include "chip/led_processors.h"
+#include "chip/link_scan.h"
 #include "chip/multicast_groups.h"
 #include "chip/network_interfaces.h"
+#include "chip/phy_controls.h"
+#include "chip/phy_registers.h"
 #include "chip/port_filters.h"
 #include "chip/port_forwarding.h"
 #include "chip/port_macs.h"
@@ -31,6 +34,7 @@ struct Chip {
         port_filters(ports),
         port_forwarding(ports),
         port_macs(ports),
+        phy_controls(ports),
         port_rates(ports),
         storm_rates(ports),
         protocol_vlans(ports),
@@ -49,6 +53,9 @@ struct Chip {
     port_filters.reset();
     port_forwarding.reset();
     port_macs.reset();
+    link_scan.reset();
+    phy_registers.clear();
+    phy_controls.clear();
     port_rates.clear();
     storm_rates.clear();
     protocol_vlans.clear();
@@ -70,6 +77,9 @@ struct Chip {
   PortFilters port_filters;
   PortForwardings port_forwarding;
   PortMacs port_macs;
+  LinkScan link_scan;
+  PhyRegisters phy_registers;
+  PhyControls phy_controls;
   PortRates port_rates;
   StormRates storm_rates;
   ProtocolVlans protocol_vlans;

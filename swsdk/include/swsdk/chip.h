@@ -55,7 +55,8 @@ long swsdk_show(int unit, const char* table, char* buffer, size_t size);
 const char* swsdk_show_table(int index);
 
 /**
- * Raises a link event: the link scan thread calls the handlers of `bcm_linkscan_register`.
+ * Puts a link up or down, as plugging a cable does: the link scan thread calls the handlers of `bcm_linkscan_register`.
+ * While link scanning is paused or disabled nobody is told; the link changes all the same.
  *
  * @param port  an Ethernet port
  * @param up    non-zero: the link went up; 0: it went down
