@@ -3,6 +3,7 @@
 
 #include <bcm/types.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstring>
@@ -47,11 +48,12 @@ struct Array {
   int count;
 };
 
-/// Points to `count` items that the call writes.
+/// Points to `count` items that the call writes, or to room for them of which the call tells how many it wrote.
 template <class T>
 struct OutArray {
   T* pointer;
   int count;
+  const int* written = nullptr;
 };
 
 struct Mac {
@@ -89,8 +91,8 @@ Array<T> array(const T* pointer, int count) {
   return {pointer, count};
 }
 template <class T>
-OutArray<T> out_array(T* pointer, int count) {
-  return {pointer, count};
+OutArray<T> out_array(T* pointer, int count, const int* written = nullptr) {
+  return {pointer, count, written};
 }
 inline Mac mac(const uint8_t* address) { return {address}; }
 inline Ip4 ip4(uint32_t address) { return {address}; }
@@ -237,7 +239,8 @@ std::string shown(const Array<T>& array, int) {
 template <class T>
 std::string shown(const OutArray<T>& array, int rv) {
   if (array.pointer == nullptr) return "NULL";
-  return rv < 0 ? "&?" : '&' + (items_text(array.pointer, array.count));
+  const int count = array.written == nullptr ? array.count : std::clamp(*array.written, 0, std::max(array.count, 0));
+  return rv < 0 ? "&?" : '&' + (items_text(array.pointer, count));
 }
 
 }  // namespace api

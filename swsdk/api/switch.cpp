@@ -53,6 +53,14 @@ int bcm_switch_object_count_multi_get(int unit, int object_size, bcm_switch_obje
 
 int bcm_switch_temperature_monitor_get(int unit, int temperature_max,
                                        bcm_switch_temperature_monitor_t* temperature_array, int* temperature_count) {
-  return unmodelled(__func__, unit, temperature_max, out_array(temperature_array, temperature_max),
-                    out(temperature_count));
+  return Call(__func__, unit, temperature_max, out_array(temperature_array, temperature_max, temperature_count),
+              out(temperature_count))
+      .answer([&](Chip& chip) {
+        if (temperature_max < 0) return chip::Status::bad_parameter;
+        *temperature_count = 0;
+        for (const chip::Temperature& reading : chip.temperature_sensors.all())
+          if (*temperature_count < temperature_max)
+            temperature_array[(*temperature_count)++] = {.curr = reading.current, .peak = reading.peak};
+        return chip::Status::ok;
+      });
 }

@@ -1,6 +1,7 @@
 // One switching chip: its ports and its tables.
 #pragma once
 
+#include "chip/counters.h"
 #include "chip/egress_actions.h"
 #include "chip/l2_cache.h"
 #include "chip/led_processors.h"
@@ -19,6 +20,7 @@
 #include "chip/reserved_multicast.h"
 #include "chip/storm_rates.h"
 #include "chip/switch_controls.h"
+#include "chip/temperature_sensors.h"
 #include "chip/vlan_controls.h"
 #include "chip/vlan_translations.h"
 #include "chip/vlans.h"
@@ -37,6 +39,7 @@ struct Chip {
         phy_controls(ports),
         port_rates(ports),
         storm_rates(ports),
+        counters(ports),
         protocol_vlans(ports),
         switch_controls(ports) {}
 
@@ -58,6 +61,7 @@ struct Chip {
     phy_controls.clear();
     port_rates.clear();
     storm_rates.clear();
+    counters.reset();
     protocol_vlans.clear();
     switch_controls.reset();
     l2_cache.clear();
@@ -82,6 +86,8 @@ struct Chip {
   PhyControls phy_controls;
   PortRates port_rates;
   StormRates storm_rates;
+  Counters counters;
+  TemperatureSensors temperature_sensors;
   ProtocolVlans protocol_vlans;
   SwitchControls switch_controls;
   L2Cache l2_cache;

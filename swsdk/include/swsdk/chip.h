@@ -80,6 +80,53 @@ int swsdk_l2_event(int unit, int operation, int vid, const unsigned char* mac, i
 void swsdk_events_drain(void);
 
 /**
+ * Sets one of a port's counters, as frames do.
+ *
+ * @param port   an Ethernet port or the CPU port
+ * @param stat   number of the statistic, a `bcm_stat_val_t`
+ * @return 0, or -1 when there is no such initialised unit, port or statistic
+ */
+int swsdk_counter_set(int unit, int port, int stat, unsigned long long value);
+
+/** A reading of a temperature sensor, in tenths of a degree Celsius. */
+typedef struct swsdk_temperature {
+  int current; /**< now */
+  int peak;    /**< the highest so far */
+} swsdk_temperature;
+
+/**
+ * Sets the readings of all temperature sensors of a chip, and with them how many sensors it has; 2 at load. They
+ * outlive `system_init`.
+ *
+ * @param readings  the readings in the sensors' order; may be null when count is 0
+ * @param count     how many, 0 to 256
+ * @return 0, or -1 when there is no such initialised unit or the count is out of range, and nothing is changed
+ */
+int swsdk_temperatures_set(int unit, const swsdk_temperature* readings, int count);
+
+/** In place of a device: the register is one of clause 22. */
+#define SWSDK_PHY_CLAUSE22 (-1)
+
+/**
+ * Reads a register of a PHY on the management bus. The PHY of an Ethernet port has the port's number; a register that
+ * nobody wrote is 0.
+ *
+ * @param phy     address of the PHY, 0 to 255
+ * @param device  its device by clause 45, 0 to 31, or `SWSDK_PHY_CLAUSE22`
+ * @param reg     number of the register, 0 to 65535, by clause 22 to 31
+ * @return the value, or -1 when there is no such initialised unit or register
+ */
+int swsdk_phy_register_get(int unit, int phy, int device, int reg);
+
+/**
+ * Sets a register of a PHY, of which the rest is as for swsdk_phy_register_get().
+ *
+ * @param value  0 to 65535
+ * @return 0, or -1 when there is no such initialised unit or register or the value is out of range
+ */
+int swsdk_phy_register_set(int unit, int phy, int device, int reg, int value);
+
+/**
  * Reads a command that was sent to the kernel module by `soc_knet_cmd_req`. The last 64 are kept.
  *
  * @param index   0 for the newest, 1 for the one before it, and so on
