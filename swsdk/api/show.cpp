@@ -1,8 +1,10 @@
 #include "api/show.h"
 
+#include <bcm/stat.h>
 #include <swsdk/chip.h>
 
 #include <cstddef>
+#include <cstdio>
 #include <vector>
 
 #include "api/arguments.h"
@@ -170,19 +172,121 @@ std::string show_translations(const chip::Chip& chip) {
   return columns(rows);
 }
 
+std::string show_attributes(const chip::Chip& chip) {
+  constexpr const char* loopbacks[] = {"-", "MAC", "PHY"};
+  std::vector<Row> rows{
+      {"port", "enabled", "link", "auto", "speed", "duplex", "interface", "loopback", "pause", "frame max", "gap"}};
+  for (const auto& [port, mac] : chip.port_macs.all()) {
+    int gap = 0;
+    chip.port_macs.gap(port, mac.speed, static_cast<int>(mac.duplex), gap);
+    const uint32_t pause = (mac.pause_tx ? 1U : 0U) | (mac.pause_rx ? 2U : 0U);
+    rows.push_back({std::to_string(port), mac.enabled ? "yes" : "no", mac.link() ? "up" : "down",
+                    mac.negotiates ? "on" : "off", std::to_string(mac.speed),
+                    mac.duplex == chip::Duplex::full ? "full" : "half", std::to_string(mac.interface),
+                    loopbacks[static_cast<std::size_t>(mac.loopback)], flag_names(pause, {{1, "tx"}, {2, "rx"}}),
+                    std::to_string(mac.frame_max), std::to_string(gap)});
+  }
+  return columns(rows);
+}
+
+std::string show_forwarding(const chip::Chip& chip) {
+  using chip::PortForwardings;
+  std::vector<Row> rows{{"port", "unknown addresses", "untagged VLAN", "by protocol", "goes to"}};
+  for (const auto& [port, forwarding] : chip.port_forwarding.all()) {
+    std::string protocols;
+    for (const auto& [key, vlan] : chip.protocol_vlans.all())
+      if (key.port == port)
+        protocols += (protocols.empty() ? "" : ",") + api::text(api::hex(key.ethertype)) + ':' + std::to_string(vlan);
+    rows.push_back({std::to_string(port),
+                    flag_names(forwarding.learning, {{PortForwardings::learn, "learn"},
+                                                     {PortForwardings::to_cpu, "to-cpu"},
+                                                     {PortForwardings::forward, "forward"}}),
+                    std::to_string(forwarding.untagged_vlan), protocols.empty() ? "-" : protocols,
+                    text(forwarding.destinations)});
+  }
+  return columns(rows);
+}
+
+std::string rate_text(const std::map<int, chip::PortRate>& rates, int port) {
+  const auto found = rates.find(port);
+  if (found == rates.end()) return "-";
+  const auto& [unit, rate, burst] = found->second;
+  return std::to_string(rate) + '/' + std::to_string(burst) + (unit == chip::RateUnit::packets ? " packets" : " kbit");
+}
+
+/// The ports with a limit: their rates per second and bursts, and the packets per second of each kind of storm.
+std::string show_rates(const chip::Chip& chip) {
+  using chip::StormRates;
+  std::vector<Row> rows{{"port", "in", "out", "broadcast", "multicast", "unknown"}};
+  const Row unlimited(rows.front().size() - 1, "-");
+  for (int port = 0; port <= chip.ports.all().highest(); ++port) {
+    Row limits{rate_text(chip.port_rates.ingress(), port), rate_text(chip.port_rates.egress(), port)};
+    for (const uint32_t kind : {StormRates::broadcast, StormRates::multicast, StormRates::unknown_destination}) {
+      const auto found = chip.storm_rates.all().find({port, kind});
+      limits.push_back(found == chip.storm_rates.all().end() ? "-" : std::to_string(found->second));
+    }
+    if (limits == unlimited) continue;
+    limits.insert(limits.begin(), std::to_string(port));
+    rows.push_back(limits);
+  }
+  return columns(rows);
+}
+
+/// The controls that are set and the registers that were written.
+std::string show_phys(const chip::Chip& chip) {
+  std::vector<Row> rows{{"PHY", "device", "register or control", "value"}};
+  for (const auto& [key, value] : chip.phy_registers.all())
+    rows.push_back({std::to_string(key.phy),
+                    key.device == chip::PhyRegisters::clause22 ? "-" : std::to_string(key.device),
+                    api::text(api::hex(key.number)), api::text(api::hex(value))});
+  for (const auto& [key, value] : chip.phy_controls.all())
+    rows.push_back({std::to_string(key.first), "-", chip::PhyControls::name(key.second), std::to_string(value)});
+  return columns(rows);
+}
+
+/// The counters that are not 0.
+std::string show_counters(const chip::Chip& chip) {
+  constexpr const char* names[] = BCM_STAT_NAME_INITIALIZER;
+  std::vector<Row> rows{{"port", "counter", "value"}};
+  for (const auto& [port, counters] : chip.counters.all())
+    for (std::size_t i = 0; i < counters.size(); ++i)
+      if (counters[i] != 0) rows.push_back({std::to_string(port), names[i], std::to_string(counters[i])});
+  return columns(rows);
+}
+
+/// Tenths of a degree in degrees Celsius.
+std::string degrees(int tenths) {
+  char text[16];
+  std::snprintf(text, sizeof text, "%.1f", tenths / 10.0);
+  return text;
+}
+
+std::string show_temperatures(const chip::Chip& chip) {
+  std::vector<Row> rows{{"sensor", "current", "peak"}};
+  for (const chip::Temperature& reading : chip.temperature_sensors.all())
+    rows.push_back({std::to_string(rows.size() - 1), degrees(reading.current), degrees(reading.peak)});
+  return columns(rows);
+}
+
 struct Table {
   const char* name;
   std::string (*show)(const chip::Chip& chip);
 };
 
 constexpr Table tables[] = {
+    {"attribute", show_attributes},
     {"control", show_switch_controls},
+    {"counter", show_counters},
     {"filter", show_filters},
+    {"forwarding", show_forwarding},
     {"l2cache", show_l2_cache},
     {"led", show_leds},
     {"multicast", show_multicast},
     {"netif", show_network_interfaces},
+    {"phy", show_phys},
     {"port", show_ports},
+    {"rate", show_rates},
+    {"temperature", show_temperatures},
     {"translation", show_translations},
     {"vlan", show_vlans},
 };
