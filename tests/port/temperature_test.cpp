@@ -3,7 +3,6 @@
 #include <swsdk/fault.h>
 
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "support/scene.h"
@@ -16,15 +15,13 @@ namespace {
 class Temperature : public support::Scene {
  protected:
   /// Starts a chip of that type with these sensors, current and peak readings in tenths of a degree.
-  static void start(const std::vector<std::pair<int, int>>& sensors, int chip_type = 0) {
+  static void start(const std::vector<swsdk_temperature>& sensors, int chip_type = 0) {
     swsdk_power_off();
     const swsdk_board board{.units = 1, .ports = 12, .chip_type = chip_type};
     ASSERT_EQ(swsdk_board_set(&board), 0);
     sdk_main(0, nullptr);
     ASSERT_EQ(system_init(unit), 0);
-    ASSERT_EQ(swsdk_temperature_sensors_set(unit, static_cast<int>(sensors.size())), 0);
-    for (std::size_t i = 0; i < sensors.size(); ++i)
-      ASSERT_EQ(swsdk_temperature_set(unit, static_cast<int>(i), sensors[i].first, sensors[i].second), 0);
+    ASSERT_EQ(swsdk_temperatures_set(unit, sensors.data(), static_cast<int>(sensors.size())), 0);
   }
 
   /// "average|highest|result".
