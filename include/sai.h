@@ -24,8 +24,9 @@
 extern "C" {
 #endif
 
-/* The Chip SDK's records that callbacks receive. */
+/* The Chip SDK's records that callbacks receive, and its addresses. */
 #include <bcm/link.h>
+#include <bcm/types.h>
 
 /** Marks what libsai.so exports; everything else in it is hidden. */
 #define SAI_API __attribute__((visibility("default")))
@@ -987,6 +988,338 @@ SAI_API int32_t sai_port_mib_read(int32_t unit, int32_t port, uint64_t values[18
 SAI_API int32_t sai_switch_temperature_monitor_get(int32_t unit, char* avg_buf, int32_t avg_len, char* max_buf,
                                                    int32_t max_len);
 
+/* --------------------------------------------------------------------------------------------- MAC table ---------- */
+
+/** Bits of sai_l2_mac_entry_t::flags. */
+enum sai_l2_mac_flag {
+  SAI_L2_MAC_STATIC = 0x1,      /**< stays until it is deleted */
+  SAI_L2_MAC_DISCARD_SRC = 0x2, /**< frames from the address are dropped */
+  SAI_L2_MAC_DISCARD_DST = 0x4, /**< frames to the address are dropped */
+  SAI_L2_MAC_COPY_TO_CPU = 0x8, /**< frames to the address are copied to the CPU */
+};
+
+/** What sai_l2_addr_show() writes to sai_l2_mac_entry_t::flags for an entry of a trunk that is not static. */
+#define SAI_L2_MAC_TRUNK 0xFFFFFFFFU
+
+/** An entry of the MAC table, or what a function needs of one: which fields it takes and writes is said there. */
+typedef struct sai_l2_mac_entry_t {
+  uint32_t is_vport;  /**< its low byte is 1 after sai_l2_addr_show() met a virtual port; never cleared */
+  uint32_t flags;     /**< #sai_l2_mac_flag bits, or the SDK's flags of a deletion */
+  uint8_t mac[6];     /**< the address */
+  uint32_t vlan;      /**< VLAN id; its low 16 bits count */
+  uint32_t reserved1; /**< not used */
+  int32_t port;       /**< port number, gport or trunk id */
+  int32_t port_out;   /**< port, as sai_l2_mac_entry_get() and sai_l2_addr_show() find it */
+  int32_t trunk;      /**< trunk id for a deletion */
+  uint32_t reserved2; /**< not used */
+} sai_l2_mac_entry_t;
+
+/**
+ * Sets every field of an entry to 0.
+ *
+ * @param entry  the entry
+ * @return always 0
+ */
+SAI_API int32_t sai_l2_init(sai_l2_mac_entry_t* entry);
+
+/**
+ * Initializes the chip's MAC table.
+ *
+ * @return 0, or the converted result of `bcm_l2_init`
+ */
+SAI_API int32_t sai_l2_mac_init(int32_t unit);
+
+/**
+ * Sets after which time a learned address that is not seen again is forgotten.
+ *
+ * @param seconds  time in seconds
+ * @return 0, or the converted result of `bcm_l2_age_timer_set`
+ */
+SAI_API int32_t sai_l2_mac_age_time_set(int32_t unit, int32_t seconds);
+
+/**
+ * Reads what sai_l2_mac_age_time_set() sets.
+ *
+ * @param seconds  receives the time in seconds; written on success only
+ * @return 0, or the converted result of `bcm_l2_age_timer_get`; its message shows the low half of the address `seconds`
+ */
+SAI_API int32_t sai_l2_mac_age_time_get(int32_t unit, int32_t* seconds);
+
+/**
+ * Looks an address up, in unit 0 whatever the unit.
+ *
+ * @param entry  takes `mac` and `vlan`; on success `port_out` receives the port as the SDK has it, and `flags` gains
+ *               #SAI_L2_MAC_STATIC when the entry is static, its other bits staying as they are
+ * @return 0, or the converted result of `bcm_l2_addr_get`, -7 (no such address in that VLAN) among them
+ */
+SAI_API int32_t sai_l2_mac_entry_get(int32_t unit, sai_l2_mac_entry_t* entry);
+
+/**
+ * Adds an address.
+ *
+ * @param entry  takes `mac`, `vlan`, `port` and the #sai_l2_mac_flag bits of `flags`
+ * @return 0, or the converted result of `bcm_l2_addr_add`, -13 (table full) among them
+ */
+SAI_API int32_t sai_l2_mac_entry_add(int32_t unit, const sai_l2_mac_entry_t* entry);
+
+/** Bits of the mode of sai_l2_mac_entry_del(), in the order in which they are looked at. */
+enum sai_l2_delete_mode {
+  SAI_L2_DELETE_ENTRY = 0x01,    /**< the one entry of `mac` and `vlan` */
+  SAI_L2_DELETE_BY_MAC = 0x02,   /**< all of `mac` */
+  SAI_L2_DELETE_BY_VLAN = 0x04,  /**< all of `vlan` */
+  SAI_L2_DELETE_BY_PORT = 0x08,  /**< all of `port` of module 0 */
+  SAI_L2_DELETE_BY_TRUNK = 0x20, /**< all of `trunk`, with the SDK's flags 0 */
+};
+
+/**
+ * Deletes addresses: those that the first bit of the mode names, in the order of #sai_l2_delete_mode, or without any of
+ * them those of every front port, one port after the other.
+ *
+ * No failing port ends the work on the ones after it; the last port's failure alone is logged and returned.
+ *
+ * @param entry  takes what the mode names; `flags` goes to the SDK as the flags of the deletion, but for modes
+ *               #SAI_L2_DELETE_ENTRY and #SAI_L2_DELETE_BY_TRUNK
+ * @param mode   #sai_l2_delete_mode bits
+ * @return 0, also when there is no port to walk; or the converted result of `bcm_l2_addr_delete`, -7 (no such address
+ *         in that VLAN) among them, of `bcm_l2_addr_delete_by_mac`, `bcm_l2_addr_delete_by_vlan`,
+ *         `bcm_l2_addr_delete_by_port` or `bcm_l2_addr_delete_by_trunk`; of the walk that of the last
+ *         `bcm_stk_my_modid_get` or `bcm_l2_addr_delete_by_port`
+ */
+SAI_API int32_t sai_l2_mac_entry_del(int32_t unit, const sai_l2_mac_entry_t* entry, uint8_t mode);
+
+/**
+ * Deletes the addresses of a trunk, with the SDK's flags 0.
+ *
+ * @param trunk  trunk id
+ * @return 0, or the converted result of `bcm_l2_addr_delete_by_trunk`
+ */
+SAI_API int32_t sai_l2_addr_delete_by_trunk(int32_t unit, int32_t trunk);
+
+/**
+ * Finds the port behind an address, as the SDK has it: a gport stays one.
+ *
+ * @param entry  takes `mac` and `vlan`; `port` receives the port; written on success only
+ * @return 0, or the converted result of `bcm_l2_addr_get`, -7 (no such address in that VLAN) among them
+ */
+SAI_API int32_t sai_l2_addr_port_id_get(int32_t unit, sai_l2_mac_entry_t* entry);
+
+/**
+ * Finds the port behind an address; for one on a virtual port, the number of the port that this lies on.
+ *
+ * @param entry  takes `mac` and `vlan`; `port` receives the port; written on success only
+ * @return 0, or the converted result of the failed `bcm_l2_addr_get`, `bcm_vlan_port_find` or `bcm_port_local_get`, -7
+ *         (no such address in that VLAN) among them
+ */
+SAI_API int32_t sai_l2_addr_logic_port_get(int32_t unit, sai_l2_mac_entry_t* entry);
+
+/** A limit of how many addresses are learned, in one scope or several. */
+typedef struct sai_l2_learn_limit_t {
+  /** Scopes: `BCM_L2_LEARN_LIMIT_SYSTEM` (0x1), `..._VLAN` (0x2), `..._PORT` (0x4), `..._TRUNK` (0x8), `..._TUNNEL`
+   *  (0x80). What becomes of frames above the limit: `..._ACTION_DROP` (0x10), `..._ACTION_CPU` (0x20),
+   *  `..._ACTION_PREFER` (0x40). */
+  uint32_t flags;
+  uint16_t vlan;     /**< VLAN id, for `BCM_L2_LEARN_LIMIT_VLAN` */
+  uint16_t port;     /**< port number, for `BCM_L2_LEARN_LIMIT_PORT` */
+  int32_t trunk;     /**< trunk id, for `BCM_L2_LEARN_LIMIT_TRUNK` */
+  uint32_t scope_id; /**< tunnel id, for `BCM_L2_LEARN_LIMIT_TUNNEL` */
+  int32_t limit;     /**< number of addresses */
+} sai_l2_learn_limit_t;
+
+/**
+ * Sets every field of a learn limit to 0.
+ *
+ * @param limit  the limit
+ * @return always 0
+ */
+SAI_API int32_t sai_l2_mac_learn_limit_init(sai_l2_learn_limit_t* limit);
+
+/**
+ * Sets a learn limit.
+ *
+ * @param limit  the limit; of `flags` the eight bits named there count
+ * @return 0, or the converted result of `bcm_l2_learn_limit_set`
+ */
+SAI_API int32_t sai_l2_mac_learn_limit_set(int32_t unit, const sai_l2_learn_limit_t* limit);
+
+/**
+ * Reads a learn limit.
+ *
+ * @param limit  takes the scopes of `flags` and what identifies them; that of the whole system is not asked for, so
+ *               without another scope the SDK is asked for none; the field `limit` receives the number of addresses,
+ *               written on success only
+ * @return 0, or the converted result of `bcm_l2_learn_limit_get`
+ */
+SAI_API int32_t sai_l2_mac_learn_limit_get(int32_t unit, sai_l2_learn_limit_t* limit);
+
+/**
+ * Has the chip heed the learn limits.
+ *
+ * @return 0, or the converted result of `bcm_l2_learn_limit_enable`
+ */
+SAI_API int32_t sai_l2_mac_learn_limit_enable(int32_t unit);
+
+/**
+ * Has the chip ignore the learn limits.
+ *
+ * @return 0, or the converted result of `bcm_l2_learn_limit_disable`
+ */
+SAI_API int32_t sai_l2_mac_learn_limit_disable(int32_t unit);
+
+/**
+ * Copies the whole MAC table. How many entries there are is not told: set the array to 0 before, and see to it that it
+ * has room; sai_l2_info() tells for how many.
+ *
+ * Of each entry are written: `mac`; `vlan`; `port`, the trunk id for an entry of a trunk, otherwise the port as the SDK
+ * has it; `flags`, #SAI_L2_MAC_STATIC, else #SAI_L2_MAC_TRUNK, else 0. For an entry on a virtual port besides:
+ * `is_vport`, its low byte only; and `port_out`, the number of the port that this lies on, if it can be found (a
+ * failure is not logged).
+ *
+ * @param entries  receives the entries, without a bound; null ends the work at the first entry
+ * @return 0, or the converted result of `bcm_l2_traverse`, after which the array holds what came before
+ */
+SAI_API int32_t sai_l2_addr_show(int32_t unit, sai_l2_mac_entry_t* entries);
+
+/**
+ * Tells how full the MAC table is. Logs both numbers at level "debugging".
+ *
+ * @param max      receives the number of entries that the table has room for; written on success only
+ * @param current  receives the number of entries in it; written on success only
+ * @return 0; -1 for a chip that keeps no such count, of which none is known; or the converted result of
+ *         `bcm_switch_object_count_multi_get`
+ */
+SAI_API int32_t sai_l2_info(int32_t unit, int32_t* max, int32_t* current);
+
+/**
+ * Switches whether frames to an address count as a sign of its life, as those from it do.
+ *
+ * @param enable  1: they do, 0: they do not
+ * @return 0, or the converted result of `bcm_switch_control_set`
+ */
+SAI_API int32_t sai_l2_dst_hit_enable_set(int32_t unit, int32_t enable);
+
+/**
+ * Tells what sai_l2_dst_hit_enable_set() sets. A failure is logged with the words of that function.
+ *
+ * @param enable  receives 1 or 0; written on success only
+ * @return 0, or the converted result of `bcm_switch_control_get`
+ */
+SAI_API int32_t sai_l2_dst_hit_enable_get(int32_t unit, int32_t* enable);
+
+/* ------------------------------------------------------------------------------------------------ Trunks ---------- */
+
+/**
+ * Initializes the chip's trunk module.
+ *
+ * @return 0, or the converted result of `bcm_trunk_init`
+ */
+SAI_API int32_t sai_trunk_init(int32_t unit);
+
+/**
+ * Ends what sai_trunk_init() began.
+ *
+ * @return 0, or the converted result of `bcm_trunk_detach`
+ */
+SAI_API int32_t sai_trunk_detach(int32_t unit);
+
+/**
+ * Creates a trunk without members.
+ *
+ * @param flags  the SDK's flags; with `BCM_TRUNK_FLAG_WITH_ID` (0x10) the trunk gets the id asked for
+ * @param tid    takes the id asked for and receives the id made; written on success only
+ * @return 0, or the converted result of `bcm_trunk_create`: -6 (an id that is taken), -13 (no more trunks)
+ */
+SAI_API int32_t sai_trunk_create(int32_t unit, uint32_t flags, int32_t* tid);
+
+/**
+ * Destroys a trunk.
+ *
+ * @param tid  trunk id
+ * @return 0, or the converted result of `bcm_trunk_destroy`, -7 (no such trunk) among them
+ */
+SAI_API int32_t sai_trunk_destroy(int32_t unit, int32_t tid);
+
+/**
+ * Sets the members of a trunk and how it spreads frames over them. A failure before the last step changes nothing.
+ *
+ * @param tid            trunk id
+ * @param psc            hash selector of sai_hash_to_sdk()
+ * @param member_bitmap  the ports: bit 0 is port 1 and so on to bit 30, which is port 31; bit 31 is port 0
+ * @param member_count   how many members the trunk gets, lowest port first, up to 256; a larger count is refused
+ *                       without asking the chip. Should be the number of bits: a smaller one leaves members out, a
+ *                       larger one adds members without a port
+ * @return 0; -5 for a count above 256; or the converted result of the failed `bcm_stk_my_modid_get`,
+ *         `bcm_stk_modmap_map` or `bcm_trunk_set`
+ */
+SAI_API int32_t sai_trunk_set(int32_t unit, int32_t tid, int32_t psc, uint32_t member_bitmap, int32_t member_count);
+
+/**
+ * Sets how a trunk spreads frames over its members.
+ *
+ * @param tid  trunk id
+ * @param psc  hash selector of sai_hash_to_sdk(), whose result is the one that a failure's message shows
+ * @return 0, or the converted result of `bcm_trunk_psc_set`
+ */
+SAI_API int32_t sai_trunk_psc_set(int32_t unit, int32_t tid, int32_t psc);
+
+/* --------------------------------------------------------------------------------------------- Mirroring ---------- */
+
+/** Bits of a mirrored port's mode. */
+enum sai_mirror_mode {
+  SAI_MIRROR_INGRESS = 0x1, /**< what the port receives */
+  SAI_MIRROR_EGRESS = 0x2,  /**< what the port sends */
+};
+
+/**
+ * Initializes the chip's mirror module, switches directed mirroring and flexible mirror destinations on, and chooses
+ * the mode of mirroring, layer 2. Each step is tried, whatever became of the others; a failure of either switch is
+ * logged in the same words.
+ *
+ * @return 0, or the converted result of the last step, `bcm_mirror_mode_set`; the others are only logged
+ */
+SAI_API int32_t sai_mirror_init(int32_t unit);
+
+/**
+ * Has the frames of a mirror session sent to a port, in place of the one before.
+ *
+ * @param session  session number
+ * @param port     port number or gport
+ * @return 0, or the converted result of the failed `bcm_port_gport_get` or `bcm_mirror_destination_create`
+ */
+SAI_API int32_t sai_mirror_dest_port_set(int32_t unit, int32_t session, int32_t port);
+
+/**
+ * Ends what sai_mirror_dest_port_set() began.
+ *
+ * @param session  session number
+ * @param port     shown in messages only
+ * @return 0, or the converted result of the failed `bcm_mirror_destination_get` or `bcm_mirror_destination_destroy`, -7
+ *         (no such session) among them
+ */
+SAI_API int32_t sai_mirror_dest_port_unset(int32_t unit, int32_t session, int32_t port);
+
+/**
+ * Mirrors a port to a session that has a destination.
+ *
+ * @param session  session number
+ * @param port     port number
+ * @param mode     #sai_mirror_mode bits; other bits have no effect. Without any the port's mirroring is enabled with
+ *                 neither direction
+ * @return 0, or the converted result of the failed `bcm_mirror_destination_get` or `bcm_mirror_port_dest_add`, -7 (no
+ *         such session) among them
+ */
+SAI_API int32_t sai_mirror_source_port_set(int32_t unit, int32_t session, int32_t port, int32_t mode);
+
+/**
+ * Ends what sai_mirror_source_port_set() began.
+ *
+ * @param session  session number
+ * @param port     port number
+ * @param mode     as it was set
+ * @return 0, or the converted result of the failed `bcm_mirror_destination_get` or `bcm_mirror_port_dest_delete`, -7
+ *         (no such session) among them
+ */
+SAI_API int32_t sai_mirror_source_port_unset(int32_t unit, int32_t session, int32_t port, int32_t mode);
+
 /* ------------------------------------------------------------------------------------------- VLAN table ---------- */
 
 /**
@@ -1155,6 +1488,194 @@ SAI_API int32_t sai_vlan_dtag_range_add(int32_t unit, int32_t port, int32_t inne
  */
 SAI_API int32_t sai_vlan_dtag_range_delete(int32_t unit, int32_t port, int32_t inner_lo, int32_t inner_hi,
                                            int32_t outer_vid);
+
+/* --------------------------------------------------------------------------------- VLANs by MAC and subnet ------- */
+
+/**
+ * Gives untagged frames from a MAC address a VLAN, on the ports where sai_port_mac_vlan_set() has switched that on.
+ *
+ * @param mac   the address, 6 bytes
+ * @param vid   VLAN id, 1 to 4095; checked by the chip
+ * @param prio  priority of the frames
+ * @return 0, or the converted result of `bcm_vlan_mac_add`
+ */
+SAI_API int32_t sai_vlan_mac_add(int32_t unit, const uint8_t* mac, uint16_t vid, int32_t prio);
+
+/**
+ * Deletes what sai_vlan_mac_add() added.
+ *
+ * @param mac  the address, 6 bytes
+ * @return 0, or the converted result of `bcm_vlan_mac_delete`, -7 (no such address) among them
+ */
+SAI_API int32_t sai_vlan_mac_del(int32_t unit, const uint8_t* mac);
+
+/**
+ * Deletes all that sai_vlan_mac_add() added.
+ *
+ * @return 0, or the converted result of `bcm_vlan_mac_delete_all`
+ */
+SAI_API int32_t sai_vlan_mac_clear(int32_t unit);
+
+/**
+ * Gives untagged frames from an IPv4 subnet a VLAN, on the ports where sai_port_subnet_vlan_set() has switched that on.
+ *
+ * @param ip    address of the subnet in network byte order
+ * @param mask  its mask in network byte order
+ * @param vid   VLAN id, 1 to 4095; checked by the chip
+ * @param prio  priority of the frames
+ * @return 0, or the converted result of `bcm_vlan_ip_add`
+ */
+SAI_API int32_t sai_vlan_ip_subnet_add(int32_t unit, uint32_t ip, uint32_t mask, uint16_t vid, int32_t prio);
+
+/**
+ * Deletes what sai_vlan_ip_subnet_add() added.
+ *
+ * @param ip    address of the subnet in network byte order
+ * @param mask  its mask in network byte order
+ * @return 0, or the converted result of `bcm_vlan_ip_delete`, -7 (no such subnet) among them
+ */
+SAI_API int32_t sai_vlan_ip_subnet_del(int32_t unit, uint32_t ip, uint32_t mask);
+
+/**
+ * Gives untagged frames from an IPv6 subnet a VLAN, on the ports where sai_port_subnet_vlan_set() has switched that on.
+ *
+ * @param ip6     address of the subnet, 16 bytes
+ * @param prefix  length of its prefix in bits
+ * @param vid     VLAN id, 1 to 4095; checked by the chip
+ * @param prio    priority of the frames
+ * @return 0, or the converted result of `bcm_vlan_ip_add`
+ */
+SAI_API int32_t sai_vlan_ipv6_subnet_add(int32_t unit, const bcm_ip6_t* ip6, int32_t prefix, uint16_t vid,
+                                         int32_t prio);
+
+/**
+ * Deletes what sai_vlan_ipv6_subnet_add() added.
+ *
+ * @param ip6     address of the subnet, 16 bytes
+ * @param prefix  length of its prefix in bits
+ * @return 0, or the converted result of `bcm_vlan_ip_delete`, -7 (no such subnet) among them
+ */
+SAI_API int32_t sai_vlan_ipv6_subnet_del(int32_t unit, const bcm_ip6_t* ip6, int32_t prefix);
+
+/**
+ * Deletes all subnets, those of IPv4 and of IPv6 alike.
+ *
+ * @return 0, or the converted result of `bcm_vlan_ip_delete_all`
+ */
+SAI_API int32_t sai_vlan_subnet_clear(int32_t unit);
+
+/* ---------------------------------------------------------------------------------- Spanning-tree groups ---------- */
+
+/**
+ * Initializes the chip's spanning-tree groups. To be called once per unit before the other functions of groups.
+ *
+ * @return 0, or the converted result of `bcm_stg_init`
+ */
+SAI_API int32_t sai_stg_init(int32_t unit);
+
+/**
+ * Chooses the group that new VLANs belong to.
+ *
+ * @param stg  group id
+ * @return 0, or the converted result of `bcm_stg_default_set`
+ */
+SAI_API int32_t sai_stg_default_set(int32_t unit, int32_t stg);
+
+/**
+ * Tells what sai_stg_default_set() sets.
+ *
+ * @param stg  receives the group id; written on success only
+ * @return 0, or the converted result of `bcm_stg_default_get`; its message shows the low half of the address `stg`
+ */
+SAI_API int32_t sai_stg_default_get(int32_t unit, int32_t* stg);
+
+/**
+ * Creates a group. The id is always the caller's.
+ *
+ * @param stg  group id
+ * @return 0, or the converted result of `bcm_stg_create_id`, -6 (an id that is taken) among them
+ */
+SAI_API int32_t sai_stg_create(int32_t unit, int32_t stg);
+
+/**
+ * Destroys a group.
+ *
+ * @param stg  group id
+ * @return 0, or the converted result of `bcm_stg_destroy`, -7 (no such group) among them
+ */
+SAI_API int32_t sai_stg_destroy(int32_t unit, int32_t stg);
+
+/**
+ * Moves a VLAN to a group.
+ *
+ * @param stg  group id
+ * @param vid  VLAN id, 1 to 4095; checked by the chip
+ * @return 0, or the converted result of `bcm_stg_vlan_add`
+ */
+SAI_API int32_t sai_stg_vlan_add(int32_t unit, int32_t stg, uint16_t vid);
+
+/**
+ * Takes a VLAN out of a group.
+ *
+ * @param stg  group id
+ * @param vid  VLAN id, 1 to 4095; checked by the chip
+ * @return 0, or the converted result of `bcm_stg_vlan_remove`
+ */
+SAI_API int32_t sai_stg_vlan_del(int32_t unit, int32_t stg, uint16_t vid);
+
+/**
+ * Takes all VLANs out of a group.
+ *
+ * @param stg  group id
+ * @return 0, or the converted result of `bcm_stg_vlan_remove_all`
+ */
+SAI_API int32_t sai_stg_vlan_del_all(int32_t unit, int32_t stg);
+
+/** A port and its state, passed by value as one 64-bit quantity. */
+typedef struct sai_port_stg_state_t {
+  int32_t port;   /**< port number */
+  uint32_t state; /**< a `BCM_STG_STP_*`: 0 disabled, 1 blocking, 2 listening, 3 learning, 4 forwarding */
+} sai_port_stg_state_t;
+
+/**
+ * Sets the state of a port in a group.
+ *
+ * @param stg   group id
+ * @param pair  port and state; both checked by the chip
+ * @return 0, or the converted result of `bcm_stg_stp_set`, -5 (no such state) among them
+ */
+SAI_API int32_t sai_port_stg_stp_set(int32_t unit, int32_t stg, sai_port_stg_state_t pair);
+
+/** What sai_port_stg_stp_get() asks, and the answer. */
+typedef struct sai_port_stg_t {
+  int32_t stg;       /**< group id */
+  uint32_t reserved; /**< the caller's; neither read nor written */
+  int32_t port;      /**< port number */
+  uint32_t state;    /**< the answer, as sai_port_stg_state_t::state */
+} sai_port_stg_t;
+
+/**
+ * Reads the state of a port in a group.
+ *
+ * @param query  takes `stg` and `port`; `state` receives the state; written on success only
+ * @return 0, or the converted result of `bcm_stg_stp_get`
+ */
+SAI_API int32_t sai_port_stg_stp_get(int32_t unit, sai_port_stg_t* query);
+
+/**
+ * Tells how many groups the chip has.
+ *
+ * @param count  receives the number; written on success only
+ * @return 0, or the converted result of `bcm_stg_count_get`
+ */
+SAI_API int32_t sai_stg_count_get(int32_t unit, int32_t* count);
+
+/**
+ * Destroys all groups but the chip's own and puts every VLAN back to the default group.
+ *
+ * @return 0, or the converted result of `bcm_stg_clear`
+ */
+SAI_API int32_t sai_stg_clear(int32_t unit);
 
 /* ----------------------------------------------------------------------------------------- Virtual ports ---------- */
 

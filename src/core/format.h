@@ -1,6 +1,7 @@
 // printf formats that are checked against their arguments when the library is compiled.
 #pragma once
 
+#include <cstdint>
 #include <type_traits>
 
 namespace sai {
@@ -94,5 +95,8 @@ class Format {
  private:
   const char* text_;
 };
+
+/// What "%d" shows of a pointer.
+inline int low_word(const void* pointer) { return static_cast<int>(reinterpret_cast<uintptr_t>(pointer)); }
 
 }  // namespace sai

@@ -12,11 +12,14 @@ extern "C" {
 #include <bcm/l2.h>
 #include <bcm/link.h>
 #include <bcm/mcast.h>
+#include <bcm/mirror.h>
 #include <bcm/multicast.h>
 #include <bcm/policer.h>
 #include <bcm/port.h>
 #include <bcm/rate.h>
+#include <bcm/stack.h>
 #include <bcm/stat.h>
+#include <bcm/stg.h>
 #include <bcm/switch.h>
 #include <bcm/trunk.h>
 #include <bcm/types.h>

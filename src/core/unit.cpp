@@ -6,12 +6,18 @@
 
 namespace sai {
 
+namespace {
+
+bool exists(int unit) { return 0 <= unit && unit < soc_ndev && soc_control[unit] != nullptr; }
+
+}  // namespace
+
 int cpu_port(int unit) { return CMIC_PORT(unit); }
 
-int chip_type(int unit) { return static_cast<int>(SOC_CHIP_TYPE(unit)); }
+int chip_type(int unit) { return exists(unit) ? static_cast<int>(SOC_CHIP_TYPE(unit)) : -1; }
 
 int lowest_port(int unit, Ports set) {
-  if (unit < 0 || unit >= soc_ndev || soc_control[unit] == nullptr) return -1;  // no such unit: nothing to walk
+  if (!exists(unit)) return -1;  // no such unit: nothing to walk
   return set == Ports::ethernet ? SOC_PORT_MIN(unit, ether) : SOC_PORT_MIN(unit, port);
 }
 

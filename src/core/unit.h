@@ -8,6 +8,7 @@ namespace sai {
 /// The port through which the switch's own processor is attached.
 int cpu_port(int unit);
 
+/// The unit's chip-type code; -1 when there is no such unit.
 int chip_type(int unit);
 
 /// The port sets of a unit that the library walks.

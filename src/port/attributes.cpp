@@ -11,15 +11,13 @@ using sai::error_text;
 using sai::failed;
 using sai::fits_bitmap;
 using sai::Format;
+using sai::low_word;
 using sai::Ports;
 using sai::result;
 
 namespace {
 
 constexpr int own_module = 0;
-
-/// What "%d" shows of a pointer.
-int low_word(const void* pointer) { return static_cast<int>(reinterpret_cast<uintptr_t>(pointer)); }
 
 /// The result of a getter whose failure shows the output's own bytes, up to the first zero, where the SDK's text
 /// belongs. Meant: the text is one argument too many.
