@@ -1,4 +1,5 @@
 #include <sai.h>
+#include <string.h>
 
 #include <algorithm>
 #include <array>
@@ -129,7 +130,7 @@ int show(int unit, bcm_l2_addr_t* entry, void* user_data) {
 }  // namespace
 
 int32_t sai_l2_init(sai_l2_mac_entry_t* entry) {
-  *entry = {};
+  memset(entry, 0, sizeof *entry);  // the bytes between its fields too
   return SAI_E_NONE;
 }
 
