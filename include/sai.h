@@ -1663,7 +1663,7 @@ typedef struct sai_port_stg_t {
 SAI_API int32_t sai_port_stg_stp_get(int32_t unit, sai_port_stg_t* query);
 
 /**
- * Tells how many groups the chip has.
+ * Tells how many groups the chip has room for.
  *
  * @param count  receives the number; written on success only
  * @return 0, or the converted result of `bcm_stg_count_get`
@@ -1671,7 +1671,7 @@ SAI_API int32_t sai_port_stg_stp_get(int32_t unit, sai_port_stg_t* query);
 SAI_API int32_t sai_stg_count_get(int32_t unit, int32_t* count);
 
 /**
- * Destroys all groups but the chip's own and puts every VLAN back to the default group.
+ * Destroys all groups but the default one, which their VLANs join.
  *
  * @return 0, or the converted result of `bcm_stg_clear`
  */
