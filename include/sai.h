@@ -1319,6 +1319,441 @@ SAI_API int32_t sai_mirror_source_port_set(int32_t unit, int32_t session, int32_
  *         (no such session) among them
  */
 SAI_API int32_t sai_mirror_source_port_unset(int32_t unit, int32_t session, int32_t port, int32_t mode);
+/* ------------------------------------------------------------------------------------------ Field groups ---------- */
+
+/*
+ * The field processor compares packets with the entries of field groups. A group fixes the stage, ingress or egress,
+ * and what its entries can match; what a caller's rule needs decides to which group it goes. The chip chooses the ids
+ * of groups and entries; the caller keeps them and passes them back. Groups are made once, before their entries, and
+ * there is no function that ends one.
+ *
+ * All functions of this section work alike: they create the group, give it its priority where the comment says so, and
+ * enable it. When a later step fails the group stays, disabled, and its id is lost. The results are 0, or the converted
+ * result of the failed `bcm_field_group_create`, `bcm_field_group_priority_set` or `bcm_field_group_enable_set`.
+ */
+
+/**
+ * Creates the group of ingress L2 rules, sai_acl_l2_entry_install(): MAC addresses, input port, outer and inner VLAN
+ * with their priorities, EtherType. Its priority is its id.
+ *
+ * @param group  receives the id of the group; written on success only
+ */
+SAI_API int32_t sai_ifp_l2_group_create(int32_t unit, int32_t* group);
+
+/**
+ * Creates the group of egress L2 rules, sai_acl_l2_entry_install(): MAC addresses, outer VLAN with its priority,
+ * EtherType, output port. Its priority is its id.
+ *
+ * @param group  receives the id of the group; written on success only
+ */
+SAI_API int32_t sai_efp_l2_group_create(int32_t unit, int32_t* group);
+
+/**
+ * Creates the group of ingress IPv4 rules, the L3 and the L2+L3 ones: MAC and IPv4 addresses, input port, outer and
+ * inner VLAN with their priorities, TCP and UDP ports, EtherType, IP protocol, DSCP, kind of IP packet. Its priority is
+ * its id.
+ *
+ * @param group  receives the id of the group; written on success only
+ */
+SAI_API int32_t sai_ifp_mac_ipv4_group_create(int32_t unit, int32_t* group);
+
+/**
+ * Creates the group of egress IPv4 rules: as sai_ifp_mac_ipv4_group_create(), with the output port in place of the
+ * input port and without the inner VLAN. Its priority is its id.
+ *
+ * @param group  receives the id of the group; written on success only
+ */
+SAI_API int32_t sai_efp_mac_ipv4_group_create(int32_t unit, int32_t* group);
+
+/**
+ * Creates the group of ingress IPv6 rules: as sai_ifp_mac_ipv4_group_create(), with IPv6 addresses. Its priority is its
+ * id.
+ *
+ * @param group  receives the id of the group; written on success only
+ */
+SAI_API int32_t sai_ifp_mac_ipv6_group_create(int32_t unit, int32_t* group);
+
+/**
+ * Creates the group of egress IPv6 rules: as sai_efp_mac_ipv4_group_create(), with IPv6 addresses. Its priority is its
+ * id.
+ *
+ * @param group  receives the id of the group; written on success only
+ */
+SAI_API int32_t sai_efp_mac_ipv6_group_create(int32_t unit, int32_t* group);
+
+/**
+ * Creates the ingress group of the rules that trap OSPF, loop detection, DHCP, IGMP and ARP: MAC addresses, IPv4
+ * destination address, input port, outer VLAN, TCP and UDP ports, EtherType, IP protocol, TTL, kind of IP packet, VLAN
+ * format and ARP target address. The id is traced.
+ *
+ * @param group  receives the id of the group; written on success only
+ */
+SAI_API int32_t sai_system_ipv4_fp_create(int32_t unit, int32_t* group);
+
+/**
+ * Creates the ingress group of the rules that trap DHCPv6: as sai_system_ipv4_fp_create(), with the IPv6 destination
+ * address in place of the IPv4 one and the ICMP type and code in place of the ARP target address. The id is traced.
+ *
+ * @param group  receives the id of the group; written on success only
+ */
+SAI_API int32_t sai_system_ipv6_fp_create(int32_t unit, int32_t* group);
+
+/**
+ * Creates the ingress group of sai_fp_mld_packet_to_cpu(): destination MAC address, input port, IP protocol. The id is
+ * traced.
+ *
+ * @param group  receives the id of the group; written on success only
+ */
+SAI_API int32_t sai_fp_mld_group_create(int32_t unit, int32_t* group);
+
+/**
+ * Creates the egress group of sai_fp_vport_qualify_set(): outer VLAN, output port. The id is traced.
+ *
+ * @param group  receives the id of the group; written on success only
+ */
+SAI_API int32_t sai_fp_vport_group_create(int32_t unit, int32_t* group);
+
+/**
+ * Creates the egress group of sai_fp_mld_packet_exclude_filter_set(): IPv6 addresses, outer VLAN, output port. The id
+ * is traced.
+ *
+ * @param group  receives the id of the group; written on success only
+ */
+SAI_API int32_t sai_fp_mld_exclude_group_create(int32_t unit, int32_t* group);
+
+/* ----------------------------------------------------------------------------------- Access control lists --------- */
+
+/** What a rule does with the packets that match. */
+enum sai_acl_action {
+  SAI_ACL_DENY = 0,   /**< drops them, as every other value does */
+  SAI_ACL_PERMIT = 1, /**< keeps them from being dropped */
+};
+
+/** The side of the chip that a rule is for. */
+enum sai_acl_direction {
+  SAI_ACL_INGRESS = 0, /**< packets that the port receives */
+  SAI_ACL_EGRESS = 1,  /**< packets that the port sends */
+};
+
+/** Kinds of L3 rules. */
+enum sai_acl_ip_type {
+  SAI_ACL_IPV4 = 2, /**< matches IP packets by their IPv4 addresses */
+  SAI_ACL_IPV6 = 3, /**< matches IPv6 packets by their addresses */
+};
+
+/** What sai_acl_rule_t::tos_value is. */
+enum sai_acl_tos_mode {
+  SAI_ACL_TOS = 1,        /**< 4 bits of type of service */
+  SAI_ACL_DSCP = 2,       /**< 6 bits of DSCP */
+  SAI_ACL_PRECEDENCE = 3, /**< 3 bits of IP precedence; as of the others, the whole byte is compared */
+};
+
+/**
+ * An access control rule. Masks have a 1 where a bit is compared. Numbers are in host order but for the IPv4 addresses
+ * and their masks, which are in network order; IPv6 addresses are their 16 bytes.
+ *
+ * Its layout is fixed: callers that were compiled on their own pass it.
+ */
+typedef struct sai_acl_rule_t {
+  uint32_t unread0;
+  int8_t action;    /**< 1: permit; any other value: deny (#sai_acl_action) */
+  uint32_t ip_type; /**< a #sai_acl_ip_type; read for L3 rules only */
+  uint8_t src_mac[6];
+  uint8_t dst_mac[6];
+  uint16_t ether_type;
+  uint8_t src_mac_mask[6];
+  uint8_t dst_mac_mask[6];
+  uint16_t ether_type_mask;
+  uint16_t vlan_id;      /**< outer VLAN id, the low 12 bits */
+  uint16_t vlan_mask;    /**< the low 12 bits; without a priority mask `vlan_id` is its own mask and this is not read */
+  uint8_t vlan_pri;      /**< outer priority, 0 to 7 */
+  uint8_t vlan_pri_mask; /**< 0: the priority is not compared */
+  uint32_t src_ip;
+  uint32_t dst_ip;
+  uint32_t src_ip_mask;
+  uint32_t dst_ip_mask;
+  uint8_t src_ip6[16];
+  uint8_t dst_ip6[16];
+  uint8_t src_ip6_mask[16];
+  uint8_t dst_ip6_mask[16];
+  uint8_t unread1[8];
+  uint32_t l4_src_port; /**< TCP or UDP port; 0: not compared, whatever its mask */
+  uint32_t l4_dst_port; /**< likewise */
+  uint32_t l4_src_port_mask;
+  uint32_t l4_dst_port_mask;
+  int32_t ip_protocol; /**< the low 8 bits; negative: not compared */
+  uint8_t ip_protocol_mask;
+  uint32_t unread2;
+  uint32_t tos_mode; /**< a #sai_acl_tos_mode; any other value: not compared */
+  int8_t tos_value;  /**< its low 4, 6 or 3 bits count */
+} sai_acl_rule_t;
+
+/**
+ * Installs an L2 rule on a port: MAC addresses, outer VLAN and EtherType. The entry's priority is its id.
+ *
+ * This and the three functions below install one kind of rule each and are otherwise the same. A step that fails ends
+ * the work and leaves what was built in the group, uninstalled, for sai_fp_entry_destroy(). A direction or a kind of IP
+ * packet that is not known is found after the entry was created. What becomes of the type of service and of the IP
+ * addresses is not looked at.
+ *
+ * @param port       port number
+ * @param direction  a #sai_acl_direction
+ * @param group      id of the group that the entry goes to; one that can match what the rule compares
+ * @param rule       the rule; read during the call only
+ * @param entry      receives the id of the entry once it was created, also when a later step fails; -1 when it could
+ *                   not be created
+ * @return 0; -1 for an unknown direction or kind of IP packet, which is logged without a text of the SDK's; or the
+ *         converted result of the SDK call that failed, -13 (group full) among them
+ */
+SAI_API int32_t sai_acl_l2_entry_install(int32_t unit, int32_t port, int32_t direction, int32_t group,
+                                         const sai_acl_rule_t* rule, int32_t* entry);
+
+/**
+ * Installs a standard L3 rule on a port: kind of IP packet and source address. The entry's priority is its id.
+ *
+ * Arguments and results are those of sai_acl_l2_entry_install().
+ */
+SAI_API int32_t sai_acl_std_l3_entry_install(int32_t unit, int32_t port, int32_t direction, int32_t group,
+                                             const sai_acl_rule_t* rule, int32_t* entry);
+
+/**
+ * Installs an extended L3 rule on a port: kind of IP packet, IP protocol, type of service, addresses, TCP and UDP
+ * ports. The entry's priority is its id.
+ *
+ * Arguments and results are those of sai_acl_l2_entry_install().
+ */
+SAI_API int32_t sai_acl_ext_l3_entry_install(int32_t unit, int32_t port, int32_t direction, int32_t group,
+                                             const sai_acl_rule_t* rule, int32_t* entry);
+
+/**
+ * Installs an L2+L3 rule on a port: what an L2 rule and an extended L3 rule compare. The entry's priority is its id.
+ *
+ * Arguments and results are those of sai_acl_l2_entry_install().
+ */
+SAI_API int32_t sai_acl_l2_l3_entry_install(int32_t unit, int32_t port, int32_t direction, int32_t group,
+                                            const sai_acl_rule_t* rule, int32_t* entry);
+
+/**
+ * Takes a field entry out of the hardware and ends it, whatever function made it. An entry that cannot be taken out
+ * stays.
+ *
+ * @param entry  id of the entry
+ * @return 0, or the converted result of the failed `bcm_field_entry_remove` or `bcm_field_entry_destroy`, -7 (no such
+ *         entry) among them
+ */
+SAI_API int32_t sai_fp_entry_destroy(int32_t unit, int32_t entry);
+
+/* ---------------------------------------------------------------------------------------- Protocol traps ---------- */
+
+/*
+ * Each function that installs a rule creates one field entry in a group of the caller's, matches, acts and installs.
+ * The first step that fails ends the work; what was built stays in the group, uninstalled, and its id is lost. A second
+ * call installs a second entry. Entries keep the SDK's default priority, but for those of DHCP, which have priority 3.
+ * They are ended by sai_fp_entry_destroy(). "To the CPU" is to the port that the SDK tells for the unit's CPU.
+ *
+ * Unless a comment says otherwise, the results are 0 or the converted result of the SDK call that failed, -13 (group
+ * full) among them.
+ */
+
+/**
+ * Copies OSPF packets (IPv4 protocol 89) with TTL 1 from a port to the CPU, with packet priority 7.
+ *
+ * @param port   port number
+ * @param group  a group of sai_system_ipv4_fp_create()
+ * @param entry  receives the id of the entry; written on success only
+ */
+SAI_API int32_t sai_fp_ospf_ttl1_set(int32_t unit, int32_t port, int32_t group, int32_t* entry);
+
+/**
+ * Redirects loop detection frames (EtherType 0x9088) from a port to the CPU, with packet priority 7.
+ *
+ * @param port   port number
+ * @param mac    source MAC address of the frames, 6 bytes
+ * @param group  a group of sai_system_ipv4_fp_create()
+ * @param entry  receives the id of the entry; written on success only
+ */
+SAI_API int32_t sai_fp_loopd_packet_to_cpu_set(int32_t unit, int32_t port, const uint8_t* mac, int32_t group,
+                                               int32_t* entry);
+
+/**
+ * Redirects DHCP packets to servers (UDP port 67) in a VLAN, from any port, to the CPU, with packet priority 6.
+ *
+ * @param vlan   outer VLAN id, the low 12 bits; not a port
+ * @param group  a group of sai_system_ipv4_fp_create()
+ * @param entry  receives the id of the entry; written on success only
+ */
+SAI_API int32_t sai_fp_dhcp_requeset_to_cpu_set(int32_t unit, int32_t vlan, int32_t group, int32_t* entry);
+
+/**
+ * Redirects DHCP packets to clients (UDP port 68) in a VLAN, from any port, to the CPU, with packet priority 6.
+ *
+ * @param vlan   outer VLAN id, the low 12 bits; not a port
+ * @param group  a group of sai_system_ipv4_fp_create()
+ * @param entry  receives the id of the entry; written on success only
+ */
+SAI_API int32_t sai_fp_dhcp_response_to_cpu_set(int32_t unit, int32_t vlan, int32_t group, int32_t* entry);
+
+/**
+ * Redirects DHCPv6 packets to servers (UDP port 547) in a VLAN, from any port, to the CPU, with packet priority 7.
+ *
+ * @param vlan   outer VLAN id, the low 12 bits; not a port
+ * @param group  a group of sai_system_ipv6_fp_create()
+ * @param entry  receives the id of the entry; written on success only
+ */
+SAI_API int32_t sai_fp_dhcpv6_req_to_cpu_set(int32_t unit, int32_t vlan, int32_t group, int32_t* entry);
+
+/**
+ * Redirects IGMP packets (IP protocol 2) from a port to the CPU, with packet priority 7.
+ *
+ * @param port   port number
+ * @param group  a group of sai_system_ipv4_fp_create()
+ * @param entry  receives the id of the entry; written on success only
+ */
+SAI_API int32_t sai_fp_igmp_packet_to_cpu(int32_t unit, int32_t port, int32_t group, int32_t* entry);
+
+/**
+ * Redirects MLD packets from a port to the CPU, with packet priority 1: four entries, for ICMPv6 types 130, 131, 132
+ * and 143, to MAC addresses that begin with 33:33.
+ *
+ * Each entry is tried whatever became of the others; a failure of the first three is only logged.
+ *
+ * @param port   port number
+ * @param group  a group of sai_fp_mld_group_create()
+ * @param entry  receives the id of each entry that was installed, over that of the one before: when all went well, that
+ *               of type 143, and the caller cannot end the others
+ * @return 0, or the converted result of the SDK call that failed for type 143
+ */
+SAI_API int32_t sai_fp_mld_packet_to_cpu(int32_t unit, int32_t port, int32_t group, int32_t* entry);
+
+/**
+ * Redirects ARP packets to a MAC address from a port to the CPU, with packet priority 7.
+ *
+ * @param port   port number
+ * @param group  a group of sai_system_ipv4_fp_create()
+ * @param entry  receives the id of the entry; written on success only
+ * @param mac    destination MAC address, 6 bytes
+ */
+SAI_API int32_t sai_fp_arp_packet_vlan_qualify_set(int32_t unit, int32_t port, int32_t group, int32_t* entry,
+                                                   const uint8_t* mac);
+
+/**
+ * Redirects ARP broadcasts from a port to the CPU, with packet priority 7.
+ *
+ * @param port   port number
+ * @param group  a group of sai_system_ipv4_fp_create()
+ * @param entry  receives the id of the entry; written on success only
+ */
+SAI_API int32_t sai_fp_arp_packet_cpu_qualify_set(int32_t unit, int32_t port, int32_t group, int32_t* entry);
+
+/**
+ * Redirects ARP broadcasts from a port to another, with packet priority 7.
+ *
+ * @param port       port number
+ * @param group      a group of sai_system_ipv4_fp_create()
+ * @param entry      receives the id of the entry; written on success only
+ * @param dest_port  port number that they are sent to
+ */
+SAI_API int32_t sai_fp_arp_packet_port_qualify_set(int32_t unit, int32_t port, int32_t group, int32_t* entry,
+                                                   int32_t dest_port);
+
+/**
+ * Drops what an IPv6 source sends to a destination where it would leave through a port.
+ *
+ * @param port     port number
+ * @param group    a group of sai_fp_mld_exclude_group_create()
+ * @param entry    receives the id of the entry; written on success only
+ * @param ignored  has no effect
+ * @param dst_ip6  destination address, 16 bytes
+ * @param src_ip6  source address, 16 bytes
+ */
+SAI_API int32_t sai_fp_mld_packet_exclude_filter_set(int32_t unit, int32_t port, int32_t group, int32_t* entry,
+                                                     int32_t ignored, const uint8_t* dst_ip6, const uint8_t* src_ip6);
+
+/**
+ * Builds the entry of packets of a VLAN that leave through a port, without an action and uninstalled.
+ * sai_fp_vport_qualify_action() completes it. The call is traced.
+ *
+ * @param port   port number, compared by its low 8 bits
+ * @param group  a group of sai_fp_vport_group_create()
+ * @param entry  receives the id of the entry; written on success only
+ * @param vlan   outer VLAN tag, all 16 bits of which are compared
+ */
+SAI_API int32_t sai_fp_vport_qualify_set(int32_t unit, int32_t port, int32_t group, int32_t* entry, uint16_t vlan);
+
+/**
+ * Gives an entry of sai_fp_vport_qualify_set() its action, `bcmFieldActionRpDrop`, and installs it.
+ *
+ * @param group  the entry's group; for messages only
+ * @param entry  id of the entry
+ * @return 0, or the converted result of the failed `bcm_field_action_add` or `bcm_field_entry_install`
+ */
+SAI_API int32_t sai_fp_vport_qualify_action(int32_t unit, int32_t group, int32_t entry);
+
+/**
+ * Detaches an entry's policer, the one of level 0.
+ *
+ * @param entry  id of the entry
+ * @return 0, or the converted result of `bcm_field_entry_policer_detach`
+ */
+SAI_API int32_t sai_fp_entry_policer_detach(int32_t unit, int32_t entry);
+
+/**
+ * Has every Ethernet port send DHCP packets to the CPU and nowhere else, or no longer drop them. Once they go to the
+ * CPU they go on doing so.
+ *
+ * @param enable  1: to the CPU, and dropped; any other value: not dropped
+ * @return always 0; a port that refuses is logged and the others are tried
+ */
+SAI_API int32_t sai_dhcp_packet_to_cpu(int32_t unit, int32_t enable);
+
+/* --------------------------------------------------------------------------------------- IP source guard ---------- */
+
+/**
+ * Creates the ingress group of IP source guard: source MAC and IPv4 addresses, input port, outer VLAN, TCP and UDP
+ * ports, EtherType, IP protocol, TTL, kind of IP packet. When enabling it fails the group stays and its id is lost.
+ *
+ * @param group  receives the id of the group; written on success only
+ * @return 0, or the converted result of the failed `bcm_field_group_create` or `bcm_field_group_enable_set`
+ */
+SAI_API int32_t sai_ipsg_init(int32_t unit, int32_t* group);
+
+/**
+ * Guards a port in a VLAN: IPv4 packets are dropped there, with entry priority 1 (or 2, where the chip refuses 1).
+ * Always on unit 0.
+ *
+ * An entry that exists is moved to the port; its VLAN stays. All failures have one message, that of
+ * `bcm_field_entry_reinstall`. A step that fails ends the work and leaves what was built in the group, uninstalled.
+ *
+ * @param group    id of the group of sai_ipsg_init(); of an entry that exists, for messages only
+ * @param vlan     outer VLAN id, the low 12 bits; 0 is compared like any other
+ * @param ignored  has no effect
+ * @param port     port number
+ * @param entry    in: 0 to create an entry; any other value, negative ones too, is the id of the entry to move. Out:
+ *                 the id of the new entry; written on success only
+ * @return 0, or the converted result of the SDK call that failed
+ */
+SAI_API int32_t sai_ipsg_verify_config(int32_t group, int32_t vlan, int32_t ignored, int32_t port, int32_t* entry);
+
+/**
+ * Binds an IPv4 source to a guarded port: its packets are let through, with entry priority 3 (or 4, where the chip
+ * refuses 3). Always on unit 0.
+ *
+ * An entry that exists is moved to the port; its VLAN and its source stay. A step that fails ends the work and leaves
+ * what was built in the group, uninstalled.
+ *
+ * @param group        id of the group of sai_ipsg_init(); of an entry that exists, for messages only
+ * @param src_ip       source address in network order; 0: any
+ * @param src_ip_mask  mask of the address in host order
+ * @param vlan         outer VLAN id, the low 12 bits; 0 and below: any
+ * @param ignored      has no effect
+ * @param port         port number
+ * @param entry        in: 0 or less to create an entry, or the id of the entry to move. Out: the id of the new entry;
+ *                     written on success only
+ * @return 0, or the converted result of the SDK call that failed; the message of a failed `bcm_field_entry_create` has
+ *         no text of the SDK's
+ */
+SAI_API int32_t sai_ipsg_parameter_config(int32_t group, uint32_t src_ip, uint32_t src_ip_mask, int32_t vlan,
+                                          int32_t ignored, int32_t port, int32_t* entry);
 
 /* ------------------------------------------------------------------------------------------- VLAN table ---------- */
 

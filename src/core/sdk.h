@@ -7,6 +7,7 @@ extern "C" {
 #include <appl/diag/system.h>
 #include <bcm/cosq.h>
 #include <bcm/error.h>
+#include <bcm/field.h>
 #include <bcm/ipmc.h>
 #include <bcm/knet.h>
 #include <bcm/l2.h>

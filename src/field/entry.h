@@ -1,0 +1,38 @@
+// An entry of a field group while it is built, moved or completed.
+#pragma once
+
+#include "core/result.h"
+#include "core/sdk.h"
+
+namespace sai {
+
+/// A step that fails is logged in the name of the function that takes it. What the last step gave stays in `rv`.
+struct FieldEntry {
+  const char* function;
+  int unit;
+  int group;
+  int id = -1;
+  int rv = BCM_E_NONE;
+
+  /// Whether `call`, which gave `result`, did not fail.
+  bool passed(int result, const char* call) {
+    rv = result;
+    return !failed(rv, "%s %s entry %d failed: %s", function, call, id);
+  }
+
+  /// The same, with a message that names the group too.
+  bool passed_in_group(int result, const char* call) {
+    rv = result;
+    return !failed(rv, "%s %s group %d entry %d failed: %s", function, call, group, id);
+  }
+};
+
+/// The SDK takes addresses and masks that it only reads as if it wrote them.
+inline uint8* sdk_address(const uint8_t* bytes) { return const_cast<uint8*>(bytes); }
+
+/// VLAN ids from 32-bit arguments.
+constexpr bcm_vlan_t vlan_id(int32_t vlan) { return static_cast<bcm_vlan_t>(vlan); }
+
+constexpr bcm_vlan_t vlan_id_mask = 0xFFF;
+
+}  // namespace sai
