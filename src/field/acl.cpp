@@ -34,7 +34,7 @@ constexpr Installer l2_l3{"sai_acl_l2_l3_entry_install", true, true, true};
 
 bool qualify_port(FieldEntry& entry, int direction, int port) {
   // Meant: the output port's failure is worded as the input port's.
-  constexpr char worded[] = "bcm_field_qualify_InPort";
+  constexpr const char* worded = "bcm_field_qualify_InPort";
   switch (direction) {
     case SAI_ACL_INGRESS:
       return entry.passed(bcm_field_qualify_InPort(entry.unit, entry.id, port, BCM_FIELD_EXACT_MATCH_MASK), worded);
@@ -149,16 +149,18 @@ int32_t install(const Installer& installer, int unit, int port, int direction, i
   FieldEntry entry{installer.name, unit, group};
   entry.rv = bcm_field_entry_create(unit, group, &entry.id);
   *id = entry.id;  // Meant: at once, so that the caller can destroy what fails half-way.
+  // Meant: the text names the call that takes an id.
   if (failed(entry.rv, "%s group %d bcm_field_entry_create_id 0x%x(%d) failed: %s", installer.name, group, entry.id,
              entry.id))
     return sdk_to_sai(entry.rv);
 
   const bcm_field_action_t action = rule.action == SAI_ACL_PERMIT ? bcmFieldActionDropCancel : bcmFieldActionDrop;
-  (void)(entry.passed(bcm_field_qualify_clear(unit, entry.id), "bcm_field_qualify_clear") &&
-         qualify_port(entry, direction, port) && qualify(entry, installer, rule) &&
-         entry.passed(bcm_field_entry_prio_set(unit, entry.id, entry.id), "bcm_field_entry_prio_set") &&
-         entry.passed(bcm_field_action_add(unit, entry.id, action, 0, 0), "bcm_field_action_add") &&
-         entry.passed(bcm_field_entry_install(unit, entry.id), "bcm_field_entry_install"));
+  if (entry.passed(bcm_field_qualify_clear(unit, entry.id), "bcm_field_qualify_clear") &&
+      qualify_port(entry, direction, port) && qualify(entry, installer, rule) &&
+      // Meant: its id is its priority.
+      entry.passed(bcm_field_entry_prio_set(unit, entry.id, entry.id), "bcm_field_entry_prio_set") &&
+      entry.passed(bcm_field_action_add(unit, entry.id, action, 0, 0), "bcm_field_action_add"))
+    entry.passed(bcm_field_entry_install(unit, entry.id), "bcm_field_entry_install");
   return sdk_to_sai(entry.rv);
 }
 

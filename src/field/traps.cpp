@@ -199,6 +199,7 @@ constexpr Rule loopd{"sai_fp_loopd_packet_to_cpu_set",
                      Wording::call_in_group,
                      {in_port, src_mac, ether_type<loop_detection>, packet_priority<7>, redirect_to_cpu}};
 
+// Meant, of the three: a VLAN and no port.
 constexpr Rule dhcp_request{"sai_fp_dhcp_requeset_to_cpu_set",
                             Wording::call_in_group,
                             {outer_vlan, ip_type<bcmFieldIpTypeIp>, ip_protocol<udp>, l4_dst_port<67>,
@@ -238,10 +239,11 @@ constexpr Rule mld_exclude{"sai_fp_mld_packet_exclude_filter_set",
                            Wording::call_in_group,
                            {out_port<BCM_FIELD_EXACT_MATCH_MASK>, src_ip6, dst_ip6, drop}};
 
+// Meant: the low 8 bits of the port, and no action.
 constexpr Rule vport{"sai_fp_vport_qualify_set", Wording::call_in_group, {out_port<0xFF>, all_of_vlan_tag}};
 
 bool create(Trap& trap) {
-  constexpr char call[] = "bcm_field_entry_create";
+  constexpr const char* call = "bcm_field_entry_create";
   trap.rv = bcm_field_entry_create(trap.unit, trap.group, &trap.id);
   switch (trap.wording) {
     case Wording::call:
@@ -326,7 +328,7 @@ int32_t sai_fp_mld_packet_exclude_filter_set(int32_t unit, int32_t port, int32_t
 int32_t sai_fp_vport_qualify_set(int32_t unit, int32_t port, int32_t group, int32_t* entry, uint16_t vlan) {
   sai::trace("sai_fp_vport_qualify_set port %d vlan %d", port, vlan);
   Trap trap{{vport.name, unit, group}, vport.wording, {.port = port, .vlan = vlan}};
-  if (build(trap, vport)) *entry = trap.id;
+  if (build(trap, vport)) *entry = trap.id;  // Meant: uninstalled, for sai_fp_vport_qualify_action().
   return sdk_to_sai(trap.rv);
 }
 
