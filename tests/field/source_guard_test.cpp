@@ -1,5 +1,6 @@
 #include <arpa/inet.h>
 #include <bcm/error.h>
+#include <swsdk/fault.h>
 
 #include <string>
 
@@ -107,7 +108,7 @@ TEST_F(SourceGuard, AGuardWhosePriorityIsRefusedTakesTheNext) {
 TEST_F(SourceGuard, AGuardWithoutAPriorityIsGivenUp) {
   int32_t entry = 0;
   const std::string seen = observe_failing(
-      "bcm_field_entry_prio_set", BCM_E_FULL, [&] { return guard(10, 3, &entry); }, 0);
+      "bcm_field_entry_prio_set", BCM_E_FULL, [&] { return guard(10, 3, &entry); }, SWSDK_FAULT_EVERY_CALL);
   EXPECT_TRUE(
       seen.ends_with(as_seen("bcm_field_entry_prio_set(0, $id, 1) = -6\n"
                              "bcm_field_entry_prio_set(0, $id, 2) = -6\n"
@@ -212,7 +213,7 @@ TEST_F(SourceGuard, ABindingWhosePriorityIsRefusedTakesTheNext) {
 TEST_F(SourceGuard, ABindingWithoutAPriorityIsGivenUp) {
   int32_t entry = 0;
   const std::string seen = observe_failing(
-      "bcm_field_entry_prio_set", BCM_E_FULL, [&] { return bind(source, 10, 3, &entry); }, 0);
+      "bcm_field_entry_prio_set", BCM_E_FULL, [&] { return bind(source, 10, 3, &entry); }, SWSDK_FAULT_EVERY_CALL);
   EXPECT_TRUE(
       seen.ends_with(as_seen("bcm_field_entry_prio_set(0, $id, 3) = -6\n"
                              "bcm_field_entry_prio_set(0, $id, 4) = -6\n"

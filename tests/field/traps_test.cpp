@@ -1,4 +1,5 @@
 #include <bcm/error.h>
+#include <swsdk/fault.h>
 
 #include <array>
 #include <string>
@@ -330,14 +331,15 @@ TEST_F(Traps, DhcpPacketsThatAreNoLongerDroppedStillGoToTheCpu) {
 
 TEST_F(Traps, ADhcpSwitchThatFailsIsLoggedForItsPortAndNeverReturned) {
   const auto on = [] { return sai_dhcp_packet_to_cpu(unit, 1); };
-  EXPECT_EQ(observe_failing("bcm_switch_control_port_set", BCM_E_PORT, on, 0),
+  EXPECT_EQ(observe_failing("bcm_switch_control_port_set", BCM_E_PORT, on, SWSDK_FAULT_EVERY_CALL),
             for_each_port("bcm_switch_control_port_set(0, $port, 94, 1) = -18\n"
                           "bcm_switch_control_port_set(0, $port, 95, 1) = -18\n") +
                 for_each_port("log: errors: NONE: Failed to set port [$port] bcmSwitchDhcpPktToCpu: Invalid port\n"
                               "log: errors: NONE: Failed to set port [$port] bcmSwitchDhcpPktDrop: Invalid port\n") +
                 "returned 0\n");
   EXPECT_EQ(observe_failing(
-                "bcm_switch_control_port_set", BCM_E_PORT, [] { return sai_dhcp_packet_to_cpu(unit, 0); }, 0),
+                "bcm_switch_control_port_set", BCM_E_PORT, [] { return sai_dhcp_packet_to_cpu(unit, 0); },
+                SWSDK_FAULT_EVERY_CALL),
             for_each_port("bcm_switch_control_port_set(0, $port, 95, 0) = -18\n") +
                 for_each_port("log: errors: NONE: Failed to set port [$port] bcmSwitchDhcpPktDrop: Invalid port\n") +
                 "returned 0\n");
