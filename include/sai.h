@@ -1503,7 +1503,8 @@ typedef struct sai_acl_rule_t {
  * @param entry      receives the id of the entry once it was created, also when a later step fails; -1 when it could
  *                   not be created
  * @return 0; -1 for an unknown direction or kind of IP packet, which is logged without a text of the SDK's; or the
- *         converted result of the SDK call that failed, -13 (group full) among them
+ *         converted result of the SDK call that failed: -7 (no such group), -13 (group full), -9 (no such port) and
+ *         -5 (the group cannot match it) among them
  */
 SAI_API int32_t sai_acl_l2_entry_install(int32_t unit, int32_t port, int32_t direction, int32_t group,
                                          const sai_acl_rule_t* rule, int32_t* entry);
@@ -1551,8 +1552,8 @@ SAI_API int32_t sai_fp_entry_destroy(int32_t unit, int32_t entry);
  * call installs a second entry. Entries keep the SDK's default priority, but for those of DHCP, which have priority 3.
  * They are ended by sai_fp_entry_destroy(). "To the CPU" is to the port that the SDK tells for the unit's CPU.
  *
- * Unless a comment says otherwise, the results are 0 or the converted result of the SDK call that failed, -13 (group
- * full) among them.
+ * Unless a comment says otherwise, the results are 0 or the converted result of the SDK call that failed: -7 (no such
+ * group), -13 (group full), -9 (no such port) and -5 (the group cannot match it) among them.
  */
 
 /**
@@ -1618,7 +1619,8 @@ SAI_API int32_t sai_fp_igmp_packet_to_cpu(int32_t unit, int32_t port, int32_t gr
  * Each entry is tried whatever became of the others; a failure of the first three is only logged.
  *
  * @param port   port number
- * @param group  a group of sai_fp_mld_group_create()
+ * @param group  a group of sai_fp_mld_group_create(), or of sai_system_ipv6_fp_create() for a chip that matches the
+ *               ICMP type only in a group that was made for it
  * @param entry  receives the id of each entry that was installed, over that of the one before: when all went well, that
  *               of type 143, and the caller cannot end the others
  * @return 0, or the converted result of the SDK call that failed for type 143
