@@ -2113,6 +2113,287 @@ SAI_API int32_t sai_stg_count_get(int32_t unit, int32_t* count);
  * @return 0, or the converted result of `bcm_stg_clear`
  */
 SAI_API int32_t sai_stg_clear(int32_t unit);
+/* ----------------------------------------------------------------------------------------- L3 interfaces ---------- */
+
+/**
+ * Switches layer 3 forwarding of the whole chip on or off.
+ *
+ * @param enable  0 off, 1 on; passed to the SDK as it is
+ * @return 0, or the converted result of `bcm_l3_enable_set`
+ */
+SAI_API int32_t sai_l3_enable_set(int32_t unit, int32_t enable);
+
+/**
+ * Gives a VLAN its L3 interface, which carries the router's MAC address.
+ *
+ * An interface with the same MAC address is left alone; one with another is deleted first, and the VLAN stays without
+ * when the new one cannot be created. A failed lookup is not logged and counts as no interface.
+ *
+ * @param mac   the router's MAC address, 6 bytes
+ * @param vlan  VLAN id; its low 16 bits count
+ * @return 0, or the converted result of the failed `bcm_l3_intf_delete` or `bcm_l3_intf_create`
+ */
+SAI_API int32_t sai_l3_intf_create(int32_t unit, const uint8_t* mac, int32_t vlan);
+
+/**
+ * Deletes the L3 interface of a VLAN.
+ *
+ * @param vlan  VLAN id; its low 16 bits count
+ * @return 0, or the converted result of the failed `bcm_l3_intf_find_vlan`, -7 (no interface) among them, or
+ *         `bcm_l3_intf_delete`
+ */
+SAI_API int32_t sai_l3_intf_delete(int32_t unit, int32_t vlan);
+
+/**
+ * Deletes all L3 interfaces, those of next hops and of multicast groups too.
+ *
+ * @return 0, or the converted result of `bcm_l3_intf_delete_all`
+ */
+SAI_API int32_t sai_l3_intf_delete_all(int32_t unit);
+
+/* -------------------------------------------------------------------------------- Host and subnet routes ---------- */
+
+/**
+ * Adds the route to one host, in place of one that is there.
+ *
+ * The host is reached through the L3 interface of its VLAN, which sai_l3_intf_create() has made. Where its MAC address
+ * was learned on a virtual port, and with `dtag`, an interface of its own is found or made. In L3 egress mode, unless
+ * it is behind the CPU port, the route points at an egress object, which is found or made as well; equal next hops
+ * share one.
+ *
+ * Of a failure on the way to the interface the log has no more than "can't find l3 interface vlan %d" or "can't add l3
+ * interface out vlan %d"; with `dtag` only a failed creation is logged. A failed lookup of the egress object is a
+ * trace.
+ *
+ * @param ip          the host's IPv4 address in host byte order
+ * @param router_mac  MAC address of an interface that is made, 6 bytes
+ * @param host_mac    the host's MAC address, 6 bytes; the chip must have learned it in `vlan`
+ * @param port        port number; the CPU port sends to the CPU
+ * @param vlan        VLAN id; its low 16 bits count
+ * @param dtag        non-zero: the host is double-tagged, behind a virtual port
+ * @return 0, or the converted result of the failed `bcm_stk_my_modid_get`, `bcm_l2_addr_get`, `bcm_vlan_port_find`,
+ *         `bcm_l3_intf_find_vlan`, `bcm_l3_intf_find` (with `dtag`, but not found), `bcm_l3_intf_create`,
+ *         `bcm_l3_egress_find` (but not found), `bcm_l3_egress_create` or `bcm_l3_host_add`; -13: no room for the
+ * host's hash
+ */
+SAI_API int32_t sai_l3_host_route_create(int32_t unit, uint32_t ip, const uint8_t* router_mac, const uint8_t* host_mac,
+                                         int32_t port, int32_t vlan, uint8_t dtag);
+
+/**
+ * Deletes the route to one host.
+ *
+ * In L3 egress mode what the route pointed at goes too, whether or not another route shares it: the egress object and,
+ * of a next hop on a virtual port, the interface that has the egress object's number; with `dtag` the interface of that
+ * number again. How that ends is logged and does not show in the result. A route that is not found is logged without
+ * the SDK's text.
+ *
+ * @param ip    the host's IPv4 address in host byte order
+ * @param dtag  non-zero: the host is double-tagged
+ * @return 0, or the converted result of the failed `bcm_l3_host_find`, -7 (no such host) among them, or
+ *         `bcm_l3_host_delete`
+ */
+SAI_API int32_t sai_l3_host_route_delete(int32_t unit, uint32_t ip, uint8_t dtag);
+
+/**
+ * Adds the route to a subnet. One that is there is deleted first, also when the new one then cannot be added.
+ *
+ * Interface and egress object as in sai_l3_host_route_create(), but the message is "can't find vlan %d l3 interface". A
+ * route that points at the very interface, with the same port and next hop, is left alone. A failed
+ * `bcm_stk_my_modid_get` is a trace, and a failed deletion is logged without the SDK's text and passed over.
+ *
+ * @param subnet       the subnet's IPv4 address in host byte order
+ * @param mask         its mask in host byte order
+ * @param nexthop_ip   IPv4 address of the next hop in host byte order
+ * @param router_mac   MAC address of an interface that is made, 6 bytes
+ * @param nexthop_mac  the next hop's MAC address, 6 bytes; the chip must have learned it in `vlan`
+ * @param port         port number; the CPU port sends to the CPU
+ * @param vlan         VLAN id; its low 16 bits count
+ * @param dtag         non-zero: the next hop is double-tagged, behind a virtual port
+ * @return 0; or the converted result as of sai_l3_host_route_create(), with `bcm_l3_route_add` in place of
+ *         `bcm_l3_host_add`
+ */
+SAI_API int32_t sai_l3_subnet_route_create(int32_t unit, uint32_t subnet, uint32_t mask, uint32_t nexthop_ip,
+                                           const uint8_t* router_mac, const uint8_t* nexthop_mac, int32_t port,
+                                           int32_t vlan, uint8_t dtag);
+
+/**
+ * Deletes the route to a subnet, and what it pointed at as sai_l3_host_route_delete() does.
+ *
+ * @param subnet  the subnet's IPv4 address in host byte order
+ * @param mask    its mask in host byte order
+ * @param dtag    non-zero: the next hop is double-tagged
+ * @return 0, or the converted result of the failed `bcm_l3_route_get`, -7 (no such route) among them, or
+ *         `bcm_l3_route_delete`
+ */
+SAI_API int32_t sai_l3_subnet_route_delete(int32_t unit, uint32_t subnet, uint32_t mask, uint8_t dtag);
+
+/**
+ * Tells whether a host was a source or destination since the last reading, on unit 0. Reading forgets it.
+ *
+ * @param ip  the host's IPv4 address in host byte order
+ * @return 1 hit, 0 not hit, or the converted result of `bcm_l3_host_find`, -7 (no such host) among them
+ */
+SAI_API int32_t sai_l3_host_route_hit_get(uint32_t ip);
+
+/**
+ * Tells whether a route to a subnet was used since the last reading, on unit 0. Reading forgets it.
+ *
+ * @param subnet  the subnet's IPv4 address in host byte order
+ * @param mask    its mask in host byte order
+ * @return 1 hit, 0 not hit, or the converted result of `bcm_l3_route_get`, -7 (no such route) among them
+ */
+SAI_API int32_t sai_l3_subnet_route_hit_get(uint32_t subnet, uint32_t mask);
+
+/* ---------------------------------------------------------------------------------------- IPv4 multicast ---------- */
+
+/**
+ * Adds a member to a multicast group, which is made when it is not there. Of a group that is not there the chip's group
+ * is made on unit 0, whatever the unit.
+ *
+ * Copies to ports 0 to 8 are tagged with the member's VLAN; to higher ports they have outer VLAN 4095 and the member's
+ * VLAN inside. Interfaces are found or made, and outlive the group. Until the interface of the member's own tags is at
+ * hand a failure is logged and the work goes on, with 0 for what could not be had.
+ *
+ * @param vlan        VLAN of the group; its low 16 bits count
+ * @param group       the group's IPv4 address in host byte order
+ * @param mac         the router's MAC address, for interfaces, 6 bytes
+ * @param port        the member's port number
+ * @param report_vid  the member's VLAN; its low 16 bits count
+ * @return 0, or the converted result of the failed `bcm_l3_intf_create` for the member, `bcm_multicast_l3_encap_get` or
+ *         `bcm_multicast_egress_add`, -6 (a member already) among them
+ */
+SAI_API int32_t sai_multicast_egress_add(int32_t unit, int32_t vlan, uint32_t group, const uint8_t* mac, int32_t port,
+                                         int32_t report_vid);
+
+/**
+ * Takes a member from a multicast group; the last one takes the group along, as sai_multicast_destroy() does.
+ *
+ * An interface or an encapsulation that cannot be found is logged and the work goes on, with 0 in its place. When the
+ * members that are left cannot be counted, which is a trace only, the group is destroyed as well.
+ *
+ * @param vlan      VLAN of the group; its low 16 bits count
+ * @param group     the group's IPv4 address in host byte order
+ * @param mac       the router's MAC address, 6 bytes
+ * @param port      the member's port number; above 8 it is double-tagged
+ * @param user_vid  the member's VLAN; its low 16 bits count
+ * @return 0, or the converted result of the failed `bcm_ipmc_find`, -7 (no such group) among them,
+ *         `bcm_port_gport_get`, `bcm_multicast_egress_delete` or `bcm_multicast_egress_get`; that of the group's
+ *         destruction does not show
+ */
+SAI_API int32_t sai_multicast_egress_del(int32_t unit, int32_t vlan, uint32_t group, const uint8_t* mac, int32_t port,
+                                         int32_t user_vid);
+
+/**
+ * Destroys a multicast group with all its members. An entry that cannot be removed is logged and the chip's group is
+ * destroyed all the same. Interfaces stay.
+ *
+ * @param vlan   VLAN of the group; its low 16 bits count
+ * @param group  the group's IPv4 address in host byte order
+ * @return 0, or the converted result of the failed `bcm_ipmc_find`, -7 (no such group) among them, or of
+ *         `bcm_multicast_destroy`
+ */
+SAI_API int32_t sai_multicast_destroy(int32_t unit, int32_t vlan, uint32_t group);
+
+/**
+ * Adds a member to a multicast group, which is made when it is not there, on the given unit. Every failure ends it.
+ *
+ * Unlike with sai_multicast_egress_add(), port 8 is double-tagged already, the interface of the member always has a TTL
+ * threshold of 2, and a group that is there already is logged at level "errors", though it is no failure.
+ *
+ * @param vlan       VLAN of the group; its low 16 bits count
+ * @param user_vlan  the member's VLAN; its low 16 bits count
+ * @param port       the member's port number; from 8 on it is double-tagged
+ * @param group      the group's IPv4 address in host byte order
+ * @param mac        the router's MAC address, for interfaces, 6 bytes
+ * @return 0, or the converted result of the failed `bcm_l3_intf_create`, `bcm_multicast_create`, `bcm_ipmc_add`,
+ *         `bcm_port_gport_get`, `bcm_multicast_l3_encap_get` or `bcm_multicast_egress_add`
+ */
+SAI_API int32_t sai_ipmc_add(int32_t unit, int32_t vlan, int32_t user_vlan, int32_t port, uint32_t group,
+                             const uint8_t* mac);
+
+/**
+ * Chooses which multicast frames a VLAN floods, of whichever IP version.
+ *
+ * @param mode  1 all, 2 those of unknown groups, any other value none
+ * @param vlan  VLAN id; its low 16 bits count
+ * @return 0, or the converted result of `bcm_vlan_mcast_flood_set`
+ */
+SAI_API int32_t sai_vlan_mcast_flood_set(int32_t unit, int32_t mode, int32_t vlan);
+
+/**
+ * Chooses whether a VLAN floods IPv4 multicast frames. Logs nothing.
+ *
+ * @param mode  1 none, any other value all
+ * @param vlan  VLAN id
+ * @return 0, or the converted result of `bcm_esw_vlan_ip4_mcast_flood_set`
+ */
+SAI_API int32_t sai_esw_vlan_mcast_flood_set(int32_t unit, int32_t mode, uint16_t vlan);
+
+/* ---------------------------------------------------------------------------------------- IPv6 multicast ---------- */
+
+/**
+ * Adds a member to the multicast group of a source, which is made when it is not there. Every failure ends it.
+ *
+ * Works as sai_ipmc_add() does; a group that is there already is a trace.
+ *
+ * @param vlan       VLAN of the group
+ * @param user_vlan  the member's VLAN
+ * @param port       the member's port number; from 8 on it is double-tagged
+ * @param group      the group's IPv6 address, 16 bytes
+ * @param source     the source's IPv6 address, 16 bytes
+ * @param mac        the router's MAC address, for interfaces, 6 bytes
+ * @return 0, or the converted result of the failed `bcm_l3_intf_create`, `bcm_multicast_create`, `bcm_ipmc_add`,
+ *         `bcm_port_gport_get`, `bcm_multicast_l3_encap_get` or `bcm_multicast_egress_add`
+ */
+SAI_API int32_t sai_ipv6_ipmc_add(int32_t unit, uint16_t vlan, uint16_t user_vlan, uint8_t port, const uint8_t* group,
+                                  const uint8_t* source, const uint8_t* mac);
+
+/**
+ * Takes a member from the multicast group of a source; the last one takes the group along, as
+ * sai_ipv6_multicast_destroy() does. Every failure ends it; that of counting the members is not logged.
+ *
+ * @param vlan       VLAN of the group
+ * @param group      the group's IPv6 address, 16 bytes
+ * @param source     the source's IPv6 address, 16 bytes
+ * @param mac        the router's MAC address, 6 bytes
+ * @param port       the member's port number; above 8 it is double-tagged
+ * @param user_vlan  the member's VLAN; its low 16 bits count
+ * @return 0, or the converted result of the failed `bcm_ipmc_find`, -7 (no such group) among them,
+ *         `bcm_port_gport_get`, `bcm_l3_intf_find`, `bcm_multicast_l3_encap_get`, `bcm_multicast_egress_delete` or
+ *         `bcm_multicast_egress_get`; that of the group's destruction does not show
+ */
+SAI_API int32_t sai_ipv6_multicast_egress_del(int32_t unit, uint16_t vlan, const uint8_t* group, const uint8_t* source,
+                                              const uint8_t* mac, uint8_t port, int32_t user_vlan);
+
+/**
+ * Destroys the multicast group of a source with all its members. An entry that cannot be removed keeps the chip's
+ * group, unlike with IPv4. Interfaces stay.
+ *
+ * @param vlan    VLAN of the group
+ * @param group   the group's IPv6 address, 16 bytes
+ * @param source  the source's IPv6 address, 16 bytes
+ * @return 0, or the converted result of the failed `bcm_ipmc_find`, -7 (no such group) among them, `bcm_ipmc_remove` or
+ *         `bcm_multicast_destroy`
+ */
+SAI_API int32_t sai_ipv6_multicast_destroy(int32_t unit, uint16_t vlan, const uint8_t* group, const uint8_t* source);
+
+/**
+ * Another name of sai_vlan_mcast_flood_set().
+ *
+ * @param mode  1 all, 2 those of unknown groups, any other value none
+ * @param vlan  VLAN id; its low 16 bits count
+ * @return 0, or the converted result of `bcm_vlan_mcast_flood_set`
+ */
+SAI_API int32_t sai_ipv6_vlan_mcast_flood_set(int32_t unit, int32_t mode, int32_t vlan);
+
+/**
+ * Chooses whether a VLAN floods IPv6 multicast frames. The arguments stand in another order than with IPv4.
+ *
+ * @param vlan     VLAN id
+ * @param disable  non-zero none, 0 all
+ * @return 0, or the converted result of `bcm_esw_vlan_ip6_mcast_flood_set`
+ */
+SAI_API int32_t sai_ipv6_esw_vlan_mcast_flood_set(int32_t unit, uint16_t vlan, uint8_t disable);
 
 /* ----------------------------------------------------------------------------------------- Virtual ports ---------- */
 

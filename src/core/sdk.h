@@ -11,6 +11,7 @@ extern "C" {
 #include <bcm/ipmc.h>
 #include <bcm/knet.h>
 #include <bcm/l2.h>
+#include <bcm/l3.h>
 #include <bcm/link.h>
 #include <bcm/mcast.h>
 #include <bcm/mirror.h>
@@ -31,4 +32,10 @@ extern "C" {
 #include <soc/knet.h>
 
 int sdk_main(int argc, char** argv);
+
+int bcm_esw_vlan_ip4_mcast_flood_set(int unit, bcm_vlan_t vlan, int mode);
+int bcm_esw_vlan_ip6_mcast_flood_set(int unit, bcm_vlan_t vlan, int mode);
+
+/// By unit; bit 0 of the first word is the L3 egress mode.
+extern uint32* l3_module_data[];
 }

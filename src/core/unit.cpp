@@ -16,6 +16,8 @@ int cpu_port(int unit) { return CMIC_PORT(unit); }
 
 int chip_type(int unit) { return exists(unit) ? static_cast<int>(SOC_CHIP_TYPE(unit)) : -1; }
 
+bool l3_egress_mode(int unit) { return l3_module_data[unit] != nullptr && (*l3_module_data[unit] & 1) != 0; }
+
 int lowest_port(int unit, Ports set) {
   if (!exists(unit)) return -1;  // no such unit: nothing to walk
   return set == Ports::ethernet ? SOC_PORT_MIN(unit, ether) : SOC_PORT_MIN(unit, port);

@@ -11,6 +11,9 @@ int cpu_port(int unit);
 /// The unit's chip-type code; -1 when there is no such unit.
 int chip_type(int unit);
 
+/// Whether hosts and routes point at egress objects rather than at interfaces.
+bool l3_egress_mode(int unit);
+
 /// The port sets of a unit that the library walks.
 enum class Ports { ethernet, front };
 

@@ -1,0 +1,67 @@
+// Addresses: MAC addresses into and out of the SDK's records, and what traces show of addresses and results.
+#pragma once
+
+#include <string.h>
+
+#include "core/result.h"
+#include "core/sdk.h"
+
+namespace sai {
+
+inline void copy_mac(bcm_mac_t& to, const uint8_t* from) { memcpy(to, from, sizeof to); }
+
+inline bool same_mac(const bcm_mac_t& mac, const uint8_t* other) { return memcmp(mac, other, sizeof mac) == 0; }
+
+/// The VLAN of `vid` as the SDK takes it.
+constexpr bcm_vlan_t vlan_id(int vid) { return static_cast<bcm_vlan_t>(vid); }
+
+// Arguments of traces. Each brings room for its text, so that nothing static is shared; the room stays untouched until
+// somebody listens.
+
+template <class Address, int size>
+class AddressText {
+ public:
+  explicit AddressText(Address address) : address_(address) {}
+
+  Address address() const { return address_; }
+  char* room() const { return room_; }
+  static constexpr int room_size = size;
+
+ private:
+  Address address_;
+  mutable char room_[size];
+};
+
+/// "192.168.1.10", of an address in host order.
+struct Ip4Text : AddressText<bcm_ip_t, sizeof "255.255.255.255"> {
+  using AddressText::AddressText;
+};
+
+/// Sixteen bytes in hexadecimal, without leading zeros, as "ff:2:0:0:0:0:0:0:0:0:0:0:0:0:0:1".
+struct Ip6Text : AddressText<const uint8_t*, sizeof "ff" * 16> {
+  using AddressText::AddressText;
+};
+
+/// "02:00:00:00:00:2a".
+struct MacText : AddressText<const uint8_t*, sizeof "ff" * 6> {
+  using AddressText::AddressText;
+};
+
+/// "0200:0000:002a".
+struct PairedMacText : AddressText<const uint8_t*, sizeof "ffff" * 3> {
+  using AddressText::AddressText;
+};
+
+[[gnu::cold]] const char* trace_text(const Ip4Text& text);
+[[gnu::cold]] const char* trace_text(const Ip6Text& text);
+[[gnu::cold]] const char* trace_text(const MacText& text);
+[[gnu::cold]] const char* trace_text(const PairedMacText& text);
+
+/// The SDK's text for a result.
+struct ErrorText {
+  int rv;
+};
+
+inline const char* trace_text(ErrorText text) { return error_text(text.rv); }
+
+}  // namespace sai
