@@ -1,6 +1,7 @@
 // Routes over what the chip holds: interfaces, learned addresses, virtual ports, egress objects.
 #include <bcm/l2.h>
 #include <bcm/l3.h>
+#include <bcm/stack.h>
 #include <bcm/switch.h>
 #include <bcm/vlan.h>
 
