@@ -2266,7 +2266,7 @@ SAI_API int32_t sai_multicast_egress_add(int32_t unit, int32_t vlan, uint32_t gr
                                          int32_t report_vid);
 
 /**
- * Takes a member from a multicast group; the last one takes the group along, as sai_multicast_destroy() does.
+ * Takes a member from a multicast group. The last one takes the group along, as sai_multicast_destroy() does.
  *
  * An interface or an encapsulation that cannot be found is logged and the work goes on, with 0 in its place. When the
  * members that are left cannot be counted, which is a trace only, the group is destroyed as well.
@@ -2349,7 +2349,7 @@ SAI_API int32_t sai_ipv6_ipmc_add(int32_t unit, uint16_t vlan, uint16_t user_vla
                                   const uint8_t* source, const uint8_t* mac);
 
 /**
- * Takes a member from the multicast group of a source; the last one takes the group along, as
+ * Takes a member from the multicast group of a source. The last one takes the group along, as
  * sai_ipv6_multicast_destroy() does. Every failure ends it; that of counting the members is not logged.
  *
  * @param vlan       VLAN of the group

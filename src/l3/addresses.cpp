@@ -9,8 +9,10 @@ const char* sai::trace_text(const Ip4Text& text) {
 }
 
 const char* sai::trace_text(const Ip6Text& text) {
-  char* end = text.room();
-  for (int i = 0; i < 16; ++i) end += sprintf(end, i == 0 ? "%x" : ":%x", text.address()[i]);
+  int length = 0;
+  for (int i = 0; i < 16; ++i)
+    length += snprintf(text.room() + length, static_cast<size_t>(text.room_size - length), i == 0 ? "%x" : ":%x",
+                       text.address()[i]);
   return text.room();
 }
 
