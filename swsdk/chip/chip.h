@@ -21,6 +21,7 @@
 #include "chip/storm_rates.h"
 #include "chip/switch_controls.h"
 #include "chip/temperature_sensors.h"
+#include "chip/trunks.h"
 #include "chip/vlan_controls.h"
 #include "chip/vlan_translations.h"
 #include "chip/vlans.h"
@@ -42,6 +43,8 @@ struct Chip {
         counters(ports),
         protocol_vlans(ports),
         switch_controls(ports) {}
+        switch_controls(ports),
+        trunks(ports) {}
 
   // The tables refer to the ports.
   Chip(const Chip&) = delete;
@@ -64,6 +67,7 @@ struct Chip {
     counters.reset();
     protocol_vlans.clear();
     switch_controls.reset();
+    trunks.reset();
     l2_cache.clear();
     multicast_groups.clear();
     multicast_routing = false;
@@ -90,6 +94,7 @@ struct Chip {
   TemperatureSensors temperature_sensors;
   ProtocolVlans protocol_vlans;
   SwitchControls switch_controls;
+  Trunks trunks;
   L2Cache l2_cache;
   MulticastGroups multicast_groups;
   bool multicast_routing = false;
