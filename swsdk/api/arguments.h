@@ -13,6 +13,7 @@
 #include <type_traits>
 
 #include "api/records.h"
+#include "chip/addresses.h"
 #include "chip/port_set.h"
 
 namespace api {
@@ -110,6 +111,13 @@ template <std::size_t Size>
 std::array<uint8_t, Size> address(const uint8_t (&bytes)[Size]) {
   std::array<uint8_t, Size> result;
   std::memcpy(result.data(), bytes, Size);
+  return result;
+}
+
+/// The six bytes of an SDK's MAC address as the chip's.
+inline chip::Mac mac_at(const uint8_t* bytes) {
+  chip::Mac result;
+  std::memcpy(result.data(), bytes, result.size());
   return result;
 }
 

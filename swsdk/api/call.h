@@ -39,16 +39,22 @@ class Call {
  public:
   Call(const char* function, int unit, const Args&... args) : function_(function), unit_(unit), args_(args...) {}
 
-  /// Answers what `body` makes of the unit's chip.
-  template <class Body>
-  int answer(Body body) const {
+  /// Answers what `body` makes of the unit's chip. `after` runs when it made a success of it, and without the unit's
+  /// lock, so that it may call back; what it makes is the answer then.
+  template <class Body, class... After>
+  int answer(Body body, After... after) const {
     Unit* const attached = find_unit(unit_);
     if (attached == nullptr) return recorded(BCM_E_UNIT);
-    const std::lock_guard guard(attached->lock);
+    std::unique_lock guard(attached->lock);
     if (const std::optional<int> fault = next_fault(function_)) return recorded(*fault);
     if (!attached->initialised) return recorded(BCM_E_INIT);
     if (lacks_something()) return recorded(BCM_E_PARAM);
-    return recorded(code(body(*attached->chip)));
+    int rv = code(body(*attached->chip));
+    if constexpr (sizeof...(After) > 0) {
+      guard.unlock();
+      if (rv >= 0) rv = (code(after()), ...);
+    }
+    return recorded(rv);
   }
 
  private:

@@ -14,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include "api/l2.h"
 #include "api/units.h"
 
 namespace {
@@ -121,7 +122,27 @@ void tell_each(int unit, api::Listeners<Listener> api::Unit::*listeners, Tell te
   }
 }
 
+bool has_port(int unit, int port) {
+  return api::on_chip(
+      unit, [&](const chip::Chip& chip) { return chip.ports.has(port); }, false);
+}
+
+void post_l2(int unit, int operation, const bcm_l2_addr_t& address) {
+  threads().post(EventThreads::l2_learning, [=] {
+    tell_each(unit, &api::Unit::l2_listeners, [=](const api::L2Listener& listener) {
+      bcm_l2_addr_t told = address;
+      listener.callback(unit, &told, operation, listener.user_data);
+    });
+  });
+}
+
 }  // namespace
+
+void api::tell_mac_change(int unit, chip::MacTable::Change change, const chip::MacEntry& entry) {
+  if (find_unit(unit)->l2_listeners.all().empty()) return;
+  const bool added = change == chip::MacTable::Change::added;
+  post_l2(unit, added ? BCM_L2_CALLBACK_ADD : BCM_L2_CALLBACK_DELETE, to_sdk(entry));
+}
 
 void api::stop_event_threads() { threads().stop(); }
 
@@ -144,21 +165,24 @@ int swsdk_link_event(int unit, int port, int up) {
 }
 
 int swsdk_l2_event(int unit, int operation, int vid, const unsigned char* mac, int port) {
-  const auto has_port = [&](const chip::Chip& chip) {
-    return chip.ports.has(port) ? chip::Status::ok : chip::Status::bad_port;
-  };
-  if (api::on_chip(unit, has_port) != 0 || mac == nullptr || vid < chip::Vlans::lowest_id ||
-      vid > chip::Vlans::highest_id)
+  if (!has_port(unit, port) || mac == nullptr || vid < chip::Vlans::lowest_id || vid > chip::Vlans::highest_id)
     return -1;
   bcm_l2_addr_t address{};
   std::memcpy(address.mac, mac, sizeof address.mac);
   address.vid = static_cast<bcm_vlan_t>(vid);
   address.port = port;
+  post_l2(unit, operation, address);
+  return 0;
+}
+
+int swsdk_clock_step(int unit, int seconds) {
+  if (seconds < 0 || !has_port(unit, chip::Ports::cpu)) return -1;
   threads().post(EventThreads::l2_learning, [=] {
-    tell_each(unit, &api::Unit::l2_listeners, [=](const api::L2Listener& listener) {
-      bcm_l2_addr_t told = address;
-      listener.callback(unit, &told, operation, listener.user_data);
-    });
+    const auto pass = [&](chip::Chip& chip) {
+      chip.mac_table.pass(seconds);
+      return chip::Status::ok;
+    };
+    api::on_chip(unit, pass);
   });
   return 0;
 }

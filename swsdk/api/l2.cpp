@@ -1,38 +1,118 @@
 #include <bcm/l2.h>
 
+#include <vector>
+
 #include "api/call.h"
+#include "api/l2.h"
+#include "chip/gports.h"
 
 using api::Call;
 using api::hex;
 using api::in;
 using api::inout;
+using api::mac_at;
 using api::out;
-using api::unmodelled;
 using chip::Chip;
+using chip::MacEntry;
 using chip::Status;
+using chip::gport::my_module;
+using chip::gport::port_of;
 
-int bcm_l2_addr_add(int unit, bcm_l2_addr_t* l2addr) { return unmodelled(__func__, unit, in(l2addr)); }
+namespace {
 
-int bcm_l2_addr_delete(int unit, uint8* mac, bcm_vlan_t vid) { return unmodelled(__func__, unit, api::mac(mac), vid); }
+chip::MacEntry to_chip(const bcm_l2_addr_t& sdk) {
+  chip::MacEntry own{.mac = api::address(sdk.mac), .vlan = sdk.vid, .flags = sdk.flags};
+  if (chip::gport::kind(sdk.port) == chip::gport::trunk) own.flags |= MacEntry::on_trunk;
+  if (!own.is(MacEntry::on_trunk))
+    own.port = port_of(sdk.port);
+  else
+    own.trunk = sdk.flags & BCM_L2_TRUNK_MEMBER ? sdk.tgid : chip::gport::number(sdk.port);
+  own.source_hit = true;  // as if it had just been learned, so that it does not age at once
+  return own;
+}
+
+constexpr uint32 all_scopes = BCM_L2_LEARN_LIMIT_SYSTEM | BCM_L2_LEARN_LIMIT_VLAN | BCM_L2_LEARN_LIMIT_PORT |
+                              BCM_L2_LEARN_LIMIT_TRUNK | BCM_L2_LEARN_LIMIT_TUNNEL;
+
+/// Each scope that the flags name.
+std::vector<chip::MacScope> scopes_of(const bcm_l2_learn_limit_t& limit) {
+  using Kind = chip::MacScope::Kind;
+  std::vector<chip::MacScope> result;
+  const auto add = [&](uint32 flag, Kind kind, auto id) {
+    if (limit.flags & flag) result.push_back({kind, static_cast<uint32>(id)});
+  };
+  add(BCM_L2_LEARN_LIMIT_SYSTEM, Kind::system, 0);
+  add(BCM_L2_LEARN_LIMIT_VLAN, Kind::vlan, limit.vlan);
+  add(BCM_L2_LEARN_LIMIT_PORT, Kind::port, port_of(limit.port));
+  add(BCM_L2_LEARN_LIMIT_TRUNK, Kind::trunk, limit.trunk);
+  add(BCM_L2_LEARN_LIMIT_TUNNEL, Kind::tunnel, limit.tunnel_id);
+  return result;
+}
+
+}  // namespace
+
+bcm_l2_addr_t api::to_sdk(const chip::MacEntry& own) {
+  bcm_l2_addr_t sdk;
+  bcm_l2_addr_t_init(&sdk, own.mac.data(), own.vlan);
+  sdk.flags = own.flags;
+  sdk.port = own.port;
+  sdk.tgid = own.trunk;
+  return sdk;
+}
+
+int bcm_l2_addr_add(int unit, bcm_l2_addr_t* l2addr) {
+  return Call(__func__, unit, in(l2addr)).answer([&](Chip& chip) {
+    const MacEntry entry = to_chip(*l2addr);
+    if (l2addr->modid != my_module) return Status::bad_parameter;
+    const Status trunk = entry.is(MacEntry::on_trunk) ? chip.trunks.check(entry.trunk) : Status::ok;
+    return trunk == Status::ok ? chip.mac_table.add(entry) : trunk;
+  });
+}
+
+int bcm_l2_addr_delete(int unit, uint8* mac, bcm_vlan_t vid) {
+  return Call(__func__, unit, api::mac(mac), vid).answer([&](Chip& chip) {
+    return chip.mac_table.remove(vid, mac_at(mac));
+  });
+}
 
 int bcm_l2_addr_delete_by_mac(int unit, uint8* mac, uint32 flags) {
-  return unmodelled(__func__, unit, api::mac(mac), hex(flags));
+  return Call(__func__, unit, api::mac(mac), hex(flags)).answer([&](Chip& chip) {
+    return chip.mac_table.remove_if(flags, [&](const MacEntry& entry) { return entry.mac == mac_at(mac); });
+  });
 }
 
 int bcm_l2_addr_delete_by_port(int unit, bcm_module_t mod, bcm_port_t port, uint32 flags) {
-  return unmodelled(__func__, unit, mod, port, hex(flags));
+  return Call(__func__, unit, mod, port, hex(flags)).answer([&](Chip& chip) {
+    if (mod != my_module) return Status::bad_parameter;
+    const int place = port_of(port);
+    if (!chip.mac_table.is_place({.port = place})) return Status::bad_port;
+    return chip.mac_table.remove_if(
+        flags, [&](const MacEntry& entry) { return !entry.is(MacEntry::on_trunk) && entry.port == place; });
+  });
 }
 
 int bcm_l2_addr_delete_by_trunk(int unit, bcm_trunk_t tid, uint32 flags) {
-  return unmodelled(__func__, unit, tid, hex(flags));
+  return Call(__func__, unit, tid, hex(flags)).answer([&](Chip& chip) {
+    if (tid < 0 || tid >= chip::Trunks::capacity) return Status::bad_parameter;
+    return chip.mac_table.remove_if(
+        flags, [&](const MacEntry& entry) { return entry.is(MacEntry::on_trunk) && entry.trunk == tid; });
+  });
 }
 
 int bcm_l2_addr_delete_by_vlan(int unit, bcm_vlan_t vid, uint32 flags) {
-  return unmodelled(__func__, unit, vid, hex(flags));
+  return Call(__func__, unit, vid, hex(flags)).answer([&](Chip& chip) {
+    if (!chip::MacTable::is_vlan(vid)) return Status::bad_parameter;
+    return chip.mac_table.remove_if(flags, [&](const MacEntry& entry) { return entry.vlan == vid; });
+  });
 }
 
 int bcm_l2_addr_get(int unit, uint8* mac_addr, bcm_vlan_t vid, bcm_l2_addr_t* l2addr) {
-  return unmodelled(__func__, unit, api::mac(mac_addr), vid, out(l2addr));
+  return Call(__func__, unit, api::mac(mac_addr), vid, out(l2addr)).answer([&](Chip& chip) {
+    MacEntry found;
+    const Status status = chip.mac_table.find(vid, mac_at(mac_addr), found);
+    if (status == Status::ok) *l2addr = api::to_sdk(found);
+    return status;
+  });
 }
 
 int bcm_l2_addr_register(int unit, bcm_l2_addr_callback_t callback, void* userdata) {
@@ -47,9 +127,16 @@ int bcm_l2_addr_unregister(int unit, bcm_l2_addr_callback_t callback, void* user
   });
 }
 
-int bcm_l2_age_timer_get(int unit, int* age_seconds) { return unmodelled(__func__, unit, out(age_seconds)); }
+int bcm_l2_age_timer_get(int unit, int* age_seconds) {
+  return Call(__func__, unit, out(age_seconds)).answer([&](const Chip& chip) {
+    *age_seconds = chip.mac_table.age_time();
+    return Status::ok;
+  });
+}
 
-int bcm_l2_age_timer_set(int unit, int age_seconds) { return unmodelled(__func__, unit, age_seconds); }
+int bcm_l2_age_timer_set(int unit, int age_seconds) {
+  return Call(__func__, unit, age_seconds).answer([&](Chip& chip) { return chip.mac_table.set_age_time(age_seconds); });
+}
 
 int bcm_l2_cache_delete(int unit, int index) {
   return Call(__func__, unit, index).answer([&](Chip& chip) { return chip.l2_cache.remove(index); });
@@ -79,16 +166,60 @@ int bcm_l2_cache_set(int unit, int index, bcm_l2_cache_addr_t* addr, int* index_
   });
 }
 
-int bcm_l2_init(int unit) { return unmodelled(__func__, unit); }
+int bcm_l2_init(int unit) {
+  return Call(__func__, unit).answer([](Chip& chip) {
+    chip.mac_table.reset();
+    chip.learn_limits.reset();
+    return Status::ok;
+  });
+}
 
-int bcm_l2_learn_limit_disable(int unit) { return unmodelled(__func__, unit); }
+int bcm_l2_learn_limit_disable(int unit) {
+  return Call(__func__, unit).answer([](Chip& chip) {
+    chip.learn_limits.enable(false);
+    return Status::ok;
+  });
+}
 
-int bcm_l2_learn_limit_enable(int unit) { return unmodelled(__func__, unit); }
+int bcm_l2_learn_limit_enable(int unit) {
+  return Call(__func__, unit).answer([](Chip& chip) {
+    chip.learn_limits.enable(true);
+    return Status::ok;
+  });
+}
 
-int bcm_l2_learn_limit_get(int unit, bcm_l2_learn_limit_t* limit) { return unmodelled(__func__, unit, inout(limit)); }
+int bcm_l2_learn_limit_get(int unit, bcm_l2_learn_limit_t* limit) {
+  return Call(__func__, unit, inout(limit)).answer([&](const Chip& chip) {
+    const std::vector<chip::MacScope> scopes = scopes_of(*limit);
+    if (scopes.size() != 1) return Status::bad_parameter;
+    chip::LearnLimit found;
+    const Status status = chip.learn_limits.get(scopes.front(), found);
+    if (status != Status::ok) return status;
+    limit->flags = (limit->flags & all_scopes) | found.actions;
+    limit->limit = found.limit;
+    return status;
+  });
+}
 
-int bcm_l2_learn_limit_set(int unit, bcm_l2_learn_limit_t* limit) { return unmodelled(__func__, unit, in(limit)); }
+int bcm_l2_learn_limit_set(int unit, bcm_l2_learn_limit_t* limit) {
+  return Call(__func__, unit, in(limit)).answer([&](Chip& chip) {
+    return chip.learn_limits.set(scopes_of(*limit), {limit->limit, limit->flags & ~all_scopes});
+  });
+}
 
 int bcm_l2_traverse(int unit, bcm_l2_traverse_cb trav_fn, void* user_data) {
-  return unmodelled(__func__, unit, trav_fn, user_data);
+  std::vector<MacEntry> entries;
+  const auto take = [&](const Chip& chip) {
+    if (trav_fn == nullptr) return Status::bad_parameter;
+    entries = chip.mac_table.all();
+    return Status::ok;
+  };
+  const auto visit = [&] {
+    for (const MacEntry& entry : entries) {
+      bcm_l2_addr_t sdk = api::to_sdk(entry);
+      if (const int rv = trav_fn(unit, &sdk, user_data); rv < 0) return rv;
+    }
+    return int{BCM_E_NONE};
+  };
+  return Call(__func__, unit, trav_fn, user_data).answer(take, visit);
 }

@@ -202,7 +202,11 @@ int bcm_port_link_status_get(int unit, bcm_port_t port, int* status) {
 }
 
 int bcm_port_local_get(int unit, bcm_gport_t gport, bcm_port_t* local_port) {
-  return unmodelled(__func__, unit, gport, out(local_port));
+  return Call(__func__, unit, gport, out(local_port)).answer([&](const Chip& chip) {
+    if (!chip.ports.has(port_of(gport))) return Status::bad_port;
+    *local_port = port_of(gport);
+    return Status::ok;
+  });
 }
 
 int bcm_port_loopback_set(int unit, bcm_port_t port, int loopback) {

@@ -1,5 +1,6 @@
 #include <bcm/switch.h>
 
+#include <algorithm>
 #include <vector>
 
 #include "api/call.h"
@@ -12,6 +13,7 @@ using api::out;
 using api::out_array;
 using api::unmodelled;
 using chip::Chip;
+using chip::Status;
 
 int bcm_switch_control_get(int unit, bcm_switch_control_t type, int* arg) {
   return Call(__func__, unit, type, out(arg)).answer([&](Chip& chip) { return chip.switch_controls.get(type, *arg); });
@@ -48,7 +50,19 @@ int bcm_switch_network_group_config_set(int unit, bcm_switch_network_group_t sou
 }
 
 int bcm_switch_object_count_multi_get(int unit, int object_size, bcm_switch_object_t* object_array, int* entries) {
-  return unmodelled(__func__, unit, object_size, array(object_array, object_size), out_array(entries, object_size));
+  return Call(__func__, unit, object_size, array(object_array, object_size), out_array(entries, object_size))
+      .answer([&](const Chip& chip) {
+        if (object_size <= 0) return Status::bad_parameter;
+        std::vector<int> counts;
+        for (int i = 0; i < object_size; ++i) {
+          if (object_array[i] != bcmSwitchObjectL2EntryCurrent && object_array[i] != bcmSwitchObjectL2EntryMax)
+            return Status::unavailable;
+          counts.push_back(object_array[i] == bcmSwitchObjectL2EntryMax ? chip::MacTable::capacity
+                                                                        : chip.mac_table.size());
+        }
+        std::copy(counts.begin(), counts.end(), entries);
+        return Status::ok;
+      });
 }
 
 int bcm_switch_temperature_monitor_get(int unit, int temperature_max,

@@ -39,7 +39,10 @@ soc_port_set_t port_set(const chip::PortSet& ports) {
 }
 
 void attach(std::size_t unit) {
-  const chip::Chip& chip = units[unit].chip.emplace(present_board.ports);
+  chip::Chip& chip = units[unit].chip.emplace(present_board.ports);
+  chip.mac_table.observe([unit](chip::MacTable::Change change, const chip::MacEntry& entry) {
+    api::tell_mac_change(static_cast<int>(unit), change, entry);
+  });
   units[unit].initialised = false;
   l3_modules[unit] = 0;
   l3_module_data[unit] = &l3_modules[unit];
@@ -56,11 +59,6 @@ void attach(std::size_t unit) {
 
 api::Unit* api::find_unit(int unit) {
   return unit >= 0 && unit < attached_units ? &units[static_cast<std::size_t>(unit)] : nullptr;
-}
-
-chip::Chip* api::find_chip(int unit) {
-  Unit* const found = find_unit(unit);
-  return found != nullptr && found->initialised ? &*found->chip : nullptr;
 }
 
 int sdk_main(int argc, char** argv) {

@@ -54,16 +54,20 @@ struct Unit {
 /// The attached unit of that number, or null.
 Unit* find_unit(int unit);
 
-/// The initialised chip of that number, or null.
-chip::Chip* find_chip(int unit);
+/// What `body` makes of the unit's chip under its lock, or `otherwise` when the unit is not up.
+template <class Body, class Result>
+Result on_chip(int unit, Body body, Result otherwise) {
+  Unit* const attached = find_unit(unit);
+  if (attached == nullptr) return otherwise;
+  const std::lock_guard guard(attached->lock);
+  return attached->initialised ? body(*attached->chip) : otherwise;
+}
 
-/// Runs `body` on that chip under the unit's lock: 0, or -1 when there is no such chip or the body refuses.
+/// Changes that chip: 0, or -1 when there is none or the body refuses.
 template <class Body>
 int on_chip(int unit, Body body) {
-  Unit* const attached = find_unit(unit);
-  if (attached == nullptr) return -1;
-  const std::lock_guard guard(attached->lock);
-  return attached->initialised && body(*attached->chip) == chip::Status::ok ? 0 : -1;
+  return on_chip(
+      unit, [&](chip::Chip& chip) { return body(chip) == chip::Status::ok ? 0 : -1; }, -1);
 }
 
 }  // namespace api

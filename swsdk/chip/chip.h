@@ -4,8 +4,10 @@
 #include "chip/counters.h"
 #include "chip/egress_actions.h"
 #include "chip/l2_cache.h"
+#include "chip/learn_limits.h"
 #include "chip/led_processors.h"
 #include "chip/link_scan.h"
+#include "chip/mac_table.h"
 #include "chip/multicast_groups.h"
 #include "chip/network_interfaces.h"
 #include "chip/phy_controls.h"
@@ -44,7 +46,9 @@ struct Chip {
         protocol_vlans(ports),
         switch_controls(ports) {}
         switch_controls(ports),
-        trunks(ports) {}
+        mac_table(ports),
+        trunks(ports),
+        learn_limits(trunks, mac_table) {}
 
   // The tables refer to the ports.
   Chip(const Chip&) = delete;
@@ -67,7 +71,9 @@ struct Chip {
     counters.reset();
     protocol_vlans.clear();
     switch_controls.reset();
+    mac_table.reset();
     trunks.reset();
+    learn_limits.reset();
     l2_cache.clear();
     multicast_groups.clear();
     multicast_routing = false;
@@ -94,7 +100,9 @@ struct Chip {
   TemperatureSensors temperature_sensors;
   ProtocolVlans protocol_vlans;
   SwitchControls switch_controls;
+  MacTable mac_table;
   Trunks trunks;
+  LearnLimits learn_limits;
   L2Cache l2_cache;
   MulticastGroups multicast_groups;
   bool multicast_routing = false;

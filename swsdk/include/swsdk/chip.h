@@ -77,6 +77,41 @@ int swsdk_l2_event(int unit, int operation, int vid, const unsigned char* mac, i
 
 /** Waits until all events that were raised have been told, those that callbacks raise meanwhile too. Returns at once
  *  when it is called from a callback. */
+/**
+ * Lets a unit's chip learn where an address is, as from the source address of a frame that came in. Known addresses are
+ * marked as hit, and move when they came from elsewhere. The listeners of `bcm_l2_addr_register` are told.
+ *
+ * @param vid     VLAN of the frame, 1 to 4095
+ * @param mac     its source address, 6 bytes
+ * @param port    the port where it came in, or the gport of a virtual one; the address of a frame from a trunk's member
+ *                is learned on the trunk
+ * @param tunnel  the tunnel it came through; 0 for none
+ * @return 1 when the address is in the table for that place now; 0 when it is not: it is a multicast address, has a
+ *         static entry elsewhere, its VLAN does not exist or does not learn, a learn limit is reached, or its bucket is
+ *         full; -1 when there is no such initialised unit or port, or the VLAN is out of range
+ */
+int swsdk_l2_learn(int unit, int vid, const unsigned char* mac, int port, unsigned tunnel);
+
+/**
+ * Looks an address up in the MAC table, as for the destination address of a frame. While the switch control
+ * `bcmSwitchL2DstHitEnable` is on, its entry is marked as hit.
+ *
+ * @return 1 when there is an entry, 0 when there is none; -1 when there is no such initialised unit, or the VLAN is out
+ *         of range
+ */
+int swsdk_l2_lookup(int unit, int vid, const unsigned char* mac);
+
+/**
+ * Lets time pass on a unit's chip, whose clock stands still otherwise. Each time the age time of `bcm_l2_age_timer_set`
+ * has passed, the L2 thread removes the addresses that are not static and were not hit since the time before;
+ * swsdk_events_drain() waits for it.
+ *
+ * @param seconds  0 or more
+ * @return 0, or -1 when there is no such initialised unit or seconds is negative
+ */
+int swsdk_clock_step(int unit, int seconds);
+
+/** Waits until all events that were raised have been told and all time has passed. Returns at once when it is called from a callback. */
 void swsdk_events_drain(void);
 
 /**

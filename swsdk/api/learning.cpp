@@ -1,0 +1,25 @@
+// The MAC table from the side of frames, without frames.
+#include <swsdk/chip.h>
+
+#include "api/arguments.h"
+#include "api/units.h"
+#include "chip/gports.h"
+#include "chip/learning.h"
+
+using chip::Chip;
+
+int swsdk_l2_learn(int unit, int vid, const unsigned char* mac, int port, unsigned tunnel) {
+  const auto learn = [&](Chip& chip) {
+    const int place = chip::gport::port_of(port);
+    if (!chip.mac_table.is_place({.port = place})) return -1;
+    return chip::learn(chip, {api::mac_at(mac), static_cast<uint16_t>(vid), place, tunnel}) ? 1 : 0;
+  };
+  if (mac == nullptr || !chip::MacTable::is_vlan(vid)) return -1;
+  return api::on_chip(unit, learn, -1);
+}
+
+int swsdk_l2_lookup(int unit, int vid, const unsigned char* mac) {
+  const auto look_up = [&](Chip& chip) { return chip::look_up(chip, vid, api::mac_at(mac)) != nullptr ? 1 : 0; };
+  if (mac == nullptr || !chip::MacTable::is_vlan(vid)) return -1;
+  return api::on_chip(unit, look_up, -1);
+}

@@ -1,0 +1,59 @@
+#include "chip/learn_limits.h"
+
+#include <algorithm>
+
+namespace chip {
+
+void LearnLimits::reset() {
+  limits_.clear();
+  enabled_ = false;
+}
+
+Status LearnLimits::check(const MacScope& scope) const {
+  const int id = static_cast<int>(scope.id);
+  switch (scope.kind) {
+    case MacScope::Kind::system:
+      return Status::ok;
+    case MacScope::Kind::vlan:
+      return MacTable::is_vlan(id) ? Status::ok : Status::bad_parameter;
+    case MacScope::Kind::port:
+      return table_.is_place({.port = id}) ? Status::ok : Status::bad_port;
+    case MacScope::Kind::trunk:
+      return trunks_.check(id);
+    case MacScope::Kind::tunnel:
+      return scope.id != 0 ? Status::ok : Status::bad_parameter;
+  }
+  return Status::bad_parameter;
+}
+
+Status LearnLimits::set(const std::vector<MacScope>& scopes, const LearnLimit& limit) {
+  constexpr uint32_t all_actions = LearnLimit::drop | LearnLimit::to_cpu | LearnLimit::prefer;
+  if (scopes.empty() || limit.limit < LearnLimit::unlimited || limit.limit > MacTable::capacity ||
+      (limit.actions & ~all_actions) != 0)
+    return Status::bad_parameter;
+  for (const MacScope& scope : scopes)
+    if (const Status status = check(scope); status != Status::ok) return status;
+  for (const MacScope& scope : scopes) limits_[scope] = limit;
+  return Status::ok;
+}
+
+Status LearnLimits::get(const MacScope& scope, LearnLimit& limit) const {
+  if (const Status status = check(scope); status != Status::ok) return status;
+  const auto found = limits_.find(scope);
+  limit = found == limits_.end() ? LearnLimit{} : found->second;
+  return Status::ok;
+}
+
+bool LearnLimits::admit(const MacEntry& entry, const MacEntry* present) const {
+  if (!enabled_) return true;
+  const std::vector<MacScope> counted = present == nullptr ? std::vector<MacScope>{} : scopes_of(*present);
+  for (const MacScope& scope : scopes_of(entry)) {
+    const auto found = limits_.find(scope);
+    if (found == limits_.end() || found->second.limit == LearnLimit::unlimited) continue;
+    const bool grows = std::find(counted.begin(), counted.end(), scope) == counted.end();
+    if (grows && table_.learned(scope) >= found->second.limit) return false;
+  }
+  return true;
+}
+
+}  // namespace chip

@@ -1,0 +1,44 @@
+#include "chip/learning.h"
+
+namespace chip {
+
+namespace {
+
+bool is_multicast(const Mac& mac) { return (mac[0] & 1) != 0; }
+
+bool learns(const Chip& chip, int vlan) {
+  constexpr uint32_t learn_disable = 0x1;
+  VlanControl control;
+  return chip.vlans.control(vlan, control) == Status::ok && (control.flags & learn_disable) == 0;
+}
+
+}  // namespace
+
+bool learn(Chip& chip, const Source& source) {
+  if (is_multicast(source.mac) || !learns(chip, source.vlan)) return false;
+  MacEntry seen{.mac = source.mac, .vlan = source.vlan, .port = source.port, .tunnel = source.tunnel};
+  if (const std::optional<int> trunk = chip.trunks.trunk_of(source.port)) {
+    seen.flags = MacEntry::on_trunk;
+    seen.port = 0;
+    seen.trunk = *trunk;
+  }
+  seen.source_hit = true;
+
+  const MacEntry* const present = chip.mac_table.find(seen.vlan, seen.mac);
+  if (present != nullptr && present->same_place(seen)) {
+    chip.mac_table.hit(*present, &MacEntry::source_hit);
+    return true;
+  }
+  if (present != nullptr && present->is(MacEntry::fixed)) return false;
+  return chip.learn_limits.admit(seen, present) && chip.mac_table.add(seen) == Status::ok;
+}
+
+const MacEntry* look_up(Chip& chip, int vlan, const Mac& mac) {
+  const MacEntry* const entry = chip.mac_table.find(vlan, mac);
+  int hits = 0;
+  chip.switch_controls.get(static_cast<int>(SwitchControl::l2_destination_hit_enable), hits);
+  if (entry != nullptr && hits != 0) chip.mac_table.hit(*entry, &MacEntry::destination_hit);
+  return entry;
+}
+
+}  // namespace chip

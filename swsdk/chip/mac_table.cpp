@@ -1,0 +1,151 @@
+#include "chip/mac_table.h"
+
+#include <algorithm>
+
+#include "chip/gports.h"
+
+namespace chip {
+
+std::vector<MacScope> scopes_of(const MacEntry& entry) {
+  using Kind = MacScope::Kind;
+  std::vector<MacScope> result{{Kind::system, 0}, {Kind::vlan, entry.vlan}};
+  if (entry.is(MacEntry::on_trunk))
+    result.push_back({Kind::trunk, static_cast<uint32_t>(entry.trunk)});
+  else
+    result.push_back({Kind::port, static_cast<uint32_t>(entry.port)});
+  if (entry.tunnel != 0) result.push_back({Kind::tunnel, entry.tunnel});
+  return result;
+}
+
+int MacTable::bucket_of(int vlan, const Mac& mac) {
+  auto key = static_cast<uint64_t>(vlan);
+  for (const uint8_t byte : mac) key = key << 8 | byte;
+  constexpr uint64_t spread = 0x9E3779B97F4A7C15;  // an odd number without a pattern carries every bit upwards
+  static_assert(buckets == 1 << 13);
+  return static_cast<int>((key * spread) >> (64 - 13));
+}
+
+void MacTable::reset() {
+  slots_.assign(capacity, {});
+  size_ = 0;
+  learned_.clear();
+  age_time_ = usual_age_time;
+  since_ageing_ = 0;
+}
+
+Status MacTable::add(const MacEntry& entry) {
+  if (!is_vlan(entry.vlan) || (entry.flags & ~MacEntry::all_flags) != 0) return Status::bad_parameter;
+  if (!is_place(entry)) return Status::bad_port;
+  std::size_t slot = slot_of(entry.vlan, entry.mac);
+  if (slot != none)
+    take_out(slots_[slot], false);
+  else if (slot = free_slot(bucket_of(entry.vlan, entry.mac)); slot == none)
+    return Status::full;
+  put_in(slots_[slot], entry);
+  return Status::ok;
+}
+
+const MacEntry* MacTable::find(int vlan, const Mac& mac) const {
+  const std::size_t slot = slot_of(vlan, mac);
+  return slot == none ? nullptr : &slots_[slot].entry;
+}
+
+Status MacTable::find(int vlan, const Mac& mac, MacEntry& found) const {
+  if (!is_vlan(vlan)) return Status::bad_parameter;
+  const MacEntry* const entry = find(vlan, mac);
+  if (entry == nullptr) return Status::not_found;
+  found = *entry;
+  return Status::ok;
+}
+
+Status MacTable::remove(int vlan, const Mac& mac) {
+  if (!is_vlan(vlan)) return Status::bad_parameter;
+  const std::size_t slot = slot_of(vlan, mac);
+  if (slot == none) return Status::not_found;
+  take_out(slots_[slot], false);
+  return Status::ok;
+}
+
+void MacTable::hit(const MacEntry& entry, bool MacEntry::*side) {
+  const std::size_t slot = slot_of(entry.vlan, entry.mac);
+  if (slot != none) slots_[slot].entry.*side = true;
+}
+
+Status MacTable::set_age_time(int seconds) {
+  if (seconds < 0 || seconds > longest_age_time) return Status::bad_parameter;
+  age_time_ = seconds;
+  since_ageing_ = 0;
+  return Status::ok;
+}
+
+void MacTable::pass(int seconds) {
+  if (age_time_ == 0) return;
+  const int64_t passed = int64_t{since_ageing_} + seconds;
+  since_ageing_ = static_cast<int>(passed % age_time_);
+  // After two ageings without a frame in between there is nothing left to age.
+  for (int64_t ageings = std::min<int64_t>(passed / age_time_, 2); ageings > 0; --ageings) age();
+}
+
+int MacTable::learned(const MacScope& scope) const {
+  const auto found = learned_.find(scope);
+  return found == learned_.end() ? 0 : found->second;
+}
+
+std::vector<MacEntry> MacTable::all() const {
+  std::vector<MacEntry> result;
+  result.reserve(static_cast<std::size_t>(size_));
+  for (const Slot& slot : slots_)
+    if (slot.used) result.push_back(slot.entry);
+  return result;
+}
+
+bool MacTable::is_place(const MacEntry& entry) const {
+  return entry.is(MacEntry::on_trunk) || ports_.has(entry.port) || gport::kind(entry.port) == gport::virtual_port;
+}
+
+/// The first slot of the bucket that `condition` holds for, or none.
+template <class Condition>
+std::size_t MacTable::slot_in(int bucket, Condition condition) const {
+  const std::size_t first = static_cast<std::size_t>(bucket) * ways;
+  for (std::size_t i = first; i < first + ways; ++i)
+    if (condition(slots_[i])) return i;
+  return none;
+}
+
+std::size_t MacTable::slot_of(int vlan, const Mac& mac) const {
+  return slot_in(bucket_of(vlan, mac),
+                 [&](const Slot& slot) { return slot.used && slot.entry.vlan == vlan && slot.entry.mac == mac; });
+}
+
+std::size_t MacTable::free_slot(int bucket) const {
+  return slot_in(bucket, [](const Slot& slot) { return !slot.used; });
+}
+
+void MacTable::put_in(Slot& slot, const MacEntry& entry) {
+  slot = {true, entry};
+  ++size_;
+  count(entry, 1);
+  if (observer_) observer_(Change::added, entry);
+}
+
+void MacTable::take_out(Slot& slot, bool silent) {
+  slot.used = false;
+  --size_;
+  count(slot.entry, -1);
+  if (observer_ && !silent) observer_(Change::removed, slot.entry);
+}
+
+void MacTable::count(const MacEntry& entry, int change) {
+  if (entry.is(MacEntry::fixed)) return;
+  for (const MacScope& scope : scopes_of(entry)) learned_[scope] += change;
+}
+
+void MacTable::age() {
+  for (Slot& slot : slots_) {
+    if (!slot.used || slot.entry.is(MacEntry::fixed)) continue;
+    if (!slot.entry.source_hit && !slot.entry.destination_hit) take_out(slot, false);
+    slot.entry.source_hit = slot.entry.destination_hit = false;
+  }
+}
+
+}  // namespace chip
