@@ -8,6 +8,7 @@
 #include "chip/led_processors.h"
 #include "chip/link_scan.h"
 #include "chip/mac_table.h"
+#include "chip/mirrors.h"
 #include "chip/multicast_groups.h"
 #include "chip/network_interfaces.h"
 #include "chip/phy_controls.h"
@@ -48,7 +49,8 @@ struct Chip {
         switch_controls(ports),
         mac_table(ports),
         trunks(ports),
-        learn_limits(trunks, mac_table) {}
+        learn_limits(trunks, mac_table),
+        mirrors(ports) {}
 
   // The tables refer to the ports.
   Chip(const Chip&) = delete;
@@ -74,6 +76,7 @@ struct Chip {
     mac_table.reset();
     trunks.reset();
     learn_limits.reset();
+    mirrors.reset();
     l2_cache.clear();
     multicast_groups.clear();
     multicast_routing = false;
@@ -103,6 +106,7 @@ struct Chip {
   MacTable mac_table;
   Trunks trunks;
   LearnLimits learn_limits;
+  Mirrors mirrors;
   L2Cache l2_cache;
   MulticastGroups multicast_groups;
   bool multicast_routing = false;
