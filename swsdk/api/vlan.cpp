@@ -1,5 +1,6 @@
 #include <bcm/vlan.h>
 
+#include <optional>
 #include <tuple>
 
 #include "api/call.h"
@@ -97,6 +98,13 @@ Status tell(Status status, const chip::Translation& found, bcm_vlan_t* vlan, int
   return status;
 }
 
+/// The subnet that an entry is for, or nothing when there is no such subnet.
+std::optional<chip::Subnet> subnet_of(const bcm_vlan_ip_t& entry) {
+  if ((entry.flags & ~static_cast<uint32>(BCM_VLAN_SUBNET_IP6)) != 0) return std::nullopt;
+  return entry.flags & BCM_VLAN_SUBNET_IP6 ? chip::subnet_of_ip6(api::address(entry.ip6), entry.prefix)
+                                           : chip::subnet_of_ip4(entry.ip4, entry.mask);
+}
+
 }  // namespace
 
 int bcm_vlan_control_port_get(int unit, int port, bcm_vlan_control_port_t type, int* arg) {
@@ -182,19 +190,45 @@ int bcm_vlan_init(int unit) {
   });
 }
 
-int bcm_vlan_ip_add(int unit, bcm_vlan_ip_t* vlan_ip) { return unmodelled(__func__, unit, in(vlan_ip)); }
-
-int bcm_vlan_ip_delete(int unit, bcm_vlan_ip_t* vlan_ip) { return unmodelled(__func__, unit, in(vlan_ip)); }
-
-int bcm_vlan_ip_delete_all(int unit) { return unmodelled(__func__, unit); }
-
-int bcm_vlan_mac_add(int unit, uint8* mac, bcm_vlan_t vid, int prio) {
-  return unmodelled(__func__, unit, api::mac(mac), vid, prio);
+int bcm_vlan_ip_add(int unit, bcm_vlan_ip_t* vlan_ip) {
+  return Call(__func__, unit, in(vlan_ip)).answer([&](Chip& chip) {
+    const std::optional<chip::Subnet> subnet = subnet_of(*vlan_ip);
+    return subnet ? chip.subnet_vlans.add(*subnet, {vlan_ip->vid, vlan_ip->prio}) : Status::bad_parameter;
+  });
 }
 
-int bcm_vlan_mac_delete(int unit, uint8* mac) { return unmodelled(__func__, unit, api::mac(mac)); }
+int bcm_vlan_ip_delete(int unit, bcm_vlan_ip_t* vlan_ip) {
+  return Call(__func__, unit, in(vlan_ip)).answer([&](Chip& chip) {
+    const std::optional<chip::Subnet> subnet = subnet_of(*vlan_ip);
+    return subnet ? chip.subnet_vlans.remove(*subnet) : Status::bad_parameter;
+  });
+}
 
-int bcm_vlan_mac_delete_all(int unit) { return unmodelled(__func__, unit); }
+int bcm_vlan_ip_delete_all(int unit) {
+  return Call(__func__, unit).answer([](Chip& chip) {
+    chip.subnet_vlans.clear();
+    return Status::ok;
+  });
+}
+
+int bcm_vlan_mac_add(int unit, uint8* mac, bcm_vlan_t vid, int prio) {
+  return Call(__func__, unit, api::mac(mac), vid, prio).answer([&](Chip& chip) {
+    return chip.mac_vlans.add(api::mac_at(mac), {vid, prio});
+  });
+}
+
+int bcm_vlan_mac_delete(int unit, uint8* mac) {
+  return Call(__func__, unit, api::mac(mac)).answer([&](Chip& chip) {
+    return chip.mac_vlans.remove(api::mac_at(mac));
+  });
+}
+
+int bcm_vlan_mac_delete_all(int unit) {
+  return Call(__func__, unit).answer([](Chip& chip) {
+    chip.mac_vlans.clear();
+    return Status::ok;
+  });
+}
 
 int bcm_vlan_mcast_flood_set(int unit, bcm_vlan_t vlan, bcm_vlan_mcast_flood_t mode) {
   return unmodelled(__func__, unit, vlan, mode);

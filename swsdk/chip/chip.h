@@ -25,6 +25,7 @@
 #include "chip/switch_controls.h"
 #include "chip/temperature_sensors.h"
 #include "chip/trunks.h"
+#include "chip/vlan_assignments.h"
 #include "chip/vlan_controls.h"
 #include "chip/vlan_translations.h"
 #include "chip/vlans.h"
@@ -77,6 +78,8 @@ struct Chip {
     trunks.reset();
     learn_limits.reset();
     mirrors.reset();
+    mac_vlans.clear();
+    subnet_vlans.clear();
     l2_cache.clear();
     multicast_groups.clear();
     multicast_routing = false;
@@ -107,6 +110,8 @@ struct Chip {
   Trunks trunks;
   LearnLimits learn_limits;
   Mirrors mirrors;
+  MacVlans mac_vlans;
+  SubnetVlans subnet_vlans;
   L2Cache l2_cache;
   MulticastGroups multicast_groups;
   bool multicast_routing = false;
