@@ -22,6 +22,7 @@
 #include "chip/queues.h"
 #include "chip/reserved_multicast.h"
 #include "chip/storm_rates.h"
+#include "chip/spanning_trees.h"
 #include "chip/switch_controls.h"
 #include "chip/temperature_sensors.h"
 #include "chip/trunks.h"
@@ -51,7 +52,8 @@ struct Chip {
         mac_table(ports),
         trunks(ports),
         learn_limits(trunks, mac_table),
-        mirrors(ports) {}
+        mirrors(ports),
+        spanning_trees(ports, vlans) {}
 
   // The tables refer to the ports.
   Chip(const Chip&) = delete;
@@ -80,6 +82,7 @@ struct Chip {
     mirrors.reset();
     mac_vlans.clear();
     subnet_vlans.clear();
+    spanning_trees.reset();
     l2_cache.clear();
     multicast_groups.clear();
     multicast_routing = false;
@@ -112,6 +115,7 @@ struct Chip {
   Mirrors mirrors;
   MacVlans mac_vlans;
   SubnetVlans subnet_vlans;
+  SpanningTrees spanning_trees;
   L2Cache l2_cache;
   MulticastGroups multicast_groups;
   bool multicast_routing = false;

@@ -6,16 +6,20 @@ namespace {
 
 bool is_multicast(const Mac& mac) { return (mac[0] & 1) != 0; }
 
-bool learns(const Chip& chip, int vlan) {
+bool learns(const Chip& chip, int vlan, int port) {
   constexpr uint32_t learn_disable = 0x1;
-  VlanControl control;
-  return chip.vlans.control(vlan, control) == Status::ok && (control.flags & learn_disable) == 0;
+  const auto found = chip.vlans.all().find(vlan);
+  if (found == chip.vlans.all().end() || (found->second.control.flags & learn_disable) != 0) return false;
+  // A virtual port has no state of its own.
+  StpState state = StpState::forward;
+  if (chip.ports.has(port)) chip.spanning_trees.state(found->second.spanning_tree, port, state);
+  return state >= StpState::learn;
 }
 
 }  // namespace
 
 bool learn(Chip& chip, const Source& source) {
-  if (is_multicast(source.mac) || !learns(chip, source.vlan)) return false;
+  if (is_multicast(source.mac) || !learns(chip, source.vlan, source.port)) return false;
   MacEntry seen{.mac = source.mac, .vlan = source.vlan, .port = source.port, .tunnel = source.tunnel};
   if (const std::optional<int> trunk = chip.trunks.trunk_of(source.port)) {
     seen.flags = MacEntry::on_trunk;

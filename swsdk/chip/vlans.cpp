@@ -12,12 +12,14 @@ Status Vlans::with(Self& self, int id, Body body) {
 
 void Vlans::reset() {
   vlans_.clear();
-  vlans_[default_id] = Vlan{.members = ports_.all(), .untagged = ports_.ethernet(), .control = {}};
+  vlans_[default_id] = Vlan{
+      .members = ports_.all(), .untagged = ports_.ethernet(), .control = {}, .spanning_tree = default_spanning_tree_};
 }
 
 Status Vlans::create(int id) {
   if (!is_valid(id)) return Status::bad_parameter;
-  return vlans_.try_emplace(id).second ? Status::ok : Status::exists;
+  const Vlan fresh{.members = {}, .untagged = {}, .control = {}, .spanning_tree = default_spanning_tree_};
+  return vlans_.try_emplace(id, fresh).second ? Status::ok : Status::exists;
 }
 
 Status Vlans::destroy(int id) {
@@ -62,6 +64,20 @@ Status Vlans::control(int id, VlanControl& control) const {
 Status Vlans::set_control(int id, const VlanControl& control) {
   return with(*this, id, [&](Vlan& vlan) {
     vlan.control = control;
+    return Status::ok;
+  });
+}
+
+Status Vlans::spanning_tree(int id, int& group) const {
+  return with(*this, id, [&](const Vlan& vlan) {
+    group = vlan.spanning_tree;
+    return Status::ok;
+  });
+}
+
+Status Vlans::set_spanning_tree(int id, int group) {
+  return with(*this, id, [&](Vlan& vlan) {
+    vlan.spanning_tree = group;
     return Status::ok;
   });
 }

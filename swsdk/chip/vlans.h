@@ -36,6 +36,7 @@ struct Vlan {
   PortSet members;
   PortSet untagged;
   VlanControl control;
+  int spanning_tree = 0;  // its group
 };
 
 class Vlans {
@@ -63,6 +64,12 @@ class Vlans {
   Status control(int id, VlanControl& control) const;
   Status set_control(int id, const VlanControl& control);
 
+  /// The spanning-tree group of a VLAN, and of those that are still to be created.
+  Status spanning_tree(int id, int& group) const;
+  Status set_spanning_tree(int id, int group);
+  int default_spanning_tree() const { return default_spanning_tree_; }
+  void set_default_spanning_tree(int group) { default_spanning_tree_ = group; }
+
   const std::map<int, Vlan>& all() const { return vlans_; }
 
  private:
@@ -73,6 +80,7 @@ class Vlans {
 
   const Ports& ports_;
   std::map<int, Vlan> vlans_;
+  int default_spanning_tree_ = 0;
 };
 
 }  // namespace chip

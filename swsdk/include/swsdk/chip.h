@@ -87,8 +87,9 @@ int swsdk_l2_event(int unit, int operation, int vid, const unsigned char* mac, i
  *                is learned on the trunk
  * @param tunnel  the tunnel it came through; 0 for none
  * @return 1 when the address is in the table for that place now; 0 when it is not: it is a multicast address, has a
- *         static entry elsewhere, its VLAN does not exist or does not learn, a learn limit is reached, or its bucket is
- *         full; -1 when there is no such initialised unit or port, or the VLAN is out of range
+ *         static entry elsewhere, its VLAN does not exist or does not learn, nor does the port's spanning-tree state
+ * there, a learn limit is reached, or its bucket is full; -1 when there is no such initialised unit or port, or the
+ * VLAN is out of range
  */
 int swsdk_l2_learn(int unit, int vid, const unsigned char* mac, int port, unsigned tunnel);
 
@@ -111,7 +112,8 @@ int swsdk_l2_lookup(int unit, int vid, const unsigned char* mac);
  */
 int swsdk_clock_step(int unit, int seconds);
 
-/** Waits until all events that were raised have been told and all time has passed. Returns at once when it is called from a callback. */
+/** Waits until all events that were raised have been told and all time has passed. Returns at once when it is called
+ * from a callback. */
 void swsdk_events_drain(void);
 
 /**

@@ -1,0 +1,79 @@
+#include "chip/spanning_trees.h"
+
+#include <vector>
+
+namespace chip {
+
+void SpanningTrees::reset() {
+  groups_.clear();
+  groups_.put(states(StpState::forward), lowest_id);
+  vlans_.set_default_spanning_tree(lowest_id);
+  for (const auto& [vlan, ignored] : vlans_.all()) vlans_.set_spanning_tree(vlan, lowest_id);
+}
+
+Status SpanningTrees::set_default(int id) {
+  const Status status = check(id);
+  if (status == Status::ok) vlans_.set_default_spanning_tree(id);
+  return status;
+}
+
+Status SpanningTrees::create(int id) { return groups_.add_with_id(states(StpState::disable), id); }
+
+Status SpanningTrees::destroy(int id) {
+  if (id == default_id()) return Status::bad_id;
+  if (const Status status = remove_vlans(id); status != Status::ok) return status;
+  return groups_.remove(id);
+}
+
+void SpanningTrees::destroy_all() {
+  for (int id = lowest_id; id < lowest_id + capacity; ++id) destroy(id);
+}
+
+Status SpanningTrees::add_vlan(int id, int vlan) {
+  const Status status = check(id);
+  return status == Status::ok ? vlans_.set_spanning_tree(vlan, id) : status;
+}
+
+Status SpanningTrees::remove_vlan(int id, int vlan) {
+  if (const Status status = check(id); status != Status::ok) return status;
+  int present = 0;
+  if (const Status status = vlans_.spanning_tree(vlan, present); status != Status::ok) return status;
+  return present == id ? vlans_.set_spanning_tree(vlan, default_id()) : Status::not_found;
+}
+
+Status SpanningTrees::remove_vlans(int id) {
+  if (const Status status = check(id); status != Status::ok) return status;
+  for (const auto& [vlan, record] : vlans_.all())
+    if (record.spanning_tree == id) vlans_.set_spanning_tree(vlan, default_id());
+  return Status::ok;
+}
+
+Status SpanningTrees::set_state(int id, int port, int state) {
+  if (const Status status = check(id); status != Status::ok) return status;
+  if (!ports_.has(port)) return Status::bad_port;
+  if (state < static_cast<int>(StpState::disable) || state > static_cast<int>(StpState::forward))
+    return Status::bad_parameter;
+  (*groups_.find(id))[port] = static_cast<StpState>(state);
+  return Status::ok;
+}
+
+Status SpanningTrees::state(int id, int port, StpState& state) const {
+  if (const Status status = check(id); status != Status::ok) return status;
+  if (!ports_.has(port)) return Status::bad_port;
+  state = groups_.find(id)->at(port);
+  return Status::ok;
+}
+
+SpanningTrees::States SpanningTrees::states(StpState of_ethernet) const {
+  States result;
+  for (int port = 0; port <= ports_.all().highest(); ++port)
+    if (ports_.has(port)) result[port] = port == Ports::cpu ? StpState::forward : of_ethernet;
+  return result;
+}
+
+Status SpanningTrees::check(int id) const {
+  if (!groups_.is_valid(id)) return Status::bad_parameter;
+  return groups_.find(id) == nullptr ? Status::not_found : Status::ok;
+}
+
+}  // namespace chip
