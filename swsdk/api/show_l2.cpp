@@ -1,0 +1,164 @@
+#include "api/show_l2.h"
+
+#include <bcm/trunk.h>
+
+#include "api/arguments.h"
+#include "api/columns.h"
+#include "chip/gports.h"
+
+namespace {
+
+using chip::MacEntry;
+using chip::MacScope;
+
+std::string port_text(int port) {
+  return chip::gport::kind(port) == chip::gport::virtual_port
+             ? "virtual port " + std::to_string(chip::gport::number(port))
+             : "port " + std::to_string(port);
+}
+
+std::string place_text(const MacEntry& entry) {
+  std::string result = entry.is(MacEntry::on_trunk) ? "trunk " + std::to_string(entry.trunk) : port_text(entry.port);
+  if (entry.tunnel != 0) result += " tunnel " + std::to_string(entry.tunnel);
+  return result;
+}
+
+std::string scope_text(const MacScope& scope) {
+  const std::string id = std::to_string(scope.id);
+  switch (scope.kind) {
+    case MacScope::Kind::system:
+      return "all";
+    case MacScope::Kind::vlan:
+      return "VLAN " + id;
+    case MacScope::Kind::port:
+      return port_text(static_cast<int>(scope.id));
+    case MacScope::Kind::trunk:
+      return "trunk " + id;
+    case MacScope::Kind::tunnel:
+      return "tunnel " + id;
+  }
+  return id;
+}
+
+std::string criterion_text(int criterion) {
+  switch (criterion) {
+    case BCM_TRUNK_PSC_SRCMAC:
+      return "source MAC";
+    case BCM_TRUNK_PSC_DSTMAC:
+      return "destination MAC";
+    case BCM_TRUNK_PSC_SRCDSTMAC:
+      return "both MACs";
+    case BCM_TRUNK_PSC_SRCIP:
+      return "source IP";
+    case BCM_TRUNK_PSC_DSTIP:
+      return "destination IP";
+    case BCM_TRUNK_PSC_SRCDSTIP:
+      return "both IPs";
+  }
+  return "-";
+}
+
+std::string mode_text(chip::Mirrors::Mode mode) {
+  using Mode = chip::Mirrors::Mode;
+  return mode == Mode::off ? "off" : mode == Mode::l2 ? "L2" : "L2 and L3";
+}
+
+/// Adds an item to a list.
+void append(std::string& list, int item) { list += (list.empty() ? "" : ",") + std::to_string(item); }
+
+std::string or_dash(const std::string& text) { return text.empty() ? "-" : text; }
+
+}  // namespace
+
+std::string api::show_learn_limits(const chip::Chip& chip) {
+  using chip::LearnLimit;
+  std::vector<Row> rows{{"learned", "of at most", "in", "then", "heeded"}};
+  for (const auto& [scope, limit] : chip.learn_limits.all())
+    rows.push_back(
+        {std::to_string(chip.mac_table.learned(scope)),
+         limit.limit == LearnLimit::unlimited ? "-" : std::to_string(limit.limit), scope_text(scope),
+         flag_names(limit.actions,
+                    {{LearnLimit::drop, "drop"}, {LearnLimit::to_cpu, "to-cpu"}, {LearnLimit::prefer, "prefer"}}),
+         chip.learn_limits.enabled() ? "yes" : "no"});
+  return columns(rows);
+}
+
+std::string api::show_mac_table(const chip::Chip& chip) {
+  std::vector<Row> rows{{"VLAN", "MAC", "at", "kind", "hit"}};
+  for (const MacEntry& entry : chip.mac_table.all())
+    rows.push_back({std::to_string(entry.vlan), mac_text(entry.mac), place_text(entry),
+                    flag_names(entry.flags, {{MacEntry::fixed, "static"},
+                                             {MacEntry::discard_source, "discard-source"},
+                                             {MacEntry::discard_destination, "discard-destination"},
+                                             {MacEntry::copy_to_cpu, "copy-to-cpu"}}),
+                    flag_names((entry.source_hit ? 1U : 0U) | (entry.destination_hit ? 2U : 0U),
+                               {{1, "source"}, {2, "destination"}})});
+  return columns(rows);
+}
+
+std::string api::show_mac_vlans(const chip::Chip& chip) {
+  std::vector<Row> rows{{"MAC", "VLAN", "priority"}};
+  for (const auto& [mac, to] : chip.mac_vlans.all())
+    rows.push_back({mac_text(mac), std::to_string(to.vlan), std::to_string(to.priority)});
+  return columns(rows);
+}
+
+std::string api::show_mirrors(const chip::Chip& chip) {
+  std::vector<Row> rows{{"session", "to port", "mode", "sources", "ingress", "egress"}};
+  for (const auto& [id, gport] : chip.mirrors.destinations()) {
+    chip::PortSet sources;
+    chip::PortSet ingress;
+    chip::PortSet egress;
+    for (const auto& [key, directions] : chip.mirrors.sources()) {
+      const auto& [port, destination] = key;
+      if (destination != id) continue;
+      sources.add(port);
+      if (directions & chip::Mirrors::ingress) ingress.add(port);
+      if (directions & chip::Mirrors::egress) egress.add(port);
+    }
+    rows.push_back({std::to_string(chip::gport::number(id)), std::to_string(chip::gport::port_of(gport)),
+                    mode_text(chip.mirrors.mode()), text(sources), text(ingress), text(egress)});
+  }
+  return columns(rows);
+}
+
+std::string api::show_spanning_trees(const chip::Chip& chip) {
+  std::vector<Row> rows{{"group", "VLANs", "disabled", "blocking", "listening", "learning", "forwarding"}};
+  for (const auto& [id, states] : chip.spanning_trees.all()) {
+    std::string vlans;
+    for (const auto& [vlan, record] : chip.vlans.all())
+      if (record.spanning_tree == id) append(vlans, vlan);
+    Row row{std::to_string(id) + (id == chip.spanning_trees.default_id() ? " (default)" : ""), or_dash(vlans)};
+    for (int state = 0; state <= static_cast<int>(chip::StpState::forward); ++state) {
+      chip::PortSet ports;
+      for (const auto& [port, present] : states)
+        if (static_cast<int>(present) == state) ports.add(port);
+      row.push_back(text(ports));
+    }
+    rows.push_back(row);
+  }
+  return columns(rows);
+}
+
+std::string api::show_subnet_vlans(const chip::Chip& chip) {
+  std::vector<Row> rows{{"subnet", "VLAN", "priority"}};
+  for (const auto& [subnet, to] : chip.subnet_vlans.all()) {
+    const chip::Ip6& a = subnet.address;
+    const std::string address =
+        subnet.is_ip6 ? text(Ip6{a.data()})
+                      : text(ip4(uint32_t{a[0]} << 24 | uint32_t{a[1]} << 16 | uint32_t{a[2]} << 8 | a[3]));
+    rows.push_back(
+        {address + "/" + std::to_string(subnet.prefix), std::to_string(to.vlan), std::to_string(to.priority)});
+  }
+  return columns(rows);
+}
+
+std::string api::show_trunks(const chip::Chip& chip) {
+  std::vector<Row> rows{{"trunk", "picks by", "members"}};
+  for (const auto& [id, trunk] : chip.trunks.all()) {
+    std::string members;
+    for (const int port : trunk.members) append(members, port);
+    rows.push_back({std::to_string(id), criterion_text(trunk.criterion), or_dash(members)});
+  }
+  return columns(rows);
+}
