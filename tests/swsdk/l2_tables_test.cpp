@@ -270,6 +270,25 @@ TEST_F(L2Tables, TheMacTableIsShownWithItsHits) {
             "10    02:00:00:00:00:01  virtual port 6 tunnel 9  -     source\n");
 }
 
+TEST_F(L2Tables, ALearnLimitNeedsAScopeAndIsReadForOne) {
+  bcm_l2_learn_limit_t limit;
+  bcm_l2_learn_limit_t_init(&limit);
+  EXPECT_EQ(bcm_l2_learn_limit_set(0, &limit), BCM_E_PARAM);
+  EXPECT_EQ(bcm_l2_learn_limit_get(0, &limit), BCM_E_PARAM);
+  limit.flags = BCM_L2_LEARN_LIMIT_SYSTEM | BCM_L2_LEARN_LIMIT_PORT;
+  EXPECT_EQ(bcm_l2_learn_limit_set(0, &limit), BCM_E_NONE);
+  EXPECT_EQ(bcm_l2_learn_limit_get(0, &limit), BCM_E_PARAM);
+  limit.flags = BCM_L2_LEARN_LIMIT_TUNNEL;
+  limit.tunnel_id = 0x80000000;
+  limit.limit = 5;
+  EXPECT_EQ(bcm_l2_learn_limit_set(0, &limit), BCM_E_NONE);
+  limit.flags = BCM_L2_LEARN_LIMIT_TRUNK;
+  limit.trunk = 3;
+  EXPECT_EQ(bcm_l2_learn_limit_set(0, &limit), BCM_E_NOT_FOUND);
+  limit.flags = 0x100 | BCM_L2_LEARN_LIMIT_SYSTEM;
+  EXPECT_EQ(bcm_l2_learn_limit_set(0, &limit), BCM_E_PARAM);
+}
+
 TEST_F(L2Tables, LearnLimitsAreShownWithWhatIsLearned) {
   bcm_vlan_create(0, 10);
   bcm_l2_learn_limit_t limit;
