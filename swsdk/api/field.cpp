@@ -1,91 +1,169 @@
 #include <bcm/field.h>
 
-#include "api/call.h"
+#include <algorithm>
+#include <set>
 
+#include "api/call.h"
+#include "chip/gports.h"
+
+using api::Call;
 using api::hex;
 using api::ip4;
 using api::ip6;
 using api::out;
 using api::unmodelled;
+using chip::Chip;
+using chip::FieldQualifier;
+using chip::FieldValue;
+using chip::gport::port_of;
+
+namespace {
+
+std::set<int> numbers(const bcm_field_qset_t& qset) {
+  std::set<int> result;
+  for (int number = 0; number < static_cast<int>(sizeof qset.w) * 8; ++number)
+    if (BCM_FIELD_QSET_TEST(qset, number)) result.insert(number);
+  return result;
+}
+
+FieldValue value(int number) { return static_cast<uint32_t>(number); }
+FieldValue value(api::Hex number) { return number.value; }
+FieldValue value(api::Ip4 address) { return address.address; }
+FieldValue value(api::Mac address) {
+  chip::Mac bytes;
+  std::copy_n(address.pointer, bytes.size(), bytes.begin());
+  return bytes;
+}
+FieldValue value(api::Ip6 address) {
+  chip::Ip6 bytes;
+  std::copy_n(address.pointer, bytes.size(), bytes.begin());
+  return bytes;
+}
+
+template <class Argument>
+int qualify(const char* function, int unit, bcm_field_entry_t entry, FieldQualifier qualifier, Argument data,
+            Argument mask) {
+  return Call(function, unit, entry, data, mask).answer([&](Chip& chip) {
+    return chip.field_processor.qualify(entry, qualifier, {value(data), value(mask)});
+  });
+}
+
+int qualify_port(const char* function, int unit, bcm_field_entry_t entry, FieldQualifier qualifier, bcm_port_t data,
+                 bcm_port_t mask) {
+  return Call(function, unit, entry, data, mask).answer([&](Chip& chip) {
+    return chip.field_processor.qualify(entry, qualifier, {value(port_of(data)), value(mask)});
+  });
+}
+
+}  // namespace
 
 int bcm_field_action_add(int unit, bcm_field_entry_t entry, bcm_field_action_t action, uint32 param0, uint32 param1) {
-  return unmodelled(__func__, unit, entry, action, param0, param1);
+  return Call(__func__, unit, entry, action, param0, param1).answer([&](Chip& chip) {
+    return chip.field_processor.add_action(entry, action, param0, param1);
+  });
 }
 
 int bcm_field_entry_create(int unit, bcm_field_group_t group, bcm_field_entry_t* entry) {
-  return unmodelled(__func__, unit, group, out(entry));
+  return Call(__func__, unit, group, out(entry)).answer([&](Chip& chip) {
+    return chip.field_processor.create_entry(group, *entry);
+  });
 }
 
 int bcm_field_entry_create_id(int unit, bcm_field_group_t group, bcm_field_entry_t entry) {
-  return unmodelled(__func__, unit, group, entry);
+  return Call(__func__, unit, group, entry).answer([&](Chip& chip) {
+    return chip.field_processor.create_entry_with_id(group, entry);
+  });
 }
 
-int bcm_field_entry_destroy(int unit, bcm_field_entry_t entry) { return unmodelled(__func__, unit, entry); }
+int bcm_field_entry_destroy(int unit, bcm_field_entry_t entry) {
+  return Call(__func__, unit, entry).answer([&](Chip& chip) { return chip.field_processor.destroy_entry(entry); });
+}
 
-int bcm_field_entry_install(int unit, bcm_field_entry_t entry) { return unmodelled(__func__, unit, entry); }
+int bcm_field_entry_install(int unit, bcm_field_entry_t entry) {
+  return Call(__func__, unit, entry).answer([&](Chip& chip) { return chip.field_processor.install(entry); });
+}
 
 int bcm_field_entry_policer_attach(int unit, bcm_field_entry_t entry_id, int level, bcm_policer_t policer_id) {
-  return unmodelled(__func__, unit, entry_id, level, policer_id);
+  return Call(__func__, unit, entry_id, level, policer_id).answer([&](Chip& chip) {
+    return chip.field_processor.attach_policer(entry_id, level, policer_id);
+  });
 }
 
 int bcm_field_entry_policer_detach(int unit, bcm_field_entry_t entry_id, int level) {
-  return unmodelled(__func__, unit, entry_id, level);
+  return Call(__func__, unit, entry_id, level).answer([&](Chip& chip) {
+    return chip.field_processor.detach_policer(entry_id, level);
+  });
 }
 
 int bcm_field_entry_policer_get(int unit, bcm_field_entry_t entry_id, int level, bcm_policer_t* policer_id) {
-  return unmodelled(__func__, unit, entry_id, level, out(policer_id));
+  return Call(__func__, unit, entry_id, level, out(policer_id)).answer([&](Chip& chip) {
+    return chip.field_processor.policer(entry_id, level, *policer_id);
+  });
 }
 
 int bcm_field_entry_prio_set(int unit, bcm_field_entry_t entry, int prio) {
-  return unmodelled(__func__, unit, entry, prio);
+  return Call(__func__, unit, entry, prio).answer([&](Chip& chip) {
+    return chip.field_processor.set_priority(entry, prio);
+  });
 }
 
-int bcm_field_entry_reinstall(int unit, bcm_field_entry_t entry) { return unmodelled(__func__, unit, entry); }
+int bcm_field_entry_reinstall(int unit, bcm_field_entry_t entry) {
+  return Call(__func__, unit, entry).answer([&](Chip& chip) { return chip.field_processor.reinstall(entry); });
+}
 
-int bcm_field_entry_remove(int unit, bcm_field_entry_t entry) { return unmodelled(__func__, unit, entry); }
+int bcm_field_entry_remove(int unit, bcm_field_entry_t entry) {
+  return Call(__func__, unit, entry).answer([&](Chip& chip) { return chip.field_processor.remove(entry); });
+}
 
 int bcm_field_group_create(int unit, bcm_field_qset_t qset, int pri, bcm_field_group_t* group) {
-  return unmodelled(__func__, unit, qset, pri, out(group));
+  return Call(__func__, unit, qset, pri, out(group)).answer([&](Chip& chip) {
+    return chip.field_processor.create_group(numbers(qset), pri, *group);
+  });
 }
 
 int bcm_field_group_enable_set(int unit, bcm_field_group_t group, int enable) {
-  return unmodelled(__func__, unit, group, enable);
+  return Call(__func__, unit, group, enable).answer([&](Chip& chip) {
+    return chip.field_processor.enable_group(group, enable != 0);
+  });
 }
 
 int bcm_field_group_priority_set(int unit, bcm_field_group_t group, int priority) {
-  return unmodelled(__func__, unit, group, priority);
+  return Call(__func__, unit, group, priority).answer([&](Chip& chip) {
+    return chip.field_processor.set_group_priority(group, priority);
+  });
 }
 
 int bcm_field_qualify_DSCP(int unit, bcm_field_entry_t entry, uint8 data, uint8 mask) {
-  return unmodelled(__func__, unit, entry, data, mask);
+  return qualify(__func__, unit, entry, FieldQualifier::dscp, data, mask);
 }
 
 int bcm_field_qualify_DstIp(int unit, bcm_field_entry_t entry, bcm_ip_t data, bcm_ip_t mask) {
-  return unmodelled(__func__, unit, entry, ip4(data), ip4(mask));
+  return qualify(__func__, unit, entry, FieldQualifier::destination_ip, ip4(data), ip4(mask));
 }
 
 int bcm_field_qualify_DstIp6(int unit, bcm_field_entry_t entry, uint8* data, uint8* mask) {
-  return unmodelled(__func__, unit, entry, ip6(data), ip6(mask));
+  return qualify(__func__, unit, entry, FieldQualifier::destination_ip6, ip6(data), ip6(mask));
 }
 
 int bcm_field_qualify_DstMac(int unit, bcm_field_entry_t entry, uint8* data, uint8* mask) {
-  return unmodelled(__func__, unit, entry, api::mac(data), api::mac(mask));
+  return qualify(__func__, unit, entry, FieldQualifier::destination_mac, api::mac(data), api::mac(mask));
 }
 
 int bcm_field_qualify_EtherType(int unit, bcm_field_entry_t entry, uint16 data, uint16 mask) {
-  return unmodelled(__func__, unit, entry, hex(data), hex(mask));
+  return qualify(__func__, unit, entry, FieldQualifier::ether_type, hex(data), hex(mask));
 }
 
+// No group can hold what this or InPorts matches: the interface has no numbers for these qualifiers.
 int bcm_field_qualify_IcmpType(int unit, bcm_field_entry_t entry, uint8 data, uint8 mask) {
   return unmodelled(__func__, unit, entry, data, mask);
 }
 
 int bcm_field_qualify_IcmpTypeCode(int unit, bcm_field_entry_t entry, uint16 data, uint16 mask) {
-  return unmodelled(__func__, unit, entry, data, mask);
+  return qualify(__func__, unit, entry, FieldQualifier::icmp_type_code, data, mask);
 }
 
 int bcm_field_qualify_InPort(int unit, bcm_field_entry_t entry, bcm_port_t data, bcm_port_t mask) {
-  return unmodelled(__func__, unit, entry, data, mask);
+  return qualify_port(__func__, unit, entry, FieldQualifier::in_port, data, mask);
 }
 
 int bcm_field_qualify_InPorts(int unit, bcm_field_entry_t entry, bcm_pbmp_t data, bcm_pbmp_t mask) {
@@ -93,51 +171,55 @@ int bcm_field_qualify_InPorts(int unit, bcm_field_entry_t entry, bcm_pbmp_t data
 }
 
 int bcm_field_qualify_Ip6NextHeader(int unit, bcm_field_entry_t entry, uint8 data, uint8 mask) {
-  return unmodelled(__func__, unit, entry, data, mask);
+  return qualify(__func__, unit, entry, FieldQualifier::ip_protocol, data, mask);
 }
 
 int bcm_field_qualify_IpProtocol(int unit, bcm_field_entry_t entry, uint8 data, uint8 mask) {
-  return unmodelled(__func__, unit, entry, data, mask);
+  return qualify(__func__, unit, entry, FieldQualifier::ip_protocol, data, mask);
 }
 
 int bcm_field_qualify_IpType(int unit, bcm_field_entry_t entry, bcm_field_IpType_t type) {
-  return unmodelled(__func__, unit, entry, type);
+  return Call(__func__, unit, entry, type).answer([&](Chip& chip) {
+    return chip.field_processor.qualify_ip_type(entry, type);
+  });
 }
 
 int bcm_field_qualify_L4DstPort(int unit, bcm_field_entry_t entry, bcm_l4_port_t data, bcm_l4_port_t mask) {
-  return unmodelled(__func__, unit, entry, data, mask);
+  return qualify(__func__, unit, entry, FieldQualifier::l4_destination_port, data, mask);
 }
 
 int bcm_field_qualify_L4SrcPort(int unit, bcm_field_entry_t entry, bcm_l4_port_t data, bcm_l4_port_t mask) {
-  return unmodelled(__func__, unit, entry, data, mask);
+  return qualify(__func__, unit, entry, FieldQualifier::l4_source_port, data, mask);
 }
 
 int bcm_field_qualify_OutPort(int unit, bcm_field_entry_t entry, bcm_port_t data, bcm_port_t mask) {
-  return unmodelled(__func__, unit, entry, data, mask);
+  return qualify_port(__func__, unit, entry, FieldQualifier::out_port, data, mask);
 }
 
 int bcm_field_qualify_OuterVlan(int unit, bcm_field_entry_t entry, bcm_vlan_t data, bcm_vlan_t mask) {
-  return unmodelled(__func__, unit, entry, data, mask);
+  return qualify(__func__, unit, entry, FieldQualifier::outer_vlan, data, mask);
 }
 
 int bcm_field_qualify_SrcIp(int unit, bcm_field_entry_t entry, bcm_ip_t data, bcm_ip_t mask) {
-  return unmodelled(__func__, unit, entry, ip4(data), ip4(mask));
+  return qualify(__func__, unit, entry, FieldQualifier::source_ip, ip4(data), ip4(mask));
 }
 
 int bcm_field_qualify_SrcIp6(int unit, bcm_field_entry_t entry, uint8* data, uint8* mask) {
-  return unmodelled(__func__, unit, entry, ip6(data), ip6(mask));
+  return qualify(__func__, unit, entry, FieldQualifier::source_ip6, ip6(data), ip6(mask));
 }
 
 int bcm_field_qualify_SrcMac(int unit, bcm_field_entry_t entry, uint8* data, uint8* mask) {
-  return unmodelled(__func__, unit, entry, api::mac(data), api::mac(mask));
+  return qualify(__func__, unit, entry, FieldQualifier::source_mac, api::mac(data), api::mac(mask));
 }
 
 int bcm_field_qualify_Tos(int unit, bcm_field_entry_t entry, uint8 data, uint8 mask) {
-  return unmodelled(__func__, unit, entry, data, mask);
+  return qualify(__func__, unit, entry, FieldQualifier::dscp, data, mask);
 }
 
 int bcm_field_qualify_Ttl(int unit, bcm_field_entry_t entry, uint8 data, uint8 mask) {
-  return unmodelled(__func__, unit, entry, data, mask);
+  return qualify(__func__, unit, entry, FieldQualifier::ttl, data, mask);
 }
 
-int bcm_field_qualify_clear(int unit, bcm_field_entry_t entry) { return unmodelled(__func__, unit, entry); }
+int bcm_field_qualify_clear(int unit, bcm_field_entry_t entry) {
+  return Call(__func__, unit, entry).answer([&](Chip& chip) { return chip.field_processor.clear_qualifiers(entry); });
+}

@@ -3,6 +3,7 @@
 
 #include "chip/counters.h"
 #include "chip/egress_actions.h"
+#include "chip/field_processor.h"
 #include "chip/l2_cache.h"
 #include "chip/learn_limits.h"
 #include "chip/led_processors.h"
@@ -13,6 +14,7 @@
 #include "chip/network_interfaces.h"
 #include "chip/phy_controls.h"
 #include "chip/phy_registers.h"
+#include "chip/policers.h"
 #include "chip/port_filters.h"
 #include "chip/port_forwarding.h"
 #include "chip/port_macs.h"
@@ -54,6 +56,8 @@ struct Chip {
         learn_limits(trunks, mac_table),
         mirrors(ports),
         spanning_trees(ports, vlans) {}
+        switch_controls(ports),
+        field_processor(ports, policers) {}
 
   // The tables refer to the ports.
   Chip(const Chip&) = delete;
@@ -90,6 +94,8 @@ struct Chip {
     queues.reset();
     network_interfaces.clear();
     led_processors.reset();
+    field_processor.reset();
+    policers.clear();
   }
 
   Ports ports;
@@ -123,6 +129,8 @@ struct Chip {
   Queues queues;
   NetworkInterfaces network_interfaces;
   LedProcessors led_processors;
+  Policers policers;
+  FieldProcessor field_processor;
 };
 
 }  // namespace chip

@@ -1,0 +1,300 @@
+#include "chip/field_processor.h"
+
+#include <algorithm>
+
+namespace chip {
+
+int FieldGroup::slices() const {
+  constexpr int size = FieldProcessor::slice_entries;
+  return std::max(1, (entries + size - 1) / size);
+}
+
+/// Runs `body` on an entry, or tells that there is none.
+template <class Self, class Body>
+Status FieldProcessor::with_entry(Self& self, int id, Body body) {
+  auto* const entry = self.entries_.find(id);
+  return entry == nullptr ? Status::not_found : body(*entry);
+}
+
+/// Runs `body` on the index of a policer level.
+template <class Body>
+Status FieldProcessor::with_level(int level, Body body) {
+  return level >= 0 && level < FieldRule::policer_levels ? body(static_cast<std::size_t>(level))
+                                                         : Status::bad_parameter;
+}
+
+void FieldProcessor::reset() {
+  groups_.clear();
+  entries_.clear();
+  installations_ = 0;
+}
+
+// ---------------------------------------------------------------------------------------------------- groups ----
+
+int FieldProcessor::free_slices(FieldStage stage) const {
+  int free = stage == FieldStage::ingress ? ingress_slices : egress_slices;
+  for (const auto& [id, group] : groups_.all())
+    if (group.stage == stage) free -= group.slices();
+  return free;
+}
+
+Status FieldProcessor::create_group(const std::set<int>& qualifiers, int priority, int& id) {
+  if (qualifiers.contains(ingress_stage) == qualifiers.contains(egress_stage)) return Status::bad_parameter;
+  if (priority < 0 && priority != FieldGroup::any_priority) return Status::bad_parameter;
+  FieldGroup group;
+  group.stage = qualifiers.contains(ingress_stage) ? FieldStage::ingress : FieldStage::egress;
+  group.priority = priority;
+  group.qualifiers = qualifiers;
+  group.qualifiers.erase(ingress_stage);
+  group.qualifiers.erase(egress_stage);
+  for (const int number : group.qualifiers) {
+    const FieldQualifierInfo* const info = field_qualifier(number);
+    if (info == nullptr || !has_qualifier(group.stage, info->qualifier)) return Status::no_resource;
+  }
+  return free_slices(group.stage) == 0 ? Status::no_resource : groups_.add(group, id);
+}
+
+Status FieldProcessor::set_group_priority(int group, int priority) {
+  FieldGroup* const found = groups_.find(group);
+  if (found == nullptr) return Status::not_found;
+  if (priority < 0 && priority != FieldGroup::any_priority) return Status::bad_parameter;
+  found->priority = priority;
+  return Status::ok;
+}
+
+Status FieldProcessor::enable_group(int group, bool enabled) {
+  FieldGroup* const found = groups_.find(group);
+  if (found == nullptr) return Status::not_found;
+  found->enabled = enabled;
+  return Status::ok;
+}
+
+// --------------------------------------------------------------------------------------------------- entries ----
+
+template <class Create>
+Status FieldProcessor::create_entry(int group, Create create) {
+  FieldGroup* const found = groups_.find(group);
+  if (found == nullptr) return Status::not_found;
+  if (found->entries == found->slices() * slice_entries && free_slices(found->stage) == 0) return Status::full;
+  FieldEntry entry;
+  entry.group = group;
+  const Status status = create(entry);
+  if (status == Status::ok) ++found->entries;
+  return status;
+}
+
+Status FieldProcessor::create_entry(int group, int& id) {
+  return create_entry(group, [&](const FieldEntry& entry) { return entries_.add(entry, id); });
+}
+
+Status FieldProcessor::create_entry_with_id(int group, int id) {
+  return create_entry(group, [&](const FieldEntry& entry) { return entries_.add_with_id(entry, id); });
+}
+
+Status FieldProcessor::destroy_entry(int entry) {
+  return with_entry(*this, entry, [&](const FieldEntry& found) {
+    if (found.installed) return Status::busy;
+    for (const int policer : found.rule.policers) policers_.release(policer);
+    --groups_.find(found.group)->entries;
+    return entries_.remove(entry);
+  });
+}
+
+Status FieldProcessor::qualify(int entry, FieldQualifier qualifier, const FieldMatch& match) {
+  return with_entry(*this, entry, [&](FieldEntry& found) {
+    const int number = static_cast<int>(qualifier);
+    if (!groups_.find(found.group)->qualifiers.contains(number)) return Status::bad_parameter;
+    const FieldValue width = exact_mask(*field_qualifier(number));
+    if ((match.data & width) != match.data) return Status::bad_parameter;
+    if (qualifier == FieldQualifier::in_port || qualifier == FieldQualifier::out_port)
+      if (!ports_.has(static_cast<int>(match.data.low))) return Status::bad_port;
+    found.rule.matches[qualifier] = {match.data, match.mask & width};
+    return Status::ok;
+  });
+}
+
+Status FieldProcessor::qualify_ip_type(int entry, int type) {
+  for (const FieldIpType& known : field_ip_types)
+    if (known.number == type) return qualify(entry, FieldQualifier::ip_type, {known.data, known.mask});
+  return Status::unavailable;
+}
+
+Status FieldProcessor::clear_qualifiers(int entry) {
+  return with_entry(*this, entry, [](FieldEntry& found) {
+    found.rule.matches.clear();
+    return Status::ok;
+  });
+}
+
+Status FieldProcessor::add_action(int entry, int action, uint32_t parameter0, uint32_t parameter1) {
+  return with_entry(*this, entry, [&](FieldEntry& found) {
+    auto& actions = found.rule.actions;
+    const bool on_ingress = groups_.find(found.group)->stage == FieldStage::ingress;
+    const auto kind = static_cast<FieldAction>(action);
+    if (actions.contains(kind)) return Status::exists;
+    switch (kind) {
+      case FieldAction::packet_priority:
+        if (!on_ingress) return Status::unavailable;
+        if (parameter0 > highest_packet_priority) return Status::bad_parameter;
+        break;
+      case FieldAction::copy_to_cpu:
+        if (!on_ingress) return Status::unavailable;
+        break;
+      case FieldAction::redirect_port:
+        if (!on_ingress) return Status::unavailable;
+        // the first parameter is the module, and this chip is module 0
+        if (parameter0 != 0 || !ports_.has(static_cast<int>(parameter1))) return Status::bad_port;
+        break;
+      case FieldAction::drop:
+        if (actions.contains(FieldAction::drop_cancel)) return Status::bad_configuration;
+        break;
+      case FieldAction::drop_cancel:
+        if (actions.contains(FieldAction::drop)) return Status::bad_configuration;
+        break;
+      case FieldAction::drop_red:
+        break;
+      default:
+        return Status::unavailable;
+    }
+    actions[kind] = {parameter0, parameter1};
+    return Status::ok;
+  });
+}
+
+Status FieldProcessor::set_priority(int entry, int priority) {
+  return with_entry(*this, entry, [&](FieldEntry& found) {
+    if (priority < FieldEntry::default_priority) return Status::bad_parameter;
+    found.priority = priority;
+    return Status::ok;
+  });
+}
+
+Status FieldProcessor::install(int entry) {
+  return with_entry(*this, entry, [&](FieldEntry& found) {
+    if (found.installed) return Status::exists;
+    found.installed = found.rule;
+    found.installation = ++installations_;
+    found.hits = 0;
+    return Status::ok;
+  });
+}
+
+Status FieldProcessor::reinstall(int entry) {
+  return with_entry(*this, entry, [](FieldEntry& found) {
+    if (!found.installed) return Status::not_found;
+    found.installed = found.rule;
+    return Status::ok;
+  });
+}
+
+Status FieldProcessor::remove(int entry) {
+  return with_entry(*this, entry, [](FieldEntry& found) {
+    found.installed.reset();
+    return Status::ok;
+  });
+}
+
+// -------------------------------------------------------------------------------------------------- policers ----
+
+Status FieldProcessor::attach_policer(int entry, int level, int policer) {
+  return with_entry(*this, entry, [&](FieldEntry& found) {
+    return with_level(level, [&](std::size_t index) {
+      int& attached = found.rule.policers[index];
+      if (attached != FieldRule::no_policer) return Status::exists;
+      const Status status = policers_.use(policer);
+      if (status == Status::ok) attached = policer;
+      return status;
+    });
+  });
+}
+
+Status FieldProcessor::detach_policer(int entry, int level) {
+  return with_entry(*this, entry, [&](FieldEntry& found) {
+    return with_level(level, [&](std::size_t index) {
+      int& attached = found.rule.policers[index];
+      if (attached == FieldRule::no_policer) return Status::not_found;
+      policers_.release(attached);
+      attached = FieldRule::no_policer;
+      return Status::ok;
+    });
+  });
+}
+
+Status FieldProcessor::policer(int entry, int level, int& policer) const {
+  return with_entry(*this, entry, [&](const FieldEntry& found) {
+    return with_level(level, [&](std::size_t index) {
+      const int attached = found.rule.policers[index];
+      if (attached == FieldRule::no_policer) return Status::not_found;
+      policer = attached;
+      return Status::ok;
+    });
+  });
+}
+
+void FieldProcessor::forget_policers() {
+  for (const auto& [id, ignored] : entries_.all()) {
+    FieldEntry& entry = *entries_.find(id);
+    for (const int policer : entry.rule.policers) policers_.release(policer);
+    entry.rule.policers = {};
+    if (entry.installed) entry.installed->policers = {};
+  }
+}
+
+// ---------------------------------------------------------------------------------------------------- lookup ----
+
+FieldVerdict FieldProcessor::classify(FieldStage stage, const FrameFields& frame) {
+  const auto matches = [&](const FieldRule& rule) {
+    return std::all_of(rule.matches.begin(), rule.matches.end(),
+                       [&](const auto& match) { return match.second.meets(field_of(frame, match.first)); });
+  };
+  const auto before = [](const FieldEntry& left, const FieldEntry& right) {
+    return left.priority != right.priority ? left.priority > right.priority : left.installation < right.installation;
+  };
+
+  std::map<int, int> met;  // the entry by its group
+  for (const auto& [id, entry] : entries_.all()) {
+    const FieldGroup& group = *groups_.find(entry.group);
+    if (!entry.installed || !group.enabled || group.stage != stage || !matches(*entry.installed)) continue;
+    const auto best = met.try_emplace(entry.group, id).first;
+    if (before(entry, *entries_.find(best->second))) best->second = id;
+  }
+
+  FieldVerdict verdict;
+  for (const auto& [group, entry] : met) verdict.hits.push_back({group, entry});
+  std::stable_sort(verdict.hits.begin(), verdict.hits.end(), [&](const auto& left, const auto& right) {
+    return groups_.find(left.group)->priority > groups_.find(right.group)->priority;
+  });
+
+  // Where groups disagree, the first one has its way.
+  for (const FieldVerdict::Hit& hit : verdict.hits) {
+    FieldEntry& entry = *entries_.find(hit.entry);
+    ++entry.hits;
+    const FieldRule& rule = *entry.installed;
+    for (const auto& [action, parameters] : rule.actions) switch (action) {
+        case FieldAction::packet_priority:
+          if (!verdict.priority) verdict.priority = static_cast<int>(parameters[0]);
+          break;
+        case FieldAction::copy_to_cpu:
+          verdict.copied_to_cpu = true;
+          break;
+        case FieldAction::redirect_port:
+          if (!verdict.redirect_port) verdict.redirect_port = static_cast<int>(parameters[1]);
+          break;
+        case FieldAction::drop:
+          verdict.dropped = !verdict.drop_cancelled;
+          break;
+        case FieldAction::drop_cancel:
+          verdict.drop_cancelled = !verdict.dropped;
+          break;
+        case FieldAction::drop_red:
+          verdict.red_dropped = true;
+          break;
+      }
+    for (std::size_t level = 0; level < rule.policers.size(); ++level)
+      if (verdict.policers[level] == FieldRule::no_policer) verdict.policers[level] = rule.policers[level];
+  }
+  if (verdict.dropped) verdict.redirect_port.reset();
+  return verdict;
+}
+
+}  // namespace chip
