@@ -1,0 +1,81 @@
+#include <swsdk/field.h>
+
+#include <algorithm>
+
+#include "api/arguments.h"
+#include "api/units.h"
+
+namespace {
+
+static_assert(SWSDK_FIELD_HITS_MAX >=
+              std::max(chip::FieldProcessor::ingress_slices, chip::FieldProcessor::egress_slices));
+static_assert(SWSDK_FIELD_POLICER_LEVELS == chip::FieldRule::policer_levels);
+
+chip::FrameFields to_chip(const swsdk_frame& frame) {
+  return {
+      .in_port = frame.in_port,
+      .out_port = frame.out_port,
+      .source_mac = api::address(frame.src_mac),
+      .destination_mac = api::address(frame.dst_mac),
+      .vlan_format = frame.vlan_format,
+      .outer_tag = frame.outer_tag,
+      .inner_tag = frame.inner_tag,
+      .ether_type = frame.ether_type,
+      .source_ip = frame.src_ip,
+      .destination_ip = frame.dst_ip,
+      .source_ip6 = api::address(frame.src_ip6),
+      .destination_ip6 = api::address(frame.dst_ip6),
+      .ip_protocol = frame.ip_protocol,
+      .tos = frame.tos,
+      .ttl = frame.ttl,
+      .l4_source_port = frame.l4_src_port,
+      .l4_destination_port = frame.l4_dst_port,
+      .icmp_type = frame.icmp_type,
+      .icmp_code = frame.icmp_code,
+      .arp_target_ip = frame.arp_target_ip,
+  };
+}
+
+swsdk_verdict to_c(const chip::FieldVerdict& own) {
+  swsdk_verdict verdict{};
+  for (const chip::FieldVerdict::Hit& hit : own.hits) {
+    verdict.groups[verdict.hits] = hit.group;
+    verdict.entries[verdict.hits++] = hit.entry;
+  }
+  verdict.dropped = own.dropped;
+  verdict.drop_cancelled = own.drop_cancelled;
+  verdict.red_dropped = own.red_dropped;
+  verdict.copied_to_cpu = own.copied_to_cpu;
+  verdict.redirect_port = own.redirect_port.value_or(-1);
+  verdict.priority = own.priority.value_or(-1);
+  std::copy(own.policers.begin(), own.policers.end(), verdict.policers);
+  return verdict;
+}
+
+/// Runs `body` on the field processor of an initialised unit, or answers -1.
+template <class Body>
+auto on_unit(int unit, Body body) -> decltype(body(std::declval<chip::FieldProcessor&>())) {
+  api::Unit* const attached = api::find_unit(unit);
+  if (attached == nullptr) return -1;
+  const std::lock_guard guard(attached->lock);
+  return attached->initialised ? body(attached->chip->field_processor) : -1;
+}
+
+}  // namespace
+
+int swsdk_field_classify(int unit, int stage, const swsdk_frame* frame, swsdk_verdict* verdict) {
+  const bool is_stage = stage == SWSDK_FIELD_INGRESS || stage == SWSDK_FIELD_EGRESS;
+  if (!is_stage || frame == nullptr || verdict == nullptr) return -1;
+  return on_unit(unit, [&](chip::FieldProcessor& processor) {
+    const auto at = stage == SWSDK_FIELD_INGRESS ? chip::FieldStage::ingress : chip::FieldStage::egress;
+    *verdict = to_c(processor.classify(at, to_chip(*frame)));
+    return 0;
+  });
+}
+
+long long swsdk_field_hits(int unit, int entry) {
+  return on_unit(unit, [&](const chip::FieldProcessor& processor) -> long long {
+    const auto found = processor.entries().find(entry);
+    return found == processor.entries().end() ? -1 : static_cast<long long>(found->second.hits);
+  });
+}
