@@ -197,6 +197,7 @@ TEST_F(FieldProcessor, RefusesPortsThatTheChipDoesNotHaveAndDataWiderThanTheFiel
   EXPECT_EQ(processor.qualify(id, FieldQualifier::in_port, {0, ~0ULL}), Status::ok);
   EXPECT_EQ(processor.qualify(id, FieldQualifier::outer_vlan, {0x10000, 0xFFFF}), Status::bad_parameter);
   EXPECT_EQ(processor.qualify(id, FieldQualifier::outer_vlan, {0xFFFF, ~0ULL}), Status::ok);
+  EXPECT_EQ(processor.entries().at(id).rule.matches.at(FieldQualifier::outer_vlan), (FieldMatch{0xFFFF, 0xFFFF}));
 }
 
 TEST_F(FieldProcessor, KnowsThreeKindsOfIp) {
