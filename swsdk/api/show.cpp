@@ -281,21 +281,6 @@ constexpr Table tables[] = {
 
 }  // namespace
 
-std::string api::columns(const std::vector<Row>& rows) {
-  std::vector<std::size_t> widths(rows.front().size());
-  for (const Row& row : rows)
-    for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], row[i].size());
-  std::string result;
-  for (const Row& row : rows) {
-    for (std::size_t i = 0; i < row.size(); ++i) {
-      result += row[i];
-      if (i + 1 < row.size()) result.append(widths[i] - row[i].size() + 2, ' ');
-    }
-    result += '\n';
-  }
-  return result;
-}
-
 std::optional<std::string> api::show(const chip::Chip& chip, std::string_view table) {
   for (const Table& candidate : tables)
     if (table == candidate.name) return candidate.show(chip);

@@ -23,8 +23,8 @@
 #include "chip/protocol_vlans.h"
 #include "chip/queues.h"
 #include "chip/reserved_multicast.h"
-#include "chip/storm_rates.h"
 #include "chip/spanning_trees.h"
+#include "chip/storm_rates.h"
 #include "chip/switch_controls.h"
 #include "chip/temperature_sensors.h"
 #include "chip/trunks.h"
@@ -49,14 +49,12 @@ struct Chip {
         storm_rates(ports),
         counters(ports),
         protocol_vlans(ports),
-        switch_controls(ports) {}
         switch_controls(ports),
         mac_table(ports),
         trunks(ports),
         learn_limits(trunks, mac_table),
         mirrors(ports),
-        spanning_trees(ports, vlans) {}
-        switch_controls(ports),
+        spanning_trees(ports, vlans),
         field_processor(ports, policers) {}
 
   // The tables refer to the ports.

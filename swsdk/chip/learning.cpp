@@ -10,10 +10,14 @@ bool learns(const Chip& chip, int vlan, int port) {
   constexpr uint32_t learn_disable = 0x1;
   const auto found = chip.vlans.all().find(vlan);
   if (found == chip.vlans.all().end() || (found->second.control.flags & learn_disable) != 0) return false;
-  // A virtual port has no state of its own.
+  // A virtual port has no state and no setting of its own.
   StpState state = StpState::forward;
-  if (chip.ports.has(port)) chip.spanning_trees.state(found->second.spanning_tree, port, state);
-  return state >= StpState::learn;
+  uint32_t learning = PortForwardings::learn;
+  if (chip.ports.has(port)) {
+    chip.spanning_trees.state(found->second.spanning_tree, port, state);
+    chip.port_forwarding.get(port, &PortForwarding::learning, learning);
+  }
+  return state >= StpState::learn && (learning & PortForwardings::learn) != 0;
 }
 
 }  // namespace

@@ -61,6 +61,7 @@ const std::map<std::string, std::string> good_words = {
     {"const uint8_t*", "00:00:00:00:00:00"},
     {"bcm_linkscan_handler_t", "null"},
     {"sai_l2_event_cb", "null"},
+    {"const bcm_ip6_t*", "::1"},
     {"const char*", "text"},
     {"char*", "text"},
     {"const int32_t*", "0"},
@@ -73,7 +74,8 @@ std::string command(const Function& function, std::size_t place, const std::stri
   const std::vector<std::string> all = types(function);
   for (std::size_t i = 0; i < all.size(); ++i) {
     if (!function.parameters[i].given) continue;
-    const auto good = good_words.find(all[i]);
+    const bool is_ip6 = function.parameters[i].count == 16;
+    const auto good = good_words.find(is_ip6 ? "const bcm_ip6_t*" : all[i]);
     const std::string usual = function.parameters[i].fields.empty() ? "0" : "{}";
     result += " " + (i == place ? word : good == good_words.end() ? usual : good->second);
   }

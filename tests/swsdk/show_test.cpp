@@ -73,7 +73,10 @@ TEST_F(Show, TellsWhatThereIsAtFirst) {
 TEST_F(Show, NamesItsTables) {
   std::string names;
   for (int i = 0; swsdk_show_table(i) != nullptr; ++i) names += std::string(swsdk_show_table(i)) + ' ';
-  EXPECT_EQ(names, "control filter l2cache led multicast netif port translation vlan ");
+  EXPECT_EQ(
+      names,
+      "attribute control counter field filter forwarding l2cache learnlimit led mac macvlan mirror multicast netif phy "
+      "port rate stp subnetvlan temperature translation trunk vlan ");
 }
 
 TEST_F(Show, TellsAVlansMembersAndFlags) {

@@ -105,6 +105,14 @@ struct Argument<const uint8_t*> {
   };
 };
 
+/// An IPv6 address where the Chip SDK's type of one is taken.
+template <>
+struct Argument<const bcm_ip6_t*> {
+  Argument(const Parameter& parameter, const std::string& word) { read(parameter.name, word, address); }
+  const bcm_ip6_t* get() const { return &address; }
+  bcm_ip6_t address;
+};
+
 /// A list, "1,2,3". What the function reads beyond it is 0.
 template <std::integral T>
 struct Argument<const T*> {

@@ -75,8 +75,6 @@ int swsdk_link_event(int unit, int port, int up);
  */
 int swsdk_l2_event(int unit, int operation, int vid, const unsigned char* mac, int port);
 
-/** Waits until all events that were raised have been told, those that callbacks raise meanwhile too. Returns at once
- *  when it is called from a callback. */
 /**
  * Lets a unit's chip learn where an address is, as from the source address of a frame that came in. Known addresses are
  * marked as hit, and move when they came from elsewhere. The listeners of `bcm_l2_addr_register` are told.
@@ -112,8 +110,8 @@ int swsdk_l2_lookup(int unit, int vid, const unsigned char* mac);
  */
 int swsdk_clock_step(int unit, int seconds);
 
-/** Waits until all events that were raised have been told and all time has passed. Returns at once when it is called
- * from a callback. */
+/** Waits until all events that were raised have been told, those that callbacks raise meanwhile too, and all time has
+ *  passed. Returns at once when it is called from a callback. */
 void swsdk_events_drain(void);
 
 /**
