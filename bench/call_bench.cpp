@@ -68,7 +68,7 @@ constexpr Function functions[] = {
 using SdkCall = int (*)(...);
 
 /// Makes the calls behind one call of its own, as the library does.
-[[gnu::noipa]] void replay(const std::vector<SdkCall>& calls) {
+[[gnu::noinline]] void replay(const std::vector<SdkCall>& calls) {
   for (const SdkCall call : calls) benchmark::DoNotOptimize(call(number, number, number, number));
 }
 

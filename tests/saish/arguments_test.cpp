@@ -141,7 +141,7 @@ TEST_F(ShellArguments, ThirtyTwoUnsignedBitsRunFrom0To4294967295) {
 TEST(ShellNumber, SixtyFourBitsRunFromTheirLowestToTheirHighest) {
   const auto said = []<class T>(T /*kind*/, const std::string& word) -> std::string {
     try {
-      return std::to_string(saish::Argument<T>(saish::Parameter{"value"}, word).get());
+      return std::to_string(saish::Argument<T>(saish::Parameter{{"value"}}, word).get());
     } catch (const saish::BadInput& bad) {
       return bad.what();
     }

@@ -28,12 +28,12 @@ class Board : public testing::Test {
 
   /// The readings as the SDK tells them, "current/peak " for each sensor that there is room for.
   static std::string temperatures(int room) {
-    bcm_switch_temperature_monitor_t readings[300] = {};
+    bcm_switch_temperature_monitor_t all[300] = {};
     int count = -1;
-    EXPECT_EQ(bcm_switch_temperature_monitor_get(0, room, readings, &count), BCM_E_NONE);
+    EXPECT_EQ(bcm_switch_temperature_monitor_get(0, room, all, &count), BCM_E_NONE);
     std::string result;
     for (int i = 0; i < count; ++i)
-      result += std::to_string(readings[i].curr) + '/' + std::to_string(readings[i].peak) + ' ';
+      result += std::to_string(all[i].curr) + '/' + std::to_string(all[i].peak) + ' ';
     return result;
   }
 
