@@ -8,26 +8,14 @@
 #include <vector>
 
 #include "api/arguments.h"
+#include "api/columns.h"
 
 namespace {
 
-using Row = std::vector<std::string>;
-
-/// The rows with their cells in columns, two blanks apart.
-std::string columns(const std::vector<Row>& rows) {
-  std::vector<std::size_t> widths(rows.front().size());
-  for (const Row& row : rows)
-    for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], row[i].size());
-  std::string result;
-  for (const Row& row : rows) {
-    for (std::size_t i = 0; i < row.size(); ++i) {
-      result += row[i];
-      if (i + 1 < row.size()) result.append(widths[i] - row[i].size() + 2, ' ');
-    }
-    result += '\n';
-  }
-  return result;
-}
+using api::columns;
+using api::flag_names;
+using api::mac_text;
+using api::Row;
 
 std::string flags_text(uint32_t flags) {
   constexpr uint32_t learn_disable = 0x1;
@@ -66,15 +54,6 @@ std::string show_ports(const chip::Chip& chip) {
                     untagged.empty() ? "-" : untagged});
   }
   return columns(rows);
-}
-
-std::string mac_text(const chip::Mac& mac) { return api::text(api::Mac{mac.data()}); }
-
-std::string flag_names(uint32_t flags, std::initializer_list<std::pair<uint32_t, const char*>> names) {
-  std::string result;
-  for (const auto& [flag, name] : names)
-    if (flags & flag) result += (result.empty() ? "" : ",") + std::string(name);
-  return result.empty() ? "-" : result;
 }
 
 std::string show_l2_cache(const chip::Chip& chip) {

@@ -1,0 +1,30 @@
+#include "api/columns.h"
+
+#include <algorithm>
+#include <cstddef>
+
+#include "api/arguments.h"
+
+std::string api::columns(const std::vector<Row>& rows) {
+  std::vector<std::size_t> widths(rows.front().size());
+  for (const Row& row : rows)
+    for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], row[i].size());
+  std::string result;
+  for (const Row& row : rows) {
+    for (std::size_t i = 0; i < row.size(); ++i) {
+      result += row[i];
+      if (i + 1 < row.size()) result.append(widths[i] - row[i].size() + 2, ' ');
+    }
+    result += '\n';
+  }
+  return result;
+}
+
+std::string api::flag_names(uint32_t flags, std::initializer_list<std::pair<uint32_t, const char*>> names) {
+  std::string result;
+  for (const auto& [flag, name] : names)
+    if (flags & flag) result += (result.empty() ? "" : ",") + std::string(name);
+  return result.empty() ? "-" : result;
+}
+
+std::string api::mac_text(const chip::Mac& mac) { return text(Mac{mac.data()}); }

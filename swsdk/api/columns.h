@@ -1,0 +1,24 @@
+// Tables as text: rows of cells in columns, and what is in the cells.
+#pragma once
+
+#include <cstdint>
+#include <initializer_list>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "chip/addresses.h"
+
+namespace api {
+
+using Row = std::vector<std::string>;
+
+/// The rows with their cells in columns, two blanks apart.
+std::string columns(const std::vector<Row>& rows);
+
+/// The names of the flags that are set, or "-".
+std::string flag_names(uint32_t flags, std::initializer_list<std::pair<uint32_t, const char*>> names);
+
+std::string mac_text(const chip::Mac& mac);
+
+}  // namespace api
