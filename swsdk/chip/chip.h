@@ -3,13 +3,19 @@
 
 #include "chip/counters.h"
 #include "chip/egress_actions.h"
+#include "chip/egress_objects.h"
+#include "chip/hosts.h"
 #include "chip/l2_cache.h"
+#include "chip/l3_interfaces.h"
 #include "chip/led_processors.h"
 #include "chip/link_scan.h"
 #include "chip/multicast_groups.h"
+#include "chip/multicast_routes.h"
+#include "chip/network_groups.h"
 #include "chip/network_interfaces.h"
 #include "chip/phy_controls.h"
 #include "chip/phy_registers.h"
+#include "chip/policers.h"
 #include "chip/port_filters.h"
 #include "chip/port_forwarding.h"
 #include "chip/port_macs.h"
@@ -21,6 +27,9 @@
 #include "chip/storm_rates.h"
 #include "chip/switch_controls.h"
 #include "chip/temperature_sensors.h"
+#include "chip/routes.h"
+#include "chip/switch_controls.h"
+#include "chip/virtual_ports.h"
 #include "chip/vlan_controls.h"
 #include "chip/vlan_translations.h"
 #include "chip/vlans.h"
@@ -67,6 +76,15 @@ struct Chip {
     l2_cache.clear();
     multicast_groups.clear();
     multicast_routing = false;
+    multicast_routes.clear();
+    unicast_routing = false;
+    l3_interfaces.clear();
+    egress_objects.clear();
+    hosts.clear();
+    routes.clear();
+    virtual_ports.clear();
+    policers.clear();
+    network_groups.reset();
     reserved_multicast.reset();
     queues.reset();
     network_interfaces.clear();
@@ -91,8 +109,17 @@ struct Chip {
   ProtocolVlans protocol_vlans;
   SwitchControls switch_controls;
   L2Cache l2_cache;
-  MulticastGroups multicast_groups;
+  MulticastGroups multicast_groups{ports};
   bool multicast_routing = false;
+  MulticastRoutes multicast_routes;
+  bool unicast_routing = false;
+  L3Interfaces l3_interfaces;
+  EgressObjects egress_objects;
+  Hosts hosts;
+  Routes routes;
+  VirtualPorts virtual_ports{ports};
+  Policers policers;
+  NetworkGroups network_groups;
   ReservedMulticast reserved_multicast;
   Queues queues;
   NetworkInterfaces network_interfaces;

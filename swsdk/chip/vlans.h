@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstdint>
+#include <initializer_list>
 #include <map>
+#include <set>
 
 #include "chip/ports.h"
 #include "chip/status.h"
@@ -36,6 +38,7 @@ struct Vlan {
   PortSet members;
   PortSet untagged;
   VlanControl control;
+  std::set<int> virtual_members{};  // gports of virtual ports
 };
 
 class Vlans {
@@ -60,8 +63,15 @@ class Vlans {
   /// A port that is no member is left alone.
   Status remove_ports(int id, const PortSet& members);
 
+  /// Virtual ports have their own way to tag. One that is a member already stays one.
+  Status add_virtual_port(int id, int gport);
+  Status remove_virtual_port(int id, int gport);
+
   Status control(int id, VlanControl& control) const;
   Status set_control(int id, const VlanControl& control);
+
+  /// Sets where a VLAN floods some kinds of multicast frames: 0 to all, 1 those without a group to all, 2 nowhere.
+  Status set_multicast_flood(int id, std::initializer_list<int VlanControl::*> kinds, int mode);
 
   const std::map<int, Vlan>& all() const { return vlans_; }
 
