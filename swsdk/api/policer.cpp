@@ -2,25 +2,69 @@
 
 #include "api/call.h"
 
+using api::Call;
 using api::in;
 using api::out;
-using api::unmodelled;
+using chip::Chip;
+using chip::Status;
+
+namespace {
+
+chip::Policer to_chip(const bcm_policer_config_t& sdk) {
+  return {.flags = sdk.flags,
+          .mode = static_cast<int>(sdk.mode),
+          .committed = {sdk.ckbits_sec, sdk.ckbits_burst, sdk.cbits_burst_lower},
+          .peak = {sdk.pkbits_sec, sdk.pkbits_burst, sdk.pbits_burst_lower},
+          .action = sdk.action_id,
+          .sharing = sdk.sharing_mode};
+}
+
+bcm_policer_config_t to_sdk(const chip::Policer& own) {
+  bcm_policer_config_t sdk;
+  bcm_policer_config_t_init(&sdk);
+  sdk.flags = own.flags;
+  sdk.mode = static_cast<bcm_policer_mode_t>(own.mode);
+  sdk.ckbits_sec = own.committed.kilobits_per_second;
+  sdk.ckbits_burst = own.committed.burst_kilobits;
+  sdk.cbits_burst_lower = own.committed.burst_bits;
+  sdk.pkbits_sec = own.peak.kilobits_per_second;
+  sdk.pkbits_burst = own.peak.burst_kilobits;
+  sdk.pbits_burst_lower = own.peak.burst_bits;
+  sdk.action_id = own.action;
+  sdk.sharing_mode = own.sharing;
+  return sdk;
+}
+
+}  // namespace
 
 int bcm_policer_create(int unit, bcm_policer_config_t* pol_cfg, bcm_policer_t* policer_id) {
-  return unmodelled(__func__, unit, in(pol_cfg), out(policer_id));
+  return Call(__func__, unit, in(pol_cfg), out(policer_id)).answer([&](Chip& chip) {
+    return chip.policers.create(to_chip(*pol_cfg), *policer_id);
+  });
 }
 
-int bcm_policer_destroy(int unit, bcm_policer_t policer_id) { return unmodelled(__func__, unit, policer_id); }
+int bcm_policer_destroy(int unit, bcm_policer_t policer_id) {
+  return Call(__func__, unit, policer_id).answer([&](Chip& chip) { return chip.policers.destroy(policer_id); });
+}
 
 int bcm_policer_get(int unit, bcm_policer_t policer_id, bcm_policer_config_t* pol_cfg) {
-  return unmodelled(__func__, unit, policer_id, out(pol_cfg));
+  return Call(__func__, unit, policer_id, out(pol_cfg)).answer([&](const Chip& chip) {
+    const chip::Policer* const found = chip.policers.find(policer_id);
+    if (found == nullptr) return chip.policers.absent(policer_id);
+    *pol_cfg = to_sdk(*found);
+    return Status::ok;
+  });
 }
 
-/// There are no policers to forget yet: the calls that make them are not modelled.
 int bcm_policer_init(int unit) {
-  return api::Call(__func__, unit).answer([](const chip::Chip&) { return chip::Status::ok; });
+  return Call(__func__, unit).answer([](Chip& chip) {
+    chip.policers.clear();
+    return Status::ok;
+  });
 }
 
 int bcm_policer_set(int unit, bcm_policer_t policer_id, bcm_policer_config_t* pol_cfg) {
-  return unmodelled(__func__, unit, policer_id, in(pol_cfg));
+  return Call(__func__, unit, policer_id, in(pol_cfg)).answer([&](Chip& chip) {
+    return chip.policers.set(policer_id, to_chip(*pol_cfg));
+  });
 }
