@@ -1,4 +1,5 @@
 #include <bcm/l3.h>
+#include <swsdk/chip.h>
 
 #include <algorithm>
 #include <tuple>
@@ -284,4 +285,20 @@ int bcm_l3_route_get(int unit, bcm_l3_route_t* info) {
   return Call(__func__, unit, inout(info)).answer([&](Chip& chip) {
     return on_routes(chip, *info, [&](Routes& routes, const chip::RouteKey& key) { return find(routes, key, *info); });
   });
+}
+
+int swsdk_l3_host_hit(int unit, unsigned address, unsigned hits) {
+  return api::on_chip(
+      unit,
+      [&](Chip& chip) {
+        return chip.hosts.hit({0, address}, hits) == Status::ok ? 0 : -1;
+      },
+      -1);
+}
+
+int swsdk_l3_route_hit(int unit, unsigned subnet, unsigned mask, unsigned hits) {
+  chip::RouteKey key;
+  if (!Routes::make_key(0, subnet, mask, key)) return -1;
+  return api::on_chip(
+      unit, [&](Chip& chip) { return chip.routes.hit(key, hits) == Status::ok ? 0 : -1; }, -1);
 }

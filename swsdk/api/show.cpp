@@ -9,6 +9,7 @@
 
 #include "api/arguments.h"
 #include "api/columns.h"
+#include "api/show_l3.h"
 
 namespace {
 
@@ -97,16 +98,6 @@ std::string show_filters(const chip::Chip& chip) {
                                {{PortFilters::broadcast, "broadcast"},
                                 {PortFilters::unknown_unicast, "unknown unicast"},
                                 {PortFilters::unknown_multicast, "unknown multicast"}})});
-  return columns(rows);
-}
-
-std::string show_multicast(const chip::Chip& chip) {
-  using chip::MulticastGroups;
-  std::vector<Row> rows{{"group", "type"}};
-  for (const auto& [id, group] : chip.multicast_groups.all())
-    rows.push_back({std::to_string(id), group.type == MulticastGroups::l2   ? "L2"
-                                        : group.type == MulticastGroups::l3 ? "L3"
-                                                                            : "VLAN"});
   return columns(rows);
 }
 
@@ -256,18 +247,25 @@ constexpr Table tables[] = {
     {"attribute", show_attributes},
     {"control", show_switch_controls},
     {"counter", show_counters},
+    {"egress", api::show_egress_objects},
     {"filter", show_filters},
     {"forwarding", show_forwarding},
+    {"host", api::show_hosts},
+    {"interface", api::show_l3_interfaces},
+    {"ipmc", api::show_multicast_routes},
     {"l2cache", show_l2_cache},
     {"led", show_leds},
-    {"multicast", show_multicast},
+    {"multicast", api::show_multicast_groups},
     {"netif", show_network_interfaces},
     {"phy", show_phys},
+    {"policer", api::show_policers},
     {"port", show_ports},
     {"rate", show_rates},
+    {"route", api::show_routes},
     {"temperature", show_temperatures},
     {"translation", show_translations},
     {"vlan", show_vlans},
+    {"vport", api::show_virtual_ports},
 };
 
 }  // namespace

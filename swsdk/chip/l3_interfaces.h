@@ -1,4 +1,4 @@
-// The layer 3 interfaces: the router's own address in a VLAN. A VLAN can have several, as long as they differ.
+// The layer 3 interfaces: the router's own address in a VLAN.
 #pragma once
 
 #include <compare>
@@ -30,8 +30,6 @@ struct L3Interface {
   uint32_t interface_flags = 0;
   uint8_t native_routing_vlan_tags = 0;
   int source_virtual_port = 0;
-
-  auto operator<=>(const L3Interface&) const = default;
 };
 
 class L3Interfaces {
@@ -63,8 +61,9 @@ class L3Interfaces {
   /// Why there is no interface of that id.
   Status absent(int id) const { return interfaces_.absent(id); }
 
-  /// The id of the interface that is the same in everything.
-  Status find_same(const L3Interface& interface, int& id) const { return interfaces_.find_id(interface, id); }
+  /// The id of the interface with the VRF, address and VLANs of `wanted`. No two have the same: they are what an
+  /// interface is; the other fields are how it treats frames.
+  Status find_same(const L3Interface& wanted, int& id) const { return interfaces_.find_id(identity_of(wanted), id); }
 
   /// The lowest id of an interface of the (outer) VLAN.
   Status find_by_vlan(int vlan, int& id) const {
@@ -78,7 +77,18 @@ class L3Interfaces {
   const std::map<int, L3Interface>& all() const { return interfaces_.all(); }
 
  private:
-  KeyedSlots<L3Interface, whole<L3Interface>> interfaces_{first_id, capacity};
+  struct Identity {
+    int vrf;
+    Mac mac;
+    int vlan;
+    int inner_vlan;
+    auto operator<=>(const Identity&) const = default;
+  };
+  static Identity identity_of(const L3Interface& interface) {
+    return {interface.vrf, interface.mac, interface.vlan, interface.inner_vlan};
+  }
+
+  KeyedSlots<L3Interface, identity_of> interfaces_{first_id, capacity};
   std::set<std::pair<int, int>> by_vlan_;  // (VLAN, id)
 };
 
