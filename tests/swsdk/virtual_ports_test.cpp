@@ -27,9 +27,9 @@ VirtualPort stacked(int port, uint16_t outer, uint16_t inner) {
 class VirtualPorts : public testing::Test {
  protected:
   int create(const VirtualPort& virtual_port) {
-    int gport = 0;
-    EXPECT_EQ(virtual_ports.create(virtual_port, gport), Status::ok);
-    return gport;
+    int made = 0;
+    EXPECT_EQ(virtual_ports.create(virtual_port, made), Status::ok);
+    return made;
   }
 
   chip::Ports ports{12};
