@@ -288,17 +288,12 @@ int bcm_l3_route_get(int unit, bcm_l3_route_t* info) {
 }
 
 int swsdk_l3_host_hit(int unit, unsigned address, unsigned hits) {
-  return api::on_chip(
-      unit,
-      [&](Chip& chip) {
-        return chip.hosts.hit({0, address}, hits) == Status::ok ? 0 : -1;
-      },
-      -1);
+  return api::on_chip(unit, [&](Chip& chip) { return chip.hosts.hit({0, address}, hits); });
 }
 
 int swsdk_l3_route_hit(int unit, unsigned subnet, unsigned mask, unsigned hits) {
-  chip::RouteKey key;
-  if (!Routes::make_key(0, subnet, mask, key)) return -1;
-  return api::on_chip(
-      unit, [&](Chip& chip) { return chip.routes.hit(key, hits) == Status::ok ? 0 : -1; }, -1);
+  return api::on_chip(unit, [&](Chip& chip) {
+    chip::RouteKey key;
+    return Routes::make_key(0, subnet, mask, key) ? chip.routes.hit(key, hits) : Status::bad_parameter;
+  });
 }

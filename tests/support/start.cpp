@@ -18,10 +18,8 @@ void support::start_chip(int units) {
   for (int unit = 0; unit < units; ++unit) system_init(unit);
 }
 
-std::string support::table(const char* name) {
-  const long size = swsdk_show(0, name, nullptr, 0);
-  if (size < 0) return "there is no table " + std::string(name);
-  std::string text(static_cast<std::size_t>(size), '\0');
-  swsdk_show(0, name, text.data(), text.size() + 1);
+std::string support::table(const char* name, int unit) {
+  std::string text(static_cast<std::size_t>(swsdk_show(unit, name, nullptr, 0)), '\0');
+  swsdk_show(unit, name, text.data(), text.size() + 1);
   return text;
 }

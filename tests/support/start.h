@@ -13,7 +13,7 @@ void start_chip(int units = 1);
 /// The same, but `system_init` is still to come.
 void attach_chip(int units = 1);
 
-/// The table of that name as unit 0 shows it.
-std::string table(const char* name);
+/// One of a unit's tables as people see it.
+std::string table(const char* name, int unit = 0);
 
 }  // namespace support

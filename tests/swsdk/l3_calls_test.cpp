@@ -3,7 +3,6 @@
 #include <bcm/l3.h>
 #include <bcm/stack.h>
 #include <bcm/switch.h>
-#include <gtest/gtest.h>
 #include <swsdk/chip.h>
 #include <swsdk/journal.h>
 
@@ -11,8 +10,8 @@
 
 #include <cstring>
 
+#include "support/chip_test.h"
 #include "support/scene.h"
-#include "support/start.h"
 
 extern "C" {
 extern uint32* l3_module_data[];
@@ -62,11 +61,8 @@ bcm_l3_egress_t egress_of(int interface) {
   return result;
 }
 
-class L3Calls : public testing::Test {
+class L3Calls : public support::ChipTest {
  protected:
-  L3Calls() { support::start_chip(); }
-  ~L3Calls() override { swsdk_power_off(); }
-
   static int make_interface(bcm_vlan_t vlan) {
     bcm_l3_intf_t interface = interface_of(vlan);
     EXPECT_EQ(bcm_l3_intf_create(0, &interface), BCM_E_NONE);

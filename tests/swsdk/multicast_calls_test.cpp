@@ -5,15 +5,14 @@
 #include <bcm/multicast.h>
 #include <bcm/port.h>
 #include <bcm/vlan.h>
-#include <gtest/gtest.h>
 #include <swsdk/chip.h>
 #include <swsdk/journal.h>
 
 #include <algorithm>
 #include <cstring>
 
+#include "support/chip_test.h"
 #include "support/scene.h"
-#include "support/start.h"
 
 extern "C" {
 int bcm_esw_vlan_ip4_mcast_flood_set(int unit, bcm_vlan_t vlan, int mode);
@@ -22,11 +21,8 @@ int bcm_esw_vlan_ip6_mcast_flood_set(int unit, bcm_vlan_t vlan, int mode);
 
 namespace {
 
-class MulticastCalls : public testing::Test {
+class MulticastCalls : public support::ChipTest {
  protected:
-  MulticastCalls() { support::start_chip(); }
-  ~MulticastCalls() override { swsdk_power_off(); }
-
   static int make_group(uint32 type) {
     int group = 0;
     EXPECT_EQ(bcm_multicast_create(0, type, &group), BCM_E_NONE);

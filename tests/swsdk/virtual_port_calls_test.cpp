@@ -4,14 +4,13 @@
 #include <bcm/policer.h>
 #include <bcm/switch.h>
 #include <bcm/vlan.h>
-#include <gtest/gtest.h>
 #include <swsdk/chip.h>
 #include <swsdk/journal.h>
 
 #include <cstring>
 
+#include "support/chip_test.h"
 #include "support/scene.h"
-#include "support/start.h"
 
 namespace {
 
@@ -32,11 +31,8 @@ bcm_vlan_port_t stacked(int port, bcm_vlan_t outer, bcm_vlan_t inner) {
   return result;
 }
 
-class VirtualPortCalls : public testing::Test {
+class VirtualPortCalls : public support::ChipTest {
  protected:
-  VirtualPortCalls() { support::start_chip(); }
-  ~VirtualPortCalls() override { swsdk_power_off(); }
-
   static bcm_gport_t create(bcm_vlan_port_t virtual_port) {
     EXPECT_EQ(bcm_vlan_port_create(0, &virtual_port), BCM_E_NONE);
     return virtual_port.vlan_port_id;

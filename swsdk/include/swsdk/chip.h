@@ -77,6 +77,8 @@ int swsdk_l2_event(int unit, int operation, int vid, const unsigned char* mac, i
 
 /** Waits until all events that were raised have been told, those that callbacks raise meanwhile too. Returns at once
  *  when it is called from a callback. */
+/** Waits until all events that were raised have been told, those that callbacks raise meanwhile too. Returns at once
+ *  when it is called from a callback. */
 /**
  * Marks a host of layer 3 as used, as by frames that it sent or that went to it.
  *
