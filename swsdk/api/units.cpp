@@ -63,13 +63,6 @@ chip::Chip* api::find_chip(int unit) {
   return found != nullptr && found->initialised ? &*found->chip : nullptr;
 }
 
-void api::publish_egress_mode(int unit) {
-  int mode = 0;
-  const auto index = static_cast<std::size_t>(unit);
-  units[index].chip->switch_controls.get(static_cast<int>(chip::SwitchControl::l3_egress_mode), mode);
-  l3_modules[index] = mode != 0 ? 1 : 0;
-}
-
 int sdk_main(int argc, char** argv) {
   return api::call_without_unit(
       __func__,
@@ -80,6 +73,13 @@ int sdk_main(int argc, char** argv) {
         return BCM_E_NONE;
       },
       argc, argv);
+}
+
+void api::publish_egress_mode(int unit) {
+  int mode = 0;
+  const auto index = static_cast<std::size_t>(unit);
+  units[index].chip->switch_controls.get(static_cast<int>(chip::SwitchControl::l3_egress_mode), mode);
+  l3_modules[index] = mode != 0 ? 1 : 0;
 }
 
 int system_init(int unit) {

@@ -64,6 +64,15 @@ Status Vlans::remove_virtual_port(int id, int gport) {
               [&](Vlan& vlan) { return vlan.virtual_members.erase(gport) == 1 ? Status::ok : Status::not_found; });
 }
 
+Status Vlans::set_multicast_flood(int id, std::initializer_list<int VlanControl::*> kinds, int mode) {
+  constexpr int nowhere = 2;
+  return with(*this, id, [&](Vlan& vlan) {
+    if (mode < 0 || mode > nowhere) return Status::bad_parameter;
+    for (int VlanControl::*const kind : kinds) vlan.control.*kind = mode;
+    return Status::ok;
+  });
+}
+
 Status Vlans::control(int id, VlanControl& control) const {
   return with(*this, id, [&](const Vlan& vlan) {
     control = vlan.control;
@@ -74,15 +83,6 @@ Status Vlans::control(int id, VlanControl& control) const {
 Status Vlans::set_control(int id, const VlanControl& control) {
   return with(*this, id, [&](Vlan& vlan) {
     vlan.control = control;
-    return Status::ok;
-  });
-}
-
-Status Vlans::set_multicast_flood(int id, std::initializer_list<int VlanControl::*> kinds, int mode) {
-  constexpr int nowhere = 2;
-  return with(*this, id, [&](Vlan& vlan) {
-    if (mode < 0 || mode > nowhere) return Status::bad_parameter;
-    for (int VlanControl::*const kind : kinds) vlan.control.*kind = mode;
     return Status::ok;
   });
 }

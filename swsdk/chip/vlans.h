@@ -35,10 +35,10 @@ struct VlanControl {
 };
 
 struct Vlan {
+  std::set<int> virtual_members{};  // gports of virtual ports
   PortSet members;
   PortSet untagged;
   VlanControl control;
-  std::set<int> virtual_members{};  // gports of virtual ports
 };
 
 class Vlans {
@@ -67,11 +67,11 @@ class Vlans {
   Status add_virtual_port(int id, int gport);
   Status remove_virtual_port(int id, int gport);
 
-  Status control(int id, VlanControl& control) const;
-  Status set_control(int id, const VlanControl& control);
-
   /// Sets where a VLAN floods some kinds of multicast frames: 0 to all, 1 those without a group to all, 2 nowhere.
   Status set_multicast_flood(int id, std::initializer_list<int VlanControl::*> kinds, int mode);
+
+  Status control(int id, VlanControl& control) const;
+  Status set_control(int id, const VlanControl& control);
 
   const std::map<int, Vlan>& all() const { return vlans_; }
 
