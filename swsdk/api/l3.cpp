@@ -1,47 +1,299 @@
 #include <bcm/l3.h>
+#include <swsdk/chip.h>
+
+#include <algorithm>
+#include <tuple>
 
 #include "api/call.h"
+#include "api/convert.h"
+#include "chip/gports.h"
 
+using api::Call;
 using api::hex;
 using api::in;
 using api::inout;
 using api::out;
-using api::unmodelled;
+using chip::Chip;
+using chip::Hosts;
+using chip::Routes;
+using chip::Status;
 
-int bcm_l3_egress_create(int unit, uint32 flags, bcm_l3_egress_t* egr, bcm_if_t* if_id) {
-  return unmodelled(__func__, unit, hex(flags), in(egr), out(if_id));
+namespace {
+
+constexpr auto interface_fields() {
+  using Sdk = bcm_l3_intf_t;
+  using Own = chip::L3Interface;
+  return std::tuple{
+      std::pair{&Sdk::l3a_flags, &Own::flags},
+      std::pair{&Sdk::l3a_flags2, &Own::flags2},
+      std::pair{&Sdk::l3a_vrf, &Own::vrf},
+      std::pair{&Sdk::l3a_mac_addr, &Own::mac},
+      std::pair{&Sdk::l3a_vid, &Own::vlan},
+      std::pair{&Sdk::l3a_inner_vlan, &Own::inner_vlan},
+      std::pair{&Sdk::l3a_tunnel_idx, &Own::tunnel},
+      std::pair{&Sdk::l3a_ttl, &Own::ttl},
+      std::pair{&Sdk::l3a_mtu, &Own::mtu},
+      std::pair{&Sdk::l3a_mtu_forwarding, &Own::mtu_forwarding},
+      std::pair{&Sdk::l3a_group, &Own::group},
+      std::pair{&Sdk::l3a_intf_class, &Own::interface_class},
+      std::pair{&Sdk::l3a_ip4_options_profile_id, &Own::ip4_options_profile},
+      std::pair{&Sdk::l3a_nat_realm_id, &Own::nat_realm},
+      std::pair{&Sdk::outer_tpid, &Own::outer_tpid},
+      std::pair{&Sdk::l3a_intf_flags, &Own::interface_flags},
+      std::pair{&Sdk::native_routing_vlan_tags, &Own::native_routing_vlan_tags},
+      std::pair{&Sdk::l3a_source_vp, &Own::source_virtual_port},
+  };
 }
 
-int bcm_l3_egress_destroy(int unit, bcm_if_t intf) { return unmodelled(__func__, unit, intf); }
+constexpr auto egress_fields() {
+  using Sdk = bcm_l3_egress_t;
+  using Own = chip::EgressObject;
+  return std::tuple{
+      std::pair{&Sdk::flags, &Own::flags},
+      std::pair{&Sdk::flags2, &Own::flags2},
+      std::pair{&Sdk::intf, &Own::interface},
+      std::pair{&Sdk::mac_addr, &Own::mac},
+      std::pair{&Sdk::vlan, &Own::vlan},
+      std::pair{&Sdk::module, &Own::module},
+      std::pair{&Sdk::port, &Own::port},
+      std::pair{&Sdk::trunk, &Own::trunk},
+      std::pair{&Sdk::encap_id, &Own::encapsulation},
+  };
+}
+
+/// The fields that hosts and routes have in common.
+template <class Sdk>
+constexpr auto entry_fields() {
+  using Own = chip::L3Entry;
+  return std::tuple{
+      std::pair{&Sdk::l3a_flags, &Own::flags},    std::pair{&Sdk::l3a_flags2, &Own::flags2},
+      std::pair{&Sdk::l3a_intf, &Own::interface}, std::pair{&Sdk::l3a_nexthop_mac, &Own::next_hop},
+      std::pair{&Sdk::l3a_modid, &Own::module},   std::pair{&Sdk::l3a_port_tgid, &Own::port},
+      std::pair{&Sdk::l3a_pri, &Own::priority},   std::pair{&Sdk::l3a_lookup_class, &Own::lookup_class},
+  };
+}
+
+constexpr auto fields_of(const bcm_l3_host_t*) { return entry_fields<bcm_l3_host_t>(); }
+
+constexpr auto fields_of(const bcm_l3_route_t*) {
+  using Sdk = bcm_l3_route_t;
+  using Own = chip::L3Entry;
+  return std::tuple_cat(entry_fields<Sdk>(), std::tuple{
+                                                 std::pair{&Sdk::l3a_nexthop_ip, &Own::next_hop_ip},
+                                                 std::pair{&Sdk::l3a_vid, &Own::vlan},
+                                                 std::pair{&Sdk::l3a_mc_group, &Own::multicast_group},
+                                             });
+}
+
+bool is_replacing(uint32 flags) { return (flags & BCM_L3_REPLACE) != 0; }
+
+/// The chip's entry of a host or route. What a flag asks of the call itself is not kept.
+template <class Sdk>
+chip::L3Entry to_entry(const Sdk& sdk) {
+  auto entry = api::to_own<chip::L3Entry>(sdk, fields_of(&sdk));
+  entry.flags &= ~static_cast<uint32>(BCM_L3_REPLACE | BCM_L3_HIT_CLEAR | BCM_L3_HIT);
+  return entry;
+}
+
+/// Looks `key` up and hands what it finds to the caller, whose flags say whether to clear the hits.
+template <class Table, class Key, class Sdk>
+Status find(Table& table, const Key& key, Sdk& sdk) {
+  chip::L3Entry found;
+  const bool clear = (sdk.l3a_flags & BCM_L3_HIT_CLEAR) != 0;
+  const Status status = table.find(key, clear ? Table::Hits::clear : Table::Hits::keep, found);
+  if (status != Status::ok) return status;
+  api::write(found, fields_of(&sdk), sdk);
+  sdk.l3a_flags |= found.hit;
+  return status;
+}
+
+bool is_ip6(const bcm_ip6_t& address) {
+  return std::any_of(std::begin(address), std::end(address), [](uint8 byte) { return byte != 0; });
+}
+
+/// Whether frames can be sent to `port`: one of the chip's, or the gport of a trunk or of a virtual port.
+bool is_destination(const Chip& chip, int port) {
+  using namespace chip::gport;
+  return chip.ports.has(port_of(port)) || kind(port) == trunk || chip.virtual_ports.find(port) != nullptr;
+}
+
+/// Why an entry can lead nowhere, or ok: it leads to an interface or an egress object, and there to a port.
+template <class Sdk>
+Status check_target(const Chip& chip, const Sdk& sdk) {
+  if (chip.l3_interfaces.find(sdk.l3a_intf) == nullptr && chip.egress_objects.find(sdk.l3a_intf) == nullptr)
+    return Status::not_found;
+  return is_destination(chip, sdk.l3a_port_tgid) ? Status::ok : Status::bad_port;
+}
+
+chip::HostKey key_of(const bcm_l3_host_t& host) { return {host.l3a_vrf, host.l3a_ip_addr}; }
+
+/// What `body` makes of the chip's hosts, which are IPv4 ones.
+template <class Body>
+Status on_hosts(Chip& chip, const bcm_l3_host_t& host, Body body) {
+  return is_ip6(host.l3a_ip6_addr) ? Status::unavailable : body(chip.hosts, key_of(host));
+}
+
+/// What `body` makes of the chip's routes, which are IPv4 ones.
+template <class Body>
+Status on_routes(Chip& chip, const bcm_l3_route_t& route, Body body) {
+  if (is_ip6(route.l3a_ip6_net) || is_ip6(route.l3a_ip6_mask)) return Status::unavailable;
+  chip::RouteKey key;
+  if (!Routes::make_key(route.l3a_vrf, route.l3a_subnet, route.l3a_ip_mask, key)) return Status::bad_parameter;
+  return body(chip.routes, key);
+}
+
+/// What `body` makes of the chip's egress objects, which are there in egress mode only.
+template <class Body>
+Status on_egress_objects(Chip& chip, Body body) {
+  int mode = 0;
+  chip.switch_controls.get(static_cast<int>(chip::SwitchControl::l3_egress_mode), mode);
+  return mode == 0 ? Status::disabled : body(chip.egress_objects);
+}
+
+/// Hands the interface of that id to the caller.
+Status tell_interface(const Chip& chip, int id, bcm_l3_intf_t& interface) {
+  const chip::L3Interface* const found = chip.l3_interfaces.find(id);
+  if (found == nullptr) return chip.l3_interfaces.absent(id);
+  api::write(*found, interface_fields(), interface);
+  interface.l3a_intf_id = id;
+  return Status::ok;
+}
+
+}  // namespace
+
+int bcm_l3_egress_create(int unit, uint32 flags, bcm_l3_egress_t* egr, bcm_if_t* if_id) {
+  return Call(__func__, unit, hex(flags), in(egr), out(if_id)).answer([&](Chip& chip) {
+    return on_egress_objects(chip, [&](chip::EgressObjects& objects) {
+      if (flags != 0) return Status::unavailable;
+      const auto object = api::to_own<chip::EgressObject>(*egr, egress_fields());
+      if (chip.l3_interfaces.find(object.interface) == nullptr) return chip.l3_interfaces.absent(object.interface);
+      return is_destination(chip, object.port) ? objects.create(object, *if_id) : Status::bad_port;
+    });
+  });
+}
+
+int bcm_l3_egress_destroy(int unit, bcm_if_t intf) {
+  return Call(__func__, unit, intf).answer([&](Chip& chip) {
+    return on_egress_objects(chip, [&](chip::EgressObjects& objects) {
+      return chip.hosts.uses(intf) + chip.routes.uses(intf) > 0 ? Status::busy : objects.remove(intf);
+    });
+  });
+}
 
 int bcm_l3_egress_find(int unit, bcm_l3_egress_t* egr, bcm_if_t* intf) {
-  return unmodelled(__func__, unit, in(egr), out(intf));
+  return Call(__func__, unit, in(egr), out(intf)).answer([&](Chip& chip) {
+    return on_egress_objects(chip, [&](const chip::EgressObjects& objects) {
+      return objects.find_same(api::to_own<chip::EgressObject>(*egr, egress_fields()), *intf);
+    });
+  });
 }
 
 int bcm_l3_egress_get(int unit, bcm_if_t intf, bcm_l3_egress_t* egr) {
-  return unmodelled(__func__, unit, intf, out(egr));
+  return Call(__func__, unit, intf, out(egr)).answer([&](Chip& chip) {
+    return on_egress_objects(chip, [&](const chip::EgressObjects& objects) {
+      const chip::EgressObject* const found = objects.find(intf);
+      if (found == nullptr) return objects.absent(intf);
+      api::write(*found, egress_fields(), *egr);
+      return Status::ok;
+    });
+  });
 }
 
-int bcm_l3_enable_set(int unit, int enable) { return unmodelled(__func__, unit, enable); }
+int bcm_l3_enable_set(int unit, int enable) {
+  return Call(__func__, unit, enable).answer([&](Chip& chip) {
+    chip.unicast_routing = enable != 0;
+    return Status::ok;
+  });
+}
 
-int bcm_l3_host_add(int unit, bcm_l3_host_t* info) { return unmodelled(__func__, unit, in(info)); }
+int bcm_l3_host_add(int unit, bcm_l3_host_t* info) {
+  return Call(__func__, unit, in(info)).answer([&](Chip& chip) {
+    return on_hosts(chip, *info, [&](Hosts& hosts, const chip::HostKey& key) {
+      const Status status = check_target(chip, *info);
+      return status == Status::ok ? hosts.add(key, to_entry(*info), is_replacing(info->l3a_flags)) : status;
+    });
+  });
+}
 
-int bcm_l3_host_delete(int unit, bcm_l3_host_t* ip_addr) { return unmodelled(__func__, unit, in(ip_addr)); }
+int bcm_l3_host_delete(int unit, bcm_l3_host_t* ip_addr) {
+  return Call(__func__, unit, in(ip_addr)).answer([&](Chip& chip) {
+    return on_hosts(chip, *ip_addr, [](Hosts& hosts, const chip::HostKey& key) { return hosts.remove(key); });
+  });
+}
 
-int bcm_l3_host_find(int unit, bcm_l3_host_t* info) { return unmodelled(__func__, unit, inout(info)); }
+int bcm_l3_host_find(int unit, bcm_l3_host_t* info) {
+  return Call(__func__, unit, inout(info)).answer([&](Chip& chip) {
+    return on_hosts(chip, *info, [&](Hosts& hosts, const chip::HostKey& key) { return find(hosts, key, *info); });
+  });
+}
 
-int bcm_l3_intf_create(int unit, bcm_l3_intf_t* intf) { return unmodelled(__func__, unit, inout(intf)); }
+int bcm_l3_intf_create(int unit, bcm_l3_intf_t* intf) {
+  return Call(__func__, unit, inout(intf)).answer([&](Chip& chip) {
+    return chip.l3_interfaces.create(api::to_own<chip::L3Interface>(*intf, interface_fields()), intf->l3a_intf_id);
+  });
+}
 
-int bcm_l3_intf_delete(int unit, bcm_l3_intf_t* intf) { return unmodelled(__func__, unit, in(intf)); }
+int bcm_l3_intf_delete(int unit, bcm_l3_intf_t* intf) {
+  return Call(__func__, unit, in(intf)).answer([&](Chip& chip) {
+    return chip.l3_interfaces.remove(intf->l3a_intf_id);
+  });
+}
 
-int bcm_l3_intf_delete_all(int unit) { return unmodelled(__func__, unit); }
+int bcm_l3_intf_delete_all(int unit) {
+  return Call(__func__, unit).answer([](Chip& chip) {
+    chip.l3_interfaces.clear();
+    return Status::ok;
+  });
+}
 
-int bcm_l3_intf_find(int unit, bcm_l3_intf_t* intf) { return unmodelled(__func__, unit, inout(intf)); }
+int bcm_l3_intf_find(int unit, bcm_l3_intf_t* intf) {
+  return Call(__func__, unit, inout(intf)).answer([&](Chip& chip) {
+    int id = intf->l3a_intf_id;
+    if (id == 0) {
+      const auto wanted = api::to_own<chip::L3Interface>(*intf, interface_fields());
+      const Status status = chip.l3_interfaces.find_same(wanted, id);
+      if (status != Status::ok) return status;
+    }
+    return tell_interface(chip, id, *intf);
+  });
+}
 
-int bcm_l3_intf_find_vlan(int unit, bcm_l3_intf_t* intf) { return unmodelled(__func__, unit, inout(intf)); }
+int bcm_l3_intf_find_vlan(int unit, bcm_l3_intf_t* intf) {
+  return Call(__func__, unit, inout(intf)).answer([&](Chip& chip) {
+    int id = 0;
+    const Status status = chip.l3_interfaces.find_by_vlan(intf->l3a_vid, id);
+    return status == Status::ok ? tell_interface(chip, id, *intf) : status;
+  });
+}
 
-int bcm_l3_route_add(int unit, bcm_l3_route_t* info) { return unmodelled(__func__, unit, in(info)); }
+int bcm_l3_route_add(int unit, bcm_l3_route_t* info) {
+  return Call(__func__, unit, in(info)).answer([&](Chip& chip) {
+    return on_routes(chip, *info, [&](Routes& routes, const chip::RouteKey& key) {
+      const Status status = check_target(chip, *info);
+      return status == Status::ok ? routes.add(key, to_entry(*info), is_replacing(info->l3a_flags)) : status;
+    });
+  });
+}
 
-int bcm_l3_route_delete(int unit, bcm_l3_route_t* info) { return unmodelled(__func__, unit, in(info)); }
+int bcm_l3_route_delete(int unit, bcm_l3_route_t* info) {
+  return Call(__func__, unit, in(info)).answer([&](Chip& chip) {
+    return on_routes(chip, *info, [](Routes& routes, const chip::RouteKey& key) { return routes.remove(key); });
+  });
+}
 
-int bcm_l3_route_get(int unit, bcm_l3_route_t* info) { return unmodelled(__func__, unit, inout(info)); }
+int bcm_l3_route_get(int unit, bcm_l3_route_t* info) {
+  return Call(__func__, unit, inout(info)).answer([&](Chip& chip) {
+    return on_routes(chip, *info, [&](Routes& routes, const chip::RouteKey& key) { return find(routes, key, *info); });
+  });
+}
+
+int swsdk_l3_host_hit(int unit, unsigned address, unsigned hits) {
+  return api::on_chip(unit, [&](Chip& chip) { return chip.hosts.hit({0, address}, hits); });
+}
+
+int swsdk_l3_route_hit(int unit, unsigned subnet, unsigned mask, unsigned hits) {
+  return api::on_chip(unit, [&](Chip& chip) {
+    chip::RouteKey key;
+    return Routes::make_key(0, subnet, mask, key) ? chip.routes.hit(key, hits) : Status::bad_parameter;
+  });
+}

@@ -6,40 +6,33 @@ using api::Call;
 using api::in;
 using api::out;
 using chip::Chip;
-using chip::PolicerSettings;
 using chip::Status;
 
 namespace {
 
-PolicerSettings to_chip(const bcm_policer_config_t& config) {
-  return {
-      .flags = config.flags,
-      .mode = config.mode,
-      .committed_rate = config.ckbits_sec,
-      .committed_burst = config.ckbits_burst,
-      .committed_burst_bits = config.cbits_burst_lower,
-      .peak_rate = config.pkbits_sec,
-      .peak_burst = config.pkbits_burst,
-      .peak_burst_bits = config.pbits_burst_lower,
-      .action = config.action_id,
-      .sharing_mode = config.sharing_mode,
-  };
+chip::Policer to_chip(const bcm_policer_config_t& sdk) {
+  return {.flags = sdk.flags,
+          .mode = static_cast<int>(sdk.mode),
+          .committed = {sdk.ckbits_sec, sdk.ckbits_burst, sdk.cbits_burst_lower},
+          .peak = {sdk.pkbits_sec, sdk.pkbits_burst, sdk.pbits_burst_lower},
+          .action = sdk.action_id,
+          .sharing = sdk.sharing_mode};
 }
 
-bcm_policer_config_t to_sdk(const PolicerSettings& settings) {
-  bcm_policer_config_t config;
-  bcm_policer_config_t_init(&config);
-  config.flags = settings.flags;
-  config.mode = static_cast<bcm_policer_mode_t>(settings.mode);
-  config.ckbits_sec = settings.committed_rate;
-  config.ckbits_burst = settings.committed_burst;
-  config.cbits_burst_lower = settings.committed_burst_bits;
-  config.pkbits_sec = settings.peak_rate;
-  config.pkbits_burst = settings.peak_burst;
-  config.pbits_burst_lower = settings.peak_burst_bits;
-  config.action_id = settings.action;
-  config.sharing_mode = settings.sharing_mode;
-  return config;
+bcm_policer_config_t to_sdk(const chip::Policer& own) {
+  bcm_policer_config_t sdk;
+  bcm_policer_config_t_init(&sdk);
+  sdk.flags = own.flags;
+  sdk.mode = static_cast<bcm_policer_mode_t>(own.mode);
+  sdk.ckbits_sec = own.committed.kilobits_per_second;
+  sdk.ckbits_burst = own.committed.burst_kilobits;
+  sdk.cbits_burst_lower = own.committed.burst_bits;
+  sdk.pkbits_sec = own.peak.kilobits_per_second;
+  sdk.pkbits_burst = own.peak.burst_kilobits;
+  sdk.pbits_burst_lower = own.peak.burst_bits;
+  sdk.action_id = own.action;
+  sdk.sharing_mode = own.sharing;
+  return sdk;
 }
 
 }  // namespace
@@ -55,11 +48,11 @@ int bcm_policer_destroy(int unit, bcm_policer_t policer_id) {
 }
 
 int bcm_policer_get(int unit, bcm_policer_t policer_id, bcm_policer_config_t* pol_cfg) {
-  return Call(__func__, unit, policer_id, out(pol_cfg)).answer([&](Chip& chip) {
-    PolicerSettings found;
-    const Status status = chip.policers.get(policer_id, found);
-    if (status == Status::ok) *pol_cfg = to_sdk(found);
-    return status;
+  return Call(__func__, unit, policer_id, out(pol_cfg)).answer([&](const Chip& chip) {
+    const chip::Policer* const found = chip.policers.find(policer_id);
+    if (found == nullptr) return chip.policers.absent(policer_id);
+    *pol_cfg = to_sdk(*found);
+    return Status::ok;
   });
 }
 

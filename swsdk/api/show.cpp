@@ -10,6 +10,7 @@
 #include "api/arguments.h"
 #include "api/columns.h"
 #include "api/show_l2.h"
+#include "api/show_l3.h"
 
 namespace {
 
@@ -98,16 +99,6 @@ std::string show_filters(const chip::Chip& chip) {
                                {{PortFilters::broadcast, "broadcast"},
                                 {PortFilters::unknown_unicast, "unknown unicast"},
                                 {PortFilters::unknown_multicast, "unknown multicast"}})});
-  return columns(rows);
-}
-
-std::string show_multicast(const chip::Chip& chip) {
-  using chip::MulticastGroups;
-  std::vector<Row> rows{{"group", "type"}};
-  for (const auto& [id, group] : chip.multicast_groups.all())
-    rows.push_back({std::to_string(id), group.type == MulticastGroups::l2   ? "L2"
-                                        : group.type == MulticastGroups::l3 ? "L3"
-                                                                            : "VLAN"});
   return columns(rows);
 }
 
@@ -257,26 +248,33 @@ constexpr Table tables[] = {
     {"attribute", show_attributes},
     {"control", show_switch_controls},
     {"counter", show_counters},
+    {"egress", api::show_egress_objects},
     {"field", api::show_field},
     {"filter", show_filters},
     {"forwarding", show_forwarding},
+    {"host", api::show_hosts},
+    {"interface", api::show_l3_interfaces},
+    {"ipmc", api::show_multicast_routes},
     {"l2cache", show_l2_cache},
     {"learnlimit", api::show_learn_limits},
     {"led", show_leds},
     {"mac", api::show_mac_table},
     {"macvlan", api::show_mac_vlans},
     {"mirror", api::show_mirrors},
-    {"multicast", show_multicast},
+    {"multicast", api::show_multicast_groups},
     {"netif", show_network_interfaces},
     {"phy", show_phys},
+    {"policer", api::show_policers},
     {"port", show_ports},
     {"rate", show_rates},
+    {"route", api::show_routes},
     {"stp", api::show_spanning_trees},
     {"subnetvlan", api::show_subnet_vlans},
     {"temperature", show_temperatures},
     {"translation", show_translations},
     {"trunk", api::show_trunks},
     {"vlan", show_vlans},
+    {"vport", api::show_virtual_ports},
 };
 
 }  // namespace

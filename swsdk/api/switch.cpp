@@ -9,6 +9,7 @@
 using api::array;
 using api::Call;
 using api::in;
+using api::inout;
 using api::out;
 using api::out_array;
 using api::unmodelled;
@@ -26,7 +27,11 @@ int bcm_switch_control_port_set(int unit, bcm_port_t port, bcm_switch_control_t 
 }
 
 int bcm_switch_control_set(int unit, bcm_switch_control_t type, int arg) {
-  return Call(__func__, unit, type, arg).answer([&](Chip& chip) { return chip.switch_controls.set(type, arg); });
+  return Call(__func__, unit, type, arg).answer([&](Chip& chip) {
+    const chip::Status status = chip.switch_controls.set(type, arg);
+    api::publish_egress_mode(unit);
+    return status;
+  });
 }
 
 int bcm_switch_ipv6_reserved_multicast_addr_multi_set(int unit, int inner, int num, bcm_ip6_t* ip6_addr,
@@ -41,12 +46,18 @@ int bcm_switch_ipv6_reserved_multicast_addr_multi_set(int unit, int inner, int n
 
 int bcm_switch_network_group_config_get(int unit, bcm_switch_network_group_t source_network_group_id,
                                         bcm_switch_network_group_config_t* config) {
-  return unmodelled(__func__, unit, source_network_group_id, out(config));
+  return Call(__func__, unit, source_network_group_id, inout(config)).answer([&](const Chip& chip) {
+    if (!chip::NetworkGroups::is_valid(config->dest_network_group_id)) return chip::Status::bad_parameter;
+    return chip.network_groups.get(source_network_group_id, config->config_flags);
+  });
 }
 
 int bcm_switch_network_group_config_set(int unit, bcm_switch_network_group_t source_network_group_id,
                                         bcm_switch_network_group_config_t* config) {
-  return unmodelled(__func__, unit, source_network_group_id, in(config));
+  return Call(__func__, unit, source_network_group_id, in(config)).answer([&](Chip& chip) {
+    if (!chip::NetworkGroups::is_valid(config->dest_network_group_id)) return chip::Status::bad_parameter;
+    return chip.network_groups.set(source_network_group_id, config->config_flags);
+  });
 }
 
 int bcm_switch_object_count_multi_get(int unit, int object_size, bcm_switch_object_t* object_array, int* entries) {

@@ -73,6 +73,13 @@ int sdk_main(int argc, char** argv) {
       argc, argv);
 }
 
+void api::publish_egress_mode(int unit) {
+  int mode = 0;
+  const auto index = static_cast<std::size_t>(unit);
+  units[index].chip->switch_controls.get(static_cast<int>(chip::SwitchControl::l3_egress_mode), mode);
+  l3_modules[index] = mode != 0 ? 1 : 0;
+}
+
 int system_init(int unit) {
   const auto initialise = [&]() -> int {
     api::Unit* const attached = api::find_unit(unit);
@@ -80,6 +87,7 @@ int system_init(int unit) {
     const std::lock_guard guard(attached->lock);
     attached->chip->reset();
     attached->initialised = true;
+    api::publish_egress_mode(unit);
     return BCM_E_NONE;
   };
   return api::call_without_unit(__func__, initialise, unit);

@@ -51,6 +51,9 @@ struct Unit {
   Listeners<L2Listener> l2_listeners;
 };
 
+/// Makes the L3 module's record of an attached unit tell the egress mode that its switch control sets.
+void publish_egress_mode(int unit);
+
 /// The attached unit of that number, or null.
 Unit* find_unit(int unit);
 

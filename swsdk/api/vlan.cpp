@@ -4,6 +4,7 @@
 #include <tuple>
 
 #include "api/call.h"
+#include "api/convert.h"
 #include "chip/gports.h"
 
 using api::Call;
@@ -15,6 +16,7 @@ using api::ports;
 using api::unmodelled;
 using chip::Chip;
 using chip::Status;
+using chip::VirtualPorts;
 using chip::gport::port_of;
 
 namespace {
@@ -44,25 +46,36 @@ constexpr auto control_fields() {
   };
 }
 
-bcm_vlan_control_vlan_t to_sdk(const chip::VlanControl& own) {
-  bcm_vlan_control_vlan_t sdk;
-  bcm_vlan_control_vlan_t_init(&sdk);
-  const auto copy = [&](const auto& field) {
-    auto& target = sdk.*field.first;
-    target = static_cast<std::remove_reference_t<decltype(target)>>(own.*field.second);
+constexpr auto virtual_port_fields() {
+  using Sdk = bcm_vlan_port_t;
+  using Own = chip::VirtualPort;
+  return std::tuple{
+      std::pair{&Sdk::criteria, &Own::criteria},
+      std::pair{&Sdk::flags, &Own::flags},
+      std::pair{&Sdk::vsi, &Own::instance},
+      std::pair{&Sdk::match_vlan, &Own::match_vlan},
+      std::pair{&Sdk::match_inner_vlan, &Own::match_inner_vlan},
+      std::pair{&Sdk::match_pcp, &Own::match_priority},
+      std::pair{&Sdk::match_ethertype, &Own::match_ethertype},
+      std::pair{&Sdk::port, &Own::port},
+      std::pair{&Sdk::pkt_pri, &Own::packet_priority},
+      std::pair{&Sdk::pkt_cfi, &Own::packet_cfi},
+      std::pair{&Sdk::egress_service_tpid, &Own::egress_tpid},
+      std::pair{&Sdk::egress_vlan, &Own::egress_vlan},
+      std::pair{&Sdk::egress_inner_vlan, &Own::egress_inner_vlan},
+      std::pair{&Sdk::encap_id, &Own::encapsulation},
+      std::pair{&Sdk::qos_map_id, &Own::qos_map},
+      std::pair{&Sdk::policer_id, &Own::policer},
+      std::pair{&Sdk::egress_policer_id, &Own::egress_policer},
+      std::pair{&Sdk::failover_id, &Own::failover},
+      std::pair{&Sdk::failover_port_id, &Own::failover_port},
+      std::pair{&Sdk::ingress_network_group_id, &Own::ingress_network_group},
+      std::pair{&Sdk::egress_network_group_id, &Own::egress_network_group},
+      std::pair{&Sdk::if_class, &Own::interface_class},
+      std::pair{&Sdk::group, &Own::group},
+      std::pair{&Sdk::class_id, &Own::class_id},
+      std::pair{&Sdk::flags2, &Own::flags2},
   };
-  std::apply([&](const auto&... field) { (copy(field), ...); }, control_fields());
-  return sdk;
-}
-
-chip::VlanControl to_chip(const bcm_vlan_control_vlan_t& sdk) {
-  chip::VlanControl own;
-  const auto copy = [&](const auto& field) {
-    auto& target = own.*field.second;
-    target = static_cast<std::remove_reference_t<decltype(target)>>(sdk.*field.first);
-  };
-  std::apply([&](const auto&... field) { (copy(field), ...); }, control_fields());
-  return own;
 }
 
 chip::EgressAction to_chip(const bcm_vlan_action_set_t& sdk) {
@@ -127,14 +140,14 @@ int bcm_vlan_control_vlan_get(int unit, bcm_vlan_t vlan, bcm_vlan_control_vlan_t
   return Call(__func__, unit, vlan, out(control)).answer([&](Chip& chip) {
     chip::VlanControl found;
     const Status status = chip.vlans.control(vlan, found);
-    if (status == Status::ok) *control = to_sdk(found);
+    if (status == Status::ok) api::write(found, control_fields(), *control);
     return status;
   });
 }
 
 int bcm_vlan_control_vlan_set(int unit, bcm_vlan_t vlan, bcm_vlan_control_vlan_t control) {
   return Call(__func__, unit, vlan, control).answer([&](Chip& chip) {
-    return chip.vlans.set_control(vlan, to_chip(control));
+    return chip.vlans.set_control(vlan, api::to_own<chip::VlanControl>(control, control_fields()));
   });
 }
 
@@ -176,11 +189,20 @@ int bcm_vlan_dtag_range_delete(int unit, int port, bcm_vlan_t old_vid_low, bcm_v
 }
 
 int bcm_vlan_gport_add(int unit, bcm_vlan_t vlan, bcm_gport_t port, int flags) {
-  return unmodelled(__func__, unit, vlan, port, hex(static_cast<uint32>(flags)));
+  return Call(__func__, unit, vlan, port, hex(static_cast<uint32>(flags))).answer([&](Chip& chip) {
+    if (flags != 0) return Status::unavailable;
+    if (!VirtualPorts::is_virtual(port)) return chip.vlans.add_ports(vlan, {port_of(port)}, {});
+    const bool known = chip.virtual_ports.find(port) != nullptr;
+    return known ? chip.vlans.add_virtual_port(vlan, port) : chip.virtual_ports.absent(port);
+  });
 }
 
+/// A virtual port that is destroyed can still be a member, and leave.
 int bcm_vlan_gport_delete(int unit, bcm_vlan_t vlan, bcm_gport_t port) {
-  return unmodelled(__func__, unit, vlan, port);
+  return Call(__func__, unit, vlan, port).answer([&](Chip& chip) {
+    return VirtualPorts::is_virtual(port) ? chip.vlans.remove_virtual_port(vlan, port)
+                                          : chip.vlans.remove_ports(vlan, {port_of(port)});
+  });
 }
 
 int bcm_vlan_init(int unit) {
@@ -231,7 +253,13 @@ int bcm_vlan_mac_delete_all(int unit) {
 }
 
 int bcm_vlan_mcast_flood_set(int unit, bcm_vlan_t vlan, bcm_vlan_mcast_flood_t mode) {
-  return unmodelled(__func__, unit, vlan, mode);
+  return Call(__func__, unit, vlan, mode).answer([&](Chip& chip) {
+    using Control = chip::VlanControl;
+    return chip.vlans.set_multicast_flood(
+        vlan,
+        {&Control::l2_multicast_flood_mode, &Control::ip4_multicast_flood_mode, &Control::ip6_multicast_flood_mode},
+        mode);
+  });
 }
 
 int bcm_vlan_port_add(int unit, bcm_vlan_t vid, bcm_pbmp_t pbmp, bcm_pbmp_t ubmp) {
@@ -240,11 +268,32 @@ int bcm_vlan_port_add(int unit, bcm_vlan_t vid, bcm_pbmp_t pbmp, bcm_pbmp_t ubmp
   });
 }
 
-int bcm_vlan_port_create(int unit, bcm_vlan_port_t* vlan_port) { return unmodelled(__func__, unit, inout(vlan_port)); }
+int bcm_vlan_port_create(int unit, bcm_vlan_port_t* vlan_port) {
+  return Call(__func__, unit, inout(vlan_port)).answer([&](Chip& chip) {
+    return chip.virtual_ports.create(api::to_own<chip::VirtualPort>(*vlan_port, virtual_port_fields()),
+                                     vlan_port->vlan_port_id);
+  });
+}
 
-int bcm_vlan_port_destroy(int unit, bcm_gport_t gport) { return unmodelled(__func__, unit, gport); }
+int bcm_vlan_port_destroy(int unit, bcm_gport_t gport) {
+  return Call(__func__, unit, gport).answer([&](Chip& chip) { return chip.virtual_ports.destroy(gport); });
+}
 
-int bcm_vlan_port_find(int unit, bcm_vlan_port_t* vlan_port) { return unmodelled(__func__, unit, inout(vlan_port)); }
+int bcm_vlan_port_find(int unit, bcm_vlan_port_t* vlan_port) {
+  return Call(__func__, unit, inout(vlan_port)).answer([&](const Chip& chip) {
+    int gport = vlan_port->vlan_port_id;
+    if (gport == 0) {
+      const auto wanted = api::to_own<chip::VirtualPort>(*vlan_port, virtual_port_fields());
+      const Status status = chip.virtual_ports.find_match(wanted, gport);
+      if (status != Status::ok) return status;
+    }
+    const chip::VirtualPort* const found = chip.virtual_ports.find(gport);
+    if (found == nullptr) return chip.virtual_ports.absent(gport);
+    api::write(*found, virtual_port_fields(), *vlan_port);
+    vlan_port->vlan_port_id = gport;
+    return Status::ok;
+  });
+}
 
 int bcm_vlan_port_remove(int unit, bcm_vlan_t vid, bcm_pbmp_t pbmp) {
   return Call(__func__, unit, vid, pbmp).answer([&](Chip& chip) { return chip.vlans.remove_ports(vid, ports(pbmp)); });

@@ -3,14 +3,19 @@
 
 #include "chip/counters.h"
 #include "chip/egress_actions.h"
+#include "chip/egress_objects.h"
 #include "chip/field_processor.h"
+#include "chip/hosts.h"
 #include "chip/l2_cache.h"
+#include "chip/l3_interfaces.h"
 #include "chip/learn_limits.h"
 #include "chip/led_processors.h"
 #include "chip/link_scan.h"
 #include "chip/mac_table.h"
 #include "chip/mirrors.h"
 #include "chip/multicast_groups.h"
+#include "chip/multicast_routes.h"
+#include "chip/network_groups.h"
 #include "chip/network_interfaces.h"
 #include "chip/phy_controls.h"
 #include "chip/phy_registers.h"
@@ -23,11 +28,13 @@
 #include "chip/protocol_vlans.h"
 #include "chip/queues.h"
 #include "chip/reserved_multicast.h"
+#include "chip/routes.h"
 #include "chip/spanning_trees.h"
 #include "chip/storm_rates.h"
 #include "chip/switch_controls.h"
 #include "chip/temperature_sensors.h"
 #include "chip/trunks.h"
+#include "chip/virtual_ports.h"
 #include "chip/vlan_assignments.h"
 #include "chip/vlan_controls.h"
 #include "chip/vlan_translations.h"
@@ -88,6 +95,14 @@ struct Chip {
     l2_cache.clear();
     multicast_groups.clear();
     multicast_routing = false;
+    multicast_routes.clear();
+    unicast_routing = false;
+    l3_interfaces.clear();
+    egress_objects.clear();
+    hosts.clear();
+    routes.clear();
+    virtual_ports.clear();
+    network_groups.reset();
     reserved_multicast.reset();
     queues.reset();
     network_interfaces.clear();
@@ -121,8 +136,16 @@ struct Chip {
   SubnetVlans subnet_vlans;
   SpanningTrees spanning_trees;
   L2Cache l2_cache;
-  MulticastGroups multicast_groups;
+  MulticastGroups multicast_groups{ports};
   bool multicast_routing = false;
+  MulticastRoutes multicast_routes;
+  bool unicast_routing = false;
+  L3Interfaces l3_interfaces;
+  EgressObjects egress_objects;
+  Hosts hosts;
+  Routes routes;
+  VirtualPorts virtual_ports{ports};
+  NetworkGroups network_groups;
   ReservedMulticast reserved_multicast;
   Queues queues;
   NetworkInterfaces network_interfaces;

@@ -94,7 +94,7 @@ Status FieldProcessor::create_entry_with_id(int group, int id) {
 Status FieldProcessor::destroy_entry(int entry) {
   return with_entry(*this, entry, [&](const FieldEntry& found) {
     if (found.installed) return Status::busy;
-    for (const int policer : found.rule.policers) policers_.release(policer);
+    for (const int policer : found.rule.policers) policers_.detach(policer);
     --groups_.find(found.group)->entries;
     return entries_.remove(entry);
   });
@@ -201,7 +201,7 @@ Status FieldProcessor::attach_policer(int entry, int level, int policer) {
     return with_level(level, [&](std::size_t index) {
       int& attached = found.rule.policers[index];
       if (attached != FieldRule::no_policer) return Status::exists;
-      const Status status = policers_.use(policer);
+      const Status status = policers_.attach(policer);
       if (status == Status::ok) attached = policer;
       return status;
     });
@@ -213,7 +213,7 @@ Status FieldProcessor::detach_policer(int entry, int level) {
     return with_level(level, [&](std::size_t index) {
       int& attached = found.rule.policers[index];
       if (attached == FieldRule::no_policer) return Status::not_found;
-      policers_.release(attached);
+      policers_.detach(attached);
       attached = FieldRule::no_policer;
       return Status::ok;
     });
@@ -234,7 +234,7 @@ Status FieldProcessor::policer(int entry, int level, int& policer) const {
 void FieldProcessor::forget_policers() {
   for (const auto& [id, ignored] : entries_.all()) {
     FieldEntry& entry = *entries_.find(id);
-    for (const int policer : entry.rule.policers) policers_.release(policer);
+    for (const int policer : entry.rule.policers) policers_.detach(policer);
     entry.rule.policers = {};
     if (entry.installed) entry.installed->policers = {};
   }

@@ -1,14 +1,26 @@
-// The multicast groups by id; what kind of members they take is their type.
+// The multicast groups by id, with their members; what kind of members they take is their type.
 #pragma once
 
+#include <compare>
 #include <cstdint>
+#include <set>
 
+#include "chip/encapsulations.h"
+#include "chip/ports.h"
 #include "chip/slots.h"
 
 namespace chip {
 
+/// A port can be a member more than once, with a copy for each encapsulation.
+struct MulticastMember {
+  int port = 0;
+  int encapsulation = 0;
+  auto operator<=>(const MulticastMember&) const = default;
+};
+
 struct MulticastGroup {
   uint32_t type = 0;
+  std::set<MulticastMember> members{};
 };
 
 class MulticastGroups {
@@ -19,6 +31,8 @@ class MulticastGroups {
   static constexpr uint32_t l2 = 0x10000;
   static constexpr uint32_t l3 = 0x20000;
   static constexpr uint32_t vlan = 0x400000;
+
+  explicit MulticastGroups(const Ports& ports) : ports_(ports) {}
 
   /// Makes a group; the flag `with_id` asks for the id that `id` holds.
   Status create(uint32_t flags, int& id) {
@@ -31,9 +45,40 @@ class MulticastGroups {
   Status destroy(int id) { return groups_.remove(id); }
   void clear() { groups_.clear(); }
 
+  const MulticastGroup* find(int id) const { return groups_.find(id); }
+  /// Why there is no group of that id.
+  Status absent(int id) const { return groups_.absent(id); }
+
+  /// Whether a port can be a member of the group, which has to be of one of the types.
+  Status check(int id, uint32_t types, int port) const {
+    const MulticastGroup* const group = groups_.find(id);
+    if (group == nullptr) return groups_.absent(id);
+    if ((group->type & types) == 0) return Status::bad_parameter;
+    return ports_.has(port) ? Status::ok : Status::bad_port;
+  }
+
+  Status add_member(int id, const MulticastMember& member) {
+    const Status status = check(id, types_of(member.encapsulation), member.port);
+    if (status != Status::ok) return status;
+    return groups_.find(id)->members.insert(member).second ? Status::ok : Status::exists;
+  }
+
+  Status remove_member(int id, const MulticastMember& member) {
+    const Status status = check(id, types_of(member.encapsulation), member.port);
+    if (status != Status::ok) return status;
+    return groups_.find(id)->members.erase(member) == 1 ? Status::ok : Status::not_found;
+  }
+
   const std::map<int, MulticastGroup>& all() const { return groups_.all(); }
 
  private:
+  /// The types of the groups that take members with that encapsulation.
+  static uint32_t types_of(int id) {
+    if (id == encapsulation::as_it_is) return l2 | vlan;
+    return encapsulation::is_interface(id) ? l3 : encapsulation::is_virtual_port(id) ? vlan : 0;
+  }
+
+  const Ports& ports_;
   Slots<MulticastGroup> groups_{1, capacity};
 };
 

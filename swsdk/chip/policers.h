@@ -1,67 +1,95 @@
-// The policers: rates and bursts that meter what they are attached to.
+// The policers: meters with a committed and a peak rate that other tables' entries hold their frames to.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 
 #include "chip/slots.h"
 
 namespace chip {
 
-/// Committed and peak rate in kbit/s; bursts in kbit and the bits beyond.
-struct PolicerSettings {
-  uint32_t flags = 0;
-  int mode = 0;
-  uint32_t committed_rate = 0;
-  uint32_t committed_burst = 0;
-  uint32_t committed_burst_bits = 0;
-  uint32_t peak_rate = 0;
-  uint32_t peak_burst = 0;
-  uint32_t peak_burst_bits = 0;
-  uint32_t action = 0;
-  uint32_t sharing_mode = 0;
-
-  bool operator==(const PolicerSettings&) const = default;
+/// A token bucket. The burst is the sum of its two parts.
+struct Meter {
+  uint32_t kilobits_per_second = 0;
+  uint32_t burst_kilobits = 0;
+  uint32_t burst_bits = 0;
 };
 
 struct Policer {
-  PolicerSettings settings;
-  int users = 0;
+  uint32_t flags = 0;
+  int mode = 0;
+  Meter committed;
+  Meter peak;
+  uint32_t action = 0;
+  uint32_t sharing = 0;
+  int attached = 0;  // to how many entries
 };
 
 class Policers {
  public:
   static constexpr int capacity = 2048;
+  static constexpr int highest_mode = 3;  // two rates, three colours
 
-  Status create(const PolicerSettings& settings, int& id) { return policers_.add({settings}, id); }
-  /// Busy while something uses it.
+  // The chip counts bursts in bytes and rates in multiples of 8 kbit/s.
+  static constexpr uint32_t burst_granularity = 8;
+  static constexpr uint32_t rate_granularity = 8;
+
+  Status create(const Policer& policer, int& id) {
+    return is_valid(policer) ? policers_.add(in_granularity(policer), id) : Status::bad_parameter;
+  }
+
+  /// Changes a policer, which stays attached to what it is attached to.
+  Status set(int id, const Policer& policer) {
+    if (!is_valid(policer)) return Status::bad_parameter;
+    Policer* const present = policers_.find(id);
+    if (present == nullptr) return policers_.absent(id);
+    const int attached = present->attached;
+    *present = in_granularity(policer);
+    present->attached = attached;
+    return Status::ok;
+  }
+
+  /// A policer that is attached to something stays.
   Status destroy(int id) {
-    const Policer* const policer = policers_.find(id);
-    return policer != nullptr && policer->users > 0 ? Status::busy : policers_.remove(id);
+    const Policer* const policer = find(id);
+    return policer != nullptr && policer->attached > 0 ? Status::busy : policers_.remove(id);
   }
-  Status set(int id, const PolicerSettings& settings) {
-    return with(*this, id, [&](Policer& policer) { policer.settings = settings; });
-  }
-  Status get(int id, PolicerSettings& settings) const {
-    return with(*this, id, [&](const Policer& policer) { settings = policer.settings; });
-  }
+
+  /// Counts one more, or one less, entry that the policer is attached to.
+  Status attach(int id) { return count(id, 1); }
+  Status detach(int id) { return count(id, -1); }
+
   void clear() { policers_.clear(); }
 
-  /// What something uses stays until that lets go of it.
-  Status use(int id) {
-    return with(*this, id, [](Policer& policer) { ++policer.users; });
-  }
-  void release(int id) {
-    with(*this, id, [](Policer& policer) { --policer.users; });
-  }
+  const Policer* find(int id) const { return policers_.find(id); }
+  /// Why there is no policer of that id.
+  Status absent(int id) const { return policers_.absent(id); }
 
   const std::map<int, Policer>& all() const { return policers_.all(); }
 
  private:
-  template <class Self, class Body>
-  static Status with(Self& self, int id, Body body) {
-    auto* const policer = self.policers_.find(id);
-    if (policer == nullptr) return Status::not_found;
-    body(*policer);
+  static bool is_valid(const Policer& policer) { return policer.mode >= 0 && policer.mode <= highest_mode; }
+
+  /// The next value that the chip can keep: nothing is held to less than was asked for.
+  static uint32_t rounded_up(uint32_t value, uint32_t granularity) {
+    const uint32_t highest = UINT32_MAX / granularity;
+    return std::min(value / granularity + (value % granularity != 0), highest) * granularity;
+  }
+
+  static Policer in_granularity(Policer policer) {
+    for (Meter* const meter : {&policer.committed, &policer.peak}) {
+      meter->kilobits_per_second = rounded_up(meter->kilobits_per_second, rate_granularity);
+      meter->burst_bits = rounded_up(meter->burst_bits, burst_granularity);
+    }
+    policer.attached = 0;
+    return policer;
+  }
+
+  Status count(int id, int change) {
+    Policer* const policer = policers_.find(id);
+    if (policer == nullptr) return policers_.absent(id);
+    if (policer->attached + change < 0) return Status::not_found;
+    policer->attached += change;
     return Status::ok;
   }
 

@@ -54,6 +54,27 @@ Status Vlans::remove_ports(int id, const PortSet& members) {
   });
 }
 
+Status Vlans::add_virtual_port(int id, int gport) {
+  return with(*this, id, [&](Vlan& vlan) {
+    vlan.virtual_members.insert(gport);
+    return Status::ok;
+  });
+}
+
+Status Vlans::remove_virtual_port(int id, int gport) {
+  return with(*this, id,
+              [&](Vlan& vlan) { return vlan.virtual_members.erase(gport) == 1 ? Status::ok : Status::not_found; });
+}
+
+Status Vlans::set_multicast_flood(int id, std::initializer_list<int VlanControl::*> kinds, int mode) {
+  constexpr int nowhere = 2;
+  return with(*this, id, [&](Vlan& vlan) {
+    if (mode < 0 || mode > nowhere) return Status::bad_parameter;
+    for (int VlanControl::*const kind : kinds) vlan.control.*kind = mode;
+    return Status::ok;
+  });
+}
+
 Status Vlans::control(int id, VlanControl& control) const {
   return with(*this, id, [&](const Vlan& vlan) {
     control = vlan.control;

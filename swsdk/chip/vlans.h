@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstdint>
+#include <initializer_list>
 #include <map>
+#include <set>
 
 #include "chip/ports.h"
 #include "chip/status.h"
@@ -33,6 +35,7 @@ struct VlanControl {
 };
 
 struct Vlan {
+  std::set<int> virtual_members{};  // gports of virtual ports
   PortSet members;
   PortSet untagged;
   VlanControl control;
@@ -60,6 +63,13 @@ class Vlans {
   Status add_ports(int id, const PortSet& members, const PortSet& untagged);
   /// A port that is no member is left alone.
   Status remove_ports(int id, const PortSet& members);
+
+  /// Virtual ports have their own way to tag. One that is a member already stays one.
+  Status add_virtual_port(int id, int gport);
+  Status remove_virtual_port(int id, int gport);
+
+  /// Sets where a VLAN floods some kinds of multicast frames: 0 to all, 1 those without a group to all, 2 nowhere.
+  Status set_multicast_flood(int id, std::initializer_list<int VlanControl::*> kinds, int mode);
 
   Status control(int id, VlanControl& control) const;
   Status set_control(int id, const VlanControl& control);

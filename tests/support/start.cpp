@@ -17,3 +17,9 @@ void support::start_chip(int units) {
   attach_chip(units);
   for (int unit = 0; unit < units; ++unit) system_init(unit);
 }
+
+std::string support::table(const char* name, int unit) {
+  std::string text(static_cast<std::size_t>(swsdk_show(unit, name, nullptr, 0)), '\0');
+  swsdk_show(unit, name, text.data(), text.size() + 1);
+  return text;
+}

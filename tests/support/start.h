@@ -3,6 +3,8 @@
 
 #include <swsdk/chip.h>
 
+#include <string>
+
 namespace support {
 
 /// A board of `units` chips with 12 Ethernet ports, attached and initialised, on a chip that was off.
@@ -10,5 +12,8 @@ void start_chip(int units = 1);
 
 /// The same, but `system_init` is still to come.
 void attach_chip(int units = 1);
+
+/// One of a unit's tables as people see it.
+std::string table(const char* name, int unit = 0);
 
 }  // namespace support

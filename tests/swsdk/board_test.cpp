@@ -32,8 +32,7 @@ class Board : public testing::Test {
     int count = -1;
     EXPECT_EQ(bcm_switch_temperature_monitor_get(0, room, all, &count), BCM_E_NONE);
     std::string result;
-    for (int i = 0; i < count; ++i)
-      result += std::to_string(all[i].curr) + '/' + std::to_string(all[i].peak) + ' ';
+    for (int i = 0; i < count; ++i) result += std::to_string(all[i].curr) + '/' + std::to_string(all[i].peak) + ' ';
     return result;
   }
 

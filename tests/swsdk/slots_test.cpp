@@ -29,6 +29,30 @@ TEST_F(Slots, GiveOutTheLowestFreeId) {
   EXPECT_EQ(*slots.find(5), "d");
 }
 
+TEST_F(Slots, GiveOutTheFreedIdsBeforeNewOnes) {
+  add("a");
+  add("b");
+  EXPECT_EQ(slots.remove(6), Status::ok);
+  EXPECT_EQ(slots.remove(5), Status::ok);
+  EXPECT_EQ(add("c"), 5);
+  EXPECT_EQ(add("d"), 6);
+  EXPECT_EQ(add("e"), 7);
+}
+
+TEST_F(Slots, BeginAnewWhenTheyAreCleared) {
+  add("a");
+  add("b");
+  slots.remove(5);
+  slots.clear();
+  EXPECT_EQ(add("c"), 5);
+  EXPECT_EQ(add("d"), 6);
+}
+
+TEST_F(Slots, TellWhyAnIdHasNoItem) {
+  EXPECT_EQ(slots.absent(5), Status::not_found);
+  EXPECT_EQ(slots.absent(8), Status::bad_parameter);
+}
+
 TEST_F(Slots, ThatAreAllTakenAnswerFull) {
   for (int i = 0; i < 3; ++i) {
     EXPECT_FALSE(slots.full());

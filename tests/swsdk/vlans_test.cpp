@@ -121,6 +121,32 @@ TEST_F(Vlans, KeepTheirControlRecord) {
   EXPECT_EQ(found, wanted);
 }
 
+TEST_F(Vlans, KeepVirtualPortsBesideTheirPorts) {
+  constexpr int virtual_port = 17 << 26 | 1;
+  vlans.create(10);
+  EXPECT_EQ(vlans.add_virtual_port(10, virtual_port), Status::ok);
+  EXPECT_EQ(vlans.add_virtual_port(10, virtual_port), Status::ok);
+  EXPECT_EQ(vlan(10).virtual_members, std::set<int>{virtual_port});
+  EXPECT_TRUE(vlan(10).members.empty());
+  EXPECT_EQ(vlans.remove_virtual_port(10, virtual_port), Status::ok);
+  EXPECT_EQ(vlans.remove_virtual_port(10, virtual_port), Status::not_found);
+  EXPECT_EQ(vlans.add_virtual_port(11, virtual_port), Status::not_found);
+  EXPECT_EQ(vlans.remove_virtual_port(0, virtual_port), Status::bad_parameter);
+}
+
+TEST_F(Vlans, FloodEachKindOfMulticastInAModeOfItsOwn) {
+  using Control = chip::VlanControl;
+  vlans.create(10);
+  EXPECT_EQ(vlans.set_multicast_flood(10, {&Control::ip4_multicast_flood_mode}, 2), Status::ok);
+  EXPECT_EQ(vlan(10).control, Control{.ip4_multicast_flood_mode = 2});
+  EXPECT_EQ(vlans.set_multicast_flood(10, {&Control::l2_multicast_flood_mode, &Control::ip4_multicast_flood_mode}, 1),
+            Status::ok);
+  EXPECT_EQ(vlan(10).control, (Control{.ip4_multicast_flood_mode = 1, .l2_multicast_flood_mode = 1}));
+  for (const int mode : {-1, 3})
+    EXPECT_EQ(vlans.set_multicast_flood(10, {&Control::l2_multicast_flood_mode}, mode), Status::bad_parameter) << mode;
+  EXPECT_EQ(vlans.set_multicast_flood(11, {&Control::l2_multicast_flood_mode}, 1), Status::not_found);
+}
+
 TEST_F(Vlans, ResetGoesBackToTheDefaultVlan) {
   vlans.create(10);
   vlans.remove_ports(1, {1});

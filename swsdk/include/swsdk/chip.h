@@ -112,6 +112,30 @@ int swsdk_clock_step(int unit, int seconds);
 
 /** Waits until all events that were raised have been told, those that callbacks raise meanwhile too, and all time has
  *  passed. Returns at once when it is called from a callback. */
+/** Waits until all events that were raised have been told, those that callbacks raise meanwhile too. Returns at once
+ *  when it is called from a callback. */
+/** Waits until all events that were raised have been told, those that callbacks raise meanwhile too. Returns at once
+ *  when it is called from a callback. */
+/**
+ * Marks a host of layer 3 as used, as by frames that it sent or that went to it.
+ *
+ * @param address  the host's IPv4 address, in host byte order
+ * @param hits     bits of `BCM_L3_HIT` to set: 0x4 as a source, 0x8 as a destination; other bits are left out
+ * @return 0, or -1 when there is no such initialised unit or host
+ */
+int swsdk_l3_host_hit(int unit, unsigned address, unsigned hits);
+
+/**
+ * Marks a route of layer 3 as used.
+ *
+ * @param subnet  the route's IPv4 subnet, in host byte order
+ * @param mask    the route's mask
+ * @param hits    as for swsdk_l3_host_hit()
+ * @return 0, or -1 when there is no such initialised unit or route
+ */
+int swsdk_l3_route_hit(int unit, unsigned subnet, unsigned mask, unsigned hits);
+
+/** Waits until all events that were raised have been told. Returns at once when it is called from a callback. */
 void swsdk_events_drain(void);
 
 /**

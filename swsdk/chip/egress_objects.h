@@ -1,0 +1,48 @@
+// The egress objects: next hops that hosts and routes share.
+#pragma once
+
+#include <compare>
+#include <cstdint>
+
+#include "chip/addresses.h"
+#include "chip/keyed_slots.h"
+
+namespace chip {
+
+struct EgressObject {
+  uint32_t flags = 0;
+  uint32_t flags2 = 0;
+  int interface = 0;
+  Mac mac{};
+  uint16_t vlan = 0;
+  int module = 0;
+  int port = 0;
+  int trunk = 0;
+  int encapsulation = 0;
+
+  auto operator<=>(const EgressObject&) const = default;
+};
+
+class EgressObjects {
+ public:
+  static constexpr int first_id = 100000;  // far from the ids of interfaces, so that an entry can lead to either
+  static constexpr int capacity = 16384;
+
+  Status create(const EgressObject& object, int& id) { return objects_.add(object, id); }
+  Status remove(int id) { return objects_.remove(id); }
+  void clear() { objects_.clear(); }
+
+  const EgressObject* find(int id) const { return objects_.find(id); }
+  /// Why there is no object of that id.
+  Status absent(int id) const { return objects_.absent(id); }
+
+  /// The id of the object that is the same in everything.
+  Status find_same(const EgressObject& object, int& id) const { return objects_.find_id(object, id); }
+
+  const std::map<int, EgressObject>& all() const { return objects_.all(); }
+
+ private:
+  KeyedSlots<EgressObject, whole<EgressObject>> objects_{first_id, capacity};
+};
+
+}  // namespace chip

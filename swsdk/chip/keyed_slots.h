@@ -1,0 +1,66 @@
+// Numbered slots whose items are found by what they hold too.
+#pragma once
+
+#include <map>
+#include <type_traits>
+#include <utility>
+
+#include "chip/slots.h"
+
+namespace chip {
+
+/// Slots of items with different keys; `key_of` makes the key of an item.
+template <class Item, auto key_of>
+class KeyedSlots {
+ public:
+  using Key = std::remove_cvref_t<std::invoke_result_t<decltype(key_of), const Item&>>;
+
+  KeyedSlots(int first, int capacity) : slots_(first, capacity) {}
+
+  Status add(const Item& item, int& id) {
+    const auto [place, is_new] = ids_.try_emplace(key_of(item));
+    if (!is_new) return Status::exists;
+    const Status status = slots_.add(item, id);
+    if (status == Status::ok)
+      place->second = id;
+    else
+      ids_.erase(place);
+    return status;
+  }
+
+  Status remove(int id) {
+    const Item* const item = slots_.find(id);
+    if (item == nullptr) return slots_.absent(id);
+    ids_.erase(key_of(*item));
+    return slots_.remove(id);
+  }
+
+  void clear() {
+    slots_.clear();
+    ids_.clear();
+  }
+
+  const Item* find(int id) const { return slots_.find(id); }
+  Status absent(int id) const { return slots_.absent(id); }
+
+  Status find_id(const Key& key, int& id) const {
+    const auto found = ids_.find(key);
+    if (found == ids_.end()) return Status::not_found;
+    id = found->second;
+    return Status::ok;
+  }
+
+  const std::map<int, Item>& all() const { return slots_.all(); }
+
+ private:
+  Slots<Item> slots_;
+  std::map<Key, int> ids_;
+};
+
+/// The key of items that differ in anything at all.
+template <class Item>
+constexpr const Item& whole(const Item& item) {
+  return item;
+}
+
+}  // namespace chip

@@ -1,0 +1,95 @@
+// The layer 3 interfaces: the router's own address in a VLAN.
+#pragma once
+
+#include <compare>
+#include <cstdint>
+#include <set>
+#include <utility>
+
+#include "chip/addresses.h"
+#include "chip/keyed_slots.h"
+
+namespace chip {
+
+struct L3Interface {
+  uint32_t flags = 0;
+  uint32_t flags2 = 0;
+  int vrf = 0;
+  Mac mac{};
+  uint16_t vlan = 0;
+  uint16_t inner_vlan = 0;  // 0: frames leave with one tag
+  int tunnel = 0;
+  int ttl = 0;  // frames with less are not sent; 0: all are
+  int mtu = 0;
+  int mtu_forwarding = 0;
+  int group = 0;
+  int interface_class = 0;
+  int ip4_options_profile = 0;
+  int nat_realm = 0;
+  uint16_t outer_tpid = 0;
+  uint32_t interface_flags = 0;
+  uint8_t native_routing_vlan_tags = 0;
+  int source_virtual_port = 0;
+};
+
+class L3Interfaces {
+ public:
+  static constexpr int first_id = 1;
+  static constexpr int capacity = 8192;
+  static constexpr int highest_vlan = 4095;
+
+  Status create(const L3Interface& interface, int& id) {
+    if (interface.vlan == 0 || interface.vlan > highest_vlan || interface.inner_vlan > highest_vlan)
+      return Status::bad_parameter;
+    const Status status = interfaces_.add(interface, id);
+    if (status == Status::ok) by_vlan_.emplace(interface.vlan, id);
+    return status;
+  }
+
+  Status remove(int id) {
+    const L3Interface* const interface = find(id);
+    if (interface != nullptr) by_vlan_.erase({interface->vlan, id});
+    return interfaces_.remove(id);
+  }
+
+  void clear() {
+    interfaces_.clear();
+    by_vlan_.clear();
+  }
+
+  const L3Interface* find(int id) const { return interfaces_.find(id); }
+  /// Why there is no interface of that id.
+  Status absent(int id) const { return interfaces_.absent(id); }
+
+  /// The id of the interface with the VRF, address and VLANs of `wanted`. No two have the same: they are what an
+  /// interface is; the other fields are how it treats frames.
+  Status find_same(const L3Interface& wanted, int& id) const { return interfaces_.find_id(identity_of(wanted), id); }
+
+  /// The lowest id of an interface of the (outer) VLAN.
+  Status find_by_vlan(int vlan, int& id) const {
+    if (vlan < 1 || vlan > highest_vlan) return Status::bad_parameter;
+    const auto found = by_vlan_.lower_bound({vlan, first_id});
+    if (found == by_vlan_.end() || found->first != vlan) return Status::not_found;
+    id = found->second;
+    return Status::ok;
+  }
+
+  const std::map<int, L3Interface>& all() const { return interfaces_.all(); }
+
+ private:
+  struct Identity {
+    int vrf;
+    Mac mac;
+    int vlan;
+    int inner_vlan;
+    auto operator<=>(const Identity&) const = default;
+  };
+  static Identity identity_of(const L3Interface& interface) {
+    return {interface.vrf, interface.mac, interface.vlan, interface.inner_vlan};
+  }
+
+  KeyedSlots<L3Interface, identity_of> interfaces_{first_id, capacity};
+  std::set<std::pair<int, int>> by_vlan_;  // (VLAN, id)
+};
+
+}  // namespace chip

@@ -1,0 +1,98 @@
+#include "chip/l3_interfaces.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using chip::L3Interface;
+using chip::Status;
+
+constexpr chip::Mac router{0x00, 0x11, 0x22, 0x33, 0x44, 0x55};
+constexpr chip::Mac other_router{0x00, 0x11, 0x22, 0x33, 0x44, 0x66};
+
+class L3Interfaces : public testing::Test {
+ protected:
+  int create(const L3Interface& interface) {
+    int made = 0;
+    EXPECT_EQ(interfaces.create(interface, made), Status::ok);
+    return made;
+  }
+
+  chip::L3Interfaces interfaces;
+  int id = 0;
+};
+
+TEST_F(L3Interfaces, KeepWhatTheyWereMadeOf) {
+  const int made = create({.flags = 0x20, .mac = router, .vlan = 10, .ttl = 2});
+  EXPECT_EQ(made, 1);
+  const L3Interface* const found = interfaces.find(made);
+  ASSERT_NE(found, nullptr);
+  EXPECT_EQ(found->flags, 0x20U);
+  EXPECT_EQ(found->mac, router);
+  EXPECT_EQ(found->vlan, 10);
+  EXPECT_EQ(found->ttl, 2);
+}
+
+TEST_F(L3Interfaces, AreFoundByTheirAddressAndVlansWhateverElseTheyHold) {
+  const int plain = create({.flags = 0x20, .mac = router, .vlan = 10});
+  const int tagged_twice = create({.mac = router, .vlan = 10, .inner_vlan = 5});
+  const int of_other_vrf = create({.vrf = 1, .mac = router, .vlan = 10});
+  const int of_other_mac = create({.mac = other_router, .vlan = 10});
+  EXPECT_EQ(interfaces.find_same({.flags = 0x820, .mac = router, .vlan = 10, .ttl = 2}, id), Status::ok);
+  EXPECT_EQ(id, plain);
+  EXPECT_EQ(interfaces.find_same({.mac = router, .vlan = 10, .inner_vlan = 5}, id), Status::ok);
+  EXPECT_EQ(id, tagged_twice);
+  EXPECT_EQ(interfaces.find_same({.vrf = 1, .mac = router, .vlan = 10}, id), Status::ok);
+  EXPECT_EQ(id, of_other_vrf);
+  EXPECT_EQ(interfaces.find_same({.mac = other_router, .vlan = 10}, id), Status::ok);
+  EXPECT_EQ(id, of_other_mac);
+  EXPECT_EQ(interfaces.find_same({.mac = router, .vlan = 11}, id), Status::not_found);
+}
+
+TEST_F(L3Interfaces, AreRefusedASecondTime) {
+  create({.mac = router, .vlan = 10});
+  EXPECT_EQ(interfaces.create({.flags = 0x820, .mac = router, .vlan = 10}, id), Status::exists);
+  EXPECT_EQ(interfaces.all().size(), 1U);
+}
+
+TEST_F(L3Interfaces, AreFoundByVlanTheLowestIdFirst) {
+  create({.mac = router, .vlan = 9});
+  const int first = create({.mac = router, .vlan = 10});
+  const int second = create({.mac = other_router, .vlan = 10});
+  EXPECT_EQ(interfaces.find_by_vlan(10, id), Status::ok);
+  EXPECT_EQ(id, first);
+  interfaces.remove(first);
+  EXPECT_EQ(interfaces.find_by_vlan(10, id), Status::ok);
+  EXPECT_EQ(id, second);
+  interfaces.remove(second);
+  EXPECT_EQ(interfaces.find_by_vlan(10, id), Status::not_found);
+  EXPECT_EQ(interfaces.find_by_vlan(11, id), Status::not_found);
+  for (const int vlan : {-1, 0, 4096}) EXPECT_EQ(interfaces.find_by_vlan(vlan, id), Status::bad_parameter) << vlan;
+}
+
+TEST_F(L3Interfaces, RefuseVlansThatThereAreNone) {
+  EXPECT_EQ(interfaces.create({.mac = router, .vlan = 0}, id), Status::bad_parameter);
+  EXPECT_EQ(interfaces.create({.mac = router, .vlan = 4096}, id), Status::bad_parameter);
+  EXPECT_EQ(interfaces.create({.mac = router, .vlan = 10, .inner_vlan = 4096}, id), Status::bad_parameter);
+  EXPECT_TRUE(interfaces.all().empty());
+  create({.mac = router, .vlan = 4095, .inner_vlan = 4095});
+}
+
+TEST_F(L3Interfaces, ThatAreAbsentAnswerNotFound) {
+  EXPECT_EQ(interfaces.remove(1), Status::not_found);
+  EXPECT_EQ(interfaces.remove(0), Status::bad_parameter);
+  EXPECT_EQ(interfaces.absent(100000), Status::bad_parameter);
+  EXPECT_EQ(interfaces.find(1), nullptr);
+}
+
+TEST_F(L3Interfaces, AreFullAtTheirCapacity) {
+  for (int i = 0; i < chip::L3Interfaces::capacity; ++i)
+    create({.mac = router, .vlan = static_cast<uint16_t>(1 + i % 4095), .inner_vlan = static_cast<uint16_t>(i / 4095)});
+  EXPECT_EQ(interfaces.create({.mac = other_router, .vlan = 1}, id), Status::full);
+  EXPECT_EQ(interfaces.find_same({.mac = other_router, .vlan = 1}, id), Status::not_found);
+  interfaces.clear();
+  EXPECT_EQ(create({.mac = router, .vlan = 1}), 1);
+  EXPECT_EQ(interfaces.find_by_vlan(2, id), Status::not_found);
+}
+
+}  // namespace
