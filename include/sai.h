@@ -2411,6 +2411,117 @@ SAI_API int32_t sai_ipv6_esw_vlan_mcast_flood_set(int32_t unit, uint16_t vlan, u
  */
 SAI_API int32_t sai_vlan_vport_init(int32_t unit);
 
+/**
+ * A virtual port: the frames of one physical port that carry given tags, put into a VLAN of the switch's own, and given
+ * their tags back on the way out. The caller's, from sai_vport_create() to sai_vport_destroy(). VLAN ids are checked by
+ * the chip; 0 means none.
+ */
+typedef struct sai_vport_t {
+  int32_t priority;    /**< priority on both ways, kept as its network groups: 0 to 7, above means 7, negative: none */
+  uint16_t match_vlan; /**< VLAN of the outer tag, on the way in and again on the way out */
+  uint16_t match_inner_vlan; /**< VLAN of the inner tag; 0: frames with an outer tag alone */
+  uint16_t vlan;             /**< internal VLAN: the only one, or that of the inner tag where outer_vlan is given */
+  uint16_t outer_vlan;       /**< internal VLAN of the outer tag, for frames that have two tags inside */
+  int32_t vport_id;          /**< gport of the virtual port; written by sai_vport_create() */
+} sai_vport_t;
+
+/**
+ * Creates a virtual port and makes it a member of its internal VLAN and of the flood groups of sai_vlan_vport_init(),
+ * which has to have run.
+ *
+ * The internal VLAN is the first that is given of `outer_vlan`, `vlan`, `match_inner_vlan` and the physical port's
+ * untagged VLAN; the last is always read from unit 0. The frames leave with their tags as matched. Every front port
+ * joins the flood groups again at each call; that it is a member already is logged. The internal VLAN floods through
+ * the groups from then on, unless it has three flood groups of its own.
+ *
+ * A failure to read the untagged VLAN ends the work before anything is made. No other failure does: each is logged, and
+ * what follows is tried. What cannot be read is taken as 0: the port's gport, an encapsulation, the properties of the
+ * internal VLAN, which is then written with the flood groups alone.
+ *
+ * @param port   number of the physical port
+ * @param vport  the virtual port; its `vport_id` is written, after a failure to create it too (0 then, as a rule), but
+ *               not when the untagged VLAN could not be read
+ * @return 0, or the converted result of `bcm_port_untagged_vlan_get` or of `bcm_vlan_translate_egress_action_add`; no
+ *         other failure shows
+ */
+SAI_API int32_t sai_vport_create(int32_t unit, int32_t port, sai_vport_t* vport);
+
+/**
+ * Takes a virtual port out of its internal VLAN, forgets the MAC addresses learned on it and destroys it. Every step is
+ * tried; failures are logged.
+ *
+ * What stays: its memberships of the flood groups and, where `outer_vlan` is 0, its rewrite on the way out. Where
+ * `outer_vlan` is given, an empty rewrite of that VLAN stays. A virtual port whose record names neither `outer_vlan`,
+ * `vlan` nor `match_inner_vlan` is taken out of VLAN 0, not out of the untagged VLAN that it had joined.
+ *
+ * @param ignored  has no effect
+ * @param vport    the record as sai_vport_create() left it; not written
+ * @return 0, or the converted result of `bcm_vlan_port_destroy`, -7 (no such virtual port) among them; no other failure
+ *         shows
+ */
+SAI_API int32_t sai_vport_destroy(int32_t unit, int32_t ignored, sai_vport_t* vport);
+
+/* -------------------------------------------------------------------------- Virtual ports: isolation, policers ---- */
+
+/**
+ * Isolates a network group of virtual ports (split horizon), or ends that: frames that entered through it do not leave
+ * through another.
+ *
+ * @param port    network group id
+ * @param enable  non-zero: isolated; 0: not
+ * @return 0, or the converted result of the failed `bcm_switch_network_group_config_get` or
+ *         `bcm_switch_network_group_config_set`; nothing is written when the get failed
+ */
+SAI_API int32_t sai_vport_split_horizon_set(int32_t unit, int32_t port, int32_t enable);
+
+/**
+ * Reads whether a network group is isolated, asking for the group itself as the destination.
+ *
+ * @param port    network group id
+ * @param enable  receives 1 or 0, whether egress is pruned; written on success only
+ * @return 0, or the converted result of `bcm_switch_network_group_config_get`
+ */
+SAI_API int32_t sai_vport_split_horizon_get(int32_t unit, int32_t port, uint32_t* enable);
+
+/**
+ * Makes a policer of two rates and three colours and attaches it to a field entry, whose frames it then meters. The
+ * policer stays when it cannot be read, set up or attached; its id is not told then.
+ *
+ * @param entry_id      id of the field entry
+ * @param policer_id    receives the policer's id; written only when all succeeded
+ * @param ckbits_sec    committed rate in kbit/s
+ * @param pkbits_sec    peak rate in kbit/s
+ * @param cburst_bytes  committed burst in bytes
+ * @param pburst_bytes  peak burst in bytes
+ * @return 0, or the converted result of the failed `bcm_policer_create`, `bcm_policer_get`, `bcm_policer_set` or
+ *         `bcm_field_entry_policer_attach`, -13 (no policer left) and -7 (no such entry) among them
+ */
+SAI_API int32_t sai_vport_fp_policer_set(int32_t unit, int32_t entry_id, int32_t* policer_id, uint32_t ckbits_sec,
+                                         uint32_t pkbits_sec, uint32_t cburst_bytes, uint32_t pburst_bytes);
+
+/**
+ * Reads the policer of a field entry. All outputs are written on success only.
+ *
+ * @param entry_id      id of the field entry
+ * @param policer_id    receives the policer's id
+ * @param ckbits_sec    receives the committed rate in kbit/s
+ * @param pkbits_sec    receives the peak rate in kbit/s
+ * @param cburst_bytes  receives the committed burst in bytes, rounded down; its bits are counted modulo 2^32, so a
+ *                      burst reads back modulo 2^29
+ * @param pburst_bytes  receives the peak burst in bytes, likewise
+ * @return 0, or the converted result of the failed `bcm_field_entry_policer_get` or `bcm_policer_get`
+ */
+SAI_API int32_t sai_vport_fp_policer_get(int32_t unit, int32_t entry_id, int32_t* policer_id, uint32_t* ckbits_sec,
+                                         uint32_t* pkbits_sec, uint32_t* cburst_bytes, uint32_t* pburst_bytes);
+
+/**
+ * Destroys a policer.
+ *
+ * @param policer_id  id of the policer
+ * @return 0, or the converted result of `bcm_policer_destroy`, -7 (no such policer) among them
+ */
+SAI_API int32_t sai_vport_fp_policer_destroy(int32_t unit, int32_t policer_id);
+
 #ifdef __cplusplus
 }
 #endif
