@@ -4,17 +4,18 @@
 
 extern "C" int sdk_main(int argc, char** argv);
 
-void support::attach_chip(int units) {
+void support::attach_chip(int units, int ports) {
   swsdk_power_off();
   swsdk_board board;
   swsdk_board_get(&board);
   board.units = units;
+  board.ports = ports;
   swsdk_board_set(&board);
   sdk_main(0, nullptr);
 }
 
-void support::start_chip(int units) {
-  attach_chip(units);
+void support::start_chip(int units, int ports) {
+  attach_chip(units, ports);
   for (int unit = 0; unit < units; ++unit) system_init(unit);
 }
 

@@ -7,11 +7,11 @@
 
 namespace support {
 
-/// A board of `units` chips with 12 Ethernet ports, attached and initialised, on a chip that was off.
-void start_chip(int units = 1);
+/// A board of `units` chips with `ports` Ethernet ports, attached and initialised, on a chip that was off.
+void start_chip(int units = 1, int ports = 12);
 
 /// The same, but `system_init` is still to come.
-void attach_chip(int units = 1);
+void attach_chip(int units = 1, int ports = 12);
 
 /// One of a unit's tables as people see it.
 std::string table(const char* name, int unit = 0);
