@@ -9,7 +9,8 @@
  * - The result is #SAI_E_NONE (0) or a negative code of #sai_result. A code comes from the Chip SDK's result by
  *   sdk_to_sai(), or from the library itself when it refuses an argument without asking the chip.
  * - A failed SDK call is logged once, at level "errors", with a message that ends with the SDK's text for the failure
- *   (in the messages of sai_vlan_vport_init() a full stop follows; the LED messages have no such text).
+ *   (in the messages of sai_vlan_vport_init() and on the flood groups of a VLAN a full stop follows; the LED messages
+ *   have no such text).
  * - Output arguments are written on success only.
  * - Nothing is rolled back. An operation of several steps that fails in the middle leaves what it had done in the chip.
  * - One caller at a time. The library takes no locks and creates no threads.

@@ -89,19 +89,19 @@ TEST_F(Policers, CountBurstsInKilobitsAndTheBitsBeyond) {
       {0x20000000, ", ckbits_burst=4294960, cbits_burst_lower=7296", "0"},
       {0xFFFFFFFF, ", ckbits_burst=34359736, cbits_burst_lower=2360", "4294967288"},
   };
-  for (const auto& [bytes, fields, total] : rows) {
-    const std::string seen = observe([&] { return sai_vport_fp_policer_set(unit, 17, &id, 4, 5, bytes, 2); });
-    EXPECT_NE(seen.find(std::string("ckbits_sec=4") + fields + ", pkbits_sec=5, pbits_burst_lower=16})"),
+  for (const auto& row : rows) {
+    const std::string seen = observe([&] { return sai_vport_fp_policer_set(unit, 17, &id, 4, 5, row.bytes, 2); });
+    EXPECT_NE(seen.find(std::string("ckbits_sec=4") + row.fields + ", pkbits_sec=5, pbits_burst_lower=16})"),
               std::string::npos)
-        << bytes;
-    EXPECT_NE(seen.find(std::string("ckbits_sec 4 cbits_burst ") + total + " pkbits_sec 5 pbits_burst 16\n"),
+        << row.bytes;
+    EXPECT_NE(seen.find(std::string("ckbits_sec 4 cbits_burst ") + row.total + " pkbits_sec 5 pbits_burst 16\n"),
               std::string::npos)
-        << bytes;
+        << row.bytes;
     EXPECT_NE(observe([&] {
-                return sai_vport_fp_policer_set(unit, 17, &id, 4, 5, 2, bytes);
-              }).find(std::string("pkbits_sec 5 pbits_burst ") + total + '\n'),
+                return sai_vport_fp_policer_set(unit, 17, &id, 4, 5, 2, row.bytes);
+              }).find(std::string("pkbits_sec 5 pbits_burst ") + row.total + '\n'),
               std::string::npos)
-        << bytes;
+        << row.bytes;
   }
 }
 
