@@ -17,6 +17,8 @@ constexpr bool is_vlan_port(int port) { return kind(port) == vlan_port; }
 
 constexpr int of_kind(int kind, int number) { return kind << 26 | number; }
 
+constexpr int local_port(int port) { return of_kind(BCM_GPORT_TYPE_LOCAL, port & 0x7FF); }
+
 constexpr int module_port(int module, int port) {
   return of_kind(BCM_GPORT_TYPE_MODPORT, (module & 0x7FFF) << 11 | (port & 0x7FF));
 }

@@ -2,6 +2,7 @@
 
 #include <sai.h>
 
+#include "core/gports.h"
 #include "core/log.h"
 #include "core/result.h"
 #include "l3/addresses.h"
@@ -14,10 +15,6 @@ using sai::trace;
 using sai::vlan_id;
 
 namespace {
-
-/// BCM_GPORT_TYPE_VLAN_PORT, which not every release of the SDK's headers names.
-constexpr uint32_t virtual_port_type = 17;
-constexpr int gport_type_shift = 26;
 
 constexpr bcm_mac_t no_mac = {};
 
@@ -75,9 +72,7 @@ int sai::find_learned(int unit, const uint8_t* mac, int vlan, bcm_l2_addr_t& lea
   return bcm_l2_addr_get(unit, const_cast<uint8_t*>(mac), vlan_id(vlan), &learned);  // which only reads it
 }
 
-bool sai::is_on_virtual_port(const bcm_l2_addr_t& learned) {
-  return static_cast<uint32_t>(learned.port) >> gport_type_shift == virtual_port_type;
-}
+bool sai::is_on_virtual_port(const bcm_l2_addr_t& learned) { return gport::is_vlan_port(learned.port); }
 
 int32_t sai_l3_enable_set(int32_t unit, int32_t enable) {
   return result(bcm_l3_enable_set(unit, enable), "bcm_l3_enable_set enable %d failed: %s", enable);

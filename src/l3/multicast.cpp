@@ -6,10 +6,6 @@
 #include "core/result.h"
 #include "l3/addresses.h"
 
-using sai::failed;
-using sai::result;
-using sai::trace;
-
 bcm_l3_intf_t sai::multicast::interface(const uint8_t* mac, int outer_vlan, int inner_vlan) {
   bcm_l3_intf_t intf;
   bcm_l3_intf_t_init(&intf);

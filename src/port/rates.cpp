@@ -4,7 +4,6 @@
 #include "core/result.h"
 #include "core/sdk.h"
 
-using sai::failed;
 using sai::result;
 
 static_assert(sizeof(sai_storm_ctrl) == sizeof(uint64_t), "it travels in one register");

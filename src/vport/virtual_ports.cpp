@@ -1,5 +1,6 @@
 #include <sai.h>
 
+#include "core/gports.h"
 #include "core/log.h"
 #include "core/result.h"
 #include "core/sdk.h"
@@ -69,8 +70,6 @@ const Case& case_of(const sai_vport_t& vport) {
   const Given given = vport.outer_vlan != 0 ? outer_given : vport.vlan != 0 ? vlan_given : nothing_given;
   return cases[vport.match_inner_vlan != 0 ? stacked : single][given];
 }
-
-constexpr bcm_gport_t local_gport(int port) { return BCM_GPORT_TYPE_LOCAL << 26 | (port & 0x7FF); }
 
 bcm_vlan_port_t matching(const sai_vport_t& vport, const Vlans& vlans, bcm_gport_t port) {
   const Case& row = case_of(vport);
@@ -149,7 +148,7 @@ int32_t sai_vport_create(int32_t unit, int32_t port, sai_vport_t* vport) {
 
   bcm_gport_t gport = 0;
   failed(bcm_port_gport_get(unit, port, &gport), "%s failed: %s", __func__);
-  bcm_vlan_port_t object = matching(*vport, vlans, local_gport(gport));
+  bcm_vlan_port_t object = matching(*vport, vlans, sai::gport::local_port(gport));
   sai::trace("vlan_port.port = 0x%X match %d inner %d egress %d\n", object.port, object.match_vlan,
              object.match_inner_vlan, object.egress_vlan);
   object.flags |= BCM_VLAN_PORT_NETWORK;
@@ -179,7 +178,7 @@ int32_t sai_vport_create(int32_t unit, int32_t port, sai_vport_t* vport) {
   });
   // Meant: at every create. A port that is a member already is logged.
   sai::for_each_port(unit, sai::Ports::front, [&](int member) {
-    const bcm_gport_t physical = local_gport(member);
+    const bcm_gport_t physical = sai::gport::local_port(member);
     join_flood_groups(unit, physical, "bcm_multicast_l2_encap_get", [&](bcm_multicast_t group, bcm_if_t* encap) {
       constexpr bcm_vlan_t no_vlan = 0xFFFF;
       return bcm_multicast_l2_encap_get(unit, group, physical, no_vlan, encap);

@@ -3,7 +3,6 @@
 #include "api/call.h"
 
 using api::inout;
-using chip::Status;
 
 int bcm_knet_netif_create(int unit, bcm_knet_netif_t* netif) {
   return api::Call(__func__, unit, inout(netif)).answer([&](chip::Chip& chip) {

@@ -7,6 +7,6 @@
 
 namespace api {
 
-bcm_l2_addr_t to_sdk(const chip::MacEntry& entry);
+bcm_l2_addr_t to_sdk(const chip::MacEntry& own);
 
 }  // namespace api

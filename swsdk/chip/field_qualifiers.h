@@ -65,9 +65,11 @@ struct FieldValue {
   uint64_t low = 0;
 
   FieldValue() = default;
+  // NOLINTBEGIN(google-explicit-constructor): these are values as they stand
   constexpr FieldValue(uint64_t number) : low(number) {}
   FieldValue(const Mac& mac);
   FieldValue(const Ip6& address);
+  // NOLINTEND(google-explicit-constructor)
 
   friend FieldValue operator&(FieldValue left, const FieldValue& right) {
     left.high &= right.high;

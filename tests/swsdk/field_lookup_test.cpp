@@ -184,7 +184,7 @@ TEST_F(FieldPolicers, AreRefusedAtOtherLevelsOrWhenThereIsNone) {
     EXPECT_EQ(processor.policer(id, level, found), Status::bad_parameter);
   }
   EXPECT_EQ(processor.attach_policer(id, 0, 100), Status::not_found);
-  EXPECT_EQ(processor.attach_policer(id, 0, 0), Status::not_found);
+  EXPECT_EQ(processor.attach_policer(id, 0, 0), Status::bad_parameter);
   EXPECT_EQ(processor.policer(id, 0, found), Status::not_found);
 }
 
