@@ -81,10 +81,4 @@ int call_without_unit(const char* function, Body body, const Args&... args) {
   return rv;
 }
 
-/// Answers a call that the virtual chip does not model.
-template <class... Args>
-int unmodelled(const char* function, int unit, const Args&... args) {
-  return Call(function, unit, args...).answer([](const chip::Chip&) { return chip::Status::unavailable; });
-}
-
 }  // namespace api

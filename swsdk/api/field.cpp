@@ -11,7 +11,6 @@ using api::hex;
 using api::ip4;
 using api::ip6;
 using api::out;
-using api::unmodelled;
 using chip::Chip;
 using chip::FieldQualifier;
 using chip::FieldValue;
@@ -45,6 +44,16 @@ int qualify(const char* function, int unit, bcm_field_entry_t entry, FieldQualif
             Argument mask) {
   return Call(function, unit, entry, data, mask).answer([&](Chip& chip) {
     return chip.field_processor.qualify(entry, qualifier, {value(data), value(mask)});
+  });
+}
+
+/// The interface has no number for the qualifier, so no group can hold it.
+template <class Argument>
+int qualify_unnumbered(const char* function, int unit, bcm_field_entry_t entry, const Argument& data,
+                       const Argument& mask) {
+  return Call(function, unit, entry, data, mask).answer([&](Chip& chip) {
+    constexpr auto unnumbered = static_cast<FieldQualifier>(-1);
+    return chip.field_processor.qualify(entry, unnumbered, {});
   });
 }
 
@@ -153,9 +162,8 @@ int bcm_field_qualify_EtherType(int unit, bcm_field_entry_t entry, uint16 data, 
   return qualify(__func__, unit, entry, FieldQualifier::ether_type, hex(data), hex(mask));
 }
 
-// No group can hold what this or InPorts matches: the interface has no numbers for these qualifiers.
 int bcm_field_qualify_IcmpType(int unit, bcm_field_entry_t entry, uint8 data, uint8 mask) {
-  return unmodelled(__func__, unit, entry, data, mask);
+  return qualify_unnumbered(__func__, unit, entry, data, mask);
 }
 
 int bcm_field_qualify_IcmpTypeCode(int unit, bcm_field_entry_t entry, uint16 data, uint16 mask) {
@@ -167,7 +175,7 @@ int bcm_field_qualify_InPort(int unit, bcm_field_entry_t entry, bcm_port_t data,
 }
 
 int bcm_field_qualify_InPorts(int unit, bcm_field_entry_t entry, bcm_pbmp_t data, bcm_pbmp_t mask) {
-  return unmodelled(__func__, unit, entry, data, mask);
+  return qualify_unnumbered(__func__, unit, entry, data, mask);
 }
 
 int bcm_field_qualify_Ip6NextHeader(int unit, bcm_field_entry_t entry, uint8 data, uint8 mask) {

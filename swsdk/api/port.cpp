@@ -8,7 +8,6 @@ using api::Call;
 using api::hex;
 using api::in;
 using api::out;
-using api::unmodelled;
 using chip::Chip;
 using chip::PortForwarding;
 using chip::PortMac;
@@ -102,7 +101,21 @@ int bcm_port_autoneg_set(int unit, bcm_port_t port, int autoneg) {
   });
 }
 
-int bcm_port_config_get(int unit, bcm_port_config_t* config) { return unmodelled(__func__, unit, out(config)); }
+int bcm_port_config_get(int unit, bcm_port_config_t* config) {
+  return Call(__func__, unit, out(config)).answer([&](const Chip& chip) {
+    chip::PortSet gigabit;
+    chip::PortSet uplinks;
+    for (int port = 0; port <= chip.ports.ethernet().highest(); ++port)
+      if (chip.ports.ethernet().contains(port)) (chip::Ports::is_uplink(port) ? uplinks : gigabit).add(port);
+    bcm_port_config_t_init(config);
+    config->ge = api::bitmap(gigabit);
+    config->xe = api::bitmap(uplinks);
+    config->e = api::bitmap(chip.ports.ethernet());
+    config->cpu = api::bitmap(chip.ports.all() - chip.ports.ethernet());
+    config->all = api::bitmap(chip.ports.all());
+    return Status::ok;
+  });
+}
 
 int bcm_port_duplex_get(int unit, bcm_port_t port, int* duplex) {
   return Call(__func__, unit, port, out(duplex)).answer([&](Chip& chip) {

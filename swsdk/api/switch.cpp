@@ -12,7 +12,6 @@ using api::in;
 using api::inout;
 using api::out;
 using api::out_array;
-using api::unmodelled;
 using chip::Chip;
 using chip::Status;
 

@@ -13,7 +13,6 @@ using api::in;
 using api::inout;
 using api::out;
 using api::ports;
-using api::unmodelled;
 using chip::Chip;
 using chip::Status;
 using chip::VirtualPorts;
