@@ -24,6 +24,9 @@ constexpr const char* undeclared[] = {"sdk_main", "bcm_esw_vlan_ip4_mcast_flood_
                                       "bcm_esw_vlan_ip6_mcast_flood_set"};
 
 const std::set<std::string> without_unit = {"soc_knet_cmd_req"};
+/// What these are asked for with zeros is a control or a type of packet that the chip does not have.
+const std::set<std::string> without_number_zero = {"bcm_field_qualify_IpType", "bcm_switch_control_port_set",
+                                                   "bcm_switch_control_set", "bcm_vlan_control_set"};
 const std::set<std::string> without_result = {"soc_linkscan_pause", "soc_linkscan_continue"};
 
 bool is_initialiser(const std::string& name) { return name.ends_with("_t_init"); }
@@ -75,8 +78,10 @@ TEST_F(EntryPoints, AnswerNotInitialisedBeforeTheSystemIs) {
 
 TEST_F(EntryPoints, AreAllModelled) {
   support::start_chip();
-  for (const std::string name : functions)
-    if (!is_initialiser(name)) EXPECT_NE(call(name.c_str(), 0), BCM_E_UNAVAIL) << name;
+  for (const std::string name : functions) {
+    if (is_initialiser(name) || without_number_zero.contains(name)) continue;
+    EXPECT_NE(call(name.c_str(), 0), BCM_E_UNAVAIL) << name;
+  }
 }
 
 TEST_F(EntryPoints, CanEachBeMadeToFail) {
