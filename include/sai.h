@@ -981,7 +981,8 @@ SAI_API int32_t sai_port_mib_read(int32_t unit, int32_t port, uint64_t values[18
  *
  * @param avg_buf  receives the average of what the sensors show now, as " 41.1": the whole part is padded to 3
  *                 characters; written on success only
- * @param avg_len  size of `avg_buf` in bytes; the text is cut to fit and always ended by a zero byte
+ * @param avg_len  size of `avg_buf` in bytes; the text is cut to fit and ended by a zero byte; 0 or less: nothing is
+ *                 written
  * @param max_buf  receives the highest that any sensor has shown, as "47.0" and a newline; written on success only
  * @param max_len  size of `max_buf` in bytes, likewise
  * @return 0; -1 when there is no sensor; or the converted result of `bcm_switch_temperature_monitor_get`
@@ -1148,7 +1149,7 @@ SAI_API int32_t sai_l2_mac_learn_limit_set(int32_t unit, const sai_l2_learn_limi
  * @param limit  takes the scopes of `flags` and what identifies them; that of the whole system is not asked for, so
  *               without another scope the SDK is asked for none; the field `limit` receives the number of addresses,
  *               written on success only
- * @return 0, or the converted result of `bcm_l2_learn_limit_get`
+ * @return 0, or the converted result of `bcm_l2_learn_limit_get`, -5 (no scope, or several) among them
  */
 SAI_API int32_t sai_l2_mac_learn_limit_get(int32_t unit, sai_l2_learn_limit_t* limit);
 
@@ -1320,6 +1321,7 @@ SAI_API int32_t sai_mirror_source_port_set(int32_t unit, int32_t session, int32_
  *         (no such session) among them
  */
 SAI_API int32_t sai_mirror_source_port_unset(int32_t unit, int32_t session, int32_t port, int32_t mode);
+
 /* ------------------------------------------------------------------------------------------ Field groups ---------- */
 
 /*
@@ -2114,6 +2116,7 @@ SAI_API int32_t sai_stg_count_get(int32_t unit, int32_t* count);
  * @return 0, or the converted result of `bcm_stg_clear`
  */
 SAI_API int32_t sai_stg_clear(int32_t unit);
+
 /* ----------------------------------------------------------------------------------------- L3 interfaces ---------- */
 
 /**
@@ -2162,9 +2165,9 @@ SAI_API int32_t sai_l3_intf_delete_all(int32_t unit);
  * it is behind the CPU port, the route points at an egress object, which is found or made as well; equal next hops
  * share one.
  *
- * Of a failure on the way to the interface the log has no more than "can't find l3 interface vlan %d" or "can't add l3
- * interface out vlan %d"; with `dtag` only a failed creation is logged. A failed lookup of the egress object is a
- * trace.
+ * A VLAN without interface is logged without the SDK's text ("can't find l3 interface vlan %d"), and so is a failed
+ * lookup behind a virtual port ("can't add l3 interface out vlan %d", which also follows a failed creation's own
+ * message); with `dtag` only a failed creation is logged. A failed lookup of the egress object is a trace.
  *
  * @param ip          the host's IPv4 address in host byte order
  * @param router_mac  MAC address of an interface that is made, 6 bytes
@@ -2174,8 +2177,8 @@ SAI_API int32_t sai_l3_intf_delete_all(int32_t unit);
  * @param dtag        non-zero: the host is double-tagged, behind a virtual port
  * @return 0, or the converted result of the failed `bcm_stk_my_modid_get`, `bcm_l2_addr_get`, `bcm_vlan_port_find`,
  *         `bcm_l3_intf_find_vlan`, `bcm_l3_intf_find` (with `dtag`, but not found), `bcm_l3_intf_create`,
- *         `bcm_l3_egress_find` (but not found), `bcm_l3_egress_create` or `bcm_l3_host_add`; -13: no room for the
- * host's hash
+ *         `bcm_l3_egress_find` (but not found), `bcm_l3_egress_create` or `bcm_l3_host_add`; -13: a
+ *         table, or the bucket of the host's hash, is full
  */
 SAI_API int32_t sai_l3_host_route_create(int32_t unit, uint32_t ip, const uint8_t* router_mac, const uint8_t* host_mac,
                                          int32_t port, int32_t vlan, uint8_t dtag);
@@ -2199,8 +2202,9 @@ SAI_API int32_t sai_l3_host_route_delete(int32_t unit, uint32_t ip, uint8_t dtag
  * Adds the route to a subnet. One that is there is deleted first, also when the new one then cannot be added.
  *
  * Interface and egress object as in sai_l3_host_route_create(), but the message is "can't find vlan %d l3 interface". A
- * route that points at the very interface, with the same port and next hop, is left alone. A failed
- * `bcm_stk_my_modid_get` is a trace, and a failed deletion is logged without the SDK's text and passed over.
+ * route that points at the very interface, with the same port and next-hop MAC address, and is no local route, is left
+ * alone, even when `nexthop_ip` differs; in L3 egress mode a route points at an egress object and is made anew. A
+ * failed `bcm_stk_my_modid_get` is a trace, and a failed deletion is logged without the SDK's text and passed over.
  *
  * @param subnet       the subnet's IPv4 address in host byte order
  * @param mask         its mask in host byte order
@@ -2405,10 +2409,10 @@ SAI_API int32_t sai_ipv6_esw_vlan_mcast_flood_set(int32_t unit, uint16_t vlan, u
  * ones stay.
  *
  * No failure ends the work; each is logged, but for that of the policers. A VLAN 4095 that exists already is logged as
- * well, and is no failure.
+ * well, and shows in the result only when there is no port.
  *
  * @return 0, or the converted result of adding the last port to VLAN 4095, or of creating it when there is no port;
- * what came before does not show
+ *         what came before does not show
  */
 SAI_API int32_t sai_vlan_vport_init(int32_t unit);
 

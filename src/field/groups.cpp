@@ -77,7 +77,7 @@ constexpr Group efp_mac_ipv6{
      bcmFieldQualifyEtherType, bcmFieldQualifyIpProtocol, bcmFieldQualifyDSCP, bcmFieldQualifyIpType,
      bcmFieldQualifyOutPort, bcmFieldQualifyStageEgress}};
 
-// Meant, here and in the next: the last two qualifiers before the stage, which no rule of theirs matches.
+// Meant, here and in the next: VLAN format and ARP target address, which no rule of theirs matches.
 constexpr Group system_ipv4{
     Kind::trap,
     "ipv4 any",
