@@ -18,8 +18,8 @@ TEST_F(Field, RefusesWhatIsNotOnTheChip) {
   EXPECT_EQ(bcm_field_qualify_L4DstPort(unit, id, 0x10000, exact), BCM_E_PARAM);
   EXPECT_EQ(bcm_field_qualify_L4DstPort(unit, id, -1, exact), BCM_E_PARAM);
   EXPECT_EQ(bcm_field_qualify_SrcMac(unit, id, nullptr, nullptr), BCM_E_PARAM);
-  EXPECT_EQ(bcm_field_qualify_IcmpType(unit, id, 1, 0xFF), BCM_E_UNAVAIL);
-  EXPECT_EQ(bcm_field_qualify_InPorts(unit, id, {}, {}), BCM_E_UNAVAIL);
+  EXPECT_EQ(bcm_field_qualify_IcmpType(unit, id, 1, 0xFF), BCM_E_PARAM);
+  EXPECT_EQ(bcm_field_qualify_InPorts(unit, id, {}, {}), BCM_E_PARAM);
 }
 
 TEST_F(Field, EntriesActOnFrames) {
