@@ -110,12 +110,6 @@ int swsdk_l2_lookup(int unit, int vid, const unsigned char* mac);
  */
 int swsdk_clock_step(int unit, int seconds);
 
-/** Waits until all events that were raised have been told, those that callbacks raise meanwhile too, and all time has
- *  passed. Returns at once when it is called from a callback. */
-/** Waits until all events that were raised have been told, those that callbacks raise meanwhile too. Returns at once
- *  when it is called from a callback. */
-/** Waits until all events that were raised have been told, those that callbacks raise meanwhile too. Returns at once
- *  when it is called from a callback. */
 /**
  * Marks a host of layer 3 as used, as by frames that it sent or that went to it.
  *
@@ -135,7 +129,8 @@ int swsdk_l3_host_hit(int unit, unsigned address, unsigned hits);
  */
 int swsdk_l3_route_hit(int unit, unsigned subnet, unsigned mask, unsigned hits);
 
-/** Waits until all events that were raised have been told. Returns at once when it is called from a callback. */
+/** Waits until all events that were raised have been told, those that callbacks raise meanwhile too, and all time has
+ *  passed. Returns at once when it is called from a callback. */
 void swsdk_events_drain(void);
 
 /**
