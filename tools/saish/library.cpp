@@ -1,6 +1,7 @@
 #include "library.h"
 
 #include <bcm/error.h>
+#include <bcm/l2.h>
 
 #include <charconv>
 #include <cstdio>
@@ -103,7 +104,11 @@ template <>
 void Argument<sai_l2_event_cb>::print(uint16_t vid, int32_t port, uint8_t* mac, int32_t operation) {
   uint8_t address[6];
   std::memcpy(address, mac, sizeof address);
-  std::printf("  ! address %s in VLAN %d on port %d: operation %d\n", text(address).c_str(), vid, port, operation);
+  const std::string change = operation == BCM_L2_CALLBACK_ADD ? "added"
+                             : operation == BCM_L2_CALLBACK_DELETE
+                                 ? "deleted"
+                                 : "changed by operation " + std::to_string(operation);
+  std::printf("  ! address %s in VLAN %d on port %d is %s\n", text(address).c_str(), vid, port, change.c_str());
 }
 
 Argument<const char*>::Argument(const Parameter& /*parameter*/, const std::string& word) {

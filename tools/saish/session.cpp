@@ -83,6 +83,7 @@ std::optional<int32_t> Session::call(const Function& function, const Words& argu
   } catch (const BadInput& bad) {
     throw BadInput(std::string(bad.what()) + "; the form is " + form);
   }
+  swsdk_events_drain();  // who is registered is told before the result is shown
   std::fflush(stdout);
   print_news();
   if (const std::optional<int32_t> result = outcome.result)
