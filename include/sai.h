@@ -1471,10 +1471,10 @@ typedef struct sai_acl_rule_t {
   uint16_t vlan_mask;    /**< the low 12 bits; without a priority mask `vlan_id` is its own mask and this is not read */
   uint8_t vlan_pri;      /**< outer priority, 0 to 7 */
   uint8_t vlan_pri_mask; /**< 0: the priority is not compared */
-  uint32_t src_ip;
-  uint32_t dst_ip;
-  uint32_t src_ip_mask;
-  uint32_t dst_ip_mask;
+  uint32_t src_ip;       /**< IPv4 address in network byte order */
+  uint32_t dst_ip;       /**< likewise, in network byte order */
+  uint32_t src_ip_mask;  /**< in network byte order */
+  uint32_t dst_ip_mask;  /**< in network byte order */
   uint8_t src_ip6[16];
   uint8_t dst_ip6[16];
   uint8_t src_ip6_mask[16];

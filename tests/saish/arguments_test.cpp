@@ -65,6 +65,7 @@ const std::map<std::string, std::string> good_words = {
     {"const char*", "text"},
     {"char*", "text"},
     {"const int32_t*", "0"},
+    {"int32_t*", "0"},
 };
 
 /// The command with a word of the right kind for each parameter that takes one, but `word` for parameter number

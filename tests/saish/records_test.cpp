@@ -13,6 +13,7 @@ namespace {
 
 sample_entry taken;
 sample_inner taken_inner;
+uint32_t kept[3];
 
 }  // namespace
 
@@ -56,6 +57,18 @@ int32_t sample_table(sample_inner* entries) {
 }
 
 int32_t sample_addresses(const uint8_t group[16], uint32_t ip) { return group[15] + static_cast<int32_t>(ip & 0xFF); }
+
+int32_t sample_next(int32_t* id, int32_t* last) {
+  *last = (*id)++;
+  return 0;
+}
+
+int32_t sample_orders(uint32_t source, uint32_t mask, uint32_t subnet) {
+  kept[0] = source;
+  kept[1] = mask;
+  kept[2] = subnet;
+  return 0;
+}
 
 namespace saish {
 #include "sample_commands.inc"
@@ -202,6 +215,11 @@ TEST(Answers, OfAKnownLengthAreAList) {
   EXPECT_EQ(run("sample_numbers").answers, std::vector<std::string>{"numbers = [7, 8, 9]"});
 }
 
+TEST(Answers, ToWhatIsTakenAsWellAreGiven) {
+  EXPECT_EQ(run("sample_next 7").answers, (std::vector<std::string>{"id = 8", "last = 7"}));
+  EXPECT_THROW(run("sample_next seven"), saish::BadInput);
+}
+
 TEST(Answers, ATextComesInABufferOfTheShells) {
   EXPECT_EQ(run("sample_text 3").answers, std::vector<std::string>{"name_buf = \"unit 3\\n\""});
 }
@@ -215,6 +233,16 @@ TEST(Addresses, AreTakenAsPeopleWriteThem) {
   EXPECT_EQ(run("sample_addresses ff02::5 10.0.0.7").result, 12);
   EXPECT_THROW(run("sample_addresses 00:11:22:33:44:55 10.0.0.7"), saish::BadInput);
   EXPECT_THROW(run("sample_addresses ff02::5 10.0.0"), saish::BadInput);
+}
+
+TEST(Addresses, AreInTheOrderThatTheFunctionTakes) {
+  run("sample_orders 10.0.0.7 255.255.0.0 10.1.0.0");
+  EXPECT_EQ(std::memcmp(&kept[0], "\x0A\0\0\x07", 4), 0);
+  EXPECT_EQ(kept[1], 0xFFFF0000);
+  EXPECT_EQ(std::memcmp(&kept[2], "\x0A\x01\0\0", 4), 0);
+  run("sample_orders 0x0a000007 0xffff0000 0");
+  EXPECT_EQ(kept[0], 0x0A000007);
+  EXPECT_EQ(kept[2], 0U);
 }
 
 }  // namespace

@@ -78,3 +78,20 @@ SAI_API int32_t sample_table(sample_inner* entries);
 
 /** Answers the last byte of an IPv6 address plus that of an IPv4 one. */
 SAI_API int32_t sample_addresses(const uint8_t group[16], uint32_t ip);
+
+/**
+ * Takes an id and answers the next one.
+ *
+ * @param id    takes an id and receives the one after it
+ * @param last  receives the id
+ */
+SAI_API int32_t sample_next(int32_t* id, int32_t* last);
+
+/**
+ * Keeps two addresses and a mask as they come.
+ *
+ * @param source  an address in network order; 0: any
+ * @param mask    its mask in host order
+ * @param subnet  an address in network byte order
+ */
+SAI_API int32_t sample_orders(uint32_t source, uint32_t mask, uint32_t subnet);

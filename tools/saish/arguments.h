@@ -15,6 +15,7 @@
 #include <string>
 #include <string_view>
 #include <tuple>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -22,10 +23,12 @@
 
 namespace saish {
 
-/// A parameter as sai.h declares it: its name, and how many items it has when it is an array of a known length.
+/// A parameter as sai.h declares it.
 struct Declared {
   const char* name;
-  std::size_t count = 0;
+  std::size_t count = 0;       // of the items of an array, when it is known
+  bool network_order = false;  // of an IPv4 address
+  bool taken = false;          // what it points to is read, too
 };
 
 /// A parameter of a function, whether the user gives a word for it, and of a record its fields.
@@ -53,6 +56,7 @@ struct Argument<T> {
     if constexpr (std::same_as<T, uint32_t>)
       if (word.find('.') != std::string::npos) {
         value = read_ip4(parameter.name, word);
+        if (parameter.network_order) value = other_order(value);
         return;
       }
     read(std::string(parameter.name), word, value);
@@ -130,9 +134,12 @@ struct Argument<const T*> {
   std::array<T, 64> items{};
 };
 
-/// A number that the function answers, or several.
+/// A number that the function answers, or several. One that it takes as well is given.
 template <std::integral T>
 struct Argument<T*> {
+  static constexpr bool is_given_when_taken = true;
+  Argument(const Parameter& parameter, const std::string& word)
+      : name(parameter.name), values{Argument<T>(parameter, word).get()} {}
   explicit Argument(const Parameter& parameter)
       : name(parameter.name), values(std::max<std::size_t>(parameter.count, 1)) {}
   T* get() { return values.data(); }
@@ -211,6 +218,14 @@ constexpr bool is_answer = requires(Argument<T> argument) {
 template <class T>
 constexpr bool takes_word = std::is_constructible_v<Argument<T>, const Parameter&, const std::string&>;
 
+template <class T>
+constexpr bool is_given(const Declared& declared) {
+  if constexpr (requires { Argument<T>::is_given_when_taken; })
+    return declared.taken;
+  else
+    return takes_word<T>;
+}
+
 /// What a call gave: a result where the function has one, and what it answered through its arguments.
 struct Outcome {
   std::optional<int32_t> result;
@@ -283,7 +298,11 @@ bool is_provided(std::string_view name);
 template <class Returned, class... Args>
 Parameters parameters(Returned (*)(Args...), std::initializer_list<Declared> declared) {
   auto next = declared.begin();
-  Parameters result{Parameter{*next++, takes_word<Args>, fields_of<Args>()}...};
+  [[maybe_unused]] const auto made = [&]<class T>(T*) {
+    const Declared& one = *next++;
+    return Parameter{one, is_given<T>(one), fields_of<T>()};
+  };
+  Parameters result{made(static_cast<std::add_pointer_t<Args>>(nullptr))...};
   for (Parameter& parameter : result) parameter.given = parameter.given && !is_provided(parameter.name);
   return result;
 }
