@@ -1,9 +1,13 @@
 #include "built_ins.h"
 
+#include <bcm/stat.h>
 #include <swsdk/chip.h>
 #include <swsdk/fault.h>
+#include <swsdk/field.h>
 
 #include <algorithm>
+#include <charconv>
+#include <cmath>
 #include <cstdio>
 #include <numeric>
 #include <string>
@@ -17,14 +21,17 @@ namespace {
 
 constexpr int any_length = 1000;
 
+void help_on_fields(const std::string& name, std::span<const Field> fields) {
+  if (!fields.empty()) std::printf("  %s is {field=value, ...} of %s\n", name.c_str(), names_text(fields).c_str());
+}
+
 void help_on(std::string_view name) {
   if (const BuiltIn* built_in = find_built_in(name)) {
     std::printf("%s\n%s\n", built_in->usage, built_in->summary);
+    help_on_fields("FRAME", built_in->fields);
   } else if (const Function* function = find_function(name)) {
     std::printf("%s\n%s\nHere: %s\n", function->prototype, function->summary, usage(*function).c_str());
-    for (const Parameter& parameter : function->parameters)
-      if (!parameter.fields.empty())
-        std::printf("  %s is {field=value, ...} of %s\n", parameter.name, names_text(parameter.fields).c_str());
+    for (const Parameter& parameter : function->parameters) help_on_fields(parameter.name, parameter.fields);
   } else {
     throw unknown_command(name);
   }
@@ -44,6 +51,18 @@ int unit_number(const std::string& word) {
   return *unit;
 }
 
+/// The unit that a word at the end names; 0 when it is left out.
+int unit_at(const Words& arguments, std::size_t index) {
+  return arguments.size() > index ? unit_number(arguments[index]) : 0;
+}
+
+template <class T>
+T value(const std::string& where, const std::string& word) {
+  T result;
+  read(where, word, result);
+  return result;
+}
+
 std::string table_names() {
   std::string result;
   for (int i = 0; swsdk_show_table(i) != nullptr; ++i) result += (i > 0 ? ", " : "") + std::string(swsdk_show_table(i));
@@ -54,7 +73,7 @@ void show(Session& /*session*/, const Words& arguments) {
   bool known = false;
   for (int i = 0; swsdk_show_table(i) != nullptr; ++i) known = known || arguments[0] == swsdk_show_table(i);
   if (!known) throw BadInput("there is no table \"" + arguments[0] + "\"; the tables are " + table_names());
-  const int unit = arguments.size() > 1 ? unit_number(arguments[1]) : 0;
+  const int unit = unit_at(arguments, 1);
 
   const long length = swsdk_show(unit, arguments[0].c_str(), nullptr, 0);
   if (length < 0) throw BadInput("unit " + std::to_string(unit) + " is not attached");
@@ -107,10 +126,135 @@ void link(Session& /*session*/, const Words& arguments) {
   const std::optional<int> port = number<int>(arguments[0]);
   const bool up = arguments[1] == "up";
   if (!up && arguments[1] != "down") throw BadInput("\"" + arguments[1] + "\" is neither up nor down");
-  const int unit = arguments.size() > 2 ? unit_number(arguments[2]) : 0;
+  const int unit = unit_at(arguments, 2);
   if (!port || *port < 0 || swsdk_link_event(unit, *port, up) != 0)
     throw BadInput("port: unit " + std::to_string(unit) + " has no Ethernet port \"" + arguments[0] + "\"");
   swsdk_events_drain();
+}
+
+void learn(Session& /*session*/, const Words& arguments) {
+  uint8_t mac[6];
+  read("mac", arguments[0], mac);
+  const int vlan = value<int>("vlan", arguments[1]);
+  const int port = value<int>("port", arguments[2]);
+  const int unit = unit_at(arguments, 3);
+  const int learned = swsdk_l2_learn(unit, vlan, mac, port, 0);
+  if (learned < 0)
+    throw BadInput("unit " + std::to_string(unit) + " has no port " + std::to_string(port) +
+                   ", or there can be no VLAN " + std::to_string(vlan));
+  swsdk_events_drain();
+  std::printf("  %s\n", learned != 0 ? "learned" : "not learned");
+}
+
+void age(Session& /*session*/, const Words& arguments) {
+  const int seconds = value<int>("seconds", arguments[0]);
+  const int unit = unit_at(arguments, 1);
+  if (seconds < 0) throw BadInput("seconds: time does not go back");
+  if (swsdk_clock_step(unit, seconds) != 0) throw BadInput("unit " + std::to_string(unit) + " is not initialised");
+  swsdk_events_drain();
+}
+
+void hit(Session& /*session*/, const Words& arguments) {
+  const std::string& target = arguments[0];
+  const std::size_t slash = std::min(target.find('/'), target.size());
+  const bool is_route = slash != target.size();
+  const uint32_t address = read_ip4("address", target.substr(0, slash));
+  const unsigned length = is_route ? value<unsigned>("length", target.substr(slash + 1)) : 32;
+  if (length > 32) throw BadInput("length: " + std::to_string(length) + " is more than the 32 bits of an address");
+  if (arguments[1] != "source" && arguments[1] != "destination")
+    throw BadInput("\"" + arguments[1] + "\" is neither source nor destination");
+  const unsigned as = arguments[1] == "source" ? 0x4 : 0x8;
+  const int unit = unit_at(arguments, 2);
+  const uint32_t mask = length == 0 ? 0 : ~uint32_t{0} << (32 - length);
+  if ((is_route ? swsdk_l3_route_hit(unit, address, mask, as) : swsdk_l3_host_hit(unit, address, as)) != 0)
+    throw BadInput("unit " + std::to_string(unit) + " has no " + (is_route ? "route" : "host") + " " + target);
+}
+
+void counter(Session& /*session*/, const Words& arguments) {
+  constexpr const char* names[] = BCM_STAT_NAME_INITIALIZER;
+  const int port = value<int>("port", arguments[0]);
+  const auto stat = std::find(std::begin(names), std::end(names), arguments[1]);
+  if (stat == std::end(names))
+    throw BadInput("there is no counter \"" + arguments[1] + "\"; sai_port_stat_show 0 1 shows them all");
+  const auto count = value<unsigned long long>("value", arguments[2]);
+  const int unit = unit_at(arguments, 3);
+  if (swsdk_counter_set(unit, port, static_cast<int>(stat - names), count) != 0)
+    throw BadInput("unit " + std::to_string(unit) + " has no port " + std::to_string(port));
+}
+
+/// Degrees Celsius, as tenths.
+int tenths(const std::string& word) {
+  constexpr double most = 1000;
+  double degrees = 0;
+  const char* const end = word.data() + word.size();
+  const auto [read_to, error] = std::from_chars(word.data(), end, degrees);
+  if (error != std::errc{} || read_to != end || !(std::abs(degrees) <= most))
+    throw BadInput("temperature: \"" + word + "\" is not a number of degrees such as 41.5");
+  return static_cast<int>(std::lround(degrees * 10));
+}
+
+void temperature(Session& /*session*/, const Words& arguments) {
+  std::vector<swsdk_temperature> readings;
+  for (const std::string& word : arguments) {
+    const std::size_t slash = std::min(word.find('/'), word.size());
+    const int current = tenths(word.substr(0, slash));
+    readings.push_back({current, slash == word.size() ? current : tenths(word.substr(slash + 1))});
+  }
+  if (swsdk_temperatures_set(0, readings.data(), static_cast<int>(readings.size())) != 0)
+    throw BadInput("unit 0 is not initialised");
+}
+
+constexpr Field frame_fields[] = {
+    field<&swsdk_frame::in_port>("in_port"),
+    field<&swsdk_frame::out_port>("out_port"),
+    field<&swsdk_frame::src_mac>("src_mac"),
+    field<&swsdk_frame::dst_mac>("dst_mac"),
+    field<&swsdk_frame::vlan_format>("vlan_format"),
+    field<&swsdk_frame::outer_tag>("outer_tag"),
+    field<&swsdk_frame::inner_tag>("inner_tag"),
+    field<&swsdk_frame::ether_type>("ether_type"),
+    field<&swsdk_frame::src_ip, Form::ip4>("src_ip"),
+    field<&swsdk_frame::dst_ip, Form::ip4>("dst_ip"),
+    field<&swsdk_frame::src_ip6>("src_ip6"),
+    field<&swsdk_frame::dst_ip6>("dst_ip6"),
+    field<&swsdk_frame::ip_protocol>("ip_protocol"),
+    field<&swsdk_frame::tos>("tos"),
+    field<&swsdk_frame::ttl>("ttl"),
+    field<&swsdk_frame::l4_src_port>("l4_src_port"),
+    field<&swsdk_frame::l4_dst_port>("l4_dst_port"),
+    field<&swsdk_frame::icmp_type>("icmp_type"),
+    field<&swsdk_frame::icmp_code>("icmp_code"),
+    field<&swsdk_frame::arp_target_ip, Form::ip4>("arp_target_ip"),
+};
+
+std::string verdict_text(const swsdk_verdict& verdict) {
+  std::string text = verdict.dropped != 0          ? "dropped"
+                     : verdict.redirect_port >= 0  ? "goes to port " + std::to_string(verdict.redirect_port) + " alone"
+                     : verdict.drop_cancelled != 0 ? "passes, whatever else would drop it"
+                                                   : "passes";
+  if (verdict.copied_to_cpu != 0) text += ", copied to the CPU";
+  if (verdict.priority >= 0) text += ", with priority " + std::to_string(verdict.priority);
+  for (const int policer : verdict.policers)
+    if (policer != 0) text += ", metered by policer " + std::to_string(policer);
+  if (verdict.red_dropped != 0) text += ", dropped if red";
+  if (verdict.hits == 0) return text + ": no entry";
+  for (int i = 0; i < verdict.hits; ++i)
+    text += (i == 0 ? ": entry " : ", entry ") + std::to_string(verdict.entries[i]) + " of group " +
+            std::to_string(verdict.groups[i]);
+  return text;
+}
+
+void classify(Session& /*session*/, const Words& arguments) {
+  if (arguments[0] != "ingress" && arguments[0] != "egress")
+    throw BadInput("\"" + arguments[0] + "\" is neither ingress nor egress");
+  swsdk_frame frame{};
+  read_fields(frame_fields, "frame", arguments[1], &frame);
+  const int unit = unit_at(arguments, 2);
+  swsdk_verdict verdict;
+  if (swsdk_field_classify(unit, arguments[0] == "ingress" ? SWSDK_FIELD_INGRESS : SWSDK_FIELD_EGRESS, &frame,
+                           &verdict) != 0)
+    throw BadInput("unit " + std::to_string(unit) + " is not initialised");
+  std::printf("  %s\n", verdict_text(verdict).c_str());
 }
 
 void source(Session& session, const Words& arguments) { session.run_script(arguments[0]); }
@@ -130,6 +274,16 @@ constexpr BuiltIn table[] = {
     {"log", "log LEVEL", "Shows log messages up to a level on the console; off: none.", 1, 1, log},
     {"expect", "expect CODE COMMAND", "Runs a command that has to return that code.", 2, any_length, expect},
     {"link", "link PORT up|down [UNIT]", "Takes a port's link up or down; who is registered is told.", 2, 3, link},
+    {"learn", "learn MAC VLAN PORT [UNIT]", "Lets the chip learn an address, as from a frame that came in.", 3, 4,
+     learn},
+    {"age", "age SECONDS [UNIT]", "Lets time pass on the chip, so that addresses that are not seen again age.", 1, 2,
+     age},
+    {"hit", "hit IP[/LENGTH] source|destination [UNIT]", "Marks a host or a route as used, as by frames.", 2, 3, hit},
+    {"counter", "counter PORT NAME VALUE [UNIT]", "Sets one of a port's counters, as frames do.", 3, 4, counter},
+    {"temperature", "temperature NOW[/PEAK]...", "Sets the chip's temperature sensors, in degrees Celsius.", 1, 256,
+     temperature},
+    {"classify", "classify ingress|egress FRAME [UNIT]", "Says what the field entries do with a frame.", 2, 3, classify,
+     frame_fields},
     {"source", "source FILE", "Runs a script.", 1, 1, source},
     {"quit", "quit", "Ends the shell.", 0, 0, quit},
 };

@@ -17,6 +17,7 @@ struct BuiltIn {
   std::size_t fewest_words;  // after the name
   std::size_t most_words;
   void (*run)(Session& session, const Words& arguments);
+  std::span<const Field> fields = {};  // of the record among its words, if there is one
 };
 
 std::span<const BuiltIn> built_ins();
