@@ -93,13 +93,15 @@ std::string api::show_routes(const chip::Chip& chip) {
   return columns(rows);
 }
 
+/// A line per encapsulation of a group, with the ports that have a copy in it.
 std::string api::show_multicast_groups(const chip::Chip& chip) {
-  std::vector<Row> rows{{"group", "type", "port", "encapsulation"}};
+  std::vector<Row> rows{{"group", "type", "ports", "encapsulation"}};
   for (const auto& [id, group] : chip.multicast_groups.all()) {
     if (group.members.empty()) rows.push_back({to_string(id), type_text(group.type), "-", "-"});
-    for (const chip::MulticastMember& member : group.members)
-      rows.push_back(
-          {to_string(id), type_text(group.type), to_string(member.port), encapsulation_text(member.encapsulation)});
+    std::map<int, chip::PortSet> ports;
+    for (const chip::MulticastMember& member : group.members) ports[member.encapsulation].add(member.port);
+    for (const auto& [encapsulation, set] : ports)
+      rows.push_back({to_string(id), type_text(group.type), text(set), encapsulation_text(encapsulation)});
   }
   return columns(rows);
 }

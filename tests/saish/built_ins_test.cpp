@@ -210,4 +210,139 @@ TEST_F(ShellBuiltIns, ALogLineOnTheConsoleComesBeforeTheCallsAndTheResultLast) {
             "  = -7 SAI_E_NOT_FOUND\n");
 }
 
+TEST_F(ShellBuiltIns, LinkTellsWhoIsRegistered) {
+  run("sai_register_link_service print");
+  EXPECT_EQ(run("link 1 up"), "  ! link of unit 0 port 1 is up\n");
+  EXPECT_EQ(run("link 1 down 0"), "  ! link of unit 0 port 1 is down\n");
+  EXPECT_EQ(refused("link 13 up"), "port: unit 0 has no Ethernet port \"13\"");
+  EXPECT_EQ(refused("link 1 high"), "\"high\" is neither up nor down");
+}
+
+TEST_F(ShellBuiltIns, LearnPutsAnAddressIntoTheMacTable) {
+  run("sai_vlan_create 0 10", "sai_register_l2_service 0 print");
+  EXPECT_EQ(run("learn 00:00:00:00:00:01 10 1"),
+            "  ! address 00:00:00:00:00:01 in VLAN 10 on port 1 is added\n  learned\n");
+  EXPECT_EQ(run("learn 00:00:00:00:00:01 10 2 0"),
+            "  ! address 00:00:00:00:00:01 in VLAN 10 on port 1 is deleted\n"
+            "  ! address 00:00:00:00:00:01 in VLAN 10 on port 2 is added\n"
+            "  learned\n");
+  EXPECT_EQ(run("learn 00:00:00:00:00:01 20 1"), "  not learned\n");
+  EXPECT_EQ(run("learn 01:00:00:00:00:01 10 1"), "  not learned\n");
+  EXPECT_EQ(run("show mac"),
+            "VLAN  MAC                at      kind  hit\n"
+            "10    00:00:00:00:00:01  port 2  -     source\n");
+}
+
+TEST_F(ShellBuiltIns, LearnRefusesWhatIsNotOnTheChip) {
+  EXPECT_EQ(refused("learn 00:00:00:00:00:01 1 13"), "unit 0 has no port 13, or there can be no VLAN 1");
+  EXPECT_EQ(refused("learn 00:00:00:00:00:01 4096 1"), "unit 0 has no port 1, or there can be no VLAN 4096");
+  EXPECT_EQ(refused("learn 00:00:00:00:00:01 1 1 1"), "unit 1 has no port 1, or there can be no VLAN 1");
+  EXPECT_TRUE(refused("learn 1 1 1").starts_with("mac: \"1\" is not a MAC address"));
+  EXPECT_TRUE(refused("learn 00:00:00:00:00:01 x 1").starts_with("vlan: \"x\" is not a number"));
+}
+
+TEST_F(ShellBuiltIns, ACallsEventsAreToldBeforeItsResult) {
+  run("sai_vlan_create 0 10", "sai_register_l2_service 0 print");
+  EXPECT_EQ(run("sai_l2_mac_entry_add 0 {mac=00:00:00:00:00:01, vlan=10, port=3}"),
+            "  ! address 00:00:00:00:00:01 in VLAN 10 on port 3 is added\n  = 0\n");
+}
+
+TEST_F(ShellBuiltIns, AgeLetsAddressesGo) {
+  run("sai_vlan_create 0 10", "learn 00:00:00:00:00:01 10 1", "sai_l2_mac_age_time_set 0 300");
+  run("sai_register_l2_service 0 print");
+  EXPECT_EQ(run("age 300"), "");
+  EXPECT_EQ(run("age 299 0"), "");
+  EXPECT_EQ(run("age 1"), "  ! address 00:00:00:00:00:01 in VLAN 10 on port 1 is deleted\n");
+  EXPECT_EQ(refused("age -1"), "seconds: time does not go back");
+  EXPECT_EQ(refused("age 1 1"), "unit 1 is not initialised");
+}
+
+TEST_F(ShellBuiltIns, HitMarksAHostOrARoute) {
+  const std::string macs = "02:00:00:00:00:01 00:00:00:00:10:05";
+  run("sai_vlan_create 0 10", "sai_l3_intf_create 0 02:00:00:00:00:01 10", "learn 00:00:00:00:10:05 10 1");
+  ASSERT_EQ(run("sai_l3_host_route_create 0 10.0.10.5 " + macs + " 1 10 0"), "  = 0\n");
+  ASSERT_EQ(run("sai_l3_subnet_route_create 0 10.1.0.0 255.255.0.0 10.0.10.5 " + macs + " 1 10 0"), "  = 0\n");
+  ASSERT_EQ(run("sai_l3_subnet_route_create 0 0 0 10.0.10.5 " + macs + " 1 10 0"), "  = 0\n");
+  EXPECT_EQ(run("sai_l3_host_route_hit_get 10.0.10.5"), "  = 0\n");
+  EXPECT_EQ(run("hit 10.0.10.5 source", "sai_l3_host_route_hit_get 10.0.10.5"), "  = 1\n");
+  EXPECT_NE(run("hit 10.0.10.5 destination 0", "show host").find(" destination\n"), std::string::npos);
+  EXPECT_EQ(run("hit 10.1.0.0/16 destination", "sai_l3_subnet_route_hit_get 0 0"), "  = 0\n");
+  EXPECT_EQ(run("sai_l3_subnet_route_hit_get 10.1.0.0 255.255.0.0"), "  = 1\n");
+  EXPECT_EQ(run("hit 0.0.0.0/0 destination", "sai_l3_subnet_route_hit_get 0 0"), "  = 1\n");
+}
+
+TEST_F(ShellBuiltIns, HitRefusesWhatThereIsNot) {
+  EXPECT_EQ(refused("hit 10.0.10.6 source"), "unit 0 has no host 10.0.10.6");
+  EXPECT_EQ(refused("hit 10.2.0.0/16 source"), "unit 0 has no route 10.2.0.0/16");
+  EXPECT_EQ(refused("hit 10.2.0.0/33 source"), "length: 33 is more than the 32 bits of an address");
+  EXPECT_EQ(refused("hit 10.2.0.0 both"), "\"both\" is neither source nor destination");
+  EXPECT_TRUE(refused("hit host source").starts_with("address: \"host\" is not an IPv4 address"));
+  EXPECT_TRUE(refused("hit 10.2.0.0/ source").starts_with("length: \"\" is not a number"));
+}
+
+TEST_F(ShellBuiltIns, CounterSetsACounter) {
+  EXPECT_EQ(run("counter 1 snmpIfInErrors 3", "counter 12 snmpIfHCInOctets 18446744073709551615 0"), "");
+  EXPECT_EQ(run("show counter"),
+            "port  counter           value\n"
+            "1     snmpIfInErrors    3\n"
+            "12    snmpIfHCInOctets  18446744073709551615\n");
+}
+
+TEST_F(ShellBuiltIns, CounterRefusesWhatThereIsNot) {
+  EXPECT_EQ(refused("counter 1 errors 3"), "there is no counter \"errors\"; sai_port_stat_show 0 1 shows them all");
+  EXPECT_EQ(refused("counter 13 snmpIfInErrors 3"), "unit 0 has no port 13");
+  EXPECT_TRUE(refused("counter 1 snmpIfInErrors -3").starts_with("value: \"-3\" is not a number"));
+}
+
+TEST_F(ShellBuiltIns, TemperatureSetsTheSensorsAndHowManyThereAre) {
+  EXPECT_EQ(run("temperature 41.5/47 -0.5 40", "show temperature"),
+            "sensor  current  peak\n"
+            "0       41.5     47.0\n"
+            "1       -0.5     -0.5\n"
+            "2       40.0     40.0\n");
+  EXPECT_EQ(run("temperature 1", "show temperature"),
+            "sensor  current  peak\n"
+            "0       1.0      1.0\n");
+  for (const std::string word : {"warm", "", "41.5C", "1e9", "nan", "inf", "0x10"})
+    EXPECT_EQ(refused("temperature 20 \"" + word + "\""),
+              "temperature: \"" + word + "\" is not a number of degrees such as 41.5");
+  EXPECT_EQ(refused("temperature 41.5/"), "temperature: \"\" is not a number of degrees such as 41.5");
+}
+
+TEST_F(ShellBuiltIns, ClassifySaysWhatEntriesDoWithAFrame) {
+  run("sai_ifp_mac_ipv4_group_create 0", "sai_system_ipv4_fp_create 0");
+  EXPECT_EQ(run("classify ingress {}"), "  passes: no entry\n");
+  const std::string rule = "sai_acl_ext_l3_entry_install 0 1 0 1 {ip_type=SAI_ACL_IPV4, ip_protocol=-1, ";
+  ASSERT_EQ(run(rule + "action=0, dst_ip=10.9.0.0, dst_ip_mask=255.255.0.0}"), "  = 0\n  entry = 1\n");
+  ASSERT_EQ(run(rule + "action=1, dst_ip=10.9.0.80, dst_ip_mask=255.255.255.255}"), "  = 0\n  entry = 2\n");
+  ASSERT_EQ(run("sai_fp_ospf_ttl1_set 0 1 2"), "  = 0\n  entry = 3\n");
+  ASSERT_EQ(run("sai_fp_arp_packet_port_qualify_set 0 1 2 5"), "  = 0\n  entry = 4\n");
+
+  const std::string ip4 = "classify ingress {in_port=1, ether_type=0x0800, dst_ip=10.9.0.";
+  EXPECT_EQ(run(ip4 + "7}"), "  dropped: entry 1 of group 1\n");
+  EXPECT_EQ(run(ip4 + "80} 0"), "  passes, whatever else would drop it: entry 2 of group 1\n");
+  EXPECT_EQ(run(ip4 + "7, ip_protocol=89, ttl=1}"),
+            "  dropped, copied to the CPU, with priority 7: entry 3 of group 2, entry 1 of group 1\n");
+  EXPECT_EQ(run("classify ingress {in_port=1, ether_type=0x0806, dst_mac=ff:ff:ff:ff:ff:ff}"),
+            "  goes to port 5 alone, with priority 7: entry 4 of group 2\n");
+}
+
+TEST_F(ShellBuiltIns, ClassifyNamesThePolicer) {
+  run("sai_vlan_vport_init 0", "sai_fp_vport_group_create 0", "sai_fp_vport_qualify_set 0 1 1 100");
+  run("sai_vport_fp_policer_set 0 1 1000 2000 1500 3000", "sai_fp_vport_qualify_action 0 1 1");
+  EXPECT_EQ(run("classify egress {out_port=1, outer_tag=100}"),
+            "  passes, metered by policer 1, dropped if red: entry 1 of group 1\n");
+  EXPECT_EQ(run("classify ingress {out_port=1, outer_tag=100}"), "  passes: no entry\n");
+}
+
+TEST_F(ShellBuiltIns, ClassifyRefusesWhatIsNoFrame) {
+  EXPECT_EQ(refused("classify inward {}"), "\"inward\" is neither ingress nor egress");
+  EXPECT_EQ(refused("classify ingress 1"), "frame: \"1\" is not a record such as {in_port=0}");
+  EXPECT_TRUE(
+      refused("classify ingress {port=1}").starts_with("frame: there is no field \"port\"; the fields are in_"));
+  EXPECT_EQ(refused("classify ingress {} 1"), "unit 1 is not initialised");
+  const std::string help = run("help classify");
+  EXPECT_NE(help.find("\n  FRAME is {field=value, ...} of in_port, out_port, src_mac, "), std::string::npos) << help;
+}
+
 }  // namespace

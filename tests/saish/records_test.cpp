@@ -56,7 +56,9 @@ int32_t sample_table(sample_inner* entries) {
   return 0;
 }
 
-int32_t sample_addresses(const uint8_t group[16], uint32_t ip) { return group[15] + static_cast<int32_t>(ip & 0xFF); }
+int32_t sample_addresses(const uint8_t* group, const uint8_t source[16], uint32_t ip) {
+  return group[15] + source[15] + static_cast<int32_t>(ip & 0xFF);
+}
 
 int32_t sample_next(int32_t* id, int32_t* last) {
   *last = (*id)++;
@@ -230,9 +232,10 @@ TEST(Answers, ATableIsShownWithoutWhatIsEmpty) {
 }
 
 TEST(Addresses, AreTakenAsPeopleWriteThem) {
-  EXPECT_EQ(run("sample_addresses ff02::5 10.0.0.7").result, 12);
-  EXPECT_THROW(run("sample_addresses 00:11:22:33:44:55 10.0.0.7"), saish::BadInput);
-  EXPECT_THROW(run("sample_addresses ff02::5 10.0.0"), saish::BadInput);
+  EXPECT_EQ(run("sample_addresses ff02::5 ::1 10.0.0.7").result, 13);
+  EXPECT_THROW(run("sample_addresses 00:11:22:33:44:55 ::1 10.0.0.7"), saish::BadInput);
+  EXPECT_THROW(run("sample_addresses ff02::5 00:11:22:33:44:55 10.0.0.7"), saish::BadInput);
+  EXPECT_THROW(run("sample_addresses ff02::5 ::1 10.0.0"), saish::BadInput);
 }
 
 TEST(Addresses, AreInTheOrderThatTheFunctionTakes) {

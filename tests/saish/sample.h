@@ -76,8 +76,13 @@ SAI_API int32_t sample_text(int32_t unit, char* name_buf, int32_t name_len);
 /** Fills a table. */
 SAI_API int32_t sample_table(sample_inner* entries);
 
-/** Answers the last byte of an IPv6 address plus that of an IPv4 one. */
-SAI_API int32_t sample_addresses(const uint8_t group[16], uint32_t ip);
+/**
+ * Answers the sum of the last bytes of two IPv6 addresses and an IPv4 one.
+ *
+ * @param group   an address, 16 bytes
+ * @param source  another
+ */
+SAI_API int32_t sample_addresses(const uint8_t* group, const uint8_t source[16], uint32_t ip);
 
 /**
  * Takes an id and answers the next one.

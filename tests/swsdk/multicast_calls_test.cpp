@@ -244,9 +244,17 @@ TEST_F(MulticastCalls, FillTheirTablesForPeople) {
   bcm_ipmc_add(0, &ip4);
   bcm_ipmc_add(0, &ip6);
   EXPECT_EQ(support::table("multicast"),
-            "group  type  port  encapsulation\n"
-            "1      L2    -     -\n"
-            "2      L3    3     interface 1\n");
+            "group  type  ports  encapsulation\n"
+            "1      L2    -      -\n"
+            "2      L3    {3}    interface 1\n");
+  const int encapsulation = l3_encapsulation(group, 3, 1);
+  for (const int port : {4, 5, 7}) bcm_multicast_egress_add(0, group, port, encapsulation);
+  bcm_multicast_egress_add(0, group, 5, l3_encapsulation(group, 5, make_interface(20)));
+  EXPECT_EQ(support::table("multicast"),
+            "group  type  ports    encapsulation\n"
+            "1      L2    -        -\n"
+            "2      L3    {3-5,7}  interface 1\n"
+            "2      L3    {5}      interface 2\n");
   EXPECT_EQ(support::table("ipmc"),
             "address    source   VLAN  VRF  group  interface  flags\n"
             "239.1.2.3  *        10    0    2      1          from-any-port\n"

@@ -29,24 +29,24 @@ TEST_F(MulticastGroups, HaveATypeAndTheLowestFreeId) {
   EXPECT_EQ(bcm_multicast_destroy(0, 1), BCM_E_NONE);
   EXPECT_EQ(create(BCM_MULTICAST_TYPE_VLAN), 1);
   EXPECT_EQ(shown("multicast"),
-            "1      VLAN  -     -\n"
-            "2      L3    -     -\n"
-            "3      VLAN  -     -\n");
+            "1      VLAN  -      -\n"
+            "2      L3    -      -\n"
+            "3      VLAN  -      -\n");
 }
 
 TEST_F(MulticastGroups, HaveTheIdThatIsAskedFor) {
   for (const int id : {4096, 1}) EXPECT_EQ(create(BCM_MULTICAST_TYPE_L2 | BCM_MULTICAST_WITH_ID, id), id);
   EXPECT_EQ(create(BCM_MULTICAST_TYPE_L3), 2);
   EXPECT_EQ(shown("multicast"),
-            "1      L2    -     -\n"
-            "2      L3    -     -\n"
-            "4096   L2    -     -\n");
+            "1      L2    -      -\n"
+            "2      L3    -      -\n"
+            "4096   L2    -      -\n");
 }
 
 TEST_F(MulticastGroups, HaveAnIdOfTheirOwn) {
   create(BCM_MULTICAST_TYPE_L2 | BCM_MULTICAST_WITH_ID, 5);
   EXPECT_EQ(create(BCM_MULTICAST_TYPE_L3 | BCM_MULTICAST_WITH_ID, 5), BCM_E_EXISTS);
-  EXPECT_EQ(shown("multicast"), "5      L2    -     -\n");
+  EXPECT_EQ(shown("multicast"), "5      L2    -      -\n");
 }
 
 TEST_F(MulticastGroups, RefuseIdsOutsideTheirRange) {
@@ -75,7 +75,7 @@ TEST_F(MulticastGroups, AreDestroyedOnceOrAllTogether) {
   create(BCM_MULTICAST_TYPE_L2);
   EXPECT_EQ(bcm_multicast_destroy(0, 1), BCM_E_NONE);
   EXPECT_EQ(bcm_multicast_destroy(0, 1), BCM_E_NOT_FOUND);
-  EXPECT_EQ(shown("multicast"), "2      L2    -     -\n");
+  EXPECT_EQ(shown("multicast"), "2      L2    -      -\n");
   EXPECT_EQ(bcm_multicast_init(0), BCM_E_NONE);
   EXPECT_EQ(shown("multicast"), "");
 }
@@ -85,7 +85,7 @@ TEST_F(MulticastGroups, OutliveTheStartOfTheOtherMulticastModules) {
   EXPECT_EQ(bcm_mcast_init(0), BCM_E_NONE);
   EXPECT_EQ(bcm_ipmc_init(0), BCM_E_NONE);
   EXPECT_EQ(bcm_ipmc_enable(0, 1), BCM_E_NONE);
-  EXPECT_EQ(shown("multicast"), "1      L2    -     -\n");
+  EXPECT_EQ(shown("multicast"), "1      L2    -      -\n");
 }
 
 TEST(MulticastGroupsOfAChip, KeepTheirType) {

@@ -58,7 +58,7 @@ TEST_F(Show, TellsWhatThereIsAtFirst) {
             "processor  program  auto  state\n"
             "0          -        off   stopped\n"
             "1          -        off   stopped\n");
-  EXPECT_EQ(shown("multicast"), "group  type  port  encapsulation\n");
+  EXPECT_EQ(shown("multicast"), "group  type  ports  encapsulation\n");
   EXPECT_EQ(shown("netif"), "id  name  MAC  type  flags\n");
   EXPECT_EQ(shown("port"),
             "port  kind     tagged in  untagged in\n"
@@ -153,7 +153,7 @@ TEST_F(Show, WidensItsColumnsForWhatIsInThem) {
   int group = 4096;
   bcm_multicast_create(0, BCM_MULTICAST_TYPE_L2 | BCM_MULTICAST_WITH_ID, &group);
   EXPECT_EQ(shown("multicast"),
-            "group  type  port  encapsulation\n"
+            "group  type  ports  encapsulation\n"
             "4096   L2    -     -\n");
 
   bcm_knet_netif_t netif;

@@ -119,9 +119,9 @@ TEST_F(VirtualPortCalls, GiveEachVirtualPortAnEncapsulation) {
   EXPECT_EQ(bcm_multicast_egress_add(0, group, 3, of_first), BCM_E_NONE);
   EXPECT_EQ(bcm_multicast_egress_add(0, group, 3, of_second), BCM_E_NONE);
   EXPECT_EQ(support::table("multicast"),
-            "group  type  port  encapsulation\n"
-            "1      VLAN  3     virtual port 1\n"
-            "1      VLAN  3     virtual port 2\n");
+            "group  type  ports  encapsulation\n"
+            "1      VLAN  {3}    virtual port 1\n"
+            "1      VLAN  {3}    virtual port 2\n");
   int untouched = 77;
   EXPECT_EQ(bcm_multicast_vlan_encap_get(0, group, 3, first + 2, &untouched), BCM_E_NOT_FOUND);
   EXPECT_EQ(bcm_multicast_vlan_encap_get(0, group, 3, 3, &untouched), BCM_E_PORT);
