@@ -258,6 +258,7 @@ TEST_F(ShellBuiltIns, AgeLetsAddressesGo) {
 }
 
 TEST_F(ShellBuiltIns, HitMarksAHostOrARoute) {
+  open_log();
   const std::string macs = "02:00:00:00:00:01 00:00:00:00:10:05";
   run("sai_vlan_create 0 10", "sai_l3_intf_create 0 02:00:00:00:00:01 10", "learn 00:00:00:00:10:05 10 1");
   ASSERT_EQ(run("sai_l3_host_route_create 0 10.0.10.5 " + macs + " 1 10 0"), "  = 0\n");
@@ -310,6 +311,7 @@ TEST_F(ShellBuiltIns, TemperatureSetsTheSensorsAndHowManyThereAre) {
 }
 
 TEST_F(ShellBuiltIns, ClassifySaysWhatEntriesDoWithAFrame) {
+  open_log();
   run("sai_ifp_mac_ipv4_group_create 0", "sai_system_ipv4_fp_create 0");
   EXPECT_EQ(run("classify ingress {}"), "  passes: no entry\n");
   const std::string rule = "sai_acl_ext_l3_entry_install 0 1 0 1 {ip_type=SAI_ACL_IPV4, ip_protocol=-1, ";
@@ -322,12 +324,13 @@ TEST_F(ShellBuiltIns, ClassifySaysWhatEntriesDoWithAFrame) {
   EXPECT_EQ(run(ip4 + "7}"), "  dropped: entry 1 of group 1\n");
   EXPECT_EQ(run(ip4 + "80} 0"), "  passes, whatever else would drop it: entry 2 of group 1\n");
   EXPECT_EQ(run(ip4 + "7, ip_protocol=89, ttl=1}"),
-            "  dropped, copied to the CPU, with priority 7: entry 3 of group 2, entry 1 of group 1\n");
+            "  dropped, copied to the CPU, with priority 7: entry 1 of group 1, entry 3 of group 2\n");
   EXPECT_EQ(run("classify ingress {in_port=1, ether_type=0x0806, dst_mac=ff:ff:ff:ff:ff:ff}"),
             "  goes to port 5 alone, with priority 7: entry 4 of group 2\n");
 }
 
 TEST_F(ShellBuiltIns, ClassifyNamesThePolicer) {
+  open_log();
   run("sai_vlan_vport_init 0", "sai_fp_vport_group_create 0", "sai_fp_vport_qualify_set 0 1 1 100");
   run("sai_vport_fp_policer_set 0 1 1000 2000 1500 3000", "sai_fp_vport_qualify_action 0 1 1");
   EXPECT_EQ(run("classify egress {out_port=1, outer_tag=100}"),

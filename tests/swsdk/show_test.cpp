@@ -154,7 +154,7 @@ TEST_F(Show, WidensItsColumnsForWhatIsInThem) {
   bcm_multicast_create(0, BCM_MULTICAST_TYPE_L2 | BCM_MULTICAST_WITH_ID, &group);
   EXPECT_EQ(shown("multicast"),
             "group  type  ports  encapsulation\n"
-            "4096   L2    -     -\n");
+            "4096   L2    -      -\n");
 
   bcm_knet_netif_t netif;
   bcm_knet_netif_t_init(&netif);

@@ -40,9 +40,9 @@ void help_on(std::string_view name) {
 void help(Session& /*session*/, const Words& arguments) {
   if (!arguments.empty()) return help_on(arguments[0]);
   std::printf("Commands of the shell:\n");
-  for (const BuiltIn& built_in : built_ins()) std::printf("  %-28s %s\n", built_in.usage, built_in.summary);
+  for (const BuiltIn& built_in : built_ins()) std::printf("  %-42s %s\n", built_in.usage, built_in.summary);
   std::printf("\nFunctions of the library; help NAME tells more:\n");
-  for (const Function& function : functions()) std::printf("  %-28s %s\n", function.name, function.summary);
+  for (const Function& function : functions()) std::printf("  %-42s %s\n", function.name, function.summary);
 }
 
 int unit_number(const std::string& word) {
@@ -163,7 +163,7 @@ void hit(Session& /*session*/, const Words& arguments) {
   if (length > 32) throw BadInput("length: " + std::to_string(length) + " is more than the 32 bits of an address");
   if (arguments[1] != "source" && arguments[1] != "destination")
     throw BadInput("\"" + arguments[1] + "\" is neither source nor destination");
-  const unsigned as = arguments[1] == "source" ? 0x4 : 0x8;
+  const unsigned as = arguments[1] == "source" ? 0x4 : 0x8;  // the two bits of BCM_L3_HIT
   const int unit = unit_at(arguments, 2);
   const uint32_t mask = length == 0 ? 0 : ~uint32_t{0} << (32 - length);
   if ((is_route ? swsdk_l3_route_hit(unit, address, mask, as) : swsdk_l3_host_hit(unit, address, as)) != 0)
