@@ -42,8 +42,10 @@ std::string show_vlans(const chip::Chip& chip) {
   return columns(rows);
 }
 
+const char* duplex_text(chip::Duplex duplex) { return duplex == chip::Duplex::full ? "full" : "half"; }
+
 std::string show_ports(const chip::Chip& chip) {
-  std::vector<Row> rows{{"port", "kind", "tagged in", "untagged in"}};
+  std::vector<Row> rows{{"port", "kind", "state", "speed", "duplex", "tagged in", "untagged in"}};
   for (int port = 0; port <= chip.ports.all().highest(); ++port) {
     std::string tagged;
     std::string untagged;
@@ -52,8 +54,16 @@ std::string show_ports(const chip::Chip& chip) {
       std::string& list = vlan.untagged.contains(port) ? untagged : tagged;
       list += (list.empty() ? "" : ",") + std::to_string(id);
     }
-    rows.push_back({std::to_string(port), chip::Ports::kind(port), tagged.empty() ? "-" : tagged,
-                    untagged.empty() ? "-" : untagged});
+    Row row{std::to_string(port), chip::Ports::kind(port), "-", "-", "-"};
+    if (const auto found = chip.port_macs.all().find(port); found != chip.port_macs.all().end()) {
+      const chip::PortMac& mac = found->second;
+      row[2] = !mac.enabled ? "off" : mac.link() ? "up" : "down";
+      row[3] = std::to_string(mac.speed);
+      row[4] = duplex_text(mac.duplex);
+    }
+    row.push_back(tagged.empty() ? "-" : tagged);
+    row.push_back(untagged.empty() ? "-" : untagged);
+    rows.push_back(std::move(row));
   }
   return columns(rows);
 }
@@ -152,10 +162,9 @@ std::string show_attributes(const chip::Chip& chip) {
     chip.port_macs.gap(port, mac.speed, static_cast<int>(mac.duplex), gap);
     const uint32_t pause = (mac.pause_tx ? 1U : 0U) | (mac.pause_rx ? 2U : 0U);
     rows.push_back({std::to_string(port), mac.enabled ? "yes" : "no", mac.link() ? "up" : "down",
-                    mac.negotiates ? "on" : "off", std::to_string(mac.speed),
-                    mac.duplex == chip::Duplex::full ? "full" : "half", std::to_string(mac.interface),
-                    loopbacks[static_cast<std::size_t>(mac.loopback)], flag_names(pause, {{1, "tx"}, {2, "rx"}}),
-                    std::to_string(mac.frame_max), std::to_string(gap)});
+                    mac.negotiates ? "on" : "off", std::to_string(mac.speed), duplex_text(mac.duplex),
+                    std::to_string(mac.interface), loopbacks[static_cast<std::size_t>(mac.loopback)],
+                    flag_names(pause, {{1, "tx"}, {2, "rx"}}), std::to_string(mac.frame_max), std::to_string(gap)});
   }
   return columns(rows);
 }
@@ -247,7 +256,7 @@ struct Table {
 constexpr Table tables[] = {
     {"attribute", show_attributes},
     {"control", show_switch_controls},
-    {"counter", show_counters},
+    {"counters", show_counters},
     {"egress", api::show_egress_objects},
     {"field", api::show_field},
     {"filter", show_filters},

@@ -18,14 +18,15 @@ constexpr int32_t unit = 0;
 constexpr int32_t interface_mode = 3;
 
 // What the getters of the rows write to: "abc" to those that show its bytes.
-int32_t out = 0x00636261;
+constexpr int32_t abc = 0x00636261;
+int32_t out = abc;
 uint8_t flag = 7;
 
 const std::string pause = "soc_linkscan_pause(0) = 0\n";
 const std::string go_on = "soc_linkscan_continue(0) = 0\n";
 const std::string speed = "bcm_port_speed_get(0, 3, &1000) = 0\n";
 const std::string duplex = "bcm_port_duplex_get(0, 3, &1) = 0\n";
-const std::string out_shown = "&" + std::to_string(out);
+const std::string out_shown = "&" + std::to_string(abc);
 
 const Row rows[] = {
     {"EnableSet", [] { return sai_port_enable_set(unit, 3, 1); }, "bcm_port_enable_set(0, 3, 1)",
@@ -83,7 +84,10 @@ const Row rows[] = {
      "Failed to get port [3] ifg: ", speed + duplex},
 };
 
-class PortAttribute : public support::RowTest {};
+class PortAttribute : public support::RowTest {
+ protected:
+  PortAttribute() { out = abc; }
+};
 
 TEST_P(PortAttribute, PassesTheSdksSuccessOn) { check_success(); }
 TEST_P(PortAttribute, LogsTheSdksFailureOnceAndConvertsIt) { check_failure(); }

@@ -44,7 +44,13 @@ const Row rows[] = {
      "Failed to set port [3] phy control 338 value 5: "},
 };
 
-class Phy : public support::RowTest {};
+class Phy : public support::RowTest {
+ protected:
+  Phy() {
+    word = 7;
+    value = 7;
+  }
+};
 
 TEST_P(Phy, PassesTheSdksSuccessOn) { check_success(); }
 TEST_P(Phy, LogsTheSdksFailureOnceAndConvertsIt) { check_failure(); }

@@ -283,7 +283,7 @@ TEST_F(ShellBuiltIns, HitRefusesWhatThereIsNot) {
 
 TEST_F(ShellBuiltIns, CounterSetsACounter) {
   EXPECT_EQ(run("counter 1 snmpIfInErrors 3", "counter 12 snmpIfHCInOctets 18446744073709551615 0"), "");
-  EXPECT_EQ(run("show counter"),
+  EXPECT_EQ(run("show counters"),
             "port  counter           value\n"
             "1     snmpIfInErrors    3\n"
             "12    snmpIfHCInOctets  18446744073709551615\n");

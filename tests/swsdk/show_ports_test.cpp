@@ -87,10 +87,10 @@ PHY  device  register or control  value
 }
 
 TEST_F(ShowPorts, TellsCountersThatAreNotZero) {
-  EXPECT_EQ(head("counter", 9), "\nport  counter  value\n");
+  EXPECT_EQ(head("counters", 9), "\nport  counter  value\n");
   swsdk_counter_set(0, 0, snmpIfInOctets, 0);
   swsdk_counter_set(0, 12, snmpIfInErrors, 1ULL << 32);
-  EXPECT_EQ(head("counter", 9), R"(
+  EXPECT_EQ(head("counters", 9), R"(
 port  counter         value
 12    snmpIfInErrors  4294967296
 )");

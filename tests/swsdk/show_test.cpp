@@ -61,11 +61,11 @@ TEST_F(Show, TellsWhatThereIsAtFirst) {
   EXPECT_EQ(shown("multicast"), "group  type  ports  encapsulation\n");
   EXPECT_EQ(shown("netif"), "id  name  MAC  type  flags\n");
   EXPECT_EQ(shown("port"),
-            "port  kind     tagged in  untagged in\n"
-            "0     cpu      1          -\n"
-            "1     gigabit  -          1\n"
-            "2     gigabit  -          1\n"
-            "3     gigabit  -          1\n");
+            "port  kind     state  speed  duplex  tagged in  untagged in\n"
+            "0     cpu      -      -      -       1          -\n"
+            "1     gigabit  down   1000   full    -          1\n"
+            "2     gigabit  down   1000   full    -          1\n"
+            "3     gigabit  down   1000   full    -          1\n");
   EXPECT_EQ(shown("translation"), "direction  port  VLAN  becomes  priority\n");
   EXPECT_EQ(shown("vlan"),
             "VLAN  tagged  untagged  flags\n"
@@ -101,11 +101,11 @@ TEST_F(Show, TellsAVlansMembersAndFlags) {
             "4095  {}      {}        no-l2-lookup,0x104\n");
   bcm_vlan_port_remove(0, 1, ports({0}));
   EXPECT_EQ(shown("port"),
-            "port  kind     tagged in  untagged in\n"
-            "0     cpu      10         -\n"
-            "1     gigabit  10,20      1\n"
-            "2     gigabit  -          1\n"
-            "3     gigabit  -          1,10,20\n");
+            "port  kind     state  speed  duplex  tagged in  untagged in\n"
+            "0     cpu      -      -      -       10         -\n"
+            "1     gigabit  down   1000   full    10,20      1\n"
+            "2     gigabit  down   1000   full    -          1\n"
+            "3     gigabit  down   1000   full    -          1,10,20\n");
 }
 
 TEST_F(Show, TellsTheControlsThatAreNotZero) {

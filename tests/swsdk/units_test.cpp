@@ -160,11 +160,11 @@ TEST_F(Units, ShowTheirTables) {
   char text[1024];
   ASSERT_GT(swsdk_show(0, "port", text, sizeof text), 0);
   EXPECT_EQ(std::string(text).substr(0, std::string(text).find("\n3 ")),
-            "port  kind     tagged in  untagged in\n"
-            "0     cpu      1          -\n"
-            "1     gigabit  -          1\n"
-            "2     gigabit  -          1,10");
-  EXPECT_NE(std::string(text).find("12    uplink   -          1\n"), std::string::npos);
+            "port  kind     state  speed  duplex  tagged in  untagged in\n"
+            "0     cpu      -      -      -       1          -\n"
+            "1     gigabit  down   1000   full    -          1\n"
+            "2     gigabit  down   1000   full    -          1,10");
+  EXPECT_NE(std::string(text).find("12    uplink   down   10000  full    -          1\n"), std::string::npos);
 }
 
 TEST_F(Units, ShowOnlyTablesThatThereAre) {
