@@ -9,7 +9,7 @@ using namespace sai::gport;
 TEST(Gports, HoldAModuleAndAPort) {
   EXPECT_EQ(module_port(3, 5), 0x8001805);
   EXPECT_EQ(module_port(0x7FFF, 0x7FF), 0xBFFFFFF);
-  EXPECT_EQ(module_port(0x8000 | 3, 0x800 | 5), 0x8001805) << "15 bits of the module, 11 of the port";
+  EXPECT_EQ(module_port(0x8000 | 2, 0x800 | 5), 0x8001005) << "15 bits of the module, 11 of the port";
 }
 
 TEST(Gports, OfLocalPortsHoldElevenBits) {
