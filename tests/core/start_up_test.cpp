@@ -1,4 +1,5 @@
 #include <bcm/error.h>
+#include <soc/drv.h>
 #include <swsdk/chip.h>
 #include <swsdk/fault.h>
 
@@ -7,9 +8,12 @@
 #include <regex>
 #include <sstream>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "support/scene.h"
+#include "support/start.h"
 
 namespace {
 
@@ -132,6 +136,57 @@ TEST_F(StartUp, TrapsControlFramesOnFrontPortsUpToNumberEightAlone) {
   for (const char* call : {"bcm_port_vlan_member_set(0, 9, 0x3)", "bcm_port_flood_block_set(0, 9, 0, 0x6)",
                            "bcm_switch_control_port_set(0, 9, 100, 1)", "bcm_switch_control_port_set(0, 9, 103, 1)"})
     EXPECT_NE(seen.find(call), std::string::npos) << call;
+}
+
+TEST_F(StartUp, WalksTheEthernetPortsExceptForArpAndForVirtualPorts) {
+  const struct {
+    bool front;
+    int last;
+    const char* before;
+    const char* after;
+  } walks[] = {
+      {false, 12, "bcm_port_vlan_member_set(0, ", ", 0x3) = 0"},
+      {false, 8, "bcm_switch_control_port_set(0, ", ", 22, 1) = 0"},
+      {false, 8, "bcm_switch_control_port_set(0, ", ", 89, 1) = 0"},
+      {false, 8, "bcm_switch_control_port_set(0, ", ", 94, 1) = 0"},
+      {false, 12, "bcm_port_flood_block_set(0, ", ", 0, 0x6) = 0"},
+      {true, 8, "bcm_switch_control_port_set(0, ", ", 86, 1) = 0"},
+      {true, 12, "bcm_vlan_port_add(0, 4095, {", "}, {}) = 0"},
+  };
+  for (const bool fewer_front_ports : {false, true}) {
+    switch_off();
+    support::attach_chip();
+    (fewer_front_ports ? SOC_PORT_MAX(unit, port) : SOC_PORT_MAX(unit, ether)) = 3;
+    const std::string seen = observed();
+    for (const auto& [front, last, before, after] : walks) {
+      for (int port = 1; port <= 12; ++port) {
+        const bool walked = seen.find(before + std::to_string(port) + after) != std::string::npos;
+        EXPECT_EQ(walked, port <= (front == fewer_front_ports ? 3 : last)) << before << port << after;
+      }
+    }
+  }
+}
+
+/// Reads the log, and has the unit lose its ports above number 3 when a port is told of.
+ssize_t lose_ports(void* /*cookie*/, const char* text, size_t size) {
+  if (std::string_view(text, size).find("bcm_port_vlan_member_set failed") != std::string_view::npos)
+    SOC_PORT_MAX(0, ether) = 3;
+  return static_cast<ssize_t>(size);
+}
+
+TEST_F(StartUp, AWalkEndsAtWhatIsTheHighestPortByThen) {
+  support::attach_chip();
+  cookie_io_functions_t reader{};
+  reader.write = lose_ports;
+  FILE* const usual = std::exchange(sai_log_default->file, fopencookie(nullptr, "w", reader));
+  const std::string seen = observed_failing("bcm_port_vlan_member_set", BCM_E_TIMEOUT, 2);
+  fclose(std::exchange(sai_log_default->file, usual));
+  EXPECT_NE(seen.find("bcm_port_vlan_member_set(0, 1, 0x3) = 0\n"
+                      "bcm_port_vlan_member_set(0, 2, 0x3) = -9\n"
+                      "bcm_port_vlan_member_set(0, 3, 0x3) = 0\n"
+                      "bcm_l2_cache_delete_all(0) = 0\n"),
+            std::string::npos)
+      << seen;
 }
 
 /// What a failing call leaves in the log or on standard output, by the call as the journal shows it without its unit,

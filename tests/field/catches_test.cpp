@@ -250,6 +250,39 @@ TEST_F(Catches, AllIp4OfAGuardedPortButBoundSources) {
   EXPECT_EQ(fate(4, "10.0.0.2"), "dropped ");
 }
 
+TEST_F(Catches, OnEveryVlanByABindingOfVlanZeroAndOnVlanZeroAloneByItsGuard) {
+  const auto fate = [](int vlan, const char* source = "10.0.0.1") {
+    return fate_of(
+        classify(Frame{.in_port = 3, .outer_tag = vlan, .ether_type = ip4, .src_ip = ntohl(inet_addr(source))}));
+  };
+  const int32_t group = made(sai_ipsg_init);
+  ASSERT_EQ(sai_ipsg_verify_config(group, 0, 0, 3, &entry), 0);
+  EXPECT_EQ(fate(0), "dropped ");
+  EXPECT_EQ(fate(5 << 13), "dropped ") << "a priority tag";
+  EXPECT_EQ(fate(1), "");
+  EXPECT_EQ(fate(4095), "");
+
+  int32_t binding = 0;
+  ASSERT_EQ(sai_ipsg_parameter_config(group, inet_addr("10.0.0.1"), 0xFFFFFFFF, 0, 0, 3, &binding), 0);
+  for (const int vlan : {0, 1, 10, 4095}) EXPECT_EQ(fate(vlan), "permitted ") << vlan;
+  EXPECT_EQ(fate(0, "10.0.0.2"), "dropped ");
+  EXPECT_EQ(fate(10, "10.0.0.2"), "");
+}
+
+TEST_F(Catches, EverySourceByABindingOfNone) {
+  int32_t binding = 0;
+  ASSERT_EQ(sai_ipsg_parameter_config(made(sai_ipsg_init), 0, 0xFFFFFFFF, 10, 0, 3, &binding), 0);
+  Frame frame{.in_port = 3, .outer_tag = 10, .ether_type = ip4};
+  for (const uint32_t source : {0U, 0x0A000001U, 0xFFFFFFFFU}) {
+    frame.src_ip = source;
+    EXPECT_EQ(fate_of(classify(frame)), "permitted ") << source;
+  }
+  frame.ether_type = ip6;
+  EXPECT_EQ(classify(frame).hits, 0);
+  frame = {.in_port = 3, .outer_tag = 11, .ether_type = ip4};
+  EXPECT_EQ(classify(frame).hits, 0);
+}
+
 TEST_F(Catches, WhatAnL2RuleDenies) {
   const int32_t group = made(sai_ifp_l2_group_create);
   sai_acl_rule_t rule{};

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "field/steps.h"
+#include "support/start.h"
 
 namespace {
 
@@ -250,6 +251,47 @@ TEST_F(SourceGuard, ABindingMovesToAnotherPortAndKeepsItsVlanAndItsSource) {
                    "returned -13\n",
                    id));
   EXPECT_EQ(std::to_string(entry), id);
+}
+
+TEST_F(SourceGuard, APositiveResultIsNoneOfAGuardsButOneOfABindings) {
+  int32_t entry = 0;
+  const auto drop_ipv4 = [&] { return guard(10, 3, &entry); };
+  std::string seen = observe_failing("bcm_field_entry_install", 1, drop_ipv4);
+  EXPECT_TRUE(seen.ends_with(as_seen("bcm_field_entry_install(0, $id) = 1\nreturned 0\n", seen))) << seen;
+  EXPECT_EQ(std::to_string(entry), ids_in(seen).at(0));
+  seen = observe_failing("bcm_field_entry_reinstall", 1, drop_ipv4);
+  EXPECT_TRUE(seen.ends_with(filled("bcm_field_entry_reinstall(0, $id) = 1\nreturned 0\n", std::to_string(entry))))
+      << seen;
+
+  entry = 0;
+  const auto permit_source = [&] { return bind(source, 10, 3, &entry); };
+  seen = observe_failing("bcm_field_entry_install", 1, permit_source);
+  EXPECT_TRUE(seen.ends_with(as_seen("bcm_field_entry_install(0, $id) = 1\nreturned -1\n", seen))) << seen;
+  EXPECT_EQ(std::to_string(entry), ids_in(seen).at(0));
+  seen = observe_failing("bcm_field_entry_reinstall", 1, permit_source);
+  EXPECT_TRUE(seen.ends_with(filled("bcm_field_entry_reinstall(0, $id) = 1\nreturned -1\n", std::to_string(entry))))
+      << seen;
+}
+
+TEST_F(SourceGuard, EntriesGoToUnitZeroWhateverUnitTheirGroupIsOn) {
+  support::start_chip(2);
+  ASSERT_EQ(sai_ipsg_init(1, &group), 0);
+  const auto begins = [](const std::string& seen, const std::string& call) {
+    EXPECT_TRUE(seen.starts_with(call)) << seen;
+  };
+  int32_t entry = 0;
+  const auto drop_ipv4 = [&] { return guard(10, 3, &entry); };
+  const auto permit_source = [&] { return bind(source, 10, 3, &entry); };
+  begins(observe(drop_ipv4), filled("bcm_field_entry_create(0, $group, ", ""));
+  begins(observe(permit_source), filled("bcm_field_entry_create(0, $group, ", ""));
+  entry = 5;
+  begins(observe(drop_ipv4), "bcm_field_qualify_InPort(0, 5, 3, -1)");
+  begins(observe(permit_source), "bcm_field_qualify_InPort(0, 5, 3, -1)");
+  // and each step after the creation, on a chip whose unit 0 has a group of that number
+  use_group(sai_ipsg_init);
+  untouched = 0;
+  expect_success(drop, [this](int32_t* id) { return guard(10, 3, id); });
+  expect_success(permit, [this](int32_t* id) { return bind(source, 10, 3, id); });
 }
 
 }  // namespace

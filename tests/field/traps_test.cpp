@@ -1,8 +1,10 @@
 #include <bcm/error.h>
+#include <soc/drv.h>
 #include <swsdk/fault.h>
 
 #include <array>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "field/steps.h"
@@ -220,6 +222,19 @@ TEST_F(Traps, ArpBroadcastsToAPort) {
               [this](int32_t* entry) { return sai_fp_arp_packet_port_qualify_set(unit, 3, group, entry, 9); });
 }
 
+TEST_F(Traps, TheCpusPortIsThatOfTheUnit) {
+  use_group(sai_system_ipv4_fp_create);
+  CMIC_PORT(unit) = 7;
+  int32_t entry = untouched;
+  const auto expect_action = [&](const std::string& seen, const std::string& action) {
+    EXPECT_NE(seen.find(filled("bcm_field_action_add(0, $id, " + action + ") = 0\n", std::to_string(entry))),
+              std::string::npos)
+        << seen;
+  };
+  expect_action(observe([&] { return sai_fp_ospf_ttl1_set(unit, 3, group, &entry); }), "23, 0, 7");
+  expect_action(observe([&] { return sai_fp_igmp_packet_to_cpu(unit, 3, group, &entry); }), "29, 0, 7");
+}
+
 TEST_F(Traps, MldExcludeDropsWhatASourceSendsToADestination) {
   use_group(sai_fp_mld_exclude_group_create);
   constexpr uint8_t destination[16] = {0xFF, 0x1E, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1};
@@ -327,6 +342,20 @@ TEST_F(Traps, DhcpPacketsThatAreNoLongerDroppedStillGoToTheCpu) {
   for (const int32_t enable : {0, 2, -1})
     EXPECT_EQ(observe([=] { return sai_dhcp_packet_to_cpu(unit, enable); }),
               for_each_port("bcm_switch_control_port_set(0, $port, 95, 0) = 0\n") + "returned 0\n");
+}
+
+TEST_F(Traps, DhcpPacketsStayTheCpusWhenTheyAreDroppedElsewhereOrNot) {
+  const std::string to_cpu =
+      "control      value\n"
+      "DHCP to CPU  on ports {1-12}\n";
+  const std::string to_cpu_alone =
+      "control       value\n"
+      "DHCP to CPU   on ports {1-12}\n"
+      "DHCP dropped  on ports {1-12}\n";
+  for (const auto& [enable, controls] : {std::pair{1, to_cpu_alone}, {0, to_cpu}, {1, to_cpu_alone}}) {
+    ASSERT_EQ(sai_dhcp_packet_to_cpu(unit, enable), 0);
+    EXPECT_EQ(support::table("control"), controls);
+  }
 }
 
 TEST_F(Traps, ADhcpSwitchThatFailsIsLoggedForItsPortAndNeverReturned) {

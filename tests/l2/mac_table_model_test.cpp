@@ -1,6 +1,7 @@
 #include <bcm/l2.h>
 #include <bcm/switch.h>
 #include <bcm/trunk.h>
+#include <bcm/vlan.h>
 
 #include <algorithm>
 #include <array>
@@ -100,6 +101,28 @@ TEST_F(MacTableOfTheChip, AVirtualPortIsResolvedByTheLogicLookupAlone) {
   let_succeed("bcm_vlan_port_find");
   EXPECT_EQ(observe(lookup), found + key + "0\nbcm_port_local_get(0, 0, &0) = 0\nreturned 0\n");
   EXPECT_EQ(entry.port, 0);
+}
+
+TEST_F(MacTableOfTheChip, AnAddressOfAVirtualPortLeadsToThePortItLiesOn) {
+  ASSERT_EQ(sai_vlan_vport_init(unit), 0);
+  ASSERT_EQ(bcm_vlan_create(unit, 30), BCM_E_NONE);
+  sai_vport_t vport{};
+  vport.match_vlan = 100;
+  vport.vlan = 30;
+  ASSERT_EQ(sai_vport_create(unit, 5, &vport), 0);
+  add(1, vport.vport_id);
+
+  sai_l2_mac_entry_t entry = entry_of(1, 77);
+  EXPECT_EQ(sai_l2_addr_logic_port_get(unit, &entry), 0);
+  EXPECT_EQ(entry.port, 5);
+  EXPECT_EQ(sai_l2_addr_port_id_get(unit, &entry), 0);
+  EXPECT_EQ(entry.port, vport.vport_id);
+
+  sai_l2_mac_entry_t shown{};
+  EXPECT_EQ(sai_l2_addr_show(unit, &shown), 0);
+  EXPECT_EQ(shown.is_vport, 1U);
+  EXPECT_EQ(shown.port, vport.vport_id);
+  EXPECT_EQ(shown.port_out, 5);
 }
 
 // ----------------------------------------------------------------------------------------------------- dump ----
@@ -261,6 +284,19 @@ TEST_F(MacTableOfTheChip, ALearnLimitComesBackAsANumberAlone) {
   EXPECT_EQ(sai_l2_mac_learn_limit_get(unit, &asked), 0);
   EXPECT_EQ(asked.limit, 100);
   EXPECT_EQ(asked.flags, uint32_t{BCM_L2_LEARN_LIMIT_VLAN});
+}
+
+TEST_F(MacTableOfTheChip, TheLearnLimitOfTheSystemIsSetAndNotRead) {
+  sai_l2_learn_limit_t limit{
+      .flags = BCM_L2_LEARN_LIMIT_SYSTEM, .vlan = 0, .port = 0, .trunk = 0, .scope_id = 0, .limit = 100};
+  EXPECT_EQ(observe([&] { return sai_l2_mac_learn_limit_set(unit, &limit); }),
+            "bcm_l2_learn_limit_set(0, {flags=0x1, limit=100}) = 0\nreturned 0\n");
+  limit.limit = 77;
+  EXPECT_EQ(observe([&] { return sai_l2_mac_learn_limit_get(unit, &limit); }),
+            "bcm_l2_learn_limit_get(0, {}) = -4\n"
+            "log: errors: NONE: Failed to get mac limit: Invalid parameter\n"
+            "returned -5\n");
+  EXPECT_EQ(limit.limit, 77);
 }
 
 TEST_F(MacTableOfTheChip, InfoCounts) {

@@ -108,4 +108,19 @@ TEST_F(MulticastOnTheChip, AnIpv6GroupIsOfOneSource) {
   EXPECT_EQ(sai_ipv6_multicast_destroy(unit, 10, group6, sources[1]), 0);
 }
 
+TEST_F(MulticastOnTheChip, AnIpv6GroupIsDestroyedWithItsLastMember) {
+  for (const uint8_t port : {uint8_t{3}, uint8_t{9}}) ASSERT_EQ(add6(port, sources[0]), 0);
+  const std::string left = observe([] { return remove6(3, sources[0]); });
+  EXPECT_TRUE(contains(left, "bcm_multicast_egress_delete(0, ")) << left;
+  EXPECT_FALSE(contains(left, "bcm_ipmc_remove")) << left;
+  EXPECT_FALSE(contains(left, "bcm_multicast_destroy")) << left;
+  EXPECT_TRUE(left.ends_with("returned 0\n")) << left;
+
+  const std::string last = observe([] { return remove6(9, sources[0]); });
+  EXPECT_TRUE(contains(last, "bcm_ipmc_remove(0, ")) << last;
+  EXPECT_TRUE(contains(last, "bcm_multicast_destroy(0, ")) << last;
+  EXPECT_TRUE(last.ends_with("returned 0\n")) << last;
+  EXPECT_EQ(remove6(9, sources[0]), SAI_E_NOT_FOUND);
+}
+
 }  // namespace

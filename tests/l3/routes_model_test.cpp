@@ -4,6 +4,7 @@
 #include <bcm/stack.h>
 #include <bcm/switch.h>
 #include <bcm/vlan.h>
+#include <swsdk/chip.h>
 
 #include <algorithm>
 
@@ -263,6 +264,33 @@ TEST_F(RoutesOnTheChip, TheEgressObjectOfAVirtualPortIsDestroyedAfterTheInterfac
   EXPECT_FALSE(has_egress_object(egress_id));
 }
 
+TEST_F(RoutesOnTheChip, AnEgressObjectOfNoVlanOrNoMacHasNoNextHopToLookUp) {
+  use_egress_objects_of_the_chip();
+  const struct {
+    int vlan;
+    const uint8_t* mac;
+  } rows[] = {{vlan, no_mac}, {0, neighbour}};
+  for (const auto& row : rows) {
+    bcm_l3_egress_t egress;
+    bcm_l3_egress_t_init(&egress);
+    egress.intf = intf_id;
+    egress.port = port;
+    egress.vlan = static_cast<bcm_vlan_t>(row.vlan);
+    std::copy_n(row.mac, 6, egress.mac_addr);
+    bcm_l3_host_t user;
+    bcm_l3_host_t_init(&user);
+    user.l3a_ip_addr = host;
+    ASSERT_EQ(bcm_l3_egress_create(unit, 0, &egress, &user.l3a_intf), BCM_E_NONE);
+    ASSERT_EQ(bcm_l3_host_add(unit, &user), BCM_E_NONE);
+    const std::string seen = observe(remove_host);
+    EXPECT_EQ(seen.find("bcm_l2_addr_get"), std::string::npos) << seen;
+    EXPECT_NE(seen.find("bcm_l3_egress_destroy(0, " + std::to_string(user.l3a_intf) + ") = 0\n"), std::string::npos)
+        << seen;
+    EXPECT_TRUE(seen.ends_with("returned 0\n")) << seen;
+    EXPECT_FALSE(has_egress_object(user.l3a_intf));
+  }
+}
+
 // ---------------------------------------------------------------------------------------------------- subnets ----
 
 TEST_F(RoutesOnTheChip, TheVerySubnetIsLeftAloneAndAnotherReplaced) {
@@ -321,6 +349,25 @@ TEST_F(RoutesOnTheChip, ASubnetOnAVirtualPortGetsADoubleTaggedInterface) {
   EXPECT_EQ(sai_l3_subnet_route_delete(unit, subnet, mask, 0), 0);
   EXPECT_TRUE(observe_failing("bcm_vlan_port_find", BCM_E_BUSY, add_subnet)
                   .ends_with("log: errors: NONE: can't add l3 interface out vlan 10\nreturned -1\n"));
+}
+
+// ------------------------------------------------------------------------------------------------------- hits ----
+
+TEST_F(RoutesOnTheChip, ATakenRouteIsToldOnceWhicheverWay) {
+  constexpr uint32_t as_source = 0x4;
+  constexpr uint32_t as_destination = 0x8;
+  ASSERT_EQ(add_host(), 0);
+  ASSERT_EQ(add_subnet(), 0);
+  EXPECT_EQ(sai_l3_host_route_hit_get(host), 0);
+  EXPECT_EQ(sai_l3_subnet_route_hit_get(subnet, mask), 0);
+  for (const uint32_t way : {as_source, as_destination, as_source | as_destination}) {
+    ASSERT_EQ(swsdk_l3_host_hit(unit, host, way), 0);
+    EXPECT_EQ(sai_l3_host_route_hit_get(host), 1) << way;
+    EXPECT_EQ(sai_l3_host_route_hit_get(host), 0) << way;
+    ASSERT_EQ(swsdk_l3_route_hit(unit, subnet, mask, way), 0);
+    EXPECT_EQ(sai_l3_subnet_route_hit_get(subnet, mask), 1) << way;
+    EXPECT_EQ(sai_l3_subnet_route_hit_get(subnet, mask), 0) << way;
+  }
 }
 
 }  // namespace

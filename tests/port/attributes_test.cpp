@@ -1,6 +1,7 @@
 #include <bcm/error.h>
 #include <bcm/port.h>
 #include <shared/error.h>
+#include <soc/drv.h>
 #include <swsdk/chip.h>
 #include <swsdk/fault.h>
 
@@ -235,6 +236,9 @@ TEST_F(PortAttributes, IsolationIsUndoneWithTheFrontPortsOfUnitZero) {
   support::start_chip(2);
   EXPECT_EQ(observe([] { return sai_port_isolate_reset(1, 3); }),
             "bcm_port_egress_set(1, 3, 0, {1-12}) = 0\nreturned 0\n");
+  BCM_PBMP_PORT_REMOVE(SOC_PORT_BITMAP(0, port), 12);
+  EXPECT_EQ(observe([] { return sai_port_isolate_reset(1, 3); }),
+            "bcm_port_egress_set(1, 3, 0, {1-11}) = 0\nreturned 0\n");
 }
 
 TEST_F(PortAttributes, ClearingProtocolVlansShowsTheTextsAddressAndItsNumber) {

@@ -1,5 +1,6 @@
 #include <bcm/error.h>
 #include <bcm/stat.h>
+#include <soc/drv.h>
 #include <swsdk/chip.h>
 #include <swsdk/fault.h>
 
@@ -116,8 +117,19 @@ TEST_F(Statistics, CleanOfAllGoesOnAfterAFailureAndGivesTheLastResult) {
                              "returned -9\n"));
 }
 
-TEST_F(Statistics, CleanOfAUnitWithoutPortsMakesNoCall) {
+TEST_F(Statistics, CleanOfAllIsOfTheEthernetPorts) {
+  BCM_PBMP_CLEAR(SOC_PORT_BITMAP(unit, ether));
+  for (const int port : {2, 5}) BCM_PBMP_PORT_ADD(SOC_PORT_BITMAP(unit, ether), port);
+  EXPECT_EQ(observe([] { return sai_stat_clean(unit); }),
+            "bcm_stat_clear(0, 2) = 0\nbcm_stat_clear(0, 5) = 0\nreturned 0\n");
+}
+
+TEST_F(Statistics, CleanWithoutPortsMakesNoCall) {
   EXPECT_EQ(observe([] { return sai_stat_clean(1); }), "returned 0\n");
+  SOC_PORT_MIN(unit, ether) = -1;
+  EXPECT_EQ(observe([] { return sai_stat_clean(unit); }), "returned 0\n");
+  BCM_PBMP_CLEAR(SOC_PORT_BITMAP(unit, ether));
+  EXPECT_EQ(observe([] { return sai_stat_clean(unit); }), "returned 0\n");
 }
 
 constexpr int stats[18] = {58, 18, 59, 60, 61, 3, 4, 56, 62, 19, 63, 64, 65, 9, 10, 57, 39, 38};

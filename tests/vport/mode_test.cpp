@@ -1,5 +1,6 @@
 #include <bcm/error.h>
 #include <bcm/vlan.h>
+#include <soc/drv.h>
 #include <swsdk/chip.h>
 #include <swsdk/fault.h>
 
@@ -27,6 +28,12 @@ TEST_F(VportMode, KeysThePortsGportAndEnablesThePort) {
                       "bcm_vlan_control_port_set(0, 134217731, 15, 8) = 0\n"
                       "bcm_vlan_port_add(0, 4095, {3}, {}) = 0\n"),
             std::string::npos);
+}
+
+TEST_F(VportMode, IsOfTheFrontPorts) {
+  SOC_PORT_MAX(unit, port) = 3;
+  const std::string seen = observe([] { return sai_vlan_vport_init(unit); });
+  EXPECT_NE(seen.find("bcm_vlan_port_add(0, 4095, {3}, {}) = 0\nbcm_policer_init(0) = 0\n"), std::string::npos) << seen;
 }
 
 TEST_F(VportMode, APortWhoseGportIsUnknownTakesAllOtherStepsWithTheGportThatWasThere) {

@@ -1,5 +1,7 @@
 #include "vport/virtual_ports.h"
 
+#include <soc/drv.h>
+
 #include <limits>
 
 namespace {
@@ -237,6 +239,15 @@ TEST_F(VirtualPorts, FloodToEveryFrontPortInAscendingOrder) {
                   "bcm_multicast_egress_add(0, " + group + ", " + gport + ", 0) = 0\n";
     }
   EXPECT_NE(seen.find(expected + "bcm_vlan_control_vlan_get(0, 40, "), std::string::npos);
+}
+
+TEST_F(VirtualPorts, FloodToNoEthernetPortButTheFrontPorts) {
+  SOC_PORT_MAX(unit, port) = 1;
+  sai_vport_t vport = stacked_with_outer;
+  const std::string seen = create(vport);
+  EXPECT_NE(seen.find("bcm_multicast_egress_add(0, 3, 67108865, 0) = 0\nbcm_vlan_control_vlan_get"), std::string::npos)
+      << seen;
+  EXPECT_EQ(seen.find("67108866"), std::string::npos) << seen;
 }
 
 TEST_F(VirtualPorts, ReadTheUntaggedVlanFromUnit0WhateverTheirUnit) {
