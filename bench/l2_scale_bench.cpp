@@ -6,10 +6,11 @@
 
 #include <algorithm>
 #include <random>
-#include <span>
 
 #include "scale.h"
 
+using bench::each;
+using bench::Range;
 using bench::unit;
 
 namespace {
@@ -64,21 +65,17 @@ int main() {
   bench::start_chip();
   std::vector<sai_l2_mac_entry_t> entries = fill();
   std::vector<sai_l2_mac_entry_t> shown(entries.size());
-  const auto each = [&](auto call) {
-    return [&entries, call](int count) {
-      return std::ranges::all_of(std::span(entries).first(static_cast<std::size_t>(count)), call);
-    };
-  };
   return bench::scale(
-      {1024, 8192, static_cast<int>(entries.size())},
-      {{"sai_l2_mac_entry_add", each([](const auto& entry) { return sai_l2_mac_entry_add(unit, &entry) == 0; }),
-        each(add_directly)},
-       {"sai_l2_addr_show", [&](int) { return sai_l2_addr_show(unit, shown.data()) == 0; },
-        [&](int count) {
+      {1024, 8192, entries.size()},
+      {{"sai_l2_mac_entry_add",
+        each(entries, [](const auto& entry) { return sai_l2_mac_entry_add(unit, &entry) == 0; }),
+        each(entries, add_directly)},
+       {"sai_l2_addr_show", [&](Range) { return sai_l2_addr_show(unit, shown.data()) == 0; },
+        [&](Range range) {
           sai_l2_mac_entry_t* next = shown.data();
-          return bcm_l2_traverse(unit, take, &next) == BCM_E_NONE && next == shown.data() + count;
+          return bcm_l2_traverse(unit, take, &next) == BCM_E_NONE && next == shown.data() + range.count;
         }},
        {"sai_l2_mac_entry_del",
-        each([](const auto& entry) { return sai_l2_mac_entry_del(unit, &entry, SAI_L2_DELETE_ENTRY) == 0; }),
-        each([](auto& entry) { return bcm_l2_addr_delete(unit, entry.mac, vlan) == BCM_E_NONE; })}});
+        each(entries, [](const auto& entry) { return sai_l2_mac_entry_del(unit, &entry, SAI_L2_DELETE_ENTRY) == 0; }),
+        each(entries, [](auto& entry) { return bcm_l2_addr_delete(unit, entry.mac, vlan) == BCM_E_NONE; })}});
 }

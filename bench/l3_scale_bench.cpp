@@ -11,10 +11,10 @@
 #include <algorithm>
 #include <cstdint>
 #include <random>
-#include <span>
 
 #include "scale.h"
 
+using bench::each;
 using bench::unit;
 
 namespace {
@@ -169,32 +169,30 @@ int main() {
                   bcm_vlan_create(unit, vlan) == BCM_E_NONE && sai_l3_intf_create(unit, router, vlan) == 0,
               "setting up the router");
   std::vector<Neighbour> neighbours = fill();
-  const auto each = [&](auto call) {
-    return [&neighbours, call](int count) {
-      return std::ranges::all_of(std::span(neighbours).first(static_cast<std::size_t>(count)), call);
-    };
-  };
-  const auto add_host_by_library = each([](const Neighbour& neighbour) {
+  const auto add_host_by_library = each(neighbours, [](const Neighbour& neighbour) {
     return sai_l3_host_route_create(unit, neighbour.ip, router, neighbour.mac, port, vlan, 0) == 0;
   });
-  const auto add_route_by_library = each([](const Neighbour& neighbour) {
+  const auto add_route_by_library = each(neighbours, [](const Neighbour& neighbour) {
     return sai_l3_subnet_route_create(unit, neighbour.subnet, mask, neighbour.ip, router, neighbour.mac, port, vlan,
                                       0) == 0;
   });
   return bench::scale(
       {1024, table_size},
-      {{"host, create", add_host_by_library, each(add_host)},
-       {"host, create again", add_host_by_library, each(add_host)},
-       {"host, read hit", each([](const Neighbour& host) { return sai_l3_host_route_hit_get(host.ip) == 0; }),
-        each(read_host_hit)},
-       {"host, delete", each([](const Neighbour& host) { return sai_l3_host_route_delete(unit, host.ip, 0) == 0; }),
-        each(delete_host)},
-       {"route, create", add_route_by_library, each(add_route)},
-       {"route, create again", add_route_by_library, each(add_route)},
+      {{"host, create", add_host_by_library, each(neighbours, add_host)},
+       {"host, create again", add_host_by_library, each(neighbours, add_host)},
+       {"host, read hit",
+        each(neighbours, [](const Neighbour& host) { return sai_l3_host_route_hit_get(host.ip) == 0; }),
+        each(neighbours, read_host_hit)},
+       {"host, delete",
+        each(neighbours, [](const Neighbour& host) { return sai_l3_host_route_delete(unit, host.ip, 0) == 0; }),
+        each(neighbours, delete_host)},
+       {"route, create", add_route_by_library, each(neighbours, add_route)},
+       {"route, create again", add_route_by_library, each(neighbours, add_route)},
        {"route, read hit",
-        each([](const Neighbour& route) { return sai_l3_subnet_route_hit_get(route.subnet, mask) == 0; }),
-        each(read_route_hit)},
+        each(neighbours, [](const Neighbour& route) { return sai_l3_subnet_route_hit_get(route.subnet, mask) == 0; }),
+        each(neighbours, read_route_hit)},
        {"route, delete",
-        each([](const Neighbour& route) { return sai_l3_subnet_route_delete(unit, route.subnet, mask, 0) == 0; }),
-        each(delete_route)}});
+        each(neighbours,
+             [](const Neighbour& route) { return sai_l3_subnet_route_delete(unit, route.subnet, mask, 0) == 0; }),
+        each(neighbours, delete_route)}});
 }

@@ -38,23 +38,24 @@ struct Costs {
   std::vector<double> direct;
 };
 
-/// Runs all steps of one side, `passes` times, and notes what each took.
-void measure(const std::vector<bench::Step>& steps, std::function<bool(int)> bench::Step::*side,
-             std::vector<double> Costs::*cost, int count, int passes, std::vector<Costs>& costs) {
+/// Runs the steps of one side on all entries, so many at a time, and notes what each took per entry. Every size meets
+/// the same entries: what of the machine's caches they take does not count as growth.
+void measure(const std::vector<bench::Step>& steps, bench::Work bench::Step::*side, std::vector<double> Costs::*cost,
+             std::size_t count, std::size_t all, std::vector<Costs>& costs) {
   std::vector<double> spent(steps.size());
-  for (int pass = 0; pass < passes; ++pass)
+  for (std::size_t first = 0; first < all; first += count)
     for (std::size_t i = 0; i < steps.size(); ++i) {
       const double start = nanoseconds();
-      bench::need((steps[i].*side)(count), steps[i].name);
+      bench::need((steps[i].*side)({first, count}), steps[i].name);
       spent[i] += nanoseconds() - start;
     }
-  for (std::size_t i = 0; i < steps.size(); ++i) (costs[i].*cost).push_back(spent[i] / count / passes);
+  for (std::size_t i = 0; i < steps.size(); ++i) (costs[i].*cost).push_back(spent[i] / static_cast<double>(all));
 }
 
 /// Prints the table and its closing line.
 ///
 /// @return the worst growth: of a size's cost over that of any smaller one
-double print(const std::vector<int>& sizes, const std::vector<bench::Step>& steps,
+double print(const std::vector<std::size_t>& sizes, const std::vector<bench::Step>& steps,
              const std::vector<std::vector<Costs>>& costs) {
   double worst_growth = 0;
   double worst_ratio = 0;
@@ -67,7 +68,7 @@ double print(const std::vector<int>& sizes, const std::vector<bench::Step>& step
       const double ratio = library / direct;
       cheapest = size == 0 ? library : std::min(cheapest, library);
       const double growth = library / cheapest;
-      std::printf("%-24s %8d %12.1f %12.1f %8.2f %8.2f\n", steps[step].name, sizes[size], library, direct, ratio,
+      std::printf("%-24s %8zu %12.1f %12.1f %8.2f %8.2f\n", steps[step].name, sizes[size], library, direct, ratio,
                   growth);
       worst_growth = std::max(worst_growth, growth);
       worst_ratio = std::max(worst_ratio, ratio);
@@ -92,15 +93,13 @@ void bench::start_chip() {
   need(sdk_main(0, nullptr) == 0 && system_init(unit) == 0, "start of the chip");
 }
 
-int bench::scale(const std::vector<int>& sizes, const std::vector<Step>& steps) {
+int bench::scale(const std::vector<std::size_t>& sizes, const std::vector<Step>& steps) {
   for (int run = 0; run < runs; ++run) {
     std::vector<std::vector<Costs>> costs(sizes.size(), std::vector<Costs>(steps.size()));
     for (int round = 0; round < rounds; ++round)
       for (std::size_t size = 0; size < sizes.size(); ++size) {
-        // As many entries in all at each size, so that all are measured equally well.
-        const int passes = sizes.back() / sizes[size];
-        measure(steps, &Step::library, &Costs::library, sizes[size], passes, costs[size]);
-        measure(steps, &Step::direct, &Costs::direct, sizes[size], passes, costs[size]);
+        measure(steps, &Step::library, &Costs::library, sizes[size], sizes.back(), costs[size]);
+        measure(steps, &Step::direct, &Costs::direct, sizes[size], sizes.back(), costs[size]);
       }
     if (print(sizes, steps, costs) <= bound) return EXIT_SUCCESS;
   }
