@@ -1,8 +1,10 @@
 // What the tables of hosts and of routes have in common: entries that lead somewhere, and that note when they are used.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
+#include <memory_resource>
 #include <unordered_map>
 
 #include "chip/addresses.h"
@@ -30,9 +32,13 @@ struct L3Entry {
   int multicast_group = 0;
 };
 
+/// Entries by their key, which has a `hash()`: finding one costs the same however many there are.
 template <class Key>
 class L3Entries {
  public:
+  /// `capacity`: how many entries there can be, so that a table that fills is never laid out anew.
+  explicit L3Entries(std::size_t capacity) { entries_.reserve(capacity); }
+
   enum class Hits { keep, clear };
 
   /// Copies an entry out, with its hits as they were before.
@@ -62,7 +68,9 @@ class L3Entries {
     return found == uses_.end() ? 0 : found->second;
   }
 
-  const std::map<Key, L3Entry>& all() const { return entries_; }
+  std::size_t size() const { return entries_.size(); }
+  /// A copy of the entries in the order of their keys.
+  std::map<Key, L3Entry> all() const { return {entries_.begin(), entries_.end()}; }
 
  protected:
   /// `full`: there is no room for a new entry.
@@ -94,12 +102,17 @@ class L3Entries {
   }
 
  private:
+  struct Hash {
+    std::size_t operator()(const Key& key) const { return key.hash(); }
+  };
+
   void release(const L3Entry& entry) {
     const auto used = uses_.find(entry.interface);
     if (--used->second == 0) uses_.erase(used);
   }
 
-  std::map<Key, L3Entry> entries_;
+  std::pmr::unsynchronized_pool_resource pool_;  // keeps the entries close together
+  std::pmr::unordered_map<Key, L3Entry, Hash> entries_{&pool_};
   std::unordered_map<int, int> uses_;
 };
 
