@@ -81,7 +81,7 @@ class L3Entries {
       entries_.emplace(key, entry);
     } else {
       if (!replace) return Status::exists;
-      release(present->second);
+      --uses_[present->second.interface];
       present->second = entry;
     }
     ++uses_[entry.interface];
@@ -91,7 +91,7 @@ class L3Entries {
   Status remove(const Key& key) {
     const auto entry = entries_.find(key);
     if (entry == entries_.end()) return Status::not_found;
-    release(entry->second);
+    --uses_[entry->second.interface];
     entries_.erase(entry);
     return Status::ok;
   }
@@ -106,14 +106,9 @@ class L3Entries {
     std::size_t operator()(const Key& key) const { return key.hash(); }
   };
 
-  void release(const L3Entry& entry) {
-    const auto used = uses_.find(entry.interface);
-    if (--used->second == 0) uses_.erase(used);
-  }
-
   std::pmr::unsynchronized_pool_resource pool_;  // keeps the entries close together
   std::pmr::unordered_map<Key, L3Entry, Hash> entries_{&pool_};
-  std::unordered_map<int, int> uses_;
+  std::unordered_map<int, int> uses_;  // 0 stays, for the next entry
 };
 
 }  // namespace chip
