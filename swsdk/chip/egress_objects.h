@@ -1,10 +1,11 @@
 // The egress objects: next hops that hosts and routes share.
 #pragma once
 
-#include <compare>
+#include <cstddef>
 #include <cstdint>
 
 #include "chip/addresses.h"
+#include "chip/hash.h"
 #include "chip/keyed_slots.h"
 
 namespace chip {
@@ -20,7 +21,8 @@ struct EgressObject {
   int trunk = 0;
   int encapsulation = 0;
 
-  auto operator<=>(const EgressObject&) const = default;
+  bool operator==(const EgressObject&) const = default;
+  std::size_t hash() const { return hash_of(interface, number_of(mac), vlan, module, port, trunk, encapsulation); }
 };
 
 class EgressObjects {

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "chip/hash.h"
 #include "chip/l3_entries.h"
 
 namespace chip {
@@ -14,6 +15,7 @@ struct HostKey {
   int vrf;
   uint32_t address;
   auto operator<=>(const HostKey&) const = default;
+  std::size_t hash() const { return hash_of(vrf, address); }
 };
 
 class Hosts : public L3Entries<HostKey> {
@@ -21,6 +23,8 @@ class Hosts : public L3Entries<HostKey> {
   static constexpr int ways = 8;
   static constexpr int buckets = 1024;
   static constexpr int capacity = ways * buckets;
+
+  Hosts() : L3Entries(capacity) {}
 
   /// An entry that is there already is refused unless it is to be replaced.
   Status add(const HostKey& key, const L3Entry& entry, bool replace) {

@@ -1,21 +1,24 @@
 // Numbered slots whose items are found by what they hold too.
 #pragma once
 
+#include <cstddef>
 #include <map>
+#include <memory_resource>
 #include <type_traits>
+#include <unordered_map>
 #include <utility>
 
 #include "chip/slots.h"
 
 namespace chip {
 
-/// Slots of items with different keys; `key_of` makes the key of an item.
+/// Slots of items with different keys; `key_of` makes the key of an item, which has a `hash()`.
 template <class Item, auto key_of>
 class KeyedSlots {
  public:
   using Key = std::remove_cvref_t<std::invoke_result_t<decltype(key_of), const Item&>>;
 
-  KeyedSlots(int first, int capacity) : slots_(first, capacity) {}
+  KeyedSlots(int first, int capacity) : slots_(first, capacity) { ids_.reserve(static_cast<std::size_t>(capacity)); }
 
   Status add(const Item& item, int& id) {
     const auto [place, is_new] = ids_.try_emplace(key_of(item));
@@ -53,8 +56,13 @@ class KeyedSlots {
   const std::map<int, Item>& all() const { return slots_.all(); }
 
  private:
+  struct Hash {
+    std::size_t operator()(const Key& key) const { return key.hash(); }
+  };
+
   Slots<Item> slots_;
-  std::map<Key, int> ids_;
+  std::pmr::unsynchronized_pool_resource pool_;  // keeps the keys close together
+  std::pmr::unordered_map<Key, int, Hash> ids_{&pool_};
 };
 
 /// The key of items that differ in anything at all.

@@ -1,8 +1,10 @@
 // What the tables of hosts and of routes have in common: entries that lead somewhere, and that note when they are used.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
+#include <memory_resource>
 #include <unordered_map>
 
 #include "chip/addresses.h"
@@ -30,9 +32,13 @@ struct L3Entry {
   int multicast_group = 0;
 };
 
+/// Entries by their key, which has a `hash()`: finding one costs the same however many there are.
 template <class Key>
 class L3Entries {
  public:
+  /// `capacity`: how many entries there can be, so that a table that fills is never laid out anew.
+  explicit L3Entries(std::size_t capacity) { entries_.reserve(capacity); }
+
   enum class Hits { keep, clear };
 
   /// Copies an entry out, with its hits as they were before.
@@ -62,7 +68,9 @@ class L3Entries {
     return found == uses_.end() ? 0 : found->second;
   }
 
-  const std::map<Key, L3Entry>& all() const { return entries_; }
+  std::size_t size() const { return entries_.size(); }
+  /// A copy of the entries in the order of their keys.
+  std::map<Key, L3Entry> all() const { return {entries_.begin(), entries_.end()}; }
 
  protected:
   /// `full`: there is no room for a new entry.
@@ -73,7 +81,7 @@ class L3Entries {
       entries_.emplace(key, entry);
     } else {
       if (!replace) return Status::exists;
-      release(present->second);
+      --uses_[present->second.interface];
       present->second = entry;
     }
     ++uses_[entry.interface];
@@ -83,7 +91,7 @@ class L3Entries {
   Status remove(const Key& key) {
     const auto entry = entries_.find(key);
     if (entry == entries_.end()) return Status::not_found;
-    release(entry->second);
+    --uses_[entry->second.interface];
     entries_.erase(entry);
     return Status::ok;
   }
@@ -94,13 +102,13 @@ class L3Entries {
   }
 
  private:
-  void release(const L3Entry& entry) {
-    const auto used = uses_.find(entry.interface);
-    if (--used->second == 0) uses_.erase(used);
-  }
+  struct Hash {
+    std::size_t operator()(const Key& key) const { return key.hash(); }
+  };
 
-  std::map<Key, L3Entry> entries_;
-  std::unordered_map<int, int> uses_;
+  std::pmr::unsynchronized_pool_resource pool_;  // keeps the entries close together
+  std::pmr::unordered_map<Key, L3Entry, Hash> entries_{&pool_};
+  std::unordered_map<int, int> uses_;  // 0 stays, for the next entry
 };
 
 }  // namespace chip

@@ -1,12 +1,13 @@
 // The layer 3 interfaces: the router's own address in a VLAN.
 #pragma once
 
-#include <compare>
+#include <cstddef>
 #include <cstdint>
 #include <set>
 #include <utility>
 
 #include "chip/addresses.h"
+#include "chip/hash.h"
 #include "chip/keyed_slots.h"
 
 namespace chip {
@@ -82,7 +83,8 @@ class L3Interfaces {
     Mac mac;
     int vlan;
     int inner_vlan;
-    auto operator<=>(const Identity&) const = default;
+    bool operator==(const Identity&) const = default;
+    std::size_t hash() const { return hash_of(vrf, number_of(mac), vlan, inner_vlan); }
   };
   static Identity identity_of(const L3Interface& interface) {
     return {interface.vrf, interface.mac, interface.vlan, interface.inner_vlan};

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "chip/hash.h"
 #include "chip/l3_entries.h"
 
 namespace chip {
@@ -15,12 +16,15 @@ struct RouteKey {
   uint32_t subnet;
   int length;  // of the prefix
   auto operator<=>(const RouteKey&) const = default;
+  std::size_t hash() const { return hash_of(vrf, subnet, length); }
 };
 
 class Routes : public L3Entries<RouteKey> {
  public:
   static constexpr std::size_t capacity = 8192;
   static constexpr int longest = 32;
+
+  Routes() : L3Entries(capacity) {}
 
   static constexpr uint32_t mask(int length) { return length == 0 ? 0 : ~uint32_t{0} << (longest - length); }
 
@@ -33,7 +37,7 @@ class Routes : public L3Entries<RouteKey> {
 
   /// An entry that is there already is refused unless it is to be replaced.
   Status add(const RouteKey& key, const L3Entry& entry, bool replace) {
-    return L3Entries::add(key, entry, replace, all().size() >= capacity);
+    return L3Entries::add(key, entry, replace, size() >= capacity);
   }
   using L3Entries::clear;
   using L3Entries::remove;

@@ -1,10 +1,11 @@
 // The virtual ports: each is those frames of a port that have given tags.
 #pragma once
 
-#include <compare>
+#include <cstddef>
 #include <cstdint>
 
 #include "chip/gports.h"
+#include "chip/hash.h"
 #include "chip/keyed_slots.h"
 #include "chip/ports.h"
 
@@ -94,7 +95,8 @@ class VirtualPorts {
     int port;
     int outer;
     int inner;  // any_inner: whatever there is inside
-    auto operator<=>(const Match&) const = default;
+    bool operator==(const Match&) const = default;
+    std::size_t hash() const { return hash_of(port, outer, inner); }
   };
   static constexpr int any_inner = 0;
 

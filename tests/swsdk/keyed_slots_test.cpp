@@ -12,7 +12,12 @@ struct Named {
   std::string name;
   int value;
 };
-std::string name_of(const Named& item) { return item.name; }
+struct Name {
+  std::string text;
+  bool operator==(const Name&) const = default;
+  std::size_t hash() const { return text.size(); }  // so that keys collide
+};
+Name name_of(const Named& item) { return {item.name}; }
 
 class KeyedSlots : public testing::Test {
  protected:
@@ -25,9 +30,9 @@ TEST_F(KeyedSlots, FindAnItemByItsIdAndByItsKey) {
   ASSERT_NE(slots.find(id), nullptr);
   EXPECT_EQ(slots.find(id)->value, 5);
   int found = 0;
-  EXPECT_EQ(slots.find_id("a", found), Status::ok);
+  EXPECT_EQ(slots.find_id({"a"}, found), Status::ok);
   EXPECT_EQ(found, id);
-  EXPECT_EQ(slots.find_id("b", found), Status::not_found);
+  EXPECT_EQ(slots.find_id({"b"}, found), Status::not_found);
 }
 
 TEST_F(KeyedSlots, RefuseASecondItemWithTheSameKey) {
@@ -40,14 +45,14 @@ TEST_F(KeyedSlots, RememberNoKeyOfWhatDidNotFitOrIsGone) {
   slots.add({"a", 1}, id);
   slots.add({"b", 2}, id);
   EXPECT_EQ(slots.add({"c", 3}, id), Status::full);
-  EXPECT_EQ(slots.find_id("c", id), Status::not_found);
+  EXPECT_EQ(slots.find_id({"c"}, id), Status::not_found);
   EXPECT_EQ(slots.remove(1), Status::ok);
   EXPECT_EQ(slots.remove(1), Status::not_found);
   EXPECT_EQ(slots.remove(3), Status::bad_parameter);
-  EXPECT_EQ(slots.find_id("a", id), Status::not_found);
+  EXPECT_EQ(slots.find_id({"a"}, id), Status::not_found);
   EXPECT_EQ(slots.add({"c", 3}, id), Status::ok);
   slots.clear();
-  EXPECT_EQ(slots.find_id("c", id), Status::not_found);
+  EXPECT_EQ(slots.find_id({"c"}, id), Status::not_found);
 }
 
 }  // namespace
