@@ -1,10 +1,9 @@
 // A table of numbered slots: the mechanics that many of the chip's tables share.
 #pragma once
 
-#include <cstddef>
 #include <map>
 #include <set>
-#include <vector>
+#include <unordered_map>
 
 #include "chip/status.h"
 
@@ -27,7 +26,8 @@ class Slots {
   /// Puts an item into the lowest free slot and tells its id.
   Status add(const Item& item, int& id) {
     if (full()) return Status::full;
-    id = free_.empty() ? fresh() : *free_.begin();
+    while (free_.empty() && find(fresh_) != nullptr) ++fresh_;
+    id = free_.empty() ? fresh_ : *free_.begin();
     return put(item, id);
   }
 
@@ -41,23 +41,16 @@ class Slots {
       *present = item;
       return Status::ok;
     }
-    while (fresh() < id) {
-      free_.insert(free_.end(), fresh());
-      by_id_.push_back(nullptr);
-    }
-    if (id == fresh())
-      by_id_.push_back(&items_.emplace_hint(items_.end(), id, item)->second);
-    else {
-      free_.erase(id);
-      by_id_[index(id)] = &items_.emplace(id, item).first->second;
-    }
+    by_id_[id] = &items_.emplace(id, item).first->second;
+    free_.erase(id);
+    if (id == fresh_) ++fresh_;
     return Status::ok;
   }
 
   Status remove(int id) {
     if (items_.erase(id) == 0) return absent(id);
-    by_id_[index(id)] = nullptr;
-    free_.insert(id);
+    by_id_.erase(id);
+    if (id < fresh_) free_.insert(id);
     return Status::ok;
   }
 
@@ -65,23 +58,27 @@ class Slots {
     items_.clear();
     free_.clear();
     by_id_.clear();
+    fresh_ = first_;
   }
 
-  const Item* find(int id) const { return id >= first_ && id < fresh() ? by_id_[index(id)] : nullptr; }
-  Item* find(int id) { return id >= first_ && id < fresh() ? by_id_[index(id)] : nullptr; }
+  const Item* find(int id) const { return found(*this, id); }
+  Item* find(int id) { return found(*this, id); }
 
   const std::map<int, Item>& all() const { return items_; }
 
  private:
-  /// No slot from here on was ever used.
-  int fresh() const { return first_ + static_cast<int>(by_id_.size()); }
-  std::size_t index(int id) const { return static_cast<std::size_t>(id - first_); }
+  template <class Self>
+  static Item* found(Self& self, int id) {
+    const auto present = self.by_id_.find(id);
+    return present == self.by_id_.end() ? nullptr : present->second;
+  }
 
   int first_;
   int capacity_;
   std::map<int, Item> items_;
-  std::vector<Item*> by_id_;  // the same, so that one is found at once; null for a slot that is free
-  std::set<int> free_;        // the slots before the fresh ones that are free, so that the lowest is at hand
+  std::unordered_map<int, Item*> by_id_;  // the same, so that one is found at once
+  int fresh_ = first_;                    // each slot below it is used, or free and in `free_`
+  std::set<int> free_;
 };
 
 }  // namespace chip

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <string>
 
 namespace {
@@ -37,6 +38,20 @@ TEST_F(Slots, GiveOutTheFreedIdsBeforeNewOnes) {
   EXPECT_EQ(add("c"), 5);
   EXPECT_EQ(add("d"), 6);
   EXPECT_EQ(add("e"), 7);
+}
+
+TEST(WideSlots, AHighIdCostsNoMoreThanALowOne) {
+  chip::Slots<int> slots{1, std::numeric_limits<int>::max() - 1};
+  int id = 0;
+  EXPECT_EQ(slots.add_with_id(1, std::numeric_limits<int>::max() - 1), Status::ok);
+  EXPECT_EQ(slots.add_with_id(2, 2), Status::ok);
+  EXPECT_EQ(slots.add(3, id), Status::ok);
+  EXPECT_EQ(id, 1);
+  EXPECT_EQ(slots.add(4, id), Status::ok);
+  EXPECT_EQ(id, 3);
+  EXPECT_EQ(slots.remove(2), Status::ok);
+  EXPECT_EQ(slots.add(5, id), Status::ok);
+  EXPECT_EQ(id, 2);
 }
 
 TEST_F(Slots, BeginAnewWhenTheyAreCleared) {
