@@ -191,14 +191,14 @@ Outcome run(const Parameters& parameters, const Words& words) {
 /// The parameters of a function with these names.
 template <class Returned, class... Args>
 Parameters parameters(Returned (*)(Args...), std::initializer_list<const char*> names) {
-  Parameters result(names.begin(), names.end());
-  std::size_t i = 0;
-  ((result[i++].given = !is_answer<Args>), ...);
+  Parameters result;
+  auto name = names.begin();
+  (result.push_back({*name++, !is_answer<Args>}), ...);
   return result;
 }
 
 inline Parameters parameters(void (*)(const char*, ...), std::initializer_list<const char*> names) {
-  return {names.begin(), names.end()};
+  return {{*names.begin()}};
 }
 
 /// The shell has one log at a time and holds it for the library as an application does. These three functions check
