@@ -2,6 +2,7 @@
 
 #include <bcm/link.h>
 #include <swsdk/chip.h>
+#include <swsdk/frames.h>
 
 #include <algorithm>
 #include <array>
@@ -176,7 +177,21 @@ int swsdk_l2_event(int unit, int operation, int vid, const unsigned char* mac, i
 }
 
 int swsdk_clock_step(int unit, int seconds) {
-  if (seconds < 0 || !has_port(unit, chip::Ports::cpu)) return -1;
+  constexpr uint64_t second = 1'000'000'000;
+  return seconds < 0 ? -1 : swsdk_clock_advance(unit, static_cast<uint64_t>(seconds) * second);
+}
+
+int swsdk_clock_advance(int unit, uint64_t nanoseconds) {
+  constexpr uint64_t second = 1'000'000'000;
+  int seconds = 0;
+  const auto advance = [&](chip::Chip& chip) {
+    const uint64_t before = chip.now;
+    chip.now += nanoseconds;
+    seconds = static_cast<int>(chip.now / second - before / second);
+    return chip::Status::ok;
+  };
+  if (api::on_chip(unit, advance) != 0) return -1;
+  if (seconds == 0) return 0;
   threads().post(EventThreads::l2_learning, [=] {
     const auto pass = [&](chip::Chip& chip) {
       chip.mac_table.pass(seconds);

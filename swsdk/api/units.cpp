@@ -43,6 +43,7 @@ void attach(std::size_t unit) {
   chip.mac_table.observe([unit](chip::MacTable::Change change, const chip::MacEntry& entry) {
     api::tell_mac_change(static_cast<int>(unit), change, entry);
   });
+  units[unit].pipeline.emplace(chip);
   units[unit].initialised = false;
   l3_modules[unit] = 0;
   l3_module_data[unit] = &l3_modules[unit];
@@ -86,6 +87,7 @@ int system_init(int unit) {
     if (attached == nullptr) return BCM_E_UNIT;
     const std::lock_guard guard(attached->lock);
     attached->chip->reset();
+    attached->pipeline->reset();
     attached->initialised = true;
     api::publish_egress_mode(unit);
     return BCM_E_NONE;
@@ -108,7 +110,9 @@ void swsdk_power_off() {
   soc_ndev = 0;
   attached_units = 0;
   for (api::Unit& unit : units) {
+    unit.pipeline.reset();
     unit.chip.reset();
+    unit.frame_handler = {};
     unit.initialised = false;
     unit.link_listeners.clear();
     unit.l2_listeners.clear();

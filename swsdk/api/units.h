@@ -3,6 +3,7 @@
 
 #include <bcm/l2.h>
 #include <bcm/link.h>
+#include <swsdk/frames.h>
 
 #include <algorithm>
 #include <mutex>
@@ -10,6 +11,7 @@
 #include <vector>
 
 #include "chip/chip.h"
+#include "chip/pipeline/pipeline.h"
 
 namespace api {
 
@@ -43,9 +45,17 @@ struct L2Listener {
   bool operator==(const L2Listener&) const = default;
 };
 
+/// Who takes the frames that leave a unit.
+struct FrameHandler {
+  swsdk_frame_handler function = nullptr;
+  void* user_data = nullptr;
+};
+
 struct Unit {
   std::recursive_mutex lock;  // recursive: callbacks that run inside a call may call the SDK again
   std::optional<chip::Chip> chip;
+  std::optional<chip::Pipeline> pipeline;
+  FrameHandler frame_handler;
   bool initialised = false;
   Listeners<bcm_linkscan_handler_t> link_listeners;
   Listeners<L2Listener> l2_listeners;

@@ -111,6 +111,7 @@ struct Chip {
     policers.clear();
   }
 
+  uint64_t now = 0;  // nanoseconds; goes on across a reset
   Ports ports;
   Vlans vlans;
   VlanControls vlan_controls;

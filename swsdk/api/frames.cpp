@@ -1,0 +1,69 @@
+#include <swsdk/frames.h>
+
+#include "api/units.h"
+
+namespace {
+
+using chip::cpu_reason::destination;
+static_assert(SWSDK_CPU_L2_CACHE == chip::cpu_reason::l2_cache);
+static_assert(SWSDK_CPU_PROTOCOL == chip::cpu_reason::protocol);
+static_assert(SWSDK_CPU_L3_MISS == chip::cpu_reason::l3_miss);
+static_assert(SWSDK_CPU_L3_ERROR == chip::cpu_reason::l3_error);
+static_assert(SWSDK_CPU_FIELD == chip::cpu_reason::field_rule);
+static_assert(SWSDK_CPU_LEARNING == chip::cpu_reason::learning);
+static_assert(SWSDK_CPU_MAC_ENTRY == chip::cpu_reason::mac_entry);
+static_assert(SWSDK_CPU_DESTINATION == chip::cpu_reason::destination);
+
+bool is_reason(int reason) { return reason > static_cast<int>(chip::Drop::none) && reason < chip::drop_count; }
+
+/// Hands frames that leave a unit to who takes them.
+class Handler : public chip::Wire {
+ public:
+  Handler(int unit, const api::FrameHandler& handler, int in_port)
+      : unit_(unit), handler_(handler), in_port_(in_port) {}
+
+  void transmit(int port, std::span<const uint8_t> frame) override { hand_over(port, 0, frame); }
+  void deliver(const chip::CpuFrame& frame) override { hand_over(chip::Ports::cpu, frame.reasons, frame.bytes); }
+
+ private:
+  void hand_over(int port, uint32_t cpu, std::span<const uint8_t> frame) {
+    if (handler_.function == nullptr) return;
+    const swsdk_out out{.port = port, .in_port = in_port_, .cpu = cpu, .data = frame.data(), .length = frame.size()};
+    handler_.function(unit_, &out, handler_.user_data);
+  }
+
+  const int unit_;
+  const api::FrameHandler handler_;
+  const int in_port_;
+};
+
+}  // namespace
+
+int swsdk_frame_handle(int unit, swsdk_frame_handler handler, void* user_data) {
+  api::Unit* const attached = api::find_unit(unit);
+  if (attached == nullptr) return -1;
+  const std::lock_guard guard(attached->lock);
+  attached->frame_handler = {handler, user_data};
+  return 0;
+}
+
+int swsdk_frame_send(int unit, int port, const void* data, size_t length) {
+  api::Unit* const attached = api::find_unit(unit);
+  if (attached == nullptr || data == nullptr) return -1;
+  const std::lock_guard guard(attached->lock);
+  if (!attached->initialised || !attached->chip->ports.has(port)) return -1;
+  Handler wire(unit, attached->frame_handler, port);
+  return static_cast<int>(attached->pipeline->receive(port, {static_cast<const uint8_t*>(data), length}, wire));
+}
+
+const char* swsdk_drop_name(int reason) {
+  return is_reason(reason) ? chip::name(static_cast<chip::Drop>(reason)) : nullptr;
+}
+
+long long swsdk_drops(int unit, int reason) {
+  const api::Unit* const attached = api::find_unit(unit);
+  const auto count = [&](const chip::Chip&) {
+    return static_cast<long long>(attached->pipeline->drops(static_cast<chip::Drop>(reason)));
+  };
+  return is_reason(reason) ? api::on_chip(unit, count, -1LL) : -1;
+}

@@ -1,0 +1,115 @@
+// A frame on its way through the chip: what it says, where it came in, and what the stages have decided so far.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "chip/field_processor.h"
+#include "chip/field_qualifiers.h"
+
+namespace chip {
+
+struct Chip;
+class Meters;
+
+/// Why a frame goes no further.
+enum class Drop : int {
+  none,
+  malformed,       // a header is cut short or contradicts itself
+  port_down,       // the port has no link
+  too_long,        // longer than the port takes
+  rate,            // more than the port lets in
+  no_vlan,         // its VLAN does not exist
+  not_member,      // the port is no member of its VLAN
+  spanning_tree,   // the port does not forward in its VLAN
+  trapped,         // for the CPU alone
+  switch_control,  // a control of its port says so
+  source_discard,  // its source is not to be heard
+  learn_limit,     // its source is one address too many
+  unknown_source,  // its port forwards nothing from unknown addresses
+  field_rule,      // an entry of the field processor says so
+  policer,         // red, and to be dropped then
+  storm,           // one flood too many
+  discard,         // its destination is not to be reached
+  router,          // the router does not pass it on
+  no_destination,  // nowhere to go
+};
+constexpr int drop_count = static_cast<int>(Drop::no_destination) + 1;
+
+/// In lower case, for people.
+const char* name(Drop drop);
+
+/// Why the CPU gets a frame; several can hold.
+namespace cpu_reason {
+constexpr uint32_t l2_cache = 0x1;
+constexpr uint32_t protocol = 0x2;  // ARP, DHCP, neighbour discovery, reserved multicast
+constexpr uint32_t l3_miss = 0x4;   // nobody knows the way
+constexpr uint32_t l3_error = 0x8;  // the router cannot pass it on
+constexpr uint32_t field_rule = 0x10;
+constexpr uint32_t learning = 0x20;     // an unknown source
+constexpr uint32_t mac_entry = 0x40;    // its entry in the MAC table says so
+constexpr uint32_t destination = 0x80;  // it is for the CPU, or flooded
+}  // namespace cpu_reason
+
+constexpr uint16_t vlan_mask = 0xFFF;
+constexpr int priority_shift = 13;
+
+/// How the protocol stands in a frame.
+enum class Framing { ethernet2, snap, llc };
+
+struct Packet {
+  std::span<const uint8_t> bytes;  // as it came in, without checksum
+
+  int port = 0;    // where it came in
+  int source = 0;  // the port, or the gport of the virtual port that it belongs to
+
+  /// What it says. The tags are those that it has now; it always has an outer one.
+  FrameFields fields;
+  bool outer_tagged = false;  // it came with an outer tag, be it of priority alone
+  bool inner_tagged = false;  // it has an inner tag now
+  Framing framing = Framing::ethernet2;
+  std::size_t ether_type_at = 0;  // where the ether type stands, or the length
+  std::size_t payload_at = 0;     // where IP or ARP begins
+  bool igmp = false;              // an IGMP message; the type is in the ICMP type
+
+  int priority = 0;  // inside the chip, 0 to 7
+
+  int vlan() const { return fields.outer_tag & vlan_mask; }
+  int inner_vlan() const { return inner_tagged ? fields.inner_tag & vlan_mask : 0; }
+  void set_vlan(int vlan) {
+    fields.outer_tag = static_cast<uint16_t>((fields.outer_tag & ~vlan_mask) | (vlan & vlan_mask));
+  }
+  bool is_multicast() const { return (fields.destination_mac[0] & 1) != 0; }
+  bool is_broadcast() const { return fields.destination_mac == Mac{0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}; }
+  bool is_ip4() const { return fields.ether_type == 0x0800; }
+  bool is_ip6() const { return fields.ether_type == 0x86DD; }
+  bool is_arp() const { return fields.ether_type == 0x0806; }
+};
+
+/// One copy of a frame on its way out.
+struct Copy {
+  int port = 0;          // a port of the chip; trunks are resolved
+  int virtual_port = 0;  // the gport of the virtual port through which it leaves, or 0
+  int l3_interface = 0;  // routed: the interface through which it leaves, or 0
+  Mac next_hop{};        // routed to one destination: whom it is for
+};
+
+/// One frame's way through the chip, which the stages read and change in turn.
+struct Passage {
+  Chip& chip;
+  Meters& meters;
+  Packet packet;
+  Drop drop = Drop::none;     // the first reason found
+  uint32_t cpu_reasons = 0;   // not 0: the CPU gets a copy
+  FieldVerdict verdict;       // of the way in
+  std::vector<Copy>& copies;  // where it goes
+
+  bool dropped() const { return drop != Drop::none; }
+  void stop(Drop reason) {
+    if (!dropped()) drop = reason;
+  }
+};
+
+}  // namespace chip

@@ -1,0 +1,41 @@
+// The stages of the pipeline, in the order in which a frame passes them; one file each.
+//
+// A stage that finds that a frame goes no further calls Passage::stop and lets it pass on: the field processor may
+// cancel the drop, and the CPU may want the frame. Stages that change tables leave them alone for a stopped frame.
+#pragma once
+
+#include "chip/pipeline/packet.h"
+#include "chip/pipeline/wire.h"
+
+namespace chip {
+
+/// Whether the port takes the frame at all: enabled, not too long, within its rate.
+void admit(Passage& frame);
+/// Which virtual port and which VLAN the frame belongs to, and the tags that it has inside the chip.
+void assign_vlan(Passage& frame);
+/// Whether the VLAN exists, the port is a member and its spanning-tree state lets frames in.
+void check_membership(Passage& frame);
+/// The frames that the L2 cache and the controls of the port keep for the CPU.
+void trap(Passage& frame);
+/// Learns where the source is, as the port, the VLAN, the limits and its entry allow.
+void learn_source(Passage& frame);
+/// The entries of the field processor, and their policers.
+void apply_ingress_rules(Passage& frame);
+/// Finds the copies that leave: one redirected, routed, replicated by a multicast route, or bridged.
+void forward(Passage& frame);
+
+/// The ways of forward(). The first two tell whether they took the frame.
+bool route(Passage& frame);
+bool route_multicast(Passage& frame);
+void bridge(Passage& frame);
+
+/// Sends one copy out of its port, if nothing keeps it back there.
+void send_copy(Passage& frame, const Copy& copy, Wire& wire);
+/// Sends the CPU its copy.
+void send_to_cpu(Passage& frame, Wire& wire);
+
+/// Copies for the mirrors of a port: of what came in, and of what goes out.
+void mirror_ingress(Passage& frame, Wire& wire);
+void mirror_egress(Passage& frame, int port, std::span<const uint8_t> bytes, Wire& wire);
+
+}  // namespace chip

@@ -1,0 +1,89 @@
+/**
+ * @file swsdk/frames.h
+ * Frames through the virtual chip: what comes in at a port goes out where the chip's tables send it.
+ *
+ * Frames are Ethernet frames without their checksum, from the destination address on. The chip does its work inside
+ * swsdk_frame_send(): when that returns, every copy has left. Its clock stands still unless it is moved, which is what
+ * rates, bursts and ageing go by. All functions may be called from any thread.
+ */
+#ifndef SWSDK_FRAMES_H
+#define SWSDK_FRAMES_H
+
+#include <stddef.h>
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/** Why the CPU gets a frame; several bits can be set. */
+#define SWSDK_CPU_L2_CACHE 0x1u    /**< an entry of the L2 cache */
+#define SWSDK_CPU_PROTOCOL 0x2u    /**< ARP, DHCP, neighbour discovery or reserved multicast, by a switch control */
+#define SWSDK_CPU_L3_MISS 0x4u     /**< the router knows no way */
+#define SWSDK_CPU_L3_ERROR 0x8u    /**< the router cannot pass it on */
+#define SWSDK_CPU_FIELD 0x10u      /**< an entry of the field processor */
+#define SWSDK_CPU_LEARNING 0x20u   /**< its source was unknown, or one too many */
+#define SWSDK_CPU_MAC_ENTRY 0x40u  /**< an entry of the MAC table */
+#define SWSDK_CPU_DESTINATION 0x80u /**< it is for the CPU, or flooded to it */
+
+/** A frame that leaves the chip. */
+typedef struct swsdk_out {
+  int port;            /**< where it leaves: an Ethernet port, or 0 for the CPU */
+  int in_port;         /**< where it came in */
+  uint32_t cpu;        /**< why the CPU gets it, SWSDK_CPU_*; 0 at an Ethernet port */
+  const uint8_t* data; /**< the frame; for the CPU always with the tag of its VLAN */
+  size_t length;       /**< its length in bytes */
+} swsdk_out;
+
+/**
+ * Takes frames that leave. Runs in the thread that sent the frame, on which the unit stands still meanwhile: it may
+ * read the chip, but not send frames.
+ *
+ * @param out  the frame, which is there until the function returns
+ */
+typedef void (*swsdk_frame_handler)(int unit, const swsdk_out* out, void* user_data);
+
+/**
+ * Sets who takes the frames that leave a unit. At load, and after swsdk_power_off(), nobody does, and they are lost.
+ *
+ * @param handler    the one; null for nobody
+ * @param user_data  handed to it
+ * @return 0, or -1 when there is no such attached unit
+ */
+int swsdk_frame_handle(int unit, swsdk_frame_handler handler, void* user_data);
+
+/**
+ * Lets a frame come in. At an Ethernet port it is lost unless the port has its link; at port 0 it is one that the host
+ * sends through the CPU port.
+ *
+ * @param port    an Ethernet port, or 0
+ * @param data    the frame
+ * @param length  its length in bytes
+ * @return 0 when it was passed on; when it was not, why: a positive number, for swsdk_drop_name(). A frame that is for
+ *         the CPU alone is not passed on. -1 when there is no such initialised unit or port, or data is null
+ */
+int swsdk_frame_send(int unit, int port, const void* data, size_t length);
+
+/** Names a reason of swsdk_frame_send(), 1 and up, such as "not a member of the vlan"; null past the last. */
+const char* swsdk_drop_name(int reason);
+
+/**
+ * Tells how many frames a unit has not passed on for a reason since it was initialised.
+ *
+ * @return the number, or -1 when there is no such initialised unit or reason
+ */
+long long swsdk_drops(int unit, int reason);
+
+/**
+ * Moves a unit's clock, as swsdk_clock_step() does, but finely.
+ *
+ * @param nanoseconds  how far
+ * @return 0, or -1 when there is no such initialised unit
+ */
+int swsdk_clock_advance(int unit, uint64_t nanoseconds);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,54 @@
+// A chip of 12 ports by itself, with all links up, and what leaves it.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "chip/chip.h"
+#include "chip/pipeline/pipeline.h"
+#include "support/frames.h"
+
+namespace support {
+
+class PipelineTest : public testing::Test, private chip::Wire {
+ protected:
+  using Drop = chip::Drop;
+  using Status = chip::Status;
+
+  PipelineTest() {
+    for (int port = 1; port <= 12; ++port) chip.port_macs.set_partner(port, true);
+  }
+
+  /// Makes a VLAN with its members, some of them untagged.
+  void vlan(int id, const chip::PortSet& members, const chip::PortSet& untagged = {}) {
+    chip.vlans.create(id);
+    EXPECT_EQ(chip.vlans.add_ports(id, members, untagged), Status::ok);
+  }
+
+  /// Lets a frame come in and tells the copies that leave, a line each: "3: 01>02 [10] ...", "cpu 0x2: ..."; why it is
+  /// dropped stands last: "dropped: storm control".
+  std::string send(int port, const Bytes& frame) {
+    out_.clear();
+    const Drop drop = pipeline.receive(port, frame, *this);
+    if (drop != Drop::none) out_ += std::string("dropped: ") + name(drop) + '\n';
+    return out_;
+  }
+
+  chip::Chip chip{12};
+  chip::Pipeline pipeline{chip};
+
+ private:
+  void transmit(int port, std::span<const uint8_t> frame) override {
+    out_ += std::to_string(port) + ": " + told(frame) + '\n';
+  }
+  void deliver(const chip::CpuFrame& frame) override {
+    char reasons[16];
+    std::snprintf(reasons, sizeof reasons, "cpu 0x%x: ", frame.reasons);
+    out_ += reasons + told(frame.bytes) + '\n';
+  }
+
+  std::string out_;
+};
+
+}  // namespace support
