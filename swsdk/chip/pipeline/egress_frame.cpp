@@ -33,6 +33,21 @@ class Writer {
   std::size_t at_ = 0;
 };
 
+/// Takes one from the time to live of a packet that has it, and keeps the checksum of an IPv4 header right.
+void decrement_ttl(std::span<uint8_t> packet, bool is_ip4) {
+  constexpr std::size_t ttl_of_ip4 = 8;
+  constexpr std::size_t ttl_of_ip6 = 7;
+  --packet[is_ip4 ? ttl_of_ip4 : ttl_of_ip6];
+  if (!is_ip4) return;
+  uint8_t& high = packet[10];
+  uint8_t& low = packet[11];
+  // What the header's sum lost, its complement gains; a carry out of the top comes in at the bottom.
+  const unsigned sum = (static_cast<unsigned>(high) << 8 | low) + 0x100;
+  const unsigned folded = (sum & 0xFFFF) + (sum >> 16);
+  high = static_cast<uint8_t>(folded >> 8);
+  low = static_cast<uint8_t>(folded);
+}
+
 }  // namespace
 
 std::span<uint8_t> EgressFrame::write(const EgressHeader& header, const Packet& packet) {
@@ -41,7 +56,9 @@ std::span<uint8_t> EgressFrame::write(const EgressHeader& header, const Packet& 
   writer.put(header.source);
   writer.put_tag(header.outer_tag);
   writer.put_tag(header.inner_tag);
+  const std::size_t payload_at = writer.written().size() + packet.payload_at - packet.ether_type_at;
   writer.put(packet.bytes.subspan(packet.ether_type_at));
+  if (header.routed) decrement_ttl(writer.written().subspan(payload_at), packet.is_ip4());
   return writer.written();
 }
 

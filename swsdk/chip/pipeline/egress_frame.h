@@ -15,8 +15,11 @@ namespace chip {
 struct EgressHeader {
   Mac destination{};
   Mac source{};
-  std::optional<uint16_t> outer_tag;
+  std::optional<uint16_t> outer_tag;  // until the tags for the wire are made, always there
   std::optional<uint16_t> inner_tag;
+  bool routed = false;  // its time to live is one less
+
+  int vlan() const { return outer_tag.value_or(0) & vlan_mask; }
 };
 
 /// Room for one frame that leaves.

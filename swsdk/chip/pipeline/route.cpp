@@ -5,4 +5,6 @@ namespace chip {
 
 bool route(Passage&) { return false; }
 
+bool rewrite_routed(Passage&, const Copy&, EgressHeader&) { return true; }
+
 }  // namespace chip

@@ -1,17 +1,20 @@
 #include "chip/chip.h"
-#include "chip/pipeline/egress_frame.h"
 #include "chip/pipeline/stages.h"
 
 namespace chip {
 
 namespace {
 
-/// Whether the port forwards frames of the VLAN.
-bool lets_out(const Chip& chip, const Vlan& vlan, int port) {
-  const bool checks = (chip.port_filters.membership_checks(port) & PortFilters::check_egress) != 0;
-  if (checks && !vlan.members.contains(port)) return false;
+/// Whether the copy may leave in its VLAN.
+bool lets_out(const Chip& chip, const Copy& copy, int id) {
+  const auto vlan = chip.vlans.all().find(id);
+  if (vlan == chip.vlans.all().end()) return false;
+  const bool is_member = copy.virtual_port != 0 ? vlan->second.virtual_members.contains(copy.virtual_port)
+                                                : vlan->second.members.contains(copy.port);
+  const bool checks = (chip.port_filters.membership_checks(copy.port) & PortFilters::check_egress) != 0;
+  if (checks && !is_member) return false;
   StpState state = StpState::forward;
-  chip.spanning_trees.state(vlan.spanning_tree, port, state);
+  chip.spanning_trees.state(vlan->second.spanning_tree, copy.port, state);
   return state == StpState::forward;
 }
 
@@ -26,18 +29,20 @@ EgressHeader header_of(const Packet& packet) {
 
 void send_copy(Passage& frame, const Copy& copy, Wire& wire) {
   Chip& chip = frame.chip;
-  const auto vlan = chip.vlans.all().find(frame.packet.vlan());
-  if (vlan == chip.vlans.all().end() || !lets_out(chip, vlan->second, copy.port)) return;
+  EgressHeader header = header_of(frame.packet);
+  if (copy.l3_interface != 0 && !rewrite_routed(frame, copy, header)) return;
+  if (!lets_out(chip, copy, header.vlan())) return;
   if (copy.port == Ports::cpu) {
     frame.cpu_reasons |= cpu_reason::destination;
     return;
   }
   if (!chip.port_macs.all().at(copy.port).link()) return;
+  if (!apply_egress_rules(frame, copy, header)) return;
+  make_egress_tags(frame, copy, header);
 
-  EgressHeader header = header_of(frame.packet);
-  if (vlan->second.untagged.contains(copy.port)) header.outer_tag.reset();
   EgressFrame out;
   const std::span<const uint8_t> bytes = out.write(header, frame.packet);
+  if (!is_within_shape(frame, copy.port, bytes.size())) return;
   mirror_egress(frame, copy.port, bytes, wire);
   wire.transmit(copy.port, bytes);
 }

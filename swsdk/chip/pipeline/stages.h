@@ -4,6 +4,7 @@
 // cancel the drop, and the CPU may want the frame. Stages that change tables leave them alone for a stopped frame.
 #pragma once
 
+#include "chip/pipeline/egress_frame.h"
 #include "chip/pipeline/packet.h"
 #include "chip/pipeline/wire.h"
 
@@ -31,6 +32,17 @@ void bridge(Passage& frame);
 
 /// Sends one copy out of its port, if nothing keeps it back there.
 void send_copy(Passage& frame, const Copy& copy, Wire& wire);
+
+/// The steps of send_copy(). What the router gives a copy that goes through one of its interfaces; false when it does
+/// not go.
+bool rewrite_routed(Passage& frame, const Copy& copy, EgressHeader& header);
+/// The entries of the field processor on the way out; false when they drop the copy.
+bool apply_egress_rules(Passage& frame, const Copy& copy, const EgressHeader& header);
+/// Makes the tags for the wire of those that the copy has inside the chip.
+void make_egress_tags(Passage& frame, const Copy& copy, EgressHeader& header);
+/// Whether the port's rate lets the copy out.
+bool is_within_shape(Passage& frame, int port, std::size_t length);
+
 /// Sends the CPU its copy.
 void send_to_cpu(Passage& frame, Wire& wire);
 
