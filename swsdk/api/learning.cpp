@@ -12,7 +12,8 @@ int swsdk_l2_learn(int unit, int vid, const unsigned char* mac, int port, unsign
   const auto learn = [&](Chip& chip) {
     const int place = chip::gport::port_of(port);
     if (!chip.mac_table.is_place({.port = place})) return -1;
-    return chip::learn(chip, {api::mac_at(mac), static_cast<uint16_t>(vid), place, tunnel}) ? 1 : 0;
+    const chip::Source source{api::mac_at(mac), static_cast<uint16_t>(vid), place, tunnel};
+    return is_in_place(chip::learn(chip, source)) ? 1 : 0;
   };
   if (mac == nullptr || !chip::MacTable::is_vlan(vid)) return -1;
   return api::on_chip(unit, learn, -1);

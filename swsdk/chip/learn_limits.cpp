@@ -44,16 +44,28 @@ Status LearnLimits::get(const MacScope& scope, LearnLimit& limit) const {
   return Status::ok;
 }
 
-bool LearnLimits::admit(const MacEntry& entry, const MacEntry* present) const {
-  if (!enabled_) return true;
+template <class Found>
+void LearnLimits::exceeded(const MacEntry& entry, const MacEntry* present, Found found) const {
+  if (!enabled_ || limits_.empty()) return;
   const std::vector<MacScope> counted = present == nullptr ? std::vector<MacScope>{} : scopes_of(*present);
   for (const MacScope& scope : scopes_of(entry)) {
-    const auto found = limits_.find(scope);
-    if (found == limits_.end() || found->second.limit == LearnLimit::unlimited) continue;
+    const auto limit = limits_.find(scope);
+    if (limit == limits_.end() || limit->second.limit == LearnLimit::unlimited) continue;
     const bool grows = std::find(counted.begin(), counted.end(), scope) == counted.end();
-    if (grows && table_.learned(scope) >= found->second.limit) return false;
+    if (grows && table_.learned(scope) >= limit->second.limit) found(limit->second);
   }
-  return true;
+}
+
+bool LearnLimits::admit(const MacEntry& entry, const MacEntry* present) const {
+  bool admitted = true;
+  exceeded(entry, present, [&](const LearnLimit&) { admitted = false; });
+  return admitted;
+}
+
+uint32_t LearnLimits::actions(const MacEntry& entry, const MacEntry* present) const {
+  uint32_t actions = 0;
+  exceeded(entry, present, [&](const LearnLimit& limit) { actions |= limit.actions; });
+  return actions;
 }
 
 }  // namespace chip

@@ -34,12 +34,17 @@ class LearnLimits {
 
   /// Whether an address may be learned that takes the place of `present`, or of none.
   bool admit(const MacEntry& entry, const MacEntry* present) const;
+  /// What the limits that do not admit it want done.
+  uint32_t actions(const MacEntry& entry, const MacEntry* present) const;
 
   const std::map<MacScope, LearnLimit>& all() const { return limits_; }
 
  private:
   /// Why there is no such scope, or ok.
   Status check(const MacScope& scope) const;
+  /// Calls `found` with each limit that the entry would exceed.
+  template <class Found>
+  void exceeded(const MacEntry& entry, const MacEntry* present, Found found) const;
 
   const Trunks& trunks_;
   const MacTable& table_;

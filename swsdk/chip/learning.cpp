@@ -20,10 +20,7 @@ bool learns(const Chip& chip, int vlan, int port) {
   return state >= StpState::learn && (learning & PortForwardings::learn) != 0;
 }
 
-}  // namespace
-
-bool learn(Chip& chip, const Source& source) {
-  if (is_multicast(source.mac) || !learns(chip, source.vlan, source.port)) return false;
+MacEntry entry_of(const Chip& chip, const Source& source) {
   MacEntry seen{.mac = source.mac, .vlan = source.vlan, .port = source.port, .tunnel = source.tunnel};
   if (const std::optional<int> trunk = chip.trunks.trunk_of(source.port)) {
     seen.flags = MacEntry::on_trunk;
@@ -31,14 +28,27 @@ bool learn(Chip& chip, const Source& source) {
     seen.trunk = *trunk;
   }
   seen.source_hit = true;
+  return seen;
+}
 
+}  // namespace
+
+Learned learn(Chip& chip, const Source& source) {
+  if (is_multicast(source.mac)) return Learned::multicast;
+  if (!learns(chip, source.vlan, source.port)) return Learned::not_learning;
+  const MacEntry seen = entry_of(chip, source);
   const MacEntry* const present = chip.mac_table.find(seen.vlan, seen.mac);
   if (present != nullptr && present->same_place(seen)) {
     chip.mac_table.hit(*present, &MacEntry::source_hit);
-    return true;
+    return Learned::present;
   }
-  if (present != nullptr && present->is(MacEntry::fixed)) return false;
-  return chip.learn_limits.admit(seen, present) && chip.mac_table.add(seen) == Status::ok;
+  if (present != nullptr && present->is(MacEntry::fixed)) return Learned::fixed;
+  if (!chip.learn_limits.admit(seen, present)) return Learned::limited;
+  return chip.mac_table.add(seen) == Status::ok ? Learned::added : Learned::full;
+}
+
+uint32_t actions_beyond_limit(const Chip& chip, const Source& source) {
+  return chip.learn_limits.actions(entry_of(chip, source), chip.mac_table.find(source.vlan, source.mac));
 }
 
 const MacEntry* look_up(Chip& chip, int vlan, const Mac& mac) {

@@ -13,8 +13,22 @@ struct Source {
   uint32_t tunnel = 0;
 };
 
-/// Whether the table has the source in its place afterwards.
-bool learn(Chip& chip, const Source& source);
+/// What became of a source.
+enum class Learned {
+  present,       // the table had it in this place
+  added,         // the table has it in this place now
+  multicast,     // no source has such an address
+  not_learning,  // its VLAN or the state or setting of its port has the table left alone
+  fixed,         // a fixed entry has it elsewhere
+  limited,       // one too many
+  full,          // its bucket has no room
+};
+inline bool is_in_place(Learned learned) { return learned == Learned::present || learned == Learned::added; }
+
+Learned learn(Chip& chip, const Source& source);
+
+/// What a limit that keeps a source out has done with its frames: actions of LearnLimit.
+uint32_t actions_beyond_limit(const Chip& chip, const Source& source);
 
 /// The entry of a destination, which is marked as hit when the chip does so; or null.
 const MacEntry* look_up(Chip& chip, int vlan, const Mac& mac);

@@ -21,7 +21,7 @@ class Learning : public testing::Test {
   }
 
   bool learn(uint8_t address, int port = 1, uint16_t vlan = 10, uint32_t tunnel = 0) {
-    return chip::learn(chip, {mac(address), vlan, port, tunnel});
+    return is_in_place(chip::learn(chip, {mac(address), vlan, port, tunnel}));
   }
   const MacEntry* entry(uint8_t address) const { return chip.mac_table.find(10, mac(address)); }
   Status limit(MacScope::Kind kind, uint32_t id, int limit) {
