@@ -10,14 +10,12 @@ bool learns(const Chip& chip, int vlan, int port) {
   constexpr uint32_t learn_disable = 0x1;
   const auto found = chip.vlans.all().find(vlan);
   if (found == chip.vlans.all().end() || (found->second.control.flags & learn_disable) != 0) return false;
-  // A virtual port has no state and no setting of its own.
-  StpState state = StpState::forward;
-  uint32_t learning = PortForwardings::learn;
-  if (chip.ports.has(port)) {
-    chip.spanning_trees.state(found->second.spanning_tree, port, state);
-    chip.port_forwarding.get(port, &PortForwarding::learning, learning);
-  }
-  return state >= StpState::learn && (learning & PortForwardings::learn) != 0;
+  if (!chip.ports.has(port)) return true;  // a virtual one has no state and no setting of its own
+  if ((chip.port_forwarding.of(port).learning & PortForwardings::learn) == 0) return false;
+  if (chip.spanning_trees.forwards(found->second.spanning_tree, port)) return true;
+  StpState state = StpState::disable;
+  chip.spanning_trees.state(found->second.spanning_tree, port, state);
+  return state == StpState::learn;
 }
 
 MacEntry entry_of(const Chip& chip, const Source& source) {
@@ -53,9 +51,8 @@ uint32_t actions_beyond_limit(const Chip& chip, const Source& source) {
 
 const MacEntry* look_up(Chip& chip, int vlan, const Mac& mac) {
   const MacEntry* const entry = chip.mac_table.find(vlan, mac);
-  int hits = 0;
-  chip.switch_controls.get(static_cast<int>(SwitchControl::l2_destination_hit_enable), hits);
-  if (entry != nullptr && hits != 0) chip.mac_table.hit(*entry, &MacEntry::destination_hit);
+  const bool hits = chip.switch_controls.is_on(SwitchControl::l2_destination_hit_enable);
+  if (entry != nullptr && hits) chip.mac_table.hit(*entry, &MacEntry::destination_hit);
   return entry;
 }
 

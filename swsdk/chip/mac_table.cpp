@@ -66,11 +66,6 @@ Status MacTable::remove(int vlan, const Mac& mac) {
   return Status::ok;
 }
 
-void MacTable::hit(const MacEntry& entry, bool MacEntry::*side) {
-  const std::size_t slot = slot_of(entry.vlan, entry.mac);
-  if (slot != none) slots_[slot].entry.*side = true;
-}
-
 Status MacTable::set_age_time(int seconds) {
   if (seconds < 0 || seconds > longest_age_time) return Status::bad_parameter;
   age_time_ = seconds;

@@ -93,8 +93,8 @@ class MacTable {
     return Status::ok;
   }
 
-  /// Notes that a frame came from, or went to, the address.
-  void hit(const MacEntry& entry, bool MacEntry::*side);
+  /// Notes that a frame came from, or went to, the address of an entry of the table, as find() told it.
+  void hit(const MacEntry& entry, bool MacEntry::*side) { const_cast<MacEntry&>(entry).*side = true; }
 
   /// Seconds between two ageings; 0 for none. A new time starts to run at once.
   Status set_age_time(int seconds);

@@ -1,6 +1,8 @@
 // What a port keeps back: frames of VLANs that it is no member of, and floods towards other ports.
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <utility>
@@ -24,17 +26,17 @@ class PortFilters {
 
   /// Nothing is kept back after a reset.
   void reset() {
-    checks_.clear();
+    checks_ = {};
     blocks_.clear();
   }
 
   Status set_membership_checks(int port, uint32_t checks) {
     if (!ports_.has(port)) return Status::bad_port;
     if ((checks & ~(check_ingress | check_egress)) != 0) return Status::bad_parameter;
-    checks_[port] = checks;
+    checks_[static_cast<std::size_t>(port)] = checks;
     return Status::ok;
   }
-  uint32_t membership_checks(int port) const { return found_or_none(checks_, port); }
+  uint32_t membership_checks(int port) const { return checks_[static_cast<std::size_t>(port)]; }
 
   /// Keeps floods of these kinds that come in at `from` away from `to`; takes the place of what was set before.
   Status block_floods(int from, int to, uint32_t kinds) {
@@ -43,18 +45,15 @@ class PortFilters {
     blocks_[{from, to}] = kinds;
     return Status::ok;
   }
-  uint32_t blocked_floods(int from, int to) const { return found_or_none(blocks_, std::pair{from, to}); }
-
- private:
-  template <class Table, class Key>
-  static uint32_t found_or_none(const Table& table, const Key& key) {
-    const auto found = table.find(key);
-    return found == table.end() ? 0 : found->second;
+  uint32_t blocked_floods(int from, int to) const {
+    const auto found = blocks_.find({from, to});
+    return found == blocks_.end() ? 0 : found->second;
   }
 
+ private:
   const Ports& ports_;
-  std::map<int, uint32_t> checks_;
-  std::map<std::pair<int, int>, uint32_t> blocks_;  // by (from, to)
+  std::array<uint32_t, PortSet::capacity> checks_{};  // by port
+  std::map<std::pair<int, int>, uint32_t> blocks_;    // by (from, to)
 };
 
 }  // namespace chip

@@ -1,6 +1,8 @@
 // How each port takes part in switching: what it learns, where its frames may go and which VLAN the untagged ones get.
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <map>
 
@@ -29,6 +31,7 @@ class PortForwardings {
   void reset() {
     for (int port = 0; port <= ports_.all().highest(); ++port)
       all_[port] = {.learning = learn | forward, .destinations = ports_.all(), .untagged_vlan = Vlans::default_id};
+    for (const auto& [port, forwarding] : all_) by_port_[static_cast<std::size_t>(port)] = &forwarding;
   }
 
   /// Reads one setting, &PortForwarding::learning for one.
@@ -58,10 +61,12 @@ class PortForwardings {
   }
 
   const std::map<int, PortForwarding>& all() const { return all_; }
+  const PortForwarding& of(int port) const { return *by_port_[static_cast<std::size_t>(port)]; }
 
  private:
   const Ports& ports_;
   std::map<int, PortForwarding> all_;  // of every port
+  std::array<const PortForwarding*, PortSet::capacity> by_port_{};
 };
 
 }  // namespace chip

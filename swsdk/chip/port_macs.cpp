@@ -49,6 +49,7 @@ void PortMacs::reset() {
                    .interface = Ports::is_uplink(port) ? uplink_interface : gigabit_interface,
                    .frame_max = highest_frame_max,
                    .gaps = {}};
+  for (const auto& [port, mac] : macs_) by_port_[static_cast<std::size_t>(port)] = &mac;
 }
 
 Status PortMacs::enable(int port, bool on) {

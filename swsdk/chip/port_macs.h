@@ -1,6 +1,8 @@
 // The Ethernet ports' MACs: link, speed, duplex, pause and the sizes of frames and of the gaps between them.
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -73,6 +75,8 @@ class PortMacs {
   Status set_gap(int port, int speed, int duplex, int bit_times);
 
   const std::map<int, PortMac>& all() const { return macs_; }
+  /// The port's MAC, or null for one that has none.
+  const PortMac* find(int port) const { return by_port_[static_cast<std::size_t>(port)]; }
 
  private:
   template <class Body>
@@ -80,6 +84,7 @@ class PortMacs {
 
   const Ports& ports_;
   std::map<int, PortMac> macs_;  // of every Ethernet port
+  std::array<const PortMac*, PortSet::capacity> by_port_{};
 };
 
 }  // namespace chip

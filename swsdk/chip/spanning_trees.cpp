@@ -7,6 +7,7 @@ namespace chip {
 void SpanningTrees::reset() {
   groups_.clear();
   groups_.put(states(StpState::forward), lowest_id);
+  note_forwarding(lowest_id);
   vlans_.set_default_spanning_tree(lowest_id);
   for (const auto& [vlan, ignored] : vlans_.all()) vlans_.set_spanning_tree(vlan, lowest_id);
 }
@@ -17,7 +18,11 @@ Status SpanningTrees::set_default(int id) {
   return status;
 }
 
-Status SpanningTrees::create(int id) { return groups_.add_with_id(states(StpState::disable), id); }
+Status SpanningTrees::create(int id) {
+  const Status status = groups_.add_with_id(states(StpState::disable), id);
+  if (status == Status::ok) note_forwarding(id);
+  return status;
+}
 
 Status SpanningTrees::destroy(int id) {
   if (id == default_id()) return Status::bad_id;
@@ -54,6 +59,7 @@ Status SpanningTrees::set_state(int id, int port, int state) {
   if (state < static_cast<int>(StpState::disable) || state > static_cast<int>(StpState::forward))
     return Status::bad_parameter;
   (*groups_.find(id))[port] = static_cast<StpState>(state);
+  note_forwarding(id);
   return Status::ok;
 }
 
@@ -62,6 +68,13 @@ Status SpanningTrees::state(int id, int port, StpState& state) const {
   if (!ports_.has(port)) return Status::bad_port;
   state = groups_.find(id)->at(port);
   return Status::ok;
+}
+
+void SpanningTrees::note_forwarding(int id) {
+  PortSet& forwarding = forwarding_[static_cast<std::size_t>(id)];
+  forwarding = {};
+  for (const auto& [port, state] : *groups_.find(id))
+    if (state == StpState::forward) forwarding.add(port);
 }
 
 SpanningTrees::States SpanningTrees::states(StpState of_ethernet) const {

@@ -1,6 +1,10 @@
 // Spanning-tree groups: VLANs that have the state of each port in common.
 #pragma once
 
+#include <array>
+#include <cstddef>
+#include <map>
+
 #include "chip/slots.h"
 #include "chip/vlans.h"
 
@@ -37,6 +41,8 @@ class SpanningTrees {
 
   Status set_state(int id, int port, int state);
   Status state(int id, int port, StpState& state) const;
+  /// Whether a port of the chip forwards frames of the VLANs of a group.
+  bool forwards(int id, int port) const { return forwarding_[static_cast<std::size_t>(id)].contains(port); }
 
   /// The state of each port, by group.
   const std::map<int, std::map<int, StpState>>& all() const { return groups_.all(); }
@@ -45,11 +51,13 @@ class SpanningTrees {
   using States = std::map<int, StpState>;  // by port
 
   States states(StpState of_ethernet) const;
+  void note_forwarding(int id);
   Status check(int id) const;
 
   const Ports& ports_;
   Vlans& vlans_;
   Slots<States> groups_{lowest_id, capacity};
+  std::array<PortSet, lowest_id + capacity> forwarding_;  // the ports that forward, by group
 };
 
 }  // namespace chip

@@ -1,5 +1,9 @@
 #include "chip/switch_controls.h"
 
+#include <array>
+#include <cstdint>
+#include <iterator>
+
 namespace chip {
 
 namespace {
@@ -30,6 +34,14 @@ constexpr Row rows[] = {
     {SwitchControl::flexible_mirror_destinations, false, "flexible mirror destinations"},
 };
 
+/// The row of each control by its number.
+constexpr auto row_of = [] {
+  std::array<uint8_t, 1024> result{};
+  for (std::size_t row = 0; row < std::size(rows); ++row)
+    result[static_cast<std::size_t>(rows[row].control)] = static_cast<uint8_t>(row);
+  return result;
+}();
+
 const Row* find(int control) {
   for (const Row& row : rows)
     if (static_cast<int>(row.control) == control) return &row;
@@ -37,6 +49,22 @@ const Row* find(int control) {
 }
 
 }  // namespace
+
+std::size_t SwitchControls::index(SwitchControl control) {
+  static_assert(std::size(rows) == count);
+  return row_of[static_cast<std::size_t>(control)];
+}
+
+void SwitchControls::write(int control, int port, int value) {
+  values_[{control, port}] = value;
+  PortSet& on = on_[index(static_cast<SwitchControl>(control))];
+  if (port == whole_chip && scope(control) == Scope::port) return;  // its ports are told one by one
+  const int at = port == whole_chip ? 0 : port;
+  if (value != 0)
+    on.add(at);
+  else
+    on -= PortSet{at};
+}
 
 SwitchControls::Scope SwitchControls::scope(int control) {
   const Row* const row = find(control);
@@ -52,10 +80,10 @@ const char* SwitchControls::name(int control) {
 Status SwitchControls::set(int control, int value) {
   const Scope where = scope(control);
   if (where == Scope::none) return Status::unavailable;
-  values_[{control, whole_chip}] = value;
+  write(control, whole_chip, value);
   if (where == Scope::port)
     for (int port = 0; port <= ports_.all().highest(); ++port)
-      if (ports_.has(port)) values_[{control, port}] = value;
+      if (ports_.has(port)) write(control, port, value);
   return Status::ok;
 }
 
@@ -69,7 +97,7 @@ Status SwitchControls::get(int control, int& value) const {
 Status SwitchControls::set_port(int port, int control, int value) {
   if (!ports_.has(port)) return Status::bad_port;
   if (scope(control) != Scope::port) return Status::unavailable;
-  values_[{control, port}] = value;
+  write(control, port, value);
   return Status::ok;
 }
 

@@ -1,6 +1,8 @@
 // The chip's switch controls: numbered settings of the whole chip or of each port.
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <map>
 #include <utility>
 
@@ -37,7 +39,10 @@ class SwitchControls {
   explicit SwitchControls(const Ports& ports) : ports_(ports) {}
 
   /// All controls are 0 after a reset.
-  void reset() { values_.clear(); }
+  void reset() {
+    values_.clear();
+    on_ = {};
+  }
 
   /// Sets a control of the whole chip, or one of each port on every port.
   Status set(int control, int value);
@@ -47,6 +52,10 @@ class SwitchControls {
   /// Unavailable for a control of the whole chip.
   Status set_port(int port, int control, int value);
   Status get_port(int port, int control, int& value) const;
+
+  /// Whether a control of the whole chip, or one of a port of the chip, is not 0.
+  bool is_on(SwitchControl control) const { return on_[index(control)].contains(0); }
+  bool is_on(SwitchControl control, int port) const { return on_[index(control)].contains(port); }
 
   /// The name of a control that the chip has.
   static const char* name(int control);
@@ -60,9 +69,14 @@ class SwitchControls {
  private:
   enum class Scope { none, port, chip };
   static Scope scope(int control);
+  static std::size_t index(SwitchControl control);
+  /// Writes a value, for `port` or whole_chip.
+  void write(int control, int port, int value);
 
   const Ports& ports_;
+  static constexpr std::size_t count = 17;
   std::map<std::pair<int, int>, int> values_;  // absent: 0
+  std::array<PortSet, count> on_;              // where a control is not 0; one of the whole chip is so at 0
 };
 
 }  // namespace chip

@@ -5,13 +5,13 @@ namespace chip {
 
 void admit(Passage& frame) {
   constexpr int checksum = 4;
-  const auto mac = frame.chip.port_macs.all().find(frame.packet.port);
-  if (mac == frame.chip.port_macs.all().end()) return;  // the CPU port has none
-  if (!mac->second.link()) return frame.stop(Drop::port_down);
+  const PortMac* const mac = frame.chip.port_macs.find(frame.packet.port);
+  if (mac == nullptr) return;  // the CPU port has none
+  if (!mac->link()) return frame.stop(Drop::port_down);
   const int length = static_cast<int>(frame.packet.bytes.size()) + checksum;
   // A tag does not count.
   const int tag = frame.packet.outer_tagged ? 4 : 0;
-  if (length > mac->second.frame_max + tag) frame.stop(Drop::too_long);
+  if (length > mac->frame_max + tag) frame.stop(Drop::too_long);
 }
 
 }  // namespace chip

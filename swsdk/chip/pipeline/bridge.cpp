@@ -15,9 +15,10 @@ namespace {
 class Reachable {
  public:
   explicit Reachable(const Passage& frame)
-      : chip_(frame.chip), packet_(frame.packet), trunk_(chip_.trunks.trunk_of(packet_.port)) {
-    chip_.port_forwarding.get(packet_.port, &PortForwarding::destinations, ports_);
-  }
+      : chip_(frame.chip),
+        packet_(frame.packet),
+        trunk_(chip_.trunks.trunk_of(packet_.port)),
+        ports_(chip_.port_forwarding.of(packet_.port).destinations) {}
 
   bool port(int port) const {
     if (port == Ports::cpu) return packet_.port != port;  // isolation is between the ports of the panel
@@ -48,7 +49,7 @@ class Reachable {
   const Chip& chip_;
   const Packet& packet_;
   const std::optional<int> trunk_;
-  PortSet ports_;
+  const PortSet& ports_;
 };
 
 void add_port(Passage& frame, const Reachable& reachable, int port) {
@@ -107,11 +108,9 @@ bool floods_multicast(const Passage& frame, const VlanControl& control) {
                    : packet.is_ip6() ? control.ip6_multicast_flood_mode
                                      : control.l2_multicast_flood_mode;
   if (mode != nowhere) return true;
-  int floods = 0;
   const SwitchControl which =
       packet.is_ip4() ? SwitchControl::ip4_reserved_multicast_flood : SwitchControl::ip6_reserved_multicast_flood;
-  frame.chip.switch_controls.get_port(packet.port, static_cast<int>(which), floods);
-  return floods != 0 && is_reserved(frame.chip, packet);
+  return frame.chip.switch_controls.is_on(which, packet.port) && is_reserved(frame.chip, packet);
 }
 
 void flood(Passage& frame, const Vlan& vlan) {

@@ -11,9 +11,7 @@ void check_membership(Passage& frame) {
   const bool is_member = packet.source == packet.port ? vlan->second.members.contains(packet.port)
                                                       : vlan->second.virtual_members.contains(packet.source);
   if (checks && !is_member) frame.stop(Drop::not_member);
-  StpState state = StpState::forward;
-  frame.chip.spanning_trees.state(vlan->second.spanning_tree, packet.port, state);
-  if (state != StpState::forward) frame.stop(Drop::spanning_tree);
+  if (!frame.chip.spanning_trees.forwards(vlan->second.spanning_tree, packet.port)) frame.stop(Drop::spanning_tree);
 }
 
 }  // namespace chip

@@ -21,8 +21,7 @@ void learn_source(Passage& frame) {
     if ((actions & LearnLimit::drop) != 0) frame.stop(Drop::learn_limit);
   }
   if (before != nullptr) return;
-  uint32_t unknown = PortForwardings::forward;
-  chip.port_forwarding.get(packet.port, &PortForwarding::learning, unknown);
+  const uint32_t unknown = chip.port_forwarding.of(packet.port).learning;
   if ((unknown & PortForwardings::to_cpu) != 0) frame.cpu_reasons |= cpu_reason::learning;
   if ((unknown & PortForwardings::forward) == 0) frame.stop(Drop::unknown_source);
 }

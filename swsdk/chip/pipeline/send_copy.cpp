@@ -13,9 +13,7 @@ bool lets_out(const Chip& chip, const Copy& copy, int id) {
                                                 : vlan->second.members.contains(copy.port);
   const bool checks = (chip.port_filters.membership_checks(copy.port) & PortFilters::check_egress) != 0;
   if (checks && !is_member) return false;
-  StpState state = StpState::forward;
-  chip.spanning_trees.state(vlan->second.spanning_tree, copy.port, state);
-  return state == StpState::forward;
+  return chip.spanning_trees.forwards(vlan->second.spanning_tree, copy.port);
 }
 
 EgressHeader header_of(const Packet& packet) {
@@ -36,7 +34,8 @@ void send_copy(Passage& frame, const Copy& copy, Wire& wire) {
     frame.cpu_reasons |= cpu_reason::destination;
     return;
   }
-  if (!chip.port_macs.all().at(copy.port).link()) return;
+  const PortMac* const mac = chip.port_macs.find(copy.port);
+  if (mac == nullptr || !mac->link()) return;
   if (!apply_egress_rules(frame, copy, header)) return;
   make_egress_tags(frame, copy, header);
 

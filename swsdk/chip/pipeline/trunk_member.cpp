@@ -50,8 +50,8 @@ std::optional<int> pick_member(const Chip& chip, const Trunk& trunk, const Packe
   std::array<int, Trunks::most_members> alive{};
   std::size_t count = 0;
   for (const int member : trunk.members) {
-    const auto mac = chip.port_macs.all().find(member);
-    if (mac != chip.port_macs.all().end() && mac->second.link()) alive[count++] = member;
+    const PortMac* const mac = chip.port_macs.find(member);
+    if (mac != nullptr && mac->link()) alive[count++] = member;
   }
   if (count == 0) return std::nullopt;
   return alive[(hash_of(key_of(trunk.criterion, packet)) >> 32) % count];
