@@ -13,7 +13,16 @@
  *   have no such text).
  * - Output arguments are written on success only.
  * - Nothing is rolled back. An operation of several steps that fails in the middle leaves what it had done in the chip.
- * - One caller at a time. The library takes no locks and creates no threads.
+ * - One caller at a time. The library takes no locks and creates no threads; what it remembers between calls is
+ *   unguarded: the log with its time stamp, the entry of sai_lldp_set(), the flood groups of sai_vlan_vport_init() and
+ *   #hw_counters_table. Threads that share it take turns under a lock of the application's; the log functions are calls
+ *   like all others.
+ * - Callbacks run on threads of the Chip SDK, at the same time as the application's calls and as each other: those of
+ *   links on its link scan thread, those of MAC addresses on its L2 thread. The library only passes their arguments on
+ *   there; it remembers and logs nothing. A callback that calls the library is one more caller and takes its turn. One
+ *   of links must not wait for a turn, though: sai_port_enable_set() and sai_port_enable_get() pause link scanning, for
+ *   which the Chip SDK may wait until the callback has returned. It hands what it was told to another thread instead,
+ *   which is the best that every callback can do. One that was unregistered may still be running.
  */
 #ifndef SAI_H
 #define SAI_H

@@ -72,8 +72,7 @@ class Core : public soak::Family {
         break;
       case 10:
         if (random.one_in(20)) {
-          char command[] = "led 0 auto on";
-          made(sai_sh_process_command(unit, command));
+          run("led 0 auto on");
           sai_serial_led_config(unit);
         }
         break;
@@ -89,11 +88,17 @@ class Core : public soak::Family {
     const int32_t weights[8] = {1, 1, 1, 1, 1, 1, 1, 1};
     must("sai_cosq_sched_set", sai_cosq_sched_set(unit, SAI_COSQ_WEIGHTED_ROUND_ROBIN, weights, 0));
     for (int port = 1; port <= soak::ports; ++port) swsdk_link_event(unit, port, 0);
-    sai_serial_led_config(unit);
+    run("led 0 auto off");
     swsdk_events_drain();
   }
 
  private:
+  static void run(const char* command) {
+    char line[32];
+    snprintf(line, sizeof line, "%s", command);
+    must("sai_sh_process_command", sai_sh_process_command(unit, line));
+  }
+
   void drop_capture(int32_t index) {
     must("sai_bpdu_unset", sai_bpdu_unset(unit, index));
     captures_.erase(index);

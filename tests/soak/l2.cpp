@@ -18,6 +18,13 @@ constexpr uint32_t static_too = 0x1;  // of a deletion; the interface headers ha
 
 class Layer2 : public soak::Family {
  public:
+  Layer2() {
+    int32_t room = 0;
+    int32_t current = 0;
+    must("sai_l2_info", sai_l2_info(unit, &room, &current));
+    shown_.resize(static_cast<std::size_t>(room));
+  }
+
   void prepare() override {
     for (const uint16_t vid : vlans) must("sai_vlan_create", sai_vlan_create(unit, vid));
   }
@@ -128,9 +135,7 @@ class Layer2 : public soak::Family {
         break;
       default:
         must("sai_l2_info", sai_l2_info(unit, &value, &current));
-        if (!random.one_in(500)) break;
-        shown_.resize(static_cast<std::size_t>(value));
-        must("sai_l2_addr_show", sai_l2_addr_show(unit, shown_.data()));
+        if (random.one_in(500)) must("sai_l2_addr_show", sai_l2_addr_show(unit, shown_.data()));
     }
   }
 

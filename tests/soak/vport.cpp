@@ -71,6 +71,8 @@ class VirtualPorts : public soak::Family {
     sai_vport_t vport;
   };
 
+  static uint16_t joined_by(const sai_vport_t& vport) { return vport.outer_vlan != 0 ? vport.outer_vlan : vport.vlan; }
+
   void create(soak::Random& random) {
     const auto some_vlan = [&] {
       return static_cast<uint16_t>(first_vlan + static_cast<int>(random.below(vlan_count)));
@@ -83,12 +85,15 @@ class VirtualPorts : public soak::Family {
     if (random.one_in(4)) vport.outer_vlan = some_vlan();
     const int port = random.between(1, soak::ports);
     made(sai_vport_create(unit, port, &vport));
-    if (vport.vport_id != 0) vports_[vport.vport_id] = {port, vport};
+    if (vport.vport_id != 0)
+      vports_[vport.vport_id] = {port, vport};
+    else  // of one that could not be made the rewrite is there all the same
+      bcm_vlan_translate_egress_action_delete(unit, 0, joined_by(vport), vport.outer_vlan != 0 ? vport.vlan : 0);
   }
 
   void drop(int32_t id) {
     auto [port, vport] = vports_.at(id);
-    const uint16_t joined = vport.outer_vlan != 0 ? vport.outer_vlan : vport.vlan;
+    const uint16_t joined = joined_by(vport);
     leave_flood_groups(port, id, joined);
     must("sai_vport_destroy", sai_vport_destroy(unit, 0, &vport));
     // Its rewrite on the way out stays.
