@@ -67,6 +67,7 @@ class Layer2 : public soak::Family {
       must("sai_l2_mac_entry_del", sai_l2_mac_entry_del(unit, &entry, SAI_L2_DELETE_BY_VLAN));
     }
     swsdk_events_drain();
+    must("sai_l2_mac_init", sai_l2_mac_init(unit));
   }
 
  private:

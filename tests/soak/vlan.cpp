@@ -42,8 +42,10 @@ class Vlans : public soak::Family {
     must("sai_vlan_subnet_clear", sai_vlan_subnet_clear(unit));
     must("sai_stg_default_set", sai_stg_default_set(unit, 1));
     must("sai_stg_clear", sai_stg_clear(unit));
+    must("sai_stg_init", sai_stg_init(unit));
     groups_.clear();
     must("sai_vlan_destroy_all", sai_vlan_destroy_all(unit));
+    must("sai_vlan_init", sai_vlan_init(unit));
     vlans_.clear();
     // All is all: that of the virtual ports went along.
     must("sai_vlan_create", sai_vlan_create(unit, system_vlan));
