@@ -219,6 +219,7 @@ int main(int argc, char** argv) {
     peak.resident = std::max(peak.resident, now.resident);
   }
 
+  if (rounds < 2) soak::fail("one round shows no growth; there were too few calls for a second one");
   std::fprintf(report,
                "%llu calls, %llu of them refused, %.0f a second\n"
                "%d checkpoints, %zu tables as at the start at each, %zu open files at each\n"
@@ -229,6 +230,5 @@ int main(int argc, char** argv) {
                signed_kilobytes(peak.heap, plateau.heap).c_str(), signed_kilobytes(now.heap, plateau.heap).c_str(),
                plateau.resident / 1024, signed_kilobytes(peak.resident, plateau.resident).c_str(),
                signed_kilobytes(now.resident, plateau.resident).c_str());
-  if (rounds < 2) soak::fail("one round shows no growth; there were too few calls for a second one");
   return std::fclose(report) == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
 }
