@@ -63,6 +63,17 @@ void hand_over(int, bcm_port_t port, bcm_port_info_t*) {
   if (wait_for.valid()) wait_for.wait();
 }
 
+/// Calls that use what the library remembers: the entry of LLDP, and the log, which a refusal goes through.
+void use_what_is_shared() {
+  EXPECT_EQ(sai_lldp_set(unit), SAI_E_NONE);
+  EXPECT_EQ(sai_lldp_unset(unit), SAI_E_NONE);
+  sai_l2_mac_entry_t entry{};
+  std::memcpy(entry.mac, absent, sizeof entry.mac);
+  entry.vlan = vlan;
+  EXPECT_EQ(sai_l2_mac_entry_get(unit, &entry), SAI_E_NOT_FOUND);
+  ++refusals;
+}
+
 /// Takes its turn and calls the library back.
 void ask_back(uint16_t vid, int32_t, uint8_t* mac, int32_t) {
   note_thread();
@@ -74,6 +85,7 @@ void ask_back(uint16_t vid, int32_t, uint8_t* mac, int32_t) {
   const int32_t result = sai_l2_addr_port_id_get(unit, &entry);
   if (result == SAI_E_NOT_FOUND) ++refusals;
   if (result == SAI_E_NONE || result == SAI_E_NOT_FOUND) ++answers_in_callbacks;
+  use_what_is_shared();
 }
 
 class Threads : public testing::Test {
@@ -119,13 +131,7 @@ void take_turn(int round) {
   EXPECT_EQ(sai_vlan_destroy(unit, 100), SAI_E_NONE);
   EXPECT_EQ(sai_port_enable_set(unit, 1 + round % 12, 1), SAI_E_NONE);
   EXPECT_EQ(sai_port_enable_get(unit, 1 + round % 12, &value), SAI_E_NONE);
-  EXPECT_EQ(sai_lldp_set(unit), SAI_E_NONE);
-  EXPECT_EQ(sai_lldp_unset(unit), SAI_E_NONE);
-  sai_l2_mac_entry_t entry{};
-  std::memcpy(entry.mac, absent, sizeof entry.mac);
-  entry.vlan = vlan;
-  EXPECT_EQ(sai_l2_mac_entry_get(unit, &entry), SAI_E_NOT_FOUND);
-  ++refusals;
+  use_what_is_shared();
 }
 
 TEST_F(Threads, OfTheChipAndOfTheApplicationWorkSideBySide) {
