@@ -100,6 +100,13 @@ def assign(words, messages):
     return tables, problems
 
 
+def reasons():
+    """The SDK's texts, and the result that each becomes."""
+    texts = re.findall(r'literal\("(.*?)"\)', (ROOT / "swsdk/api/error.cpp").read_text())
+    codes = re.findall(r"^ +(SAI_E_\w+),", (ROOT / "src/core/result.cpp").read_text(), re.MULTILINE)[::-1]
+    return list(zip(texts, [*codes, "SAI_E_FAIL"], strict=True))
+
+
 def index():
     """The messages, assigned, and the text of the index."""
     words = WORDS.read_text()
@@ -107,6 +114,8 @@ def index():
     if len(messages) < 200:
         raise Mismatch("too few messages found in src/; is it still read rightly?")
     tables, problems = assign(words, messages)
+    if re.findall(r"^\| (.*?) \| `(SAI_E_\w+)`", words, re.MULTILINE) != reasons():
+        problems.append("messages.in.md: its reasons and results are not those of the sources")
     if problems:
         raise Mismatch("\n".join(problems))
 
