@@ -86,7 +86,7 @@ def entry_of(code, comment, section):
 def read(path):
     """What holds everywhere, and the sections in their order."""
     text = path.read_text()
-    intro = comment_of(COMMENT.search(text).group(1))
+    intro = comment_of(re.sub(r"@file \S+", "", COMMENT.search(text).group(1)))
     sections = []
     at = text.index(BANNER.search(text).group())
     text = text[: text.rindex("#ifdef __cplusplus")]

@@ -148,7 +148,7 @@ class Reference:
         return lines + [".SH SEE ALSO", ",\n".join(f".BR {n} ({s})" for n, s in self.related(entry)).replace(",\n", "\n")]
 
     def messages_of(self, entry):
-        logged = sorted(set(self.logged.get(entry.name, [])), key=lambda m: m[1] == "debugging")
+        logged = sorted(dict.fromkeys(self.logged.get(entry.name, [])), key=lambda m: m[1] == "debugging")
         if not logged:
             own = entry.section == "Logging"
             return ["None of its own."] if own else ["None."]
@@ -173,7 +173,6 @@ class Reference:
         lines += [r"sai \- the functions of libsai, by what they are about", ".SH SYNOPSIS", ".B #include <sai.h>"]
         lines += [".PP", r"\fBcc\fR program.c \fB$(pkg\-config \-\-cflags \-\-libs sai)\fR", ".SH DESCRIPTION"]
         for i, paragraph in enumerate(self.intro.text):
-            paragraph = re.sub(r"^@file \S+ ", "", paragraph)
             if not paragraph.startswith("- "):
                 lines += ([".PP"] if i else []) + [roff(paragraph)]
                 continue
