@@ -11,10 +11,10 @@ In messages.in.md, a comment of HTML stands for a table of messages:
     Failed to create vlan *            all whose text is so; "*" is any text
     %s group %d %s failed: %s => sai_fp_ospf_ttl1_set
                                        of the functions from which its place can be reached, these alone can log it
-    level: debugging                   all of a level that no other line has taken
+    debugging: *                       of this level, all that no line before has taken
     -->
 
-Every message belongs to one line, and every line has a message.
+A line takes failures unless it names the level of traces. Every message belongs to one line, every line has a message.
 """
 
 import fnmatch
@@ -47,16 +47,21 @@ def shown(text):
     return re.sub(r"(\\[rn])+$", "", text)
 
 
-def selects(pattern, message):
-    # "*" alone is special: messages have brackets and question marks of their own.
-    escaped = re.sub(r"([\[\]?])", r"[\1]", pattern)
-    return fnmatch.fnmatchcase(shown(message.text), escaped)
-
-
 def lines_of(table):
     for line in table.splitlines():
         pattern, _, only = line.partition(" => ")
         yield line, pattern, only.split()
+
+
+def selected(pattern, messages, taken):
+    """The messages that a line stands for. What other lines have taken is passed over by traces only."""
+    traces = pattern.startswith("debugging: ")
+    # "*" alone is special: messages have brackets and question marks of their own.
+    escaped = re.sub(r"([\[\]?])", r"[\1]", pattern.removeprefix("debugging: "))
+    for message in messages:
+        if (message.level == "debugging") == traces and fnmatch.fnmatchcase(shown(message.text), escaped):
+            if not (traces and id(message) in taken):
+                yield message
 
 
 def assign(words, messages):
@@ -68,9 +73,7 @@ def assign(words, messages):
         rows = []
         tables.append(rows)
         for line, pattern, only in lines_of(table):
-            if pattern.startswith("level: "):
-                continue
-            hits = [m for m in messages if m.level != "debugging" and selects(pattern, m)]
+            hits = list(selected(pattern, messages, taken))
             if not hits:
                 problems.append(f"messages.in.md: no message in src/ is '{line}'")
             for message in hits:
@@ -83,14 +86,6 @@ def assign(words, messages):
                 if only:
                     message.functions &= set(only)
                 rows.append(message)
-    for rows, table in zip(tables, TABLE.findall(words)):
-        for line, pattern, _ in lines_of(table):
-            if pattern.startswith("level: "):
-                hits = [m for m in messages if m.level == pattern.removeprefix("level: ") and id(m) not in taken]
-                taken |= {id(m): line for m in hits}
-                rows += hits
-                if not hits:
-                    problems.append(f"messages.in.md: no message in src/ has what '{line}' asks for")
     for message in messages:
         file, number = message.places[0]
         if id(message) not in taken:

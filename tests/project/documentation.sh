@@ -25,7 +25,7 @@ finds() {
 }
 
 messages=(docs/tools/messages.py check)
-finds 'src/vlan/table\.cpp:[0-9]+: no row .* Something new' "${messages[@]}" \
+finds 'src/vlan/table\.cpp:[0-9]+: no row .*Something new' "${messages[@]}" \
   <<<'sed -i "s/Failed to init vlan: %s/Something new: %s/" src/vlan/table.cpp
       sed -i "s/Failed to init vlan: %s/And no more/" src/port/temperature.cpp'
 finds 'no message in src/ is .Failed to init mirror' "${messages[@]}" \
