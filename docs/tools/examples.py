@@ -5,8 +5,8 @@ usage: examples.py PAGE --saish SAISH --compile COMMAND... [--write]
 
 - Each ```c block is part of one program of the page, in their order; a block with a main() of its own ends it. The
   ```text block behind the last one of a program is what it prints.
-- Each ```saish block is part of one script of the page, and each block behind it marked ```saish-new begins another.
-  Lines that do not begin with a command's name are what the commands before them print.
+- Each ```saish block is part of one script of the page; one marked ```saish-new begins another. Lines that do not begin
+  with a command's name are what the commands before them print.
 
 COMMAND compiles: it is given the source and "-o PROGRAM" before its options. Times in log lines are compared by their form only.
 With --write the page gets the output that came.

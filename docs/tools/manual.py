@@ -20,6 +20,10 @@ import sources
 ROOT = sources.repository()
 # Where a comment says "Arguments and results are those of" another function.
 SAME = re.compile(r"Arguments and results are those of (\w+)\(\)\.?")
+# What the names of functions that belong together end with.
+PAIRS = [("_set", "_get"), ("_get", "_set"), ("_set", "_unset"), ("_unset", "_set"), ("_add", "_del"), ("_del", "_add"),
+         ("_add", "_delete"), ("_delete", "_add"), ("_create", "_destroy"), ("_destroy", "_create"),
+         ("_create", "_delete"), ("_delete", "_create")]
 RESULTS = re.compile(r"(?:Unless a comment says otherwise, t|\bT)he results are (.*?\.)(?= |$)")
 
 
@@ -145,7 +149,7 @@ class Reference:
             else:
                 self.problems.append(f"{entry.name}: nothing is said of its result")
             lines += [".SH LOG MESSAGES", *self.messages_of(entry)]
-        return lines + [".SH SEE ALSO", ",\n".join(f".BR {n} ({s})" for n, s in self.related(entry)).replace(",\n", "\n")]
+        return lines + [".SH SEE ALSO", *(f".BR {name} ({number})" for name, number in self.related(entry))]
 
     def messages_of(self, entry):
         logged = sorted(dict.fromkeys(self.logged.get(entry.name, [])), key=lambda m: m[1] == "debugging")
@@ -162,8 +166,7 @@ class Reference:
         comment = self.documented(entry)
         text = " ".join([*entry.comment.text, *comment.text, *comment.params.values(), comment.result])
         names = {name for name in re.findall(r"\b(\w+)\b", text) if name in NAMES}
-        for end, other in (("_set", "_get"), ("_get", "_set"), ("_set", "_unset"), ("_add", "_del"), ("_add", "_delete"),
-                           ("_create", "_destroy"), ("_create", "_delete"), ("_destroy", "_create"), ("_del", "_add")):
+        for end, other in PAIRS:
             if entry.name.endswith(end) and entry.name[: -len(end)] + other in NAMES:
                 names.add(entry.name[: -len(end)] + other)
         return [(name, 3) for name in sorted(names - {entry.name})] + [("sai", 7)]
