@@ -6,6 +6,8 @@
  * Conventions that hold for every function unless its own comment says otherwise:
  *
  * - `unit` is the Chip SDK's unit number. The library drives one chip; sai_unit_get() gives its number.
+ * - `port` is a number of the chip's: 0 is the CPU port, Ethernet ports begin with 1. The chip checks it: -9 (no such
+ *   port).
  * - The result is #SAI_E_NONE (0) or a negative code of #sai_result. A code comes from the Chip SDK's result by
  *   sdk_to_sai(), or from the library itself when it refuses an argument without asking the chip.
  * - A failed SDK call is logged once, at level "errors", with a message that ends with the SDK's text for the failure
@@ -138,19 +140,39 @@ SAI_API int32_t sai_level_match(const char* text);
 
 #define SAI_PRINTF __attribute__((format(printf, 1, 2)))
 
-/** Logs a message at level 3, "errors". `errno` stays as it was, here and in the four below. */
+/**
+ * Logs a message at level 3, "errors". `errno` stays as it was, here and in the four below.
+ *
+ * @param format  printf format, without a line end
+ */
 SAI_API void sai_err(const char* format, ...) SAI_PRINTF;
 
-/** Logs a message at level 4, "warnings". */
+/**
+ * Logs a message at level 4, "warnings".
+ *
+ * @param format  printf format, without a line end
+ */
 SAI_API void sai_warn(const char* format, ...) SAI_PRINTF;
 
-/** Logs a message at level 5, "notifications". */
+/**
+ * Logs a message at level 5, "notifications".
+ *
+ * @param format  printf format, without a line end
+ */
 SAI_API void sai_notice(const char* format, ...) SAI_PRINTF;
 
-/** Logs a message at level 6, "informational". */
+/**
+ * Logs a message at level 6, "informational".
+ *
+ * @param format  printf format, without a line end
+ */
 SAI_API void sai_info(const char* format, ...) SAI_PRINTF;
 
-/** Logs a message at level 7, "debugging". */
+/**
+ * Logs a message at level 7, "debugging".
+ *
+ * @param format  printf format, without a line end
+ */
 SAI_API void sai_debug(const char* format, ...) SAI_PRINTF;
 
 /* ----------------------------------------------------------------------- Result codes, unit, diagnostic shell ---- */
@@ -186,7 +208,11 @@ SAI_API int32_t sdk_to_sai(int32_t rv);
  */
 SAI_API int32_t sai_hash_to_sdk(uint32_t selector);
 
-/** Gives the number of the unit that the library drives: always 0. */
+/**
+ * Gives the number of the unit that the library drives: always 0.
+ *
+ * @return always 0
+ */
 SAI_API int32_t sai_unit_get(void);
 
 /**
@@ -762,8 +788,8 @@ SAI_API int32_t sai_port_rate_ingress_get(int32_t unit, int32_t port, uint32_t* 
 /**
  * Reads a PHY register by its MDIO address, clause 22.
  *
- * @param phy_addr  MDIO address of the PHY
- * @param reg       register number
+ * @param phy_addr  MDIO address of the PHY, as the board is wired; checked by the chip
+ * @param reg       register number, 0 to 31
  * @param data      receives the register, from the SDK itself
  * @return 0, or the converted result of `soc_miim_read`
  */
@@ -772,8 +798,8 @@ SAI_API int32_t sai_phy_miim_read(int32_t unit, uint16_t phy_addr, uint8_t reg, 
 /**
  * Writes a PHY register by its MDIO address, clause 22.
  *
- * @param phy_addr  MDIO address of the PHY
- * @param reg       register number
+ * @param phy_addr  MDIO address of the PHY, as the board is wired; checked by the chip
+ * @param reg       register number, 0 to 31
  * @param data      what to write
  * @return 0, or the converted result of `soc_miim_write`
  */
@@ -782,8 +808,8 @@ SAI_API int32_t sai_phy_miim_write(int32_t unit, uint16_t phy_addr, uint8_t reg,
 /**
  * Reads a PHY register by its MDIO address, clause 45.
  *
- * @param phy_addr  MDIO address of the PHY
- * @param devad     device in the PHY
+ * @param phy_addr  MDIO address of the PHY, as the board is wired; checked by the chip
+ * @param devad     device in the PHY, 0 to 31
  * @param reg       register number; its low 8 bits count, so that registers above 255 cannot be reached
  * @param data      receives the register, from the SDK itself
  * @return 0, or the converted result of `soc_miimc45_read`
@@ -793,8 +819,8 @@ SAI_API int32_t sai_phy_miimc45_read(int32_t unit, uint16_t phy_addr, uint8_t de
 /**
  * Writes a PHY register by its MDIO address, clause 45.
  *
- * @param phy_addr  MDIO address of the PHY
- * @param devad     device in the PHY
+ * @param phy_addr  MDIO address of the PHY, as the board is wired; checked by the chip
+ * @param devad     device in the PHY, 0 to 31
  * @param reg       register number; its low 8 bits count, so that registers above 255 cannot be reached
  * @param data      what to write
  * @return 0, or the converted result of `soc_miimc45_write`
@@ -1043,7 +1069,7 @@ SAI_API int32_t sai_l2_mac_init(int32_t unit);
 /**
  * Sets after which time a learned address that is not seen again is forgotten.
  *
- * @param seconds  time in seconds
+ * @param seconds  time in seconds; 0: it is never forgotten
  * @return 0, or the converted result of `bcm_l2_age_timer_set`
  */
 SAI_API int32_t sai_l2_mac_age_time_set(int32_t unit, int32_t seconds);
@@ -1244,7 +1270,7 @@ SAI_API int32_t sai_trunk_create(int32_t unit, uint32_t flags, int32_t* tid);
 /**
  * Destroys a trunk.
  *
- * @param tid  trunk id
+ * @param tid  trunk id, from 0; checked by the chip
  * @return 0, or the converted result of `bcm_trunk_destroy`, -7 (no such trunk) among them
  */
 SAI_API int32_t sai_trunk_destroy(int32_t unit, int32_t tid);
@@ -1266,7 +1292,7 @@ SAI_API int32_t sai_trunk_set(int32_t unit, int32_t tid, int32_t psc, uint32_t m
 /**
  * Sets how a trunk spreads frames over its members.
  *
- * @param tid  trunk id
+ * @param tid  trunk id, from 0; checked by the chip
  * @param psc  hash selector of sai_hash_to_sdk(), whose result is the one that a failure's message shows
  * @return 0, or the converted result of `bcm_trunk_psc_set`
  */
@@ -1292,7 +1318,7 @@ SAI_API int32_t sai_mirror_init(int32_t unit);
 /**
  * Has the frames of a mirror session sent to a port, in place of the one before.
  *
- * @param session  session number
+ * @param session  session number, 0 or more; the caller chooses it
  * @param port     port number or gport
  * @return 0, or the converted result of the failed `bcm_port_gport_get` or `bcm_mirror_destination_create`
  */
@@ -1301,7 +1327,7 @@ SAI_API int32_t sai_mirror_dest_port_set(int32_t unit, int32_t session, int32_t 
 /**
  * Ends what sai_mirror_dest_port_set() began.
  *
- * @param session  session number
+ * @param session  session number, 0 or more; the caller chooses it
  * @param port     shown in messages only
  * @return 0, or the converted result of the failed `bcm_mirror_destination_get` or `bcm_mirror_destination_destroy`, -7
  *         (no such session) among them
@@ -1311,7 +1337,7 @@ SAI_API int32_t sai_mirror_dest_port_unset(int32_t unit, int32_t session, int32_
 /**
  * Mirrors a port to a session that has a destination.
  *
- * @param session  session number
+ * @param session  session number, 0 or more; the caller chooses it
  * @param port     port number
  * @param mode     #sai_mirror_mode bits; other bits have no effect. Without any the port's mirroring is enabled with
  *                 neither direction
@@ -1323,7 +1349,7 @@ SAI_API int32_t sai_mirror_source_port_set(int32_t unit, int32_t session, int32_
 /**
  * Ends what sai_mirror_source_port_set() began.
  *
- * @param session  session number
+ * @param session  session number, 0 or more; the caller chooses it
  * @param port     port number
  * @param mode     as it was set
  * @return 0, or the converted result of the failed `bcm_mirror_destination_get` or `bcm_mirror_port_dest_delete`, -7
@@ -1945,7 +1971,7 @@ SAI_API int32_t sai_vlan_dtag_range_delete(int32_t unit, int32_t port, int32_t i
  *
  * @param mac   the address, 6 bytes
  * @param vid   VLAN id, 1 to 4095; checked by the chip
- * @param prio  priority of the frames
+ * @param prio  priority of the frames, 0 to 7; checked by the chip
  * @return 0, or the converted result of `bcm_vlan_mac_add`
  */
 SAI_API int32_t sai_vlan_mac_add(int32_t unit, const uint8_t* mac, uint16_t vid, int32_t prio);
@@ -1971,7 +1997,7 @@ SAI_API int32_t sai_vlan_mac_clear(int32_t unit);
  * @param ip    address of the subnet in network byte order
  * @param mask  its mask in network byte order
  * @param vid   VLAN id, 1 to 4095; checked by the chip
- * @param prio  priority of the frames
+ * @param prio  priority of the frames, 0 to 7; checked by the chip
  * @return 0, or the converted result of `bcm_vlan_ip_add`
  */
 SAI_API int32_t sai_vlan_ip_subnet_add(int32_t unit, uint32_t ip, uint32_t mask, uint16_t vid, int32_t prio);
@@ -1989,7 +2015,7 @@ SAI_API int32_t sai_vlan_ip_subnet_del(int32_t unit, uint32_t ip, uint32_t mask)
  * Gives untagged frames from an IPv6 subnet a VLAN, on the ports where sai_port_subnet_vlan_set() has switched that on.
  *
  * @param ip6     address of the subnet, 16 bytes
- * @param prefix  length of its prefix in bits
+ * @param prefix  length of its prefix in bits, 0 to 128
  * @param vid     VLAN id, 1 to 4095; checked by the chip
  * @param prio    priority of the frames
  * @return 0, or the converted result of `bcm_vlan_ip_add`
@@ -2001,7 +2027,7 @@ SAI_API int32_t sai_vlan_ipv6_subnet_add(int32_t unit, const bcm_ip6_t* ip6, int
  * Deletes what sai_vlan_ipv6_subnet_add() added.
  *
  * @param ip6     address of the subnet, 16 bytes
- * @param prefix  length of its prefix in bits
+ * @param prefix  length of its prefix in bits, 0 to 128
  * @return 0, or the converted result of `bcm_vlan_ip_delete`, -7 (no such subnet) among them
  */
 SAI_API int32_t sai_vlan_ipv6_subnet_del(int32_t unit, const bcm_ip6_t* ip6, int32_t prefix);
@@ -2025,7 +2051,7 @@ SAI_API int32_t sai_stg_init(int32_t unit);
 /**
  * Chooses the group that new VLANs belong to.
  *
- * @param stg  group id
+ * @param stg  group id, from 1; checked by the chip
  * @return 0, or the converted result of `bcm_stg_default_set`
  */
 SAI_API int32_t sai_stg_default_set(int32_t unit, int32_t stg);
@@ -2041,7 +2067,7 @@ SAI_API int32_t sai_stg_default_get(int32_t unit, int32_t* stg);
 /**
  * Creates a group. The id is always the caller's.
  *
- * @param stg  group id
+ * @param stg  group id, from 1; checked by the chip
  * @return 0, or the converted result of `bcm_stg_create_id`, -6 (an id that is taken) among them
  */
 SAI_API int32_t sai_stg_create(int32_t unit, int32_t stg);
@@ -2049,7 +2075,7 @@ SAI_API int32_t sai_stg_create(int32_t unit, int32_t stg);
 /**
  * Destroys a group.
  *
- * @param stg  group id
+ * @param stg  group id, from 1; checked by the chip
  * @return 0, or the converted result of `bcm_stg_destroy`, -7 (no such group) among them
  */
 SAI_API int32_t sai_stg_destroy(int32_t unit, int32_t stg);
@@ -2057,7 +2083,7 @@ SAI_API int32_t sai_stg_destroy(int32_t unit, int32_t stg);
 /**
  * Moves a VLAN to a group.
  *
- * @param stg  group id
+ * @param stg  group id, from 1; checked by the chip
  * @param vid  VLAN id, 1 to 4095; checked by the chip
  * @return 0, or the converted result of `bcm_stg_vlan_add`
  */
@@ -2066,7 +2092,7 @@ SAI_API int32_t sai_stg_vlan_add(int32_t unit, int32_t stg, uint16_t vid);
 /**
  * Takes a VLAN out of a group.
  *
- * @param stg  group id
+ * @param stg  group id, from 1; checked by the chip
  * @param vid  VLAN id, 1 to 4095; checked by the chip
  * @return 0, or the converted result of `bcm_stg_vlan_remove`
  */
@@ -2075,7 +2101,7 @@ SAI_API int32_t sai_stg_vlan_del(int32_t unit, int32_t stg, uint16_t vid);
 /**
  * Takes all VLANs out of a group.
  *
- * @param stg  group id
+ * @param stg  group id, from 1; checked by the chip
  * @return 0, or the converted result of `bcm_stg_vlan_remove_all`
  */
 SAI_API int32_t sai_stg_vlan_del_all(int32_t unit, int32_t stg);
@@ -2089,7 +2115,7 @@ typedef struct sai_port_stg_state_t {
 /**
  * Sets the state of a port in a group.
  *
- * @param stg   group id
+ * @param stg   group id, from 1; checked by the chip
  * @param pair  port and state; both checked by the chip
  * @return 0, or the converted result of `bcm_stg_stp_set`, -5 (no such state) among them
  */
