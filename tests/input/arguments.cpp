@@ -61,7 +61,8 @@ Argument<sai_log_handle*>::Argument(const Source& source) {
   if (source.bad != nullptr)
     log_ = nullptr;
   else
-    log_ = source.function.name == std::string_view("close_sai_log") ? open_sai_log("closed", 0, 0, 0) : sai_log_default;
+    log_ =
+        source.function.name == std::string_view("close_sai_log") ? open_sai_log("closed", 0, 0, 0) : sai_log_default;
 }
 
 }  // namespace input

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <functional>
 #include <initializer_list>
+#include <map>
 #include <memory>
 #include <optional>
 #include <span>
@@ -21,6 +22,9 @@ namespace input {
 
 /// The value that is good for a parameter of a function, or for a record's field.
 int64_t good(std::string_view function, std::string_view name);
+
+/// The ids that the chip chose when the scene was set; they are good before all others.
+extern std::map<std::string, int64_t, std::less<>> chosen;
 
 /// Memory of a size that must not be left: a canary stands on both sides, which sanitizers do not let anybody touch.
 class Room {
@@ -250,7 +254,9 @@ class Argument<void (*)(Args...)> {
 template <class T>
 Parameter parameter_of(const Declared& declared) {
   using Pointee = std::remove_const_t<std::remove_pointer_t<T>>;
-  Parameter parameter{declared, std::is_pointer_v<T>, std::is_same_v<Pointee, char>, std::is_integral_v<T>, {}};
+  // A buffer for a text has none of its own.
+  const bool is_text = std::is_same_v<Pointee, char> && !std::string_view(declared.name).ends_with("_buf");
+  Parameter parameter{declared, std::is_pointer_v<T>, is_text, std::is_integral_v<T>, {}};
   if constexpr (std::is_class_v<Pointee> && !std::is_same_v<Pointee, sai_log_handle>)
     parameter.fields = fields<Pointee>();
   return parameter;
