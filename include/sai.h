@@ -14,6 +14,8 @@
  *   (in the messages of sai_vlan_vport_init() and on the flood groups of a VLAN a full stop follows; the LED messages
  *   have no such text).
  * - Output arguments are written on success only.
+ * - A null pointer is refused with #SAI_E_PARAM, as the Chip SDK refuses one, and logged as a failed SDK call of the
+ *   function would be. Where the library itself reads or writes through it, that is before the first SDK call.
  * - Nothing is rolled back. An operation of several steps that fails in the middle leaves what it had done in the chip.
  * - One caller at a time. The library takes no locks and creates no threads; what it remembers between calls is
  *   unguarded: the log with its time stamp, the entry of sai_lldp_set(), the flood groups of sai_vlan_vport_init() and
@@ -77,7 +79,7 @@ typedef struct sai_log_handle {
   FILE* file;             /**< log file opened by the caller, or null; closed by close_sai_log() */
   const char* ident;      /**< syslog identity given to open_sai_log(); neither copied nor freed */
   char* file_name;        /**< name of the log file on the heap, or null; freed by close_sai_log() */
-  int32_t module;         /**< index into sai_log_module_names: the name on every file and console line */
+  int32_t module;         /**< index into sai_log_module_names: the name on every file and console line, or "unknown" */
   int32_t facility;       /**< syslog facility, combined with the level of each record */
   int32_t level;          /**< -1 after open_sai_log(); free for the caller, the library never reads it */
   int32_t syslog_options; /**< option bits that were given to the system's openlog */
@@ -124,7 +126,7 @@ SAI_API void close_sai_log(sai_log_handle* log);
 /**
  * Sets the highest level that one destination takes.
  *
- * @param log          the log, or null for #sai_log_default
+ * @param log          the log, or null for #sai_log_default; with neither, nothing happens
  * @param destination  a #sai_log_destination, 0 to 2; not checked
  * @param level        a #sai_log_level, -1 (off) to 7 (everything)
  */
@@ -134,7 +136,7 @@ SAI_API void sai_log_set_level(sai_log_handle* log, int32_t destination, int32_t
  * Finds a level by the first two letters of its name, so that "de", "deb" and "debugging" are all 7.
  *
  * @param text  the name or its beginning; "notice" finds "notifications"
- * @return the first level of #sai_log_priority whose name begins so, or -1
+ * @return the first level of #sai_log_priority whose name begins so, or -1; -1 for a null pointer
  */
 SAI_API int32_t sai_level_match(const char* text);
 
@@ -145,6 +147,7 @@ SAI_API int32_t sai_level_match(const char* text);
  *
  * @param format  printf format, without a line end
  */
+/** Logs a message at level 3, "errors"; none without a format. `errno` stays as it was, here and in the four below. */
 SAI_API void sai_err(const char* format, ...) SAI_PRINTF;
 
 /**
@@ -242,7 +245,7 @@ SAI_API int32_t sai_sh_process_command(int32_t unit, char* command);
  * go to standard output: that of the unit's initialization, which ends the work on this unit, and those of the two
  * steps that reserve IPv6 multicast addresses. The results of `sdk_main` and `bcm_policer_init` are not looked at.
  *
- * @param system_mac  the switch's own MAC address, 6 bytes
+ * @param system_mac  the switch's own MAC address, 6 bytes; without it there is no "ethv0", which is logged
  * @return 0, also when there is no unit; or for the last unit the converted result of `system_init` or of setting
  *         `bcmSwitchIpmcSameVlanL3Route`. No other failure, and none of an earlier unit, shows in it.
  */
@@ -1003,7 +1006,7 @@ SAI_API int32_t sai_stat_clean(int32_t unit);
  *
  * @param port    port number
  * @param values  receives 18 values, in the order of the table
- * @return always 0
+ * @return 0, whatever could not be read; -5 for a null pointer, not logged
  */
 SAI_API int32_t sai_port_mib_read(int32_t unit, int32_t port, uint64_t values[18]);
 
@@ -1055,7 +1058,7 @@ typedef struct sai_l2_mac_entry_t {
  * Sets every field of an entry to 0.
  *
  * @param entry  the entry
- * @return always 0
+ * @return 0; -5 for a null pointer, not logged
  */
 SAI_API int32_t sai_l2_init(sai_l2_mac_entry_t* entry);
 
@@ -1166,7 +1169,7 @@ typedef struct sai_l2_learn_limit_t {
  * Sets every field of a learn limit to 0.
  *
  * @param limit  the limit
- * @return always 0
+ * @return 0; -5 for a null pointer, not logged
  */
 SAI_API int32_t sai_l2_mac_learn_limit_init(sai_l2_learn_limit_t* limit);
 
