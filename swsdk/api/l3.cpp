@@ -293,7 +293,7 @@ int swsdk_l3_host_hit(int unit, unsigned address, unsigned hits) {
       [&](Chip& chip) {
         return api::zero_if_ok(chip.hosts.hit({0, address}, hits));
       },
-      ip4(address), hex(hits));
+      api::ip4(address), hex(hits));
 }
 
 int swsdk_l3_route_hit(int unit, unsigned subnet, unsigned mask, unsigned hits) {
@@ -301,5 +301,5 @@ int swsdk_l3_route_hit(int unit, unsigned subnet, unsigned mask, unsigned hits) 
     chip::RouteKey key;
     return Routes::make_key(0, subnet, mask, key) ? api::zero_if_ok(chip.routes.hit(key, hits)) : -1;
   };
-  return api::act(__func__, unit, mark, ip4(subnet), ip4(mask), hex(hits));
+  return api::act(__func__, unit, mark, api::ip4(subnet), api::ip4(mask), hex(hits));
 }

@@ -165,8 +165,11 @@ int swsdk_replay(const char* path, swsdk_line_t tell, void* data) {
     const std::string recorded = api::kind_names[static_cast<int>(line.kind)] + (' ' + std::string(line.text));
     const std::string now = repeated(line);
     same = now == recorded;
-    if (!same) say("the answer differs\n  recorded: " + recorded + "\n  now:      " + now);
-    return same;
+    if (same) return true;
+    say("the answer differs");
+    tell(("  recorded: " + recorded).c_str(), data);
+    tell(("  now:      " + now).c_str(), data);
+    return false;
   });
   api::capture_recording(false);
   return !readable ? SWSDK_REPLAY_UNREADABLE : same ? SWSDK_REPLAY_SAME : SWSDK_REPLAY_DIFFERENT;

@@ -1,9 +1,12 @@
 // saish: the library's functions as commands, on the virtual chip.
+#include <swsdk/chip.h>
+#include <swsdk/recording.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <string>
+#include <tuple>
 
 #include "editor.h"
 #include "session.h"
@@ -34,19 +37,48 @@ void run_interactively(saish::Session& session) {
   }
 }
 
+void print_line(const char* line, void* /*data*/) { std::printf("%s\n", line); }
+
+/// Repeats a recording, or prints it as a C program.
+int replay(const std::string& recording, bool as_c) {
+  const auto tell_line = [](const char* line, void* /*data*/) { tell(saish::BadInput(line)); };
+  const int outcome = as_c ? swsdk_replay_as_c(recording.c_str(), print_line, tell_line, nullptr)
+                           : swsdk_replay(recording.c_str(), tell_line, nullptr);
+  swsdk_power_off();
+  return outcome == SWSDK_REPLAY_SAME ? 0 : outcome == SWSDK_REPLAY_DIFFERENT ? unexpected_result : bad_start;
+}
+
 /// Runs what the command line asks for.
 int run(int argc, char** argv) {
   CLI::App app{"Runs the functions of libsai.so as commands, on the virtual chip."};
   std::string script;
   std::string command;
+  std::string recording;
+  std::string replayed;
+  std::string program;
   bool cold = false;
   app.add_option("FILE", script, "script to run; - is standard input; without one, type commands");
   app.add_option("-c,--command", command, "one command to run in place of a script")->excludes("FILE");
   app.add_flag("--cold", cold, "leave the chip off: sdk_main and system_init are still to come");
+  app.add_option("--record", recording, "write every SDK call into this file");
+  for (const auto& [name, path, what] :
+       {std::tuple{"--replay", &replayed, "repeat a recording; stop at the first answer that differs"},
+        std::tuple{"--replay-as-c", &program, "print a C program that makes the calls of a recording"}})
+    app.add_option(name, *path, what)
+        ->excludes("FILE")
+        ->excludes("--command")
+        ->excludes("--cold")
+        ->excludes("--record");
+  app.get_option("--replay")->excludes("--replay-as-c");
   app.set_version_flag("--version", "saish " SAI_VERSION);
 
   try {
     app.parse(argc, argv);
+    if (app.count("--replay") > 0) return replay(replayed, false);
+    if (app.count("--replay-as-c") > 0) return replay(program, true);
+    const bool recorded = app.count("--record") > 0;
+    const std::string unwritable = "cannot write the recording \"" + recording + '"';
+    if (recorded && swsdk_record_start(recording.c_str()) != 0) throw saish::BadInput(unwritable);
     saish::Session session(cold);
     if (app.count("--command") > 0)
       session.run_well(command);
@@ -56,6 +88,7 @@ int run(int argc, char** argv) {
       run_interactively(session);
     else
       session.run_script("-");
+    if (recorded && swsdk_record_stop() != 0) throw saish::Unexpected(unwritable);
     return 0;
   } catch (const CLI::Success& help_or_version) {
     return app.exit(help_or_version);

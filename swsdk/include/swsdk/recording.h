@@ -47,7 +47,7 @@ int swsdk_record_stop(void);
 #define SWSDK_REPLAY_DIFFERENT 1  /**< an answer was another one */
 #define SWSDK_REPLAY_UNREADABLE 2 /**< the file cannot be read or is no recording */
 
-/** Is handed a line of text, without a newline. */
+/** Is handed a line of text, or several of a program; without the last newline. */
 typedef void (*swsdk_line_t)(const char* line, void* data);
 
 /**
