@@ -154,6 +154,13 @@ constexpr const char* c_end[] = {"    {0, 0, 0, 0}};",
                                  "  return 0;",
                                  "}"};
 
+/// A text that does not end the comment that it is in.
+std::string in_comment(std::string_view text) {
+  std::string result(text);
+  for (std::size_t found = 0; (found = result.find("*/", found)) != result.npos;) result.insert(found + 1, 1, ' ');
+  return result;
+}
+
 }  // namespace
 
 int swsdk_replay(const char* path, swsdk_line_t tell, void* data) {
@@ -193,6 +200,7 @@ int swsdk_replay_as_c(const char* path, swsdk_line_t write, swsdk_line_t tell, v
       write_once("#include <swsdk/" + std::string(line.kind == Kind::fault ? "fault" : "chip") + ".h>\n");
     if (line.kind == Kind::fault) before = "  swsdk_fault_inject(" + api::c_string(name) + ", " + result + ", 1);\n";
     for (const std::string& definition : call.definitions) write_once(definition);
+    write(("/* " + in_comment(line.text) + " */").c_str(), data);
     write(("static int " + step + "(void) {\n" + before + call.statements + "}\n").c_str(), data);
     steps.push_back("    {" + std::to_string(number) + ", " + api::c_string(line.text) + ", " + step + ", " + result +
                     "},");
