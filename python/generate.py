@@ -21,6 +21,9 @@ def parameter_of(text, comment):
     c_type, name, count = re.sub(r"\s*\*", "*", match[1]).strip(), match[2], match[3]
     if count:
         return name, f"{c_type}[{count}]", "out"
+    if c_type == "const uint8_t*":
+        bytes_of_it = 16 if re.search(rf"@param {name} [^@]* 16 bytes", comment) else 6
+        return name, f"const uint8_t[{bytes_of_it}]", "in"
     taken = re.search(rf"@param {name}\s+(takes|in:) ", comment)
     if c_type.endswith("*") and INTEGER.fullmatch(c_type[:-1]):
         return name, c_type, "inout" if taken else "out"

@@ -36,6 +36,8 @@ BCM_E_CONFIG, BCM_E_UNAVAIL, BCM_E_INIT, BCM_E_PORT = -15, -16, -17, -18
 
 _CODE_NAMES = {value: name for name, value in _interface.CONSTANTS.items() if name.startswith("SAI_E_")}
 _TEXT_ROOM = 64
+_LIST_ROOM = 64  # the library reads as many as the chip has, however many are given
+_ADDRESS_SIZES = {"const uint8_t[6]": 6, "const uint8_t[16]": 16, "const bcm_ip6_t*": 16}
 
 
 class SaiError(Exception):
@@ -117,11 +119,13 @@ def _argument(c_type, value):
     """A Python value as what a parameter of that C type takes."""
     if value is None:
         return None
-    if c_type in ("const uint8_t*", "const bcm_ip6_t*"):
+    if c_type in _ADDRESS_SIZES:
         address = _address(value)
+        if len(address) != _ADDRESS_SIZES[c_type]:
+            raise ValueError(f"{value!r} is not an address of {_ADDRESS_SIZES[c_type]} bytes")
         return (ctypes.c_uint8 * len(address))(*address)
     if c_type == "const int32_t*":
-        return (ctypes.c_int32 * len(value))(*value)
+        return (ctypes.c_int32 * max(len(value), _LIST_ROOM))(*value)
     if c_type in ("char*", "const char*"):
         return ctypes.create_string_buffer(value.encode()) if isinstance(value, str) else value
     if isinstance(value, ctypes.Structure) and c_type.endswith("*"):

@@ -59,6 +59,9 @@ def test_addresses_are_texts_or_bytes(chip):
         journal.clear()
         sai.sai_vlan_ipv6_subnet_add(0, "2001:db8::", 32, 10, 3)
         assert "ip6=2001:db8::" in journal.lines()[0]
+    for address in ("00:11", b"123", "ff02::1", "no address"):
+        with pytest.raises(ValueError):
+            sai.sai_vlan_mac_add(0, address, 10, 3)
 
 
 def test_records_are_written_in_place(chip):
