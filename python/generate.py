@@ -70,11 +70,9 @@ def records_of(text):
 
 
 def constants_of(text):
-    values = {name: int(value, 0) for name, value in re.findall(r"^  (SAI_[A-Z_0-9]+) = (-?\w+),", text, re.M)}
-    values.update(
-        {name: int(value.rstrip("U"), 0) for name, value in re.findall(r"^#define (SAI_[A-Z_0-9]+) (\w*\d\w*)$", text, re.M)}
-    )
-    return values
+    enumerators = re.findall(r"^  (SAI_[A-Z_0-9]+) = (-?\w+),", text, re.M)
+    macros = re.findall(r"^#define (SAI_[A-Z_0-9]+) (\d\w*)$", text, re.M)
+    return {name: int(value.rstrip("U"), 0) for name, value in enumerators + macros}
 
 
 def table(name, entries):
