@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# usage: replay.sh SAISH PROGRAM SWSDK SOURCE_DIR
-# Recordings: what they catch, what they refuse, and what becomes of them in C. PROGRAM is one that uses the library.
+# usage: replay.sh SAISH PROGRAM
+# Recordings: what they catch and what they refuse. PROGRAM is one that uses the library.
 set -euo pipefail
-saish=$1 program=$2 swsdk=$3 source=$4
+saish=$1 program=$2
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cd "$work"
@@ -106,23 +106,3 @@ check 1 'cannot write the recording "/dev/full"' "$saish" --record /dev/full -c 
 for options in "--replay all.rec all.sai" "--replay all.rec --record a.rec" "--replay a --replay-as-c a" "--replay a --cold"; do
   check 2 '[^'$'\n'']+' "$saish" $options
 done
-
-# As C: against the SDK's headers alone.
-compile() {
-  cc -std=c99 -Wall -Wextra -Werror -I "$source/swsdk/include" -o "$1" "$1.c" "$swsdk" -Wl,-rpath,"$(dirname "$swsdk")"
-}
-grep -v "^fault " program.rec >plain.rec
-for recording in program plain all changed; do
-  check 0 "" "$saish" --replay-as-c $recording.rec
-  mv out $recording.c
-  compile $recording
-done
-check 0 "" ./program
-check 0 "" ./all
-! grep -q swsdk/ plain.c || fail "a program without faults and actions includes: $(grep swsdk/ plain.c)"
-check 0 "" ./plain
-sed "${number}s/= 0/= -8/" all.rec >changed.rec
-"$saish" --replay-as-c changed.rec >changed.c
-compile changed
-check 1 "" ./changed
-[ "$(cat out)" = "line $number: bcm_vlan_create(0, 10) = -8"$'\n'"  now: 0" ] || fail "the program printed: $(cat out)"
