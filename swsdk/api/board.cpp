@@ -35,10 +35,11 @@ int swsdk_temperatures_set(int unit, const swsdk_temperature* readings, int coun
 }
 
 int swsdk_phy_register_get(int unit, int phy, int device, int reg) {
-  int value = 0;
-  const int rv =
-      api::on_chip(unit, [&](Chip& chip) { return chip.phy_registers.read(phy_register(phy, device, reg), value); });
-  return rv == 0 ? value : -1;
+  const auto read = [&](Chip& chip) {
+    int value = 0;
+    return api::zero_if_ok(chip.phy_registers.read(phy_register(phy, device, reg), value)) == 0 ? value : -1;
+  };
+  return api::on_chip(unit, read, -1);
 }
 
 int swsdk_phy_register_set(int unit, int phy, int device, int reg, int value) {
