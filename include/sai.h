@@ -6,14 +6,27 @@
  * Conventions that hold for every function unless its own comment says otherwise:
  *
  * - `unit` is the Chip SDK's unit number. The library drives one chip; sai_unit_get() gives its number.
+ * - `port` is a number of the chip's: 0 is the CPU port, Ethernet ports begin with 1. The chip checks it: -9 (no such
+ *   port).
  * - The result is #SAI_E_NONE (0) or a negative code of #sai_result. A code comes from the Chip SDK's result by
  *   sdk_to_sai(), or from the library itself when it refuses an argument without asking the chip.
  * - A failed SDK call is logged once, at level "errors", with a message that ends with the SDK's text for the failure
  *   (in the messages of sai_vlan_vport_init() and on the flood groups of a VLAN a full stop follows; the LED messages
  *   have no such text).
  * - Output arguments are written on success only.
+ * - A null pointer is refused with #SAI_E_PARAM, as the Chip SDK refuses one, and logged as a failed SDK call of the
+ *   function would be. Where the library itself reads or writes through it, that is before the first SDK call.
  * - Nothing is rolled back. An operation of several steps that fails in the middle leaves what it had done in the chip.
- * - One caller at a time. The library takes no locks and creates no threads.
+ * - One caller at a time. The library takes no locks and creates no threads; what it remembers between calls is
+ *   unguarded: the log with its time stamp, the entry of sai_lldp_set(), the flood groups of sai_vlan_vport_init() and
+ *   #hw_counters_table. Threads that share it take turns under a lock of the application's; the log functions are calls
+ *   like all others.
+ * - Callbacks run on threads of the Chip SDK, at the same time as the application's calls and as each other: those of
+ *   links on its link scan thread, those of MAC addresses on its L2 thread. The library only passes their arguments on
+ *   there; it remembers and logs nothing. A callback that calls the library is one more caller and takes its turn. One
+ *   of links must not wait for a turn, though: sai_port_enable_set() and sai_port_enable_get() pause link scanning, for
+ *   which the Chip SDK may wait until the callback has returned. It hands what it was told to another thread instead,
+ *   which is the best that every callback can do. One that was unregistered may still be running.
  */
 #ifndef SAI_H
 #define SAI_H
@@ -66,7 +79,7 @@ typedef struct sai_log_handle {
   FILE* file;             /**< log file opened by the caller, or null; closed by close_sai_log() */
   const char* ident;      /**< syslog identity given to open_sai_log(); neither copied nor freed */
   char* file_name;        /**< name of the log file on the heap, or null; freed by close_sai_log() */
-  int32_t module;         /**< index into sai_log_module_names: the name on every file and console line */
+  int32_t module;         /**< index into sai_log_module_names: the name on every file and console line, or "unknown" */
   int32_t facility;       /**< syslog facility, combined with the level of each record */
   int32_t level;          /**< -1 after open_sai_log(); free for the caller, the library never reads it */
   int32_t syslog_options; /**< option bits that were given to the system's openlog */
@@ -113,7 +126,7 @@ SAI_API void close_sai_log(sai_log_handle* log);
 /**
  * Sets the highest level that one destination takes.
  *
- * @param log          the log, or null for #sai_log_default
+ * @param log          the log, or null for #sai_log_default; with neither, nothing happens
  * @param destination  a #sai_log_destination, 0 to 2; not checked
  * @param level        a #sai_log_level, -1 (off) to 7 (everything)
  */
@@ -123,25 +136,46 @@ SAI_API void sai_log_set_level(sai_log_handle* log, int32_t destination, int32_t
  * Finds a level by the first two letters of its name, so that "de", "deb" and "debugging" are all 7.
  *
  * @param text  the name or its beginning; "notice" finds "notifications"
- * @return the first level of #sai_log_priority whose name begins so, or -1
+ * @return the first level of #sai_log_priority whose name begins so, or -1; -1 for a null pointer
  */
 SAI_API int32_t sai_level_match(const char* text);
 
 #define SAI_PRINTF __attribute__((format(printf, 1, 2)))
 
-/** Logs a message at level 3, "errors". `errno` stays as it was, here and in the four below. */
+/**
+ * Logs a message at level 3, "errors". `errno` stays as it was, here and in the four below.
+ *
+ * @param format  printf format, without a line end
+ */
+/** Logs a message at level 3, "errors"; none without a format. `errno` stays as it was, here and in the four below. */
 SAI_API void sai_err(const char* format, ...) SAI_PRINTF;
 
-/** Logs a message at level 4, "warnings". */
+/**
+ * Logs a message at level 4, "warnings".
+ *
+ * @param format  printf format, without a line end
+ */
 SAI_API void sai_warn(const char* format, ...) SAI_PRINTF;
 
-/** Logs a message at level 5, "notifications". */
+/**
+ * Logs a message at level 5, "notifications".
+ *
+ * @param format  printf format, without a line end
+ */
 SAI_API void sai_notice(const char* format, ...) SAI_PRINTF;
 
-/** Logs a message at level 6, "informational". */
+/**
+ * Logs a message at level 6, "informational".
+ *
+ * @param format  printf format, without a line end
+ */
 SAI_API void sai_info(const char* format, ...) SAI_PRINTF;
 
-/** Logs a message at level 7, "debugging". */
+/**
+ * Logs a message at level 7, "debugging".
+ *
+ * @param format  printf format, without a line end
+ */
 SAI_API void sai_debug(const char* format, ...) SAI_PRINTF;
 
 /* ----------------------------------------------------------------------- Result codes, unit, diagnostic shell ---- */
@@ -177,7 +211,11 @@ SAI_API int32_t sdk_to_sai(int32_t rv);
  */
 SAI_API int32_t sai_hash_to_sdk(uint32_t selector);
 
-/** Gives the number of the unit that the library drives: always 0. */
+/**
+ * Gives the number of the unit that the library drives: always 0.
+ *
+ * @return always 0
+ */
 SAI_API int32_t sai_unit_get(void);
 
 /**
@@ -207,7 +245,7 @@ SAI_API int32_t sai_sh_process_command(int32_t unit, char* command);
  * go to standard output: that of the unit's initialization, which ends the work on this unit, and those of the two
  * steps that reserve IPv6 multicast addresses. The results of `sdk_main` and `bcm_policer_init` are not looked at.
  *
- * @param system_mac  the switch's own MAC address, 6 bytes
+ * @param system_mac  the switch's own MAC address, 6 bytes; without it there is no "ethv0", which is logged
  * @return 0, also when there is no unit; or for the last unit the converted result of `system_init` or of setting
  *         `bcmSwitchIpmcSameVlanL3Route`. No other failure, and none of an earlier unit, shows in it.
  */
@@ -753,8 +791,8 @@ SAI_API int32_t sai_port_rate_ingress_get(int32_t unit, int32_t port, uint32_t* 
 /**
  * Reads a PHY register by its MDIO address, clause 22.
  *
- * @param phy_addr  MDIO address of the PHY
- * @param reg       register number
+ * @param phy_addr  MDIO address of the PHY, as the board is wired; checked by the chip
+ * @param reg       register number, 0 to 31
  * @param data      receives the register, from the SDK itself
  * @return 0, or the converted result of `soc_miim_read`
  */
@@ -763,8 +801,8 @@ SAI_API int32_t sai_phy_miim_read(int32_t unit, uint16_t phy_addr, uint8_t reg, 
 /**
  * Writes a PHY register by its MDIO address, clause 22.
  *
- * @param phy_addr  MDIO address of the PHY
- * @param reg       register number
+ * @param phy_addr  MDIO address of the PHY, as the board is wired; checked by the chip
+ * @param reg       register number, 0 to 31
  * @param data      what to write
  * @return 0, or the converted result of `soc_miim_write`
  */
@@ -773,8 +811,8 @@ SAI_API int32_t sai_phy_miim_write(int32_t unit, uint16_t phy_addr, uint8_t reg,
 /**
  * Reads a PHY register by its MDIO address, clause 45.
  *
- * @param phy_addr  MDIO address of the PHY
- * @param devad     device in the PHY
+ * @param phy_addr  MDIO address of the PHY, as the board is wired; checked by the chip
+ * @param devad     device in the PHY, 0 to 31
  * @param reg       register number; its low 8 bits count, so that registers above 255 cannot be reached
  * @param data      receives the register, from the SDK itself
  * @return 0, or the converted result of `soc_miimc45_read`
@@ -784,8 +822,8 @@ SAI_API int32_t sai_phy_miimc45_read(int32_t unit, uint16_t phy_addr, uint8_t de
 /**
  * Writes a PHY register by its MDIO address, clause 45.
  *
- * @param phy_addr  MDIO address of the PHY
- * @param devad     device in the PHY
+ * @param phy_addr  MDIO address of the PHY, as the board is wired; checked by the chip
+ * @param devad     device in the PHY, 0 to 31
  * @param reg       register number; its low 8 bits count, so that registers above 255 cannot be reached
  * @param data      what to write
  * @return 0, or the converted result of `soc_miimc45_write`
@@ -968,7 +1006,7 @@ SAI_API int32_t sai_stat_clean(int32_t unit);
  *
  * @param port    port number
  * @param values  receives 18 values, in the order of the table
- * @return always 0
+ * @return 0, whatever could not be read; -5 for a null pointer, not logged
  */
 SAI_API int32_t sai_port_mib_read(int32_t unit, int32_t port, uint64_t values[18]);
 
@@ -1020,7 +1058,7 @@ typedef struct sai_l2_mac_entry_t {
  * Sets every field of an entry to 0.
  *
  * @param entry  the entry
- * @return always 0
+ * @return 0; -5 for a null pointer, not logged
  */
 SAI_API int32_t sai_l2_init(sai_l2_mac_entry_t* entry);
 
@@ -1034,7 +1072,7 @@ SAI_API int32_t sai_l2_mac_init(int32_t unit);
 /**
  * Sets after which time a learned address that is not seen again is forgotten.
  *
- * @param seconds  time in seconds
+ * @param seconds  time in seconds; 0: it is never forgotten
  * @return 0, or the converted result of `bcm_l2_age_timer_set`
  */
 SAI_API int32_t sai_l2_mac_age_time_set(int32_t unit, int32_t seconds);
@@ -1131,7 +1169,7 @@ typedef struct sai_l2_learn_limit_t {
  * Sets every field of a learn limit to 0.
  *
  * @param limit  the limit
- * @return always 0
+ * @return 0; -5 for a null pointer, not logged
  */
 SAI_API int32_t sai_l2_mac_learn_limit_init(sai_l2_learn_limit_t* limit);
 
@@ -1235,7 +1273,7 @@ SAI_API int32_t sai_trunk_create(int32_t unit, uint32_t flags, int32_t* tid);
 /**
  * Destroys a trunk.
  *
- * @param tid  trunk id
+ * @param tid  trunk id, from 0; checked by the chip
  * @return 0, or the converted result of `bcm_trunk_destroy`, -7 (no such trunk) among them
  */
 SAI_API int32_t sai_trunk_destroy(int32_t unit, int32_t tid);
@@ -1257,7 +1295,7 @@ SAI_API int32_t sai_trunk_set(int32_t unit, int32_t tid, int32_t psc, uint32_t m
 /**
  * Sets how a trunk spreads frames over its members.
  *
- * @param tid  trunk id
+ * @param tid  trunk id, from 0; checked by the chip
  * @param psc  hash selector of sai_hash_to_sdk(), whose result is the one that a failure's message shows
  * @return 0, or the converted result of `bcm_trunk_psc_set`
  */
@@ -1283,7 +1321,7 @@ SAI_API int32_t sai_mirror_init(int32_t unit);
 /**
  * Has the frames of a mirror session sent to a port, in place of the one before.
  *
- * @param session  session number
+ * @param session  session number, 0 or more; the caller chooses it
  * @param port     port number or gport
  * @return 0, or the converted result of the failed `bcm_port_gport_get` or `bcm_mirror_destination_create`
  */
@@ -1292,7 +1330,7 @@ SAI_API int32_t sai_mirror_dest_port_set(int32_t unit, int32_t session, int32_t 
 /**
  * Ends what sai_mirror_dest_port_set() began.
  *
- * @param session  session number
+ * @param session  session number, 0 or more; the caller chooses it
  * @param port     shown in messages only
  * @return 0, or the converted result of the failed `bcm_mirror_destination_get` or `bcm_mirror_destination_destroy`, -7
  *         (no such session) among them
@@ -1302,7 +1340,7 @@ SAI_API int32_t sai_mirror_dest_port_unset(int32_t unit, int32_t session, int32_
 /**
  * Mirrors a port to a session that has a destination.
  *
- * @param session  session number
+ * @param session  session number, 0 or more; the caller chooses it
  * @param port     port number
  * @param mode     #sai_mirror_mode bits; other bits have no effect. Without any the port's mirroring is enabled with
  *                 neither direction
@@ -1314,7 +1352,7 @@ SAI_API int32_t sai_mirror_source_port_set(int32_t unit, int32_t session, int32_
 /**
  * Ends what sai_mirror_source_port_set() began.
  *
- * @param session  session number
+ * @param session  session number, 0 or more; the caller chooses it
  * @param port     port number
  * @param mode     as it was set
  * @return 0, or the converted result of the failed `bcm_mirror_destination_get` or `bcm_mirror_port_dest_delete`, -7
@@ -1936,7 +1974,7 @@ SAI_API int32_t sai_vlan_dtag_range_delete(int32_t unit, int32_t port, int32_t i
  *
  * @param mac   the address, 6 bytes
  * @param vid   VLAN id, 1 to 4095; checked by the chip
- * @param prio  priority of the frames
+ * @param prio  priority of the frames, 0 to 7; checked by the chip
  * @return 0, or the converted result of `bcm_vlan_mac_add`
  */
 SAI_API int32_t sai_vlan_mac_add(int32_t unit, const uint8_t* mac, uint16_t vid, int32_t prio);
@@ -1962,7 +2000,7 @@ SAI_API int32_t sai_vlan_mac_clear(int32_t unit);
  * @param ip    address of the subnet in network byte order
  * @param mask  its mask in network byte order
  * @param vid   VLAN id, 1 to 4095; checked by the chip
- * @param prio  priority of the frames
+ * @param prio  priority of the frames, 0 to 7; checked by the chip
  * @return 0, or the converted result of `bcm_vlan_ip_add`
  */
 SAI_API int32_t sai_vlan_ip_subnet_add(int32_t unit, uint32_t ip, uint32_t mask, uint16_t vid, int32_t prio);
@@ -1980,7 +2018,7 @@ SAI_API int32_t sai_vlan_ip_subnet_del(int32_t unit, uint32_t ip, uint32_t mask)
  * Gives untagged frames from an IPv6 subnet a VLAN, on the ports where sai_port_subnet_vlan_set() has switched that on.
  *
  * @param ip6     address of the subnet, 16 bytes
- * @param prefix  length of its prefix in bits
+ * @param prefix  length of its prefix in bits, 0 to 128
  * @param vid     VLAN id, 1 to 4095; checked by the chip
  * @param prio    priority of the frames
  * @return 0, or the converted result of `bcm_vlan_ip_add`
@@ -1992,7 +2030,7 @@ SAI_API int32_t sai_vlan_ipv6_subnet_add(int32_t unit, const bcm_ip6_t* ip6, int
  * Deletes what sai_vlan_ipv6_subnet_add() added.
  *
  * @param ip6     address of the subnet, 16 bytes
- * @param prefix  length of its prefix in bits
+ * @param prefix  length of its prefix in bits, 0 to 128
  * @return 0, or the converted result of `bcm_vlan_ip_delete`, -7 (no such subnet) among them
  */
 SAI_API int32_t sai_vlan_ipv6_subnet_del(int32_t unit, const bcm_ip6_t* ip6, int32_t prefix);
@@ -2016,7 +2054,7 @@ SAI_API int32_t sai_stg_init(int32_t unit);
 /**
  * Chooses the group that new VLANs belong to.
  *
- * @param stg  group id
+ * @param stg  group id, from 1; checked by the chip
  * @return 0, or the converted result of `bcm_stg_default_set`
  */
 SAI_API int32_t sai_stg_default_set(int32_t unit, int32_t stg);
@@ -2032,7 +2070,7 @@ SAI_API int32_t sai_stg_default_get(int32_t unit, int32_t* stg);
 /**
  * Creates a group. The id is always the caller's.
  *
- * @param stg  group id
+ * @param stg  group id, from 1; checked by the chip
  * @return 0, or the converted result of `bcm_stg_create_id`, -6 (an id that is taken) among them
  */
 SAI_API int32_t sai_stg_create(int32_t unit, int32_t stg);
@@ -2040,7 +2078,7 @@ SAI_API int32_t sai_stg_create(int32_t unit, int32_t stg);
 /**
  * Destroys a group.
  *
- * @param stg  group id
+ * @param stg  group id, from 1; checked by the chip
  * @return 0, or the converted result of `bcm_stg_destroy`, -7 (no such group) among them
  */
 SAI_API int32_t sai_stg_destroy(int32_t unit, int32_t stg);
@@ -2048,7 +2086,7 @@ SAI_API int32_t sai_stg_destroy(int32_t unit, int32_t stg);
 /**
  * Moves a VLAN to a group.
  *
- * @param stg  group id
+ * @param stg  group id, from 1; checked by the chip
  * @param vid  VLAN id, 1 to 4095; checked by the chip
  * @return 0, or the converted result of `bcm_stg_vlan_add`
  */
@@ -2057,7 +2095,7 @@ SAI_API int32_t sai_stg_vlan_add(int32_t unit, int32_t stg, uint16_t vid);
 /**
  * Takes a VLAN out of a group.
  *
- * @param stg  group id
+ * @param stg  group id, from 1; checked by the chip
  * @param vid  VLAN id, 1 to 4095; checked by the chip
  * @return 0, or the converted result of `bcm_stg_vlan_remove`
  */
@@ -2066,7 +2104,7 @@ SAI_API int32_t sai_stg_vlan_del(int32_t unit, int32_t stg, uint16_t vid);
 /**
  * Takes all VLANs out of a group.
  *
- * @param stg  group id
+ * @param stg  group id, from 1; checked by the chip
  * @return 0, or the converted result of `bcm_stg_vlan_remove_all`
  */
 SAI_API int32_t sai_stg_vlan_del_all(int32_t unit, int32_t stg);
@@ -2080,7 +2118,7 @@ typedef struct sai_port_stg_state_t {
 /**
  * Sets the state of a port in a group.
  *
- * @param stg   group id
+ * @param stg   group id, from 1; checked by the chip
  * @param pair  port and state; both checked by the chip
  * @return 0, or the converted result of `bcm_stg_stp_set`, -5 (no such state) among them
  */

@@ -41,7 +41,8 @@ int sdk_mode(int mode) {
 
 int32_t sai_bpdu_set(int32_t unit, const uint8_t* mac, int32_t* index) {
   int found = 0;
-  const int rv = capture(unit, BCM_L2_CACHE_CPU | BCM_L2_CACHE_BPDU, mac, &found);
+  const int rv = mac == nullptr || index == nullptr ? BCM_E_PARAM
+                                                    : capture(unit, BCM_L2_CACHE_CPU | BCM_L2_CACHE_BPDU, mac, &found);
   if (rv == BCM_E_NONE) *index = found;
   return result(rv, "bcm_l2_cache_set failed: %s");
 }

@@ -80,6 +80,11 @@ void sai_log_timestamp(FILE* stream, Stamp& stamp) {
   if (stream != nullptr) fprintf(stream, "%s ", stamp.text);
 }
 
+/// The name of a handle's module, which callers may set to anything.
+const char* module_name(int32_t module) {
+  return module == 0 || module == 1 ? sai_log_module_names[module] : "unknown";
+}
+
 [[gnu::format(printf, 5, 0)]] void write_line(FILE* stream, Stamp& stamp, const char* level_name, const char* module,
                                               const char* format, va_list args) {
   sai_log_timestamp(stream, stamp);
@@ -95,12 +100,13 @@ void sai_log_timestamp(FILE* stream, Stamp& stamp) {
   const sai_log_handle& log = *sai_log_default;
   va_list copy;
   va_copy(copy, args);
-  write_line(stream, stamp, log.show_priority != 0 ? sai_log_priority[level] : nullptr,
-             sai_log_module_names[log.module], format, copy);
+  write_line(stream, stamp, log.show_priority != 0 ? sai_log_priority[level] : nullptr, module_name(log.module), format,
+             copy);
   va_end(copy);
 }
 
 [[gnu::format(printf, 2, 0)]] void sai_log_write(int32_t level, const char* format, va_list args) {
+  if (format == nullptr) return;
   const int saved_errno = errno;
   Stamp stamp{};
 
@@ -146,10 +152,12 @@ void close_sai_log(sai_log_handle* log) {
 }
 
 void sai_log_set_level(sai_log_handle* log, int32_t destination, int32_t level) {
-  (log != nullptr ? log : sai_log_default)->max_level[destination] = level;
+  if (log == nullptr) log = sai_log_default;
+  if (log != nullptr) log->max_level[destination] = level;  // Meant: unchecked, as callers know the three.
 }
 
 int32_t sai_level_match(const char* text) {
+  if (text == nullptr) return -1;
   for (int32_t level = 0; sai_log_priority[level] != nullptr; ++level)
     if (strncmp(sai_log_priority[level], text, 2) == 0) return level;
   return -1;

@@ -57,9 +57,7 @@ int32_t send(const Command& command, unsigned size) {
   return failed(soc_knet_cmd_req(&message, size, size), "Failed to soc_knet_cmd_req: %s") ? SAI_E_FAIL : SAI_E_NONE;
 }
 
-}  // namespace
-
-int32_t sai_knet_netif_init(int32_t unit, int32_t netif_id, const char* name, const uint8_t* mac) {
+int create(int unit, int netif_id, const char* name, const uint8_t* mac) {
   bcm_knet_netif_t netif;
   bcm_knet_netif_t_init(&netif);
   netif.id = netif_id;
@@ -71,7 +69,14 @@ int32_t sai_knet_netif_init(int32_t unit, int32_t netif_id, const char* name, co
     ended = ended || i == BCM_KNET_NETIF_NAME_MAX - 1 || name[i] == '\0';
     netif.name[i] = ended ? '\0' : name[i];
   }
-  return result(bcm_knet_netif_create(unit, &netif), "bcm_knet_netif_create failed: %s");
+  return bcm_knet_netif_create(unit, &netif);
+}
+
+}  // namespace
+
+int32_t sai_knet_netif_init(int32_t unit, int32_t netif_id, const char* name, const uint8_t* mac) {
+  return result(name == nullptr || mac == nullptr ? BCM_E_PARAM : create(unit, netif_id, name, mac),
+                "bcm_knet_netif_create failed: %s");
 }
 
 int32_t sai_knet_ktag_set(int32_t command, uint32_t value) {

@@ -144,19 +144,19 @@ bool qualify(FieldEntry& entry, const Installer& installer, const sai_acl_rule_t
   return !installer.extended || qualify_l4_ports(entry, rule);
 }
 
-int32_t install(const Installer& installer, int unit, int port, int direction, int group, const sai_acl_rule_t& rule,
+int32_t install(const Installer& installer, int unit, int port, int direction, int group, const sai_acl_rule_t* rule,
                 int32_t* id) {
   FieldEntry entry{installer.name, unit, group};
-  entry.rv = bcm_field_entry_create(unit, group, &entry.id);
-  *id = entry.id;  // Meant: at once, so that the caller can destroy what fails half-way.
+  entry.rv = rule == nullptr || id == nullptr ? BCM_E_PARAM : bcm_field_entry_create(unit, group, &entry.id);
+  if (id != nullptr) *id = entry.id;  // Meant: at once, so that the caller can destroy what fails half-way.
   // Meant: the text names the call that takes an id.
   if (failed(entry.rv, "%s group %d bcm_field_entry_create_id 0x%x(%d) failed: %s", installer.name, group, entry.id,
              entry.id))
     return sdk_to_sai(entry.rv);
 
-  const bcm_field_action_t action = rule.action == SAI_ACL_PERMIT ? bcmFieldActionDropCancel : bcmFieldActionDrop;
+  const bcm_field_action_t action = rule->action == SAI_ACL_PERMIT ? bcmFieldActionDropCancel : bcmFieldActionDrop;
   if (entry.passed(bcm_field_qualify_clear(unit, entry.id), "bcm_field_qualify_clear") &&
-      qualify_port(entry, direction, port) && qualify(entry, installer, rule) &&
+      qualify_port(entry, direction, port) && qualify(entry, installer, *rule) &&
       // Meant: its id is its priority.
       entry.passed(bcm_field_entry_prio_set(unit, entry.id, entry.id), "bcm_field_entry_prio_set") &&
       entry.passed(bcm_field_action_add(unit, entry.id, action, 0, 0), "bcm_field_action_add"))
@@ -168,22 +168,22 @@ int32_t install(const Installer& installer, int unit, int port, int direction, i
 
 int32_t sai_acl_l2_entry_install(int32_t unit, int32_t port, int32_t direction, int32_t group,
                                  const sai_acl_rule_t* rule, int32_t* entry) {
-  return install(l2, unit, port, direction, group, *rule, entry);
+  return install(l2, unit, port, direction, group, rule, entry);
 }
 
 int32_t sai_acl_std_l3_entry_install(int32_t unit, int32_t port, int32_t direction, int32_t group,
                                      const sai_acl_rule_t* rule, int32_t* entry) {
-  return install(std_l3, unit, port, direction, group, *rule, entry);
+  return install(std_l3, unit, port, direction, group, rule, entry);
 }
 
 int32_t sai_acl_ext_l3_entry_install(int32_t unit, int32_t port, int32_t direction, int32_t group,
                                      const sai_acl_rule_t* rule, int32_t* entry) {
-  return install(ext_l3, unit, port, direction, group, *rule, entry);
+  return install(ext_l3, unit, port, direction, group, rule, entry);
 }
 
 int32_t sai_acl_l2_l3_entry_install(int32_t unit, int32_t port, int32_t direction, int32_t group,
                                     const sai_acl_rule_t* rule, int32_t* entry) {
-  return install(l2_l3, unit, port, direction, group, *rule, entry);
+  return install(l2_l3, unit, port, direction, group, rule, entry);
 }
 
 int32_t sai_fp_entry_destroy(int32_t unit, int32_t entry) {

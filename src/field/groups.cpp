@@ -130,7 +130,7 @@ int32_t create(int unit, const Group& row, int32_t* group) {
   for (const bcm_field_qualify_t qualifier : row.qualifiers) BCM_FIELD_QSET_ADD(qualifiers, qualifier);
 
   bcm_field_group_t id = 0;
-  int rv = bcm_field_group_create(unit, qualifiers, BCM_FIELD_GROUP_PRIO_ANY, &id);
+  int rv = group == nullptr ? BCM_E_PARAM : bcm_field_group_create(unit, qualifiers, BCM_FIELD_GROUP_PRIO_ANY, &id);
   if (creation_failed(rv, unit, row, id)) return sdk_to_sai(rv);
   if (row.kind == Kind::acl) {
     rv = bcm_field_group_priority_set(unit, id, id);

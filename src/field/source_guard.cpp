@@ -74,6 +74,10 @@ bool build_permit(FieldEntry& entry, uint32_t src_ip, uint32_t src_ip_mask, int 
 
 int32_t sai_ipsg_verify_config(int32_t group, int32_t vlan, int32_t /*ignored*/, int32_t port, int32_t* entry) {
   FieldEntry drop{"sai_ipsg_verify_config", unit, group};
+  if (entry == nullptr) {
+    guarded(drop, BCM_E_PARAM);
+    return sdk_to_sai(drop.rv);
+  }
   if (*entry != 0) {  // Meant: a negative id is an entry too, unlike that of a binding.
     drop.id = *entry;
     return guarded(drop, match_port(drop.id, port)) && guarded(drop, bcm_field_entry_reinstall(unit, drop.id))
@@ -88,7 +92,9 @@ int32_t sai_ipsg_verify_config(int32_t group, int32_t vlan, int32_t /*ignored*/,
 int32_t sai_ipsg_parameter_config(int32_t group, uint32_t src_ip, uint32_t src_ip_mask, int32_t vlan,
                                   int32_t /*ignored*/, int32_t port, int32_t* entry) {
   FieldEntry permit{"sai_ipsg_parameter_config", unit, group};
-  if (*entry >= 1) {
+  if (entry == nullptr) {
+    permit.passed_in_group(BCM_E_PARAM, "bcm_field_entry_create");
+  } else if (*entry >= 1) {
     permit.id = *entry;
     move_permit(permit, port);
   } else if (build_permit(permit, src_ip, src_ip_mask, vlan, port)) {

@@ -80,8 +80,9 @@ bool src_mac(Trap& trap) {
 }
 
 bool dst_mac(Trap& trap) {
-  const uint8_t* const mac = trap.given.mac;
-  trap.rv = bcm_field_qualify_DstMac(trap.unit, trap.id, sdk_address(mac), sdk_address(all_ones));
+  constexpr uint8_t none[6] = {};
+  trap.rv = bcm_field_qualify_DstMac(trap.unit, trap.id, sdk_address(trap.given.mac), sdk_address(all_ones));
+  const uint8_t* const mac = trap.given.mac == nullptr ? none : trap.given.mac;
   return !failed(trap.rv, "%s bcm_field_qualify_DstMac group %d entry %d mac %2X:%2X:%2X:%2X:%2X:%2X failed: %s",
                  trap.function, trap.group, trap.id, mac[0], mac[1], mac[2], mac[3], mac[4], mac[5]);
 }
@@ -242,9 +243,9 @@ constexpr Rule mld_exclude{"sai_fp_mld_packet_exclude_filter_set",
 // Meant: the low 8 bits of the port, and no action.
 constexpr Rule vport{"sai_fp_vport_qualify_set", Wording::call_in_group, {out_port<0xFF>, all_of_vlan_tag}};
 
-bool create(Trap& trap) {
+bool create(Trap& trap, const int32_t* entry) {
   constexpr const char* call = "bcm_field_entry_create";
-  trap.rv = bcm_field_entry_create(trap.unit, trap.group, &trap.id);
+  trap.rv = entry == nullptr ? BCM_E_PARAM : bcm_field_entry_create(trap.unit, trap.group, &trap.id);
   switch (trap.wording) {
     case Wording::call:
       return !failed(trap.rv, "%s group %d %s failed: %s", trap.function, trap.group, call);
@@ -255,9 +256,9 @@ bool create(Trap& trap) {
   }
 }
 
-bool build(Trap& trap, const Rule& rule) {
-  if (!create(trap) || !trap.passed_as_worded(bcm_field_qualify_clear(trap.unit, trap.id), "bcm_field_qualify_clear",
-                                              "%s clear entry %d failed: %s"))
+bool build(Trap& trap, const Rule& rule, const int32_t* entry) {
+  if (!create(trap, entry) || !trap.passed_as_worded(bcm_field_qualify_clear(trap.unit, trap.id),
+                                                     "bcm_field_qualify_clear", "%s clear entry %d failed: %s"))
     return false;
   for (const Step step : rule.steps)
     if (!step(trap)) return false;
@@ -266,8 +267,8 @@ bool build(Trap& trap, const Rule& rule) {
 
 int32_t install(const Rule& rule, int unit, int group, const Given& given, int32_t* entry) {
   Trap trap{{rule.name, unit, group}, rule.wording, given};
-  if (build(trap, rule) && trap.passed_as_worded(bcm_field_entry_install(unit, trap.id), "bcm_field_entry_install",
-                                                 "%s install entry %d failed: %s"))
+  if (build(trap, rule, entry) && trap.passed_as_worded(bcm_field_entry_install(unit, trap.id),
+                                                        "bcm_field_entry_install", "%s install entry %d failed: %s"))
     *entry = trap.id;
   return sdk_to_sai(trap.rv);
 }
@@ -328,7 +329,7 @@ int32_t sai_fp_mld_packet_exclude_filter_set(int32_t unit, int32_t port, int32_t
 int32_t sai_fp_vport_qualify_set(int32_t unit, int32_t port, int32_t group, int32_t* entry, uint16_t vlan) {
   sai::trace("sai_fp_vport_qualify_set port %d vlan %d", port, vlan);
   Trap trap{{vport.name, unit, group}, vport.wording, {.port = port, .vlan = vlan}};
-  if (build(trap, vport)) *entry = trap.id;  // Meant: uninstalled, for sai_fp_vport_qualify_action().
+  if (build(trap, vport, entry)) *entry = trap.id;  // Meant: uninstalled, for sai_fp_vport_qualify_action().
   return sdk_to_sai(trap.rv);
 }
 

@@ -63,9 +63,18 @@ int delete_by_mode(int unit, sai_l2_mac_entry_t entry, uint8_t mode) {
 }
 
 /// Finds what the chip's table has of the entry.
-int find(int unit, sai_l2_mac_entry_t& entry, bcm_l2_addr_t& found) {
+int find(int unit, sai_l2_mac_entry_t* entry, bcm_l2_addr_t& found) {
+  if (entry == nullptr) return BCM_E_PARAM;
   found = {};
-  return bcm_l2_addr_get(unit, entry.mac, vlan(entry), &found);
+  return bcm_l2_addr_get(unit, entry->mac, vlan(*entry), &found);
+}
+
+int add(int unit, const sai_l2_mac_entry_t& entry) {
+  bcm_l2_addr_t address;
+  bcm_l2_addr_t_init(&address, entry.mac, vlan(entry));
+  address.port = entry.port;
+  address.flags = sdk_flags(entry);
+  return bcm_l2_addr_add(unit, &address);
 }
 
 /// Reads the gport of the port that a virtual port lies on.
@@ -94,6 +103,15 @@ constexpr uint32_t limit_scopes =
     BCM_L2_LEARN_LIMIT_VLAN | BCM_L2_LEARN_LIMIT_PORT | BCM_L2_LEARN_LIMIT_TRUNK | BCM_L2_LEARN_LIMIT_TUNNEL;
 constexpr uint32_t limit_actions =
     BCM_L2_LEARN_LIMIT_ACTION_DROP | BCM_L2_LEARN_LIMIT_ACTION_CPU | BCM_L2_LEARN_LIMIT_ACTION_PREFER;
+
+int32_t limit_set_result(int rv, int limit) { return result(rv, "Failed to set mac limit %d: %s", limit); }
+
+int limit_get(int unit, sai_l2_learn_limit_t& limit) {
+  bcm_l2_learn_limit_t sdk = sdk_limit(limit, limit_scopes);  // Meant: without the system's own scope.
+  const int rv = bcm_l2_learn_limit_get(unit, &sdk);
+  if (rv >= 0) limit.limit = sdk.limit;
+  return rv;
+}
 
 /// Where the next entry of the table goes.
 struct sai_l2_show_ctx {
@@ -130,6 +148,7 @@ int show(int unit, bcm_l2_addr_t* entry, void* user_data) {
 }  // namespace
 
 int32_t sai_l2_init(sai_l2_mac_entry_t* entry) {
+  if (entry == nullptr) return SAI_E_PARAM;
   memset(entry, 0, sizeof *entry);  // the bytes between its fields too
   return SAI_E_NONE;
 }
@@ -142,7 +161,7 @@ int32_t sai_l2_mac_age_time_set(int32_t unit, int32_t seconds) {
 
 int32_t sai_l2_mac_age_time_get(int32_t unit, int32_t* seconds) {
   int time = 0;
-  const int rv = bcm_l2_age_timer_get(unit, &time);
+  const int rv = seconds == nullptr ? BCM_E_PARAM : bcm_l2_age_timer_get(unit, &time);
   if (rv >= 0) *seconds = time;
   // Meant: the pointer for a value.
   return result(rv, "Failed to get mac age time %d: %s", low_word(seconds));
@@ -151,7 +170,7 @@ int32_t sai_l2_mac_age_time_get(int32_t unit, int32_t* seconds) {
 int32_t sai_l2_mac_entry_get(int32_t /*unit*/, sai_l2_mac_entry_t* entry) {
   constexpr int first_unit = 0;  // Meant: whatever unit is given.
   bcm_l2_addr_t found;
-  const int rv = find(first_unit, *entry, found);
+  const int rv = find(first_unit, entry, found);
   if (failed(rv, "Failed to get mac entry: %s")) return sdk_to_sai(rv);
   if (found.flags & BCM_L2_STATIC) entry->flags |= SAI_L2_MAC_STATIC;
   entry->port_out = found.port;  // Meant: the two lookups of the port below answer in `port`.
@@ -159,15 +178,12 @@ int32_t sai_l2_mac_entry_get(int32_t /*unit*/, sai_l2_mac_entry_t* entry) {
 }
 
 int32_t sai_l2_mac_entry_add(int32_t unit, const sai_l2_mac_entry_t* entry) {
-  bcm_l2_addr_t address;
-  bcm_l2_addr_t_init(&address, entry->mac, vlan(*entry));
-  address.port = entry->port;
-  address.flags = sdk_flags(*entry);
-  return result(bcm_l2_addr_add(unit, &address), "Failed to adding mac entry: %s");  // Meant: "to adding".
+  // Meant: "to adding".
+  return result(entry == nullptr ? BCM_E_PARAM : add(unit, *entry), "Failed to adding mac entry: %s");
 }
 
 int32_t sai_l2_mac_entry_del(int32_t unit, const sai_l2_mac_entry_t* entry, uint8_t mode) {
-  return result(delete_by_mode(unit, *entry, mode), "Failed to delete mac entry: %s");
+  return result(entry == nullptr ? BCM_E_PARAM : delete_by_mode(unit, *entry, mode), "Failed to delete mac entry: %s");
 }
 
 int32_t sai_l2_addr_delete_by_trunk(int32_t unit, int32_t trunk) {
@@ -176,14 +192,14 @@ int32_t sai_l2_addr_delete_by_trunk(int32_t unit, int32_t trunk) {
 
 int32_t sai_l2_addr_port_id_get(int32_t unit, sai_l2_mac_entry_t* entry) {
   bcm_l2_addr_t found;
-  const int rv = find(unit, *entry, found);
+  const int rv = find(unit, entry, found);
   if (rv >= 0) entry->port = found.port;
   return result(rv, "Failed to get l2 addr source port: %s");
 }
 
 int32_t sai_l2_addr_logic_port_get(int32_t unit, sai_l2_mac_entry_t* entry) {
   bcm_l2_addr_t found;
-  int rv = find(unit, *entry, found);
+  int rv = find(unit, entry, found);
   if (failed(rv, "Failed to get l2 addr source port: %s")) return sdk_to_sai(rv);
   bcm_port_t local = found.port;
   if (sai::gport::is_vlan_port(found.port)) {
@@ -198,21 +214,20 @@ int32_t sai_l2_addr_logic_port_get(int32_t unit, sai_l2_mac_entry_t* entry) {
 }
 
 int32_t sai_l2_mac_learn_limit_init(sai_l2_learn_limit_t* limit) {
+  if (limit == nullptr) return SAI_E_PARAM;
   *limit = {};
   return SAI_E_NONE;
 }
 
 int32_t sai_l2_mac_learn_limit_set(int32_t unit, const sai_l2_learn_limit_t* limit) {
+  if (limit == nullptr) return limit_set_result(BCM_E_PARAM, 0);
   bcm_l2_learn_limit_t sdk = sdk_limit(*limit, BCM_L2_LEARN_LIMIT_SYSTEM | limit_scopes | limit_actions);
   sdk.limit = limit->limit;
-  return result(bcm_l2_learn_limit_set(unit, &sdk), "Failed to set mac limit %d: %s", limit->limit);
+  return limit_set_result(bcm_l2_learn_limit_set(unit, &sdk), limit->limit);
 }
 
 int32_t sai_l2_mac_learn_limit_get(int32_t unit, sai_l2_learn_limit_t* limit) {
-  bcm_l2_learn_limit_t sdk = sdk_limit(*limit, limit_scopes);  // Meant: without the system's own scope.
-  const int rv = bcm_l2_learn_limit_get(unit, &sdk);
-  if (rv >= 0) limit->limit = sdk.limit;
-  return result(rv, "Failed to get mac limit: %s");
+  return result(limit == nullptr ? BCM_E_PARAM : limit_get(unit, *limit), "Failed to get mac limit: %s");
 }
 
 int32_t sai_l2_mac_learn_limit_enable(int32_t unit) {
@@ -235,7 +250,9 @@ int32_t sai_l2_info(int32_t unit, int32_t* max, int32_t* current) {
   }
   bcm_switch_object_t objects[] = {bcmSwitchObjectL2EntryCurrent, bcmSwitchObjectL2EntryMax};
   int counts[std::size(objects)] = {};
-  const int rv = bcm_switch_object_count_multi_get(unit, std::size(objects), objects, counts);
+  const int rv = max == nullptr || current == nullptr
+                     ? BCM_E_PARAM
+                     : bcm_switch_object_count_multi_get(unit, std::size(objects), objects, counts);
   if (failed(rv, "Get L2 info failed %s\n")) return sdk_to_sai(rv);  // Meant: the newline.
   *current = counts[0];
   *max = counts[1];
@@ -250,7 +267,7 @@ int32_t sai_l2_dst_hit_enable_set(int32_t unit, int32_t enable) {
 
 int32_t sai_l2_dst_hit_enable_get(int32_t unit, int32_t* enable) {
   int value = 0;
-  const int rv = bcm_switch_control_get(unit, bcmSwitchL2DstHitEnable, &value);
+  const int rv = enable == nullptr ? BCM_E_PARAM : bcm_switch_control_get(unit, bcmSwitchL2DstHitEnable, &value);
   if (rv >= 0) *enable = value;
   // Meant: the text of the set.
   return result(rv, "bcm_switch_control_set bcmSwitchL2DstHitEnable failed: %s");

@@ -44,10 +44,11 @@ int32_t sai_trunk_init(int32_t unit) { return result(bcm_trunk_init(unit), "Fail
 int32_t sai_trunk_detach(int32_t unit) { return result(bcm_trunk_detach(unit), "Failed to detach trunk: %s"); }
 
 int32_t sai_trunk_create(int32_t unit, uint32_t flags, int32_t* tid) {
-  bcm_trunk_t id = *tid;
-  const int rv = bcm_trunk_create(unit, flags, &id);
+  const bcm_trunk_t wanted = tid == nullptr ? 0 : *tid;
+  bcm_trunk_t id = wanted;
+  const int rv = tid == nullptr ? BCM_E_PARAM : bcm_trunk_create(unit, flags, &id);
   if (rv >= 0) *tid = id;
-  return result(rv, "Failed to create trunk %d: %s", *tid);
+  return result(rv, "Failed to create trunk %d: %s", wanted);
 }
 
 int32_t sai_trunk_destroy(int32_t unit, int32_t tid) {

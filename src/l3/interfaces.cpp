@@ -66,6 +66,10 @@ bool delete_virtual_port_interface(int unit, int egress_id, bcm_l3_egress_t& egr
   return true;
 }
 
+int32_t creation_result(int rv, int vlan) {
+  return result(rv, "bcm_l3_intf_create vlan %d l3 interface failed: %s", vlan);
+}
+
 }  // namespace
 
 int sai::find_learned(int unit, const uint8_t* mac, int vlan, bcm_l2_addr_t& learned) {
@@ -79,6 +83,7 @@ int32_t sai_l3_enable_set(int32_t unit, int32_t enable) {
 }
 
 int32_t sai_l3_intf_create(int32_t unit, const uint8_t* mac, int32_t vlan) {
+  if (mac == nullptr) return creation_result(BCM_E_PARAM, vlan);
   bcm_l3_intf_t intf;
   bcm_l3_intf_t_init(&intf);
   intf.l3a_vid = vlan_id(vlan);
@@ -98,7 +103,7 @@ int32_t sai_l3_intf_create(int32_t unit, const uint8_t* mac, int32_t vlan) {
   intf.l3a_group = 0;
   intf.l3a_ttl = 0;
   trace(" create vlan %d l3 interface", vlan);  // Meant: the leading blank.
-  return result(bcm_l3_intf_create(unit, &intf), "bcm_l3_intf_create vlan %d l3 interface failed: %s", vlan);
+  return creation_result(bcm_l3_intf_create(unit, &intf), vlan);
 }
 
 int32_t sai_l3_intf_delete(int32_t unit, int32_t vlan) {

@@ -26,6 +26,8 @@ constexpr JoinTexts join_texts{
     .found = [](bcm_multicast_t group) { sai_err("find group 0x%x", group); },  // Meant: as an error.
 };
 
+constexpr sai::Format<const char*> member_intf_create = "bcm_l3_intf_create failed: %s";
+
 constexpr LeaveTexts leave_texts{
     .ipmc_find = "bcm_ipmc_find ipmc group is not exist: %s",
     .gport_get = "sai_multicast_egress_del bcm_port_gport_get failed: %s",
@@ -67,6 +69,7 @@ void find_or_create_group(int unit, bcm_ipmc_addr_t& key) {
 
 int32_t sai_multicast_egress_add(int32_t unit, int32_t vlan, uint32_t group, const uint8_t* mac, int32_t port,
                                  int32_t report_vid) {
+  if (mac == nullptr) return result(BCM_E_PARAM, member_intf_create);
   trace("add multicast group: group vlan %d group address %s group-member %d report vid %d", vlan, Ip4Text(group), port,
         report_vid);
   // Meant: up to the member's own interface, a failure is logged and the work goes on.
@@ -83,7 +86,7 @@ int32_t sai_multicast_egress_add(int32_t unit, int32_t vlan, uint32_t group, con
     intf = port > 8 ? interface(mac, double_tag_vlan, report_vid) : interface(mac, report_vid);
     intf.l3a_flags |= interface_flags;
     const int rv = find_or_create(unit, intf);
-    if (failed(rv, "bcm_l3_intf_create failed: %s")) return sdk_to_sai(rv);
+    if (failed(rv, member_intf_create)) return sdk_to_sai(rv);
   }
 
   // Meant: the port, where the member itself has the port's gport; and "l2".
@@ -95,6 +98,7 @@ int32_t sai_multicast_egress_add(int32_t unit, int32_t vlan, uint32_t group, con
 
 int32_t sai_multicast_egress_del(int32_t unit, int32_t vlan, uint32_t group, const uint8_t* mac, int32_t port,
                                  int32_t user_vid) {
+  if (mac == nullptr) return result(BCM_E_PARAM, leave_texts.ipmc_find);
   bcm_ipmc_addr_t key = key_of(vlan, group);
   int rv = leave(unit, key, {.mac = mac, .port = port, .user_vlan = user_vid}, leave_texts);
   if (rv < 0) return sdk_to_sai(rv);
@@ -111,6 +115,7 @@ int32_t sai_multicast_destroy(int32_t unit, int32_t vlan, uint32_t group) {
 }
 
 int32_t sai_ipmc_add(int32_t unit, int32_t vlan, int32_t user_vlan, int32_t port, uint32_t group, const uint8_t* mac) {
+  if (mac == nullptr) return result(BCM_E_PARAM, join_texts.intf_create);
   trace("add multicast group: group vlan %d group address %s group-member %d user vlan %d mac %s", vlan, Ip4Text(group),
         port, user_vlan, PairedMacText(mac));
   bcm_ipmc_addr_t key = key_of(vlan, group);

@@ -58,6 +58,7 @@ bcm_ipmc_addr_t key_of(uint16_t vlan, const uint8_t* group, const uint8_t* sourc
 
 int32_t sai_ipv6_ipmc_add(int32_t unit, uint16_t vlan, uint16_t user_vlan, uint8_t port, const uint8_t* group,
                           const uint8_t* source, const uint8_t* mac) {
+  if (group == nullptr || source == nullptr || mac == nullptr) return result(BCM_E_PARAM, join_texts.intf_create);
   trace("add multicast group: group vlan %d group address %s source address %s group-member %d user vlan %d mac %s",
         vlan, Ip6Text(group), Ip6Text(source), port, user_vlan, PairedMacText(mac));
   bcm_ipmc_addr_t key = key_of(vlan, group, source);
@@ -66,6 +67,7 @@ int32_t sai_ipv6_ipmc_add(int32_t unit, uint16_t vlan, uint16_t user_vlan, uint8
 
 int32_t sai_ipv6_multicast_egress_del(int32_t unit, uint16_t vlan, const uint8_t* group, const uint8_t* source,
                                       const uint8_t* mac, uint8_t port, int32_t user_vlan) {
+  if (group == nullptr || source == nullptr || mac == nullptr) return result(BCM_E_PARAM, leave_texts.ipmc_find);
   bcm_ipmc_addr_t key = key_of(vlan, group, source);
   int rv = leave(unit, key, {.mac = mac, .port = port, .user_vlan = user_vlan}, leave_texts);
   if (rv < 0) return sdk_to_sai(rv);
@@ -77,6 +79,7 @@ int32_t sai_ipv6_multicast_egress_del(int32_t unit, uint16_t vlan, const uint8_t
 }
 
 int32_t sai_ipv6_multicast_destroy(int32_t unit, uint16_t vlan, const uint8_t* group, const uint8_t* source) {
+  if (group == nullptr || source == nullptr) return result(BCM_E_PARAM, destroy_texts.ipmc_find);
   bcm_ipmc_addr_t key = key_of(vlan, group, source);
   return destroy(unit, key, destroy_texts);
 }

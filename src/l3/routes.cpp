@@ -117,12 +117,24 @@ bool make_way(int unit, uint32_t subnet, uint32_t mask, const NextHop& hop, bcm_
   return true;
 }
 
+int32_t host_result(int rv) {
+  // Meant: "beacuse" here, "because" with subnets.
+  if (rv == BCM_E_FULL) return result(rv, "bcm_l3_host_add host route failed: %s, beacuse of hash conflict");
+  return result(rv, "bcm_l3_host_add host route failed: %s");
+}
+
+int32_t route_result(int rv) {
+  if (rv == BCM_E_FULL) return result(rv, "bcm_l3_route_add subnet route failed: %s, because of hash conflict");
+  return result(rv, "bcm_l3_route_add subnet route failed: %s");
+}
+
 int32_t hit(uint32_t flags) { return (flags & BCM_L3_HIT) != 0 ? 1 : 0; }
 
 }  // namespace
 
 int32_t sai_l3_host_route_create(int32_t unit, uint32_t ip, const uint8_t* router_mac, const uint8_t* host_mac,
                                  int32_t port, int32_t vlan, uint8_t dtag) {
+  if (router_mac == nullptr || host_mac == nullptr) return host_result(BCM_E_PARAM);
   trace("sai_l3_host_route_create:  host %s hostmac %s port %d vid %d", Ip4Text(ip), MacText(host_mac), port, vlan);
   int modid = 0;
   int rv = bcm_stk_my_modid_get(unit, &modid);
@@ -152,10 +164,7 @@ int32_t sai_l3_host_route_create(int32_t unit, uint32_t ip, const uint8_t* route
 
   code = use_egress_object(unit, hop, to_cpu, host.l3a_intf);
   if (code < 0) return code;
-  rv = bcm_l3_host_add(unit, &host);
-  // Meant: "beacuse" here, "because" with subnets.
-  if (rv == BCM_E_FULL) return result(rv, "bcm_l3_host_add host route failed: %s, beacuse of hash conflict");
-  return result(rv, "bcm_l3_host_add host route failed: %s");
+  return host_result(bcm_l3_host_add(unit, &host));
 }
 
 int32_t sai_l3_host_route_delete(int32_t unit, uint32_t ip, uint8_t dtag) {
@@ -175,6 +184,7 @@ int32_t sai_l3_host_route_delete(int32_t unit, uint32_t ip, uint8_t dtag) {
 int32_t sai_l3_subnet_route_create(int32_t unit, uint32_t subnet, uint32_t mask, uint32_t nexthop_ip,
                                    const uint8_t* router_mac, const uint8_t* nexthop_mac, int32_t port, int32_t vlan,
                                    uint8_t dtag) {
+  if (router_mac == nullptr || nexthop_mac == nullptr) return route_result(BCM_E_PARAM);
   trace("sai_l3_subnet_route_create subnet %s nexthop_ip %s nexthop_mac %s port %d vlan %d", Ip4Text(subnet),
         Ip4Text(nexthop_ip), MacText(nexthop_mac), port, vlan);
   int modid = 0;
@@ -204,9 +214,7 @@ int32_t sai_l3_subnet_route_create(int32_t unit, uint32_t subnet, uint32_t mask,
   code = use_egress_object(unit, hop, to_cpu, route.l3a_intf);
   if (code < 0) return code;
   trace("sai_l3_subnet_route_create subnet route %s", Ip4Text(subnet));
-  const int added = bcm_l3_route_add(unit, &route);
-  if (added == BCM_E_FULL) return result(added, "bcm_l3_route_add subnet route failed: %s, because of hash conflict");
-  return result(added, "bcm_l3_route_add subnet route failed: %s");
+  return route_result(bcm_l3_route_add(unit, &route));
 }
 
 int32_t sai_l3_subnet_route_delete(int32_t unit, uint32_t subnet, uint32_t mask, uint8_t dtag) {

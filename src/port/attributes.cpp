@@ -42,6 +42,7 @@ int mode_get(int unit, int port, int& speed, int& duplex) {
 /// Meant: `enabled` is written on failure too.
 int lookup_get(int unit, int port, bcm_vlan_control_port_t control, uint8_t* enabled) {
   int value = 0;
+  if (enabled == nullptr) return BCM_E_PARAM;
   const int rv = bcm_vlan_control_port_get(unit, port, control, &value);
   *enabled = value != 0;
   return rv;
@@ -121,7 +122,7 @@ int32_t sai_port_interface_set(int32_t unit, int32_t port, int32_t mode) {
 
 int32_t sai_port_interface_get(int32_t unit, int32_t port, int32_t* mode) {
   bcm_port_if_t found{};
-  const int rv = bcm_port_interface_get(unit, port, &found);
+  const int rv = mode == nullptr ? BCM_E_PARAM : bcm_port_interface_get(unit, port, &found);
   if (rv >= 0) *mode = found;
   return result(rv, "Failed to get port [%d] interface mode %d: %s", port, low_word(mode));
 }
@@ -133,7 +134,7 @@ int32_t sai_port_untagged_vlan_set(int32_t unit, int32_t port, uint16_t vlan) {
 
 int32_t sai_port_link_status_get(int32_t unit, int32_t port, int32_t* up) {
   int status = 0;
-  const int rv = bcm_port_link_status_get(unit, port, &status);
+  const int rv = up == nullptr ? BCM_E_PARAM : bcm_port_link_status_get(unit, port, &status);
   if (rv >= 0) *up = status;
   return result(rv, "Failed to get link status: %s");
 }

@@ -74,7 +74,7 @@ template <int count>
 int32_t get_each(int unit, int port, const Control (&rows)[count], uint32_t* values) {
   int rv = BCM_E_NONE;
   for (int i = 0; i < count; ++i) {
-    rv = bcm_port_phy_control_get(unit, port, rows[i].control, &values[i]);
+    rv = values == nullptr ? BCM_E_PARAM : bcm_port_phy_control_get(unit, port, rows[i].control, &values[i]);
     failed(rv, "Failed to get port [%d] phy control %s: %s", port, rows[i].name);
   }
   return sdk_to_sai(rv);

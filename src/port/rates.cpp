@@ -24,6 +24,7 @@ constexpr int flags(int enable, int kind) { return enable >= 1 ? kind : 0; }
 using Getter = int (*)(int unit, bcm_port_t port, uint32* rate, uint32* burst);
 
 int get(Getter getter, int unit, int port, uint32_t* rate, uint32_t* burst) {
+  if (rate == nullptr || burst == nullptr) return BCM_E_PARAM;
   uint32 found_rate = 0;
   uint32 found_burst = 0;
   const int rv = getter(unit, port, &found_rate, &found_burst);

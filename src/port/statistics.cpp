@@ -73,10 +73,11 @@ int32_t sai_stat_clean(int32_t unit) {
 }
 
 int32_t sai_port_mib_read(int32_t unit, int32_t port, uint64_t* values) {
+  if (values == nullptr) return SAI_E_PARAM;
   for (sai_hw_counter& row : hw_counters_table) {
     uint64 value = 0;
     if (bcm_stat_get(unit, port, static_cast<bcm_stat_val_t>(row.stat), &value) >= 0) row.value = value;
   }
   for (const sai_hw_counter& row : hw_counters_table) *values++ = row.value;
-  return SAI_E_NONE;  // Meant: always, and no failure is logged.
+  return SAI_E_NONE;  // Meant: whatever failed, and no failure is logged.
 }

@@ -22,13 +22,17 @@ void print(char* buffer, int32_t length, Format<int, int> format, int tenths) {
   snprintf(buffer, length > 0 ? static_cast<size_t>(length) : 0, format.text(), tenths / 10, abs(tenths % 10));
 }
 
+constexpr bool is_missing(const char* buffer, int32_t length) { return buffer == nullptr && length > 0; }
+
 }  // namespace
 
 int32_t sai_switch_temperature_monitor_get(int32_t unit, char* avg_buf, int32_t avg_len, char* max_buf,
                                            int32_t max_len) {
   bcm_switch_temperature_monitor_t sensors[most_sensors] = {};
   int count = 0;
-  const int rv = bcm_switch_temperature_monitor_get(unit, most_sensors, sensors, &count);
+  const int rv = is_missing(avg_buf, avg_len) || is_missing(max_buf, max_len)
+                     ? BCM_E_PARAM
+                     : bcm_switch_temperature_monitor_get(unit, most_sensors, sensors, &count);
   if (failed(rv, "Failed to init vlan: %s")) return sdk_to_sai(rv);  // Meant: the text of sai_vlan_init().
 
   if (sai::chip_type(unit) == type_with_extra_sensor) --count;

@@ -37,6 +37,8 @@ int add(int unit, bcm_vlan_ip_t entry, bcm_vlan_t vid, int prio) {
   return bcm_vlan_ip_add(unit, &entry);
 }
 
+int remove(int unit, bcm_vlan_ip_t entry) { return bcm_vlan_ip_delete(unit, &entry); }
+
 }  // namespace
 
 int32_t sai_vlan_mac_add(int32_t unit, const uint8_t* mac, uint16_t vid, int32_t prio) {
@@ -56,17 +58,17 @@ int32_t sai_vlan_ip_subnet_add(int32_t unit, uint32_t ip, uint32_t mask, uint16_
 }
 
 int32_t sai_vlan_ip_subnet_del(int32_t unit, uint32_t ip, uint32_t mask) {
-  bcm_vlan_ip_t entry = subnet(ip, mask);
-  return result(bcm_vlan_ip_delete(unit, &entry), "Failed to delete ip subnet base-vlan: %s");
+  return result(remove(unit, subnet(ip, mask)), "Failed to delete ip subnet base-vlan: %s");
 }
 
 int32_t sai_vlan_ipv6_subnet_add(int32_t unit, const bcm_ip6_t* ip6, int32_t prefix, uint16_t vid, int32_t prio) {
-  return result(add(unit, subnet(*ip6, prefix), vid, prio), "Failed to add ipv6 subnet base-vlan [%d]: %s", vid);
+  return result(ip6 == nullptr ? BCM_E_PARAM : add(unit, subnet(*ip6, prefix), vid, prio),
+                "Failed to add ipv6 subnet base-vlan [%d]: %s", vid);
 }
 
 int32_t sai_vlan_ipv6_subnet_del(int32_t unit, const bcm_ip6_t* ip6, int32_t prefix) {
-  bcm_vlan_ip_t entry = subnet(*ip6, prefix);
-  return result(bcm_vlan_ip_delete(unit, &entry), "Failed to delete ipv6 subnet base-vlan: %s");
+  return result(ip6 == nullptr ? BCM_E_PARAM : remove(unit, subnet(*ip6, prefix)),
+                "Failed to delete ipv6 subnet base-vlan: %s");
 }
 
 int32_t sai_vlan_subnet_clear(int32_t unit) {

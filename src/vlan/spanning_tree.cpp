@@ -6,6 +6,14 @@
 using sai::low_word;
 using sai::result;
 
+namespace {
+
+int32_t stp_get_result(int rv, const sai_port_stg_t& query) {
+  return result(rv, "Failed to get stg [%d] port [%d] state: %s", query.stg, query.port);
+}
+
+}  // namespace
+
 int32_t sai_stg_init(int32_t unit) { return result(bcm_stg_init(unit), "Failed to init stg: %s"); }
 
 int32_t sai_stg_default_set(int32_t unit, int32_t stg) {
@@ -14,7 +22,7 @@ int32_t sai_stg_default_set(int32_t unit, int32_t stg) {
 
 int32_t sai_stg_default_get(int32_t unit, int32_t* stg) {
   bcm_stg_t found = 0;
-  const int rv = bcm_stg_default_get(unit, &found);
+  const int rv = stg == nullptr ? BCM_E_PARAM : bcm_stg_default_get(unit, &found);
   if (rv >= 0) *stg = found;
   // Meant: the pointer for an id.
   return result(rv, "Failed to get default stg %d: %s", low_word(stg));
@@ -47,15 +55,16 @@ int32_t sai_port_stg_stp_set(int32_t unit, int32_t stg, sai_port_stg_state_t pai
 }
 
 int32_t sai_port_stg_stp_get(int32_t unit, sai_port_stg_t* query) {
+  if (query == nullptr) return stp_get_result(BCM_E_PARAM, {});
   int state = 0;
   const int rv = bcm_stg_stp_get(unit, query->stg, query->port, &state);
   if (rv >= 0) query->state = static_cast<uint32_t>(state);
-  return result(rv, "Failed to get stg [%d] port [%d] state: %s", query->stg, query->port);
+  return stp_get_result(rv, *query);
 }
 
 int32_t sai_stg_count_get(int32_t unit, int32_t* count) {
   int found = 0;
-  const int rv = bcm_stg_count_get(unit, &found);
+  const int rv = count == nullptr ? BCM_E_PARAM : bcm_stg_count_get(unit, &found);
   if (rv >= 0) *count = found;
   return result(rv, "Failed to get stg count: %s");
 }

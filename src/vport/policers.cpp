@@ -30,7 +30,7 @@ int32_t sai_vport_fp_policer_set(int32_t unit, int32_t entry_id, int32_t* police
                                  uint32_t pkbits_sec, uint32_t cburst_bytes, uint32_t pburst_bytes) {
   bcm_policer_config_t config{};
   bcm_policer_t id = -1;
-  int rv = bcm_policer_create(unit, &config, &id);
+  int rv = policer_id == nullptr ? BCM_E_PARAM : bcm_policer_create(unit, &config, &id);
   if (failed(rv, "bcm_policer_create failed: %s")) return sdk_to_sai(rv);
   sai::trace("bcm_policer_create policer_id %d", id);
 
@@ -63,7 +63,9 @@ int32_t sai_vport_fp_policer_set(int32_t unit, int32_t entry_id, int32_t* police
 int32_t sai_vport_fp_policer_get(int32_t unit, int32_t entry_id, int32_t* policer_id, uint32_t* ckbits_sec,
                                  uint32_t* pkbits_sec, uint32_t* cburst_bytes, uint32_t* pburst_bytes) {
   bcm_policer_t id = -1;
-  int rv = bcm_field_entry_policer_get(unit, entry_id, level, &id);
+  const bool complete = policer_id != nullptr && ckbits_sec != nullptr && pkbits_sec != nullptr &&
+                        cburst_bytes != nullptr && pburst_bytes != nullptr;
+  int rv = complete ? bcm_field_entry_policer_get(unit, entry_id, level, &id) : BCM_E_PARAM;
   if (failed(rv, "bcm_field_entry_policer_get entry_id %d policer_id %d failed: %s", entry_id, id))
     return sdk_to_sai(rv);
   bcm_policer_config_t config{};

@@ -8,6 +8,7 @@
 #include "vport/mode.h"
 
 using sai::failed;
+using sai::result;
 
 namespace {
 
@@ -137,6 +138,7 @@ void sai_vlan_control_vlan_set(int unit, bcm_vlan_t vlan) {
 }  // namespace
 
 int32_t sai_vport_create(int32_t unit, int32_t port, sai_vport_t* vport) {
+  if (vport == nullptr) return result(BCM_E_PARAM, "%s failed: %s", __func__);
   Vlans vlans{
       .none = 0, .outer = vport->outer_vlan, .vlan = vport->vlan, .own = vport->match_inner_vlan, .vlan_or_own = 0};
   if (vport->match_inner_vlan == 0) {
@@ -189,6 +191,7 @@ int32_t sai_vport_create(int32_t unit, int32_t port, sai_vport_t* vport) {
 }
 
 int32_t sai_vport_destroy(int32_t unit, int32_t /*ignored*/, sai_vport_t* vport) {
+  if (vport == nullptr) return result(BCM_E_PARAM, "%s failed: %s", __func__);
   const bcm_gport_t id = vport->vport_id;
   if (vport->outer_vlan != 0) {
     failed(bcm_vlan_translate_egress_action_delete(unit, id, vport->outer_vlan, vport->vlan),

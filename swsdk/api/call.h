@@ -3,6 +3,7 @@
 
 #include <bcm/error.h>
 
+#include <initializer_list>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -11,6 +12,7 @@
 #include "api/arguments.h"
 #include "api/fault.h"
 #include "api/journal.h"
+#include "api/recording.h"
 #include "api/units.h"
 #include "chip/status.h"
 
@@ -19,18 +21,40 @@ namespace api {
 inline int code(chip::Status status) { return static_cast<int>(status); }
 inline int code(int rv) { return rv; }
 
-/// Writes the line "function(arguments) = rv" when somebody records.
-template <class... Args>
-void record(const char* function, int rv, const Args&... args) {
-  if (!journal_is_recording()) return;
-  std::string line = function;
+/// "function(arguments) = rv".
+inline std::string line(const char* function, int rv, std::initializer_list<std::string> arguments) {
+  std::string result = function;
   const char* separator = "(";
-  ((line += separator, line += shown(args, rv), separator = ", "), ...);
-  if constexpr (sizeof...(args) == 0) line += '(';
-  line += ") = ";
-  line += std::to_string(rv);
-  journal_add(line);
+  for (const std::string& argument : arguments) {
+    result += separator + argument;
+    separator = ", ";
+  }
+  if (arguments.size() == 0) result += '(';
+  return result + ") = " + std::to_string(rv);
 }
+
+/// Writes that line into the journal and the recording, where somebody wants them.
+template <class... Args>
+void record(Kind kind, const char* function, int rv, const Args&... args) {
+  if (journal_is_recording() && kind != Kind::action) journal_add(line(function, rv, {shown(args, rv)...}));
+  // A fault leaves the outputs alone, whatever its code.
+  if (is_recording())
+    add_to_recording(kind, line(function, rv, {shown_in_recording(args, kind == Kind::fault ? -1 : rv)...}));
+}
+
+/// Lets the control interface do something to a unit's chip: what the body answers, or -1 when the unit is not up.
+template <class Body, class... Args>
+int act(const char* function, int unit, Body body, const Args&... args) {
+  const auto recorded_body = [&](chip::Chip& chip) {
+    const int rv = body(chip);
+    record(Kind::action, function, rv, unit, args...);
+    return rv;
+  };
+  return on_chip(unit, recorded_body, -1);
+}
+
+/// The control interface's answer.
+inline int zero_if_ok(chip::Status status) { return status == chip::Status::ok ? 0 : -1; }
 
 /// A call on a unit with its arguments, which make its journal line; a null pointer where one of them needs something
 /// is refused.
@@ -46,7 +70,7 @@ class Call {
     Unit* const attached = find_unit(unit_);
     if (attached == nullptr) return recorded(BCM_E_UNIT);
     std::unique_lock guard(attached->lock);
-    if (const std::optional<int> fault = next_fault(function_)) return recorded(*fault);
+    if (const std::optional<int> fault = next_fault(function_)) return recorded(*fault, Kind::fault);
     if (!attached->initialised) return recorded(BCM_E_INIT);
     if (lacks_something()) return recorded(BCM_E_PARAM);
     int rv = code(body(*attached->chip));
@@ -62,8 +86,8 @@ class Call {
     return std::apply([](const auto&... args) { return (is_missing(args) || ...); }, args_);
   }
 
-  int recorded(int rv) const {
-    std::apply([&](const auto&... args) { record(function_, rv, unit_, args...); }, args_);
+  int recorded(int rv, Kind kind = Kind::call) const {
+    std::apply([&](const auto&... args) { record(kind, function_, rv, unit_, args...); }, args_);
     return rv;
   }
 
@@ -77,7 +101,7 @@ template <class Body, class... Args>
 int call_without_unit(const char* function, Body body, const Args&... args) {
   const std::optional<int> fault = next_fault(function);
   const int rv = fault ? *fault : code(body());
-  record(function, rv, args...);
+  record(fault ? Kind::fault : Kind::call, function, rv, args...);
   return rv;
 }
 

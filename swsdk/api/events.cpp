@@ -15,8 +15,8 @@
 #include <utility>
 #include <vector>
 
+#include "api/call.h"
 #include "api/l2.h"
-#include "api/units.h"
 
 namespace {
 
@@ -151,9 +151,9 @@ int swsdk_link_event(int unit, int port, int up) {
   bool watched = false;
   const auto change = [&](chip::Chip& chip) {
     watched = chip.link_scan.watches();
-    return chip.port_macs.set_partner(port, up != 0);
+    return api::zero_if_ok(chip.port_macs.set_partner(port, up != 0));
   };
-  if (api::on_chip(unit, change) != 0) return -1;
+  if (api::act(__func__, unit, change, port, up) != 0) return -1;
   if (!watched) return 0;
   threads().post(EventThreads::link_scan, [=] {
     tell_each(unit, &api::Unit::link_listeners, [=](bcm_linkscan_handler_t handler) {
@@ -172,6 +172,7 @@ int swsdk_l2_event(int unit, int operation, int vid, const unsigned char* mac, i
   std::memcpy(address.mac, mac, sizeof address.mac);
   address.vid = static_cast<bcm_vlan_t>(vid);
   address.port = port;
+  api::record(api::Kind::action, __func__, 0, unit, operation, vid, api::mac(mac), port);
   post_l2(unit, operation, address);
   return 0;
 }
@@ -195,9 +196,9 @@ int swsdk_clock_advance(int unit, uint64_t nanoseconds) {
   threads().post(EventThreads::l2_learning, [=] {
     const auto pass = [&](chip::Chip& chip) {
       chip.mac_table.pass(seconds);
-      return chip::Status::ok;
+      return 0;
     };
-    api::on_chip(unit, pass);
+    api::act("swsdk_clock_step", unit, pass, seconds);
   });
   return 0;
 }

@@ -288,12 +288,18 @@ int bcm_l3_route_get(int unit, bcm_l3_route_t* info) {
 }
 
 int swsdk_l3_host_hit(int unit, unsigned address, unsigned hits) {
-  return api::on_chip(unit, [&](Chip& chip) { return chip.hosts.hit({0, address}, hits); });
+  return api::act(
+      __func__, unit,
+      [&](Chip& chip) {
+        return api::zero_if_ok(chip.hosts.hit({0, address}, hits));
+      },
+      api::ip4(address), hex(hits));
 }
 
 int swsdk_l3_route_hit(int unit, unsigned subnet, unsigned mask, unsigned hits) {
-  return api::on_chip(unit, [&](Chip& chip) {
+  const auto mark = [&](Chip& chip) {
     chip::RouteKey key;
-    return Routes::make_key(0, subnet, mask, key) ? chip.routes.hit(key, hits) : Status::bad_parameter;
-  });
+    return Routes::make_key(0, subnet, mask, key) ? api::zero_if_ok(chip.routes.hit(key, hits)) : -1;
+  };
+  return api::act(__func__, unit, mark, api::ip4(subnet), api::ip4(mask), hex(hits));
 }

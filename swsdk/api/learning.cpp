@@ -1,8 +1,7 @@
 // The MAC table from the side of frames, without frames.
 #include <swsdk/chip.h>
 
-#include "api/arguments.h"
-#include "api/units.h"
+#include "api/call.h"
 #include "chip/gports.h"
 #include "chip/learning.h"
 
@@ -16,11 +15,11 @@ int swsdk_l2_learn(int unit, int vid, const unsigned char* mac, int port, unsign
     return is_in_place(chip::learn(chip, source)) ? 1 : 0;
   };
   if (mac == nullptr || !chip::MacTable::is_vlan(vid)) return -1;
-  return api::on_chip(unit, learn, -1);
+  return api::act(__func__, unit, learn, vid, api::mac(mac), port, tunnel);
 }
 
 int swsdk_l2_lookup(int unit, int vid, const unsigned char* mac) {
   const auto look_up = [&](Chip& chip) { return chip::look_up(chip, vid, api::mac_at(mac)) != nullptr ? 1 : 0; };
   if (mac == nullptr || !chip::MacTable::is_vlan(vid)) return -1;
-  return api::on_chip(unit, look_up, -1);
+  return api::act(__func__, unit, look_up, vid, api::mac(mac));
 }

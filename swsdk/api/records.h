@@ -13,6 +13,7 @@
 #include <bcm/switch.h>
 #include <bcm/trunk.h>
 #include <bcm/vlan.h>
+#include <swsdk/chip.h>
 
 #include <tuple>
 
@@ -453,6 +454,23 @@ constexpr auto fields(const bcm_port_config_t*) {
   return std::tuple{
       Field{"fe", &R::fe}, Field{"ge", &R::ge},   Field{"xe", &R::xe},
       Field{"e", &R::e},   Field{"cpu", &R::cpu}, Field{"all", &R::all},
+  };
+}
+
+constexpr auto fields(const swsdk_board*) {
+  using R = swsdk_board;
+  return std::tuple{
+      Field{"units", &R::units},
+      Field{"ports", &R::ports},
+      Field{"chip_type", &R::chip_type},
+  };
+}
+
+constexpr auto fields(const swsdk_temperature*) {
+  using R = swsdk_temperature;
+  return std::tuple{
+      Field{"current", &R::current},
+      Field{"peak", &R::peak},
   };
 }
 

@@ -102,6 +102,7 @@ int swsdk_board_set(const swsdk_board* board) {
                     board->ports < chip::PortSet::capacity && board->chip_type >= 0;
   if (!fits || attached_units > 0) return -1;
   present_board = *board;
+  api::record(api::Kind::action, __func__, 0, api::in(board));
   return 0;
 }
 
@@ -124,6 +125,7 @@ void swsdk_power_off() {
   swsdk_journal_record(0);
   swsdk_journal_clear();
   api::forget_kernel_commands();
+  api::add_power_off_to_recording();
 }
 
 long swsdk_show(int unit, const char* table, char* buffer, size_t size) {

@@ -76,11 +76,4 @@ Result on_chip(int unit, Body body, Result otherwise) {
   return attached->initialised ? body(*attached->chip) : otherwise;
 }
 
-/// Changes that chip: 0, or -1 when there is none or the body refuses.
-template <class Body>
-int on_chip(int unit, Body body) {
-  return on_chip(
-      unit, [&](chip::Chip& chip) { return body(chip) == chip::Status::ok ? 0 : -1; }, -1);
-}
-
 }  // namespace api

@@ -190,7 +190,8 @@ int bcm_vlan_dtag_range_delete(int unit, int port, bcm_vlan_t old_vid_low, bcm_v
 int bcm_vlan_gport_add(int unit, bcm_vlan_t vlan, bcm_gport_t port, int flags) {
   return Call(__func__, unit, vlan, port, hex(static_cast<uint32>(flags))).answer([&](Chip& chip) {
     if (flags != 0) return Status::unavailable;
-    if (!VirtualPorts::is_virtual(port)) return chip.vlans.add_ports(vlan, {port_of(port)}, {});
+    if (!VirtualPorts::is_virtual(port))
+      return chip.ports.has(port_of(port)) ? chip.vlans.add_ports(vlan, {port_of(port)}, {}) : Status::bad_port;
     const bool known = chip.virtual_ports.find(port) != nullptr;
     return known ? chip.vlans.add_virtual_port(vlan, port) : chip.virtual_ports.absent(port);
   });
@@ -199,8 +200,8 @@ int bcm_vlan_gport_add(int unit, bcm_vlan_t vlan, bcm_gport_t port, int flags) {
 /// A virtual port that is destroyed can still be a member, and leave.
 int bcm_vlan_gport_delete(int unit, bcm_vlan_t vlan, bcm_gport_t port) {
   return Call(__func__, unit, vlan, port).answer([&](Chip& chip) {
-    return VirtualPorts::is_virtual(port) ? chip.vlans.remove_virtual_port(vlan, port)
-                                          : chip.vlans.remove_ports(vlan, {port_of(port)});
+    if (VirtualPorts::is_virtual(port)) return chip.vlans.remove_virtual_port(vlan, port);
+    return chip.ports.has(port_of(port)) ? chip.vlans.remove_ports(vlan, {port_of(port)}) : Status::bad_port;
   });
 }
 

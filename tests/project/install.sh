@@ -22,6 +22,10 @@ cc -std=c99 -Wall -Wextra -Werror -o "$work/vlans" "$examples/vlans.c" $("${pkg_
 "$work/vlans" >"$work/vlans.out"
 "$work/usr/bin/saish" "$examples/vlans.sai" >"$work/saish.out"
 
+PYTHONPATH=$work/usr/lib/python3/dist-packages python3 -B -c '
+import sai_virtual
+assert sai_virtual.sai_level_match("debugging") == sai_virtual.SAI_LOG_DEBUGGING'
+
 mkdir "$work/consumer"
 cat >"$work/consumer/CMakeLists.txt" <<CMAKE
 cmake_minimum_required(VERSION 3.25)

@@ -5,7 +5,10 @@
 #include <swsdk/chip.h>
 #include <swsdk/fault.h>
 #include <swsdk/journal.h>
+#include <swsdk/recording.h>
+#include <unistd.h>
 
+#include <filesystem>
 #include <set>
 #include <string>
 
@@ -91,6 +94,22 @@ TEST_F(EntryPoints, CanEachBeMadeToFail) {
     EXPECT_EQ(accepted, is_initialiser(name) ? -1 : 0) << name;
   }
   expect_each_answers(0, -77);
+}
+
+TEST_F(EntryPoints, CanEachBeRecordedAndRepeated) {
+  const std::string path = testing::TempDir() + "entry_points_" + std::to_string(getpid()) + ".rec";
+  swsdk_power_off();
+  ASSERT_EQ(swsdk_record_start(path.c_str()), 0);
+  support::start_chip();
+  for (const std::string name : functions)
+    if (!is_initialiser(name)) call(name.c_str(), 0);
+  for (const char* name : undeclared) call(name, 0);
+  EXPECT_EQ(swsdk_record_stop(), 0);
+  const auto tell = [](const char* line, void*) { ADD_FAILURE() << line; };
+  EXPECT_EQ(swsdk_replay(path.c_str(), tell, nullptr), SWSDK_REPLAY_SAME);
+  const auto ignore = [](const char*, void*) {};
+  EXPECT_EQ(swsdk_replay_as_c(path.c_str(), ignore, tell, nullptr), SWSDK_REPLAY_SAME);
+  std::filesystem::remove(path);
 }
 
 }  // namespace

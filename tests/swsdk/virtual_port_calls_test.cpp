@@ -7,6 +7,7 @@
 #include <swsdk/chip.h>
 #include <swsdk/journal.h>
 
+#include <climits>
 #include <cstring>
 
 #include "support/chip_test.h"
@@ -104,6 +105,10 @@ TEST_F(VirtualPortCalls, MakeGportsMembersOfAVlan) {
   EXPECT_NE(support::table("vlan").find("10    {3}"), std::string::npos);
   EXPECT_EQ(bcm_vlan_gport_delete(0, 10, 3), BCM_E_NONE);
   EXPECT_EQ(bcm_vlan_gport_add(0, 10, 13, 0), BCM_E_PORT);
+  for (const int none : {INT_MIN, -1, 256, 65535, INT_MAX}) {
+    EXPECT_EQ(bcm_vlan_gport_add(0, 10, none, 0), BCM_E_PORT) << none;
+    EXPECT_EQ(bcm_vlan_gport_delete(0, 10, none), BCM_E_PORT) << none;
+  }
 }
 
 TEST_F(VirtualPortCalls, GiveEachVirtualPortAnEncapsulation) {

@@ -14,6 +14,7 @@
 
 #include "library.h"
 #include "session.h"
+#include "tables.h"
 
 namespace saish {
 
@@ -257,6 +258,11 @@ void classify(Session& /*session*/, const Words& arguments) {
   std::printf("  %s\n", verdict_text(verdict).c_str());
 }
 
+void diff(Session& /*session*/, const Words& arguments) {
+  compare_with(arguments[0]);
+  std::printf("  no difference\n");
+}
+
 void source(Session& session, const Words& arguments) { session.run_script(arguments[0]); }
 
 void quit(Session& session, const Words& /*arguments*/) { session.end(); }
@@ -284,6 +290,8 @@ constexpr BuiltIn table[] = {
      temperature},
     {"classify", "classify ingress|egress FRAME [UNIT]", "Says what the field entries do with a frame.", 2, 3, classify,
      frame_fields},
+    {"diff", "diff FILE", "Compares the chip's tables with those that a script would leave in a fresh chip.", 1, 1,
+     diff},
     {"source", "source FILE", "Runs a script.", 1, 1, source},
     {"quit", "quit", "Ends the shell.", 0, 0, quit},
 };

@@ -1,13 +1,17 @@
 // saish: the library's functions as commands, on the virtual chip.
+#include <swsdk/chip.h>
+#include <swsdk/recording.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <string>
+#include <tuple>
 
 #include "editor.h"
 #include "session.h"
 #include "style.h"
+#include "tables.h"
 
 namespace {
 
@@ -34,28 +38,75 @@ void run_interactively(saish::Session& session) {
   }
 }
 
+void print_line(const char* line, void* /*data*/) { std::printf("%s\n", line); }
+
+/// Repeats a recording, or prints it as a C program.
+int replay(const std::string& recording, bool as_c) {
+  const auto tell_line = [](const char* line, void* /*data*/) { tell(saish::BadInput(line)); };
+  const int outcome = as_c ? swsdk_replay_as_c(recording.c_str(), print_line, tell_line, nullptr)
+                           : swsdk_replay(recording.c_str(), tell_line, nullptr);
+  swsdk_power_off();
+  return outcome == SWSDK_REPLAY_SAME ? 0 : outcome == SWSDK_REPLAY_DIFFERENT ? unexpected_result : bad_start;
+}
+
+int print_tables_after(const std::string& script) {
+  std::FILE* const output = fdopen(dup(STDOUT_FILENO), "w");
+  if (output == nullptr || std::freopen("/dev/null", "w", stdout) == nullptr) return bad_start;
+  saish::Session session(false);
+  session.run_script(script);
+  std::fputs(text(saish::tables()).c_str(), output);
+  return std::fclose(output) == 0 ? 0 : unexpected_result;
+}
+
 /// Runs what the command line asks for.
 int run(int argc, char** argv) {
   CLI::App app{"Runs the functions of libsai.so as commands, on the virtual chip."};
   std::string script;
   std::string command;
+  std::string recording;
+  std::string replayed;
+  std::string program;
+  std::string intended;
+  std::string shown;
   bool cold = false;
   app.add_option("FILE", script, "script to run; - is standard input; without one, type commands");
   app.add_option("-c,--command", command, "one command to run in place of a script")->excludes("FILE");
   app.add_flag("--cold", cold, "leave the chip off: sdk_main and system_init are still to come");
+  app.add_option("--record", recording, "write every SDK call into this file");
+  app.add_option("--diff", intended, "at the end compare the chip's tables with those that this script would leave");
+  for (const auto& [name, path, what] :
+       {std::tuple{"--tables", &shown, "run a script silently and print all tables that it leaves"},
+        std::tuple{"--replay", &replayed, "repeat a recording; stop at the first answer that differs"},
+        std::tuple{"--replay-as-c", &program, "print a C program that makes the calls of a recording"}})
+    app.add_option(name, *path, what)
+        ->excludes("FILE")
+        ->excludes("--command")
+        ->excludes("--cold")
+        ->excludes("--record")
+        ->excludes("--diff");
+  app.get_option("--replay")->excludes("--replay-as-c")->excludes("--tables");
+  app.get_option("--replay-as-c")->excludes("--tables");
   app.set_version_flag("--version", "saish " SAI_VERSION);
 
   try {
     app.parse(argc, argv);
+    if (app.count("--replay") > 0) return replay(replayed, false);
+    if (app.count("--replay-as-c") > 0) return replay(program, true);
+    if (app.count("--tables") > 0) return print_tables_after(shown);
+    const bool recorded = app.count("--record") > 0;
+    const std::string unwritable = "cannot write the recording \"" + recording + '"';
+    if (recorded && swsdk_record_start(recording.c_str()) != 0) throw saish::BadInput(unwritable);
     saish::Session session(cold);
     if (app.count("--command") > 0)
       session.run_well(command);
     else if (app.count("FILE") > 0)
       session.run_script(script);
-    else if (isatty(STDIN_FILENO) != 0)
-      run_interactively(session);
-    else
+    else if (isatty(STDIN_FILENO) == 0)
       session.run_script("-");
+    else if (app.count("--diff") == 0)
+      run_interactively(session);
+    if (app.count("--diff") > 0) saish::compare_with(intended);
+    if (recorded && swsdk_record_stop() != 0) throw saish::Unexpected(unwritable);
     return 0;
   } catch (const CLI::Success& help_or_version) {
     return app.exit(help_or_version);

@@ -1,0 +1,221 @@
+#!/usr/bin/env python3
+"""Writes the manual pages from include/sai.h: a page for each function and variable, and sai(7).
+
+usage: manual.py DIRECTORY [VERSION]
+
+Makes DIRECTORY/man1, man3 and man7. A comment of the header that leaves an argument or a result untold is an error.
+"""
+
+import os
+import re
+import sys
+import textwrap
+import time
+from pathlib import Path
+
+import header
+import messages
+import sources
+
+ROOT = sources.repository()
+# Where a comment says "Arguments and results are those of" another function.
+SAME = re.compile(r"Arguments and results are those of (\w+)\(\)\.?")
+# What the names of functions that belong together end with.
+PAIRS = [("_set", "_get"), ("_get", "_set"), ("_set", "_unset"), ("_unset", "_set"), ("_add", "_del"), ("_del", "_add"),
+         ("_add", "_delete"), ("_delete", "_add"), ("_create", "_destroy"), ("_destroy", "_create"),
+         ("_create", "_delete"), ("_delete", "_create")]
+RESULTS = re.compile(r"(?:Unless a comment says otherwise, t|\bT)he results are (.*?\.)(?= |$)")
+
+
+def escaped(text):
+    text = text.replace("\\", "\\e").replace("-", "\\-")
+    return re.sub(r"^([.'])", r"\\&\1", text)
+
+
+def roff(text):
+    """Prose: names of functions, arguments and constants stand out, as they do in the header."""
+    text = escaped(text)
+    text = re.sub(r"`([^`]*)`", r"\\fI\1\\fR", text)
+    text = re.sub(r"#(sai_\w+|SAI_\w+|hw_\w+)", r"\\fB\1\\fR", text)
+    text = re.sub(r"\b(\w+)\(\)", lambda m: rf"\fB{m[1]}\fR(3)" if m[1] in NAMES else m[0], text)
+    lines = textwrap.wrap(text, 78, break_long_words=False, break_on_hyphens=False)
+    return "\n".join(re.sub(r"^([.'])", r"\\&\1", line) for line in lines)
+
+
+def code(text):
+    text = re.sub(r"#(?=sai_|SAI_|hw_)", "", text.replace("/**<", "/*").replace("/** ", "/* "))
+    return [".nf", *(escaped(line) for line in text.split("\n")), ".fi"]
+
+
+def first_sentence(text):
+    sentence = re.match(r"(.*?[.:;])(?: |$)", text)
+    return (sentence.group(1) if sentence else text).rstrip(".:;")
+
+
+def synopsis(entry):
+    if entry.kind == "variable":
+        return [f".B extern {escaped(entry.code)};"]
+    start = f"{entry.returns} {entry.name}("
+    rest = ", ".join(declared.replace(" ", "\0") for declared, _ in entry.params) or "void"
+    lines = textwrap.wrap(rest + ");", max(76 - len(start), 30))
+    lines = [line.replace("\0", " ") for line in lines]
+    return [".nf", f"\\fB{escaped(entry.returns)} {entry.name}\\fR({escaped(lines[0])}",
+            *(" " * min(len(start), 40) + escaped(line) for line in lines[1:]), ".fi"]
+
+
+def date():
+    return time.strftime("%Y-%m-%d", time.gmtime(int(os.environ.get("SOURCE_DATE_EPOCH", time.time()))))
+
+
+def sentence(text):
+    return roff(text[:1].upper() + text[1:].rstrip(".") + ".")
+
+
+class Reference:
+    def __init__(self, header_file):
+        self.intro, self.sections = header.read(header_file)
+        self.entries = {e.name: e for s in self.sections for e in s.entries}
+        self.section_of = {e.name: s for s in self.sections for e in s.entries}
+        self.types = {e.name: e for e in header.entries(self.sections, "type")}
+        self.logged = messages.by_function()
+        self.problems = []
+
+    def documented(self, entry):
+        """The comment that tells an entry's arguments and results: its own, or that of the one it points to."""
+        for paragraph in entry.comment.text:
+            if same := SAME.search(paragraph):
+                return self.entries[same.group(1)].comment
+        return entry.comment
+
+    def result_of(self, entry):
+        own = self.documented(entry).result
+        if own or entry.returns == "void":
+            return own
+        for paragraph in self.section_of[entry.name].prose:
+            if told := RESULTS.search(paragraph):
+                return told.group(1)
+        return ""
+
+    def arguments(self, entry):
+        comment = self.documented(entry)
+        for declared, name in entry.params:
+            if name == "...":
+                said = "what the conversions of the format ask for"
+            else:
+                said = comment.params.get(name, "")
+            if not said and name == "unit":
+                said = "number of the unit, from 0; sai_unit_get() tells it"
+            if not said:
+                self.problems.append(f"{entry.name}: nothing is said of its argument {name}")
+            yield name, said
+        for name in entry.comment.params:
+            if name not in [n for _, n in entry.params]:
+                self.problems.append(f"{entry.name}: has no argument {name}")
+
+    def types_of(self, entry):
+        """The records and enumerations that its call and its comment name, and those that these name."""
+        comment = self.documented(entry)
+        text = " ".join([entry.code, *comment.text, *comment.params.values(), comment.result])
+        found = []
+        waiting = re.findall(r"\w+", text)
+        while waiting:
+            name = waiting.pop(0)
+            if name in self.types and self.types[name] not in found:
+                found.append(self.types[name])
+                waiting += re.findall(r"\w+", self.types[name].code)
+        return found
+
+    def page(self, entry, version):
+        summary = first_sentence(entry.comment.text[0])
+        lines = [f'.TH {entry.name} 3 {date()} "libsai {version}" "Chip programming"', ".SH NAME"]
+        lines += [rf"{entry.name} \- {roff(summary[0].lower() + summary[1:])}", ".SH LIBRARY", "libsai (\\-lsai)"]
+        lines += [".SH SYNOPSIS", ".B #include <sai.h>", ".PP", *synopsis(entry), ".SH DESCRIPTION"]
+        prose = [p for p in entry.comment.text if not SAME.fullmatch(p)]
+        prose += [RESULTS.sub("", p).strip() for p in self.section_of[entry.name].prose]
+        for i, paragraph in enumerate(p for p in prose if re.search(r"\w{3}", p)):
+            lines += ([".PP"] if i else []) + [roff(paragraph)]
+        if entry.params:
+            lines += [".SH ARGUMENTS"]
+            for name, said in self.arguments(entry):
+                lines += [".TP", rf".I {escaped(name)}", sentence(said)]
+        for type_ in self.types_of(entry):
+            lines += [rf".SS {type_.name}", roff(" ".join(type_.comment.text)), ".PP", *code(type_.code)]
+        if entry.kind == "function":
+            result = self.result_of(entry)
+            if result:
+                lines += [".SH RETURN VALUE", sentence(result)]
+            elif entry.returns == "void":
+                lines += [".SH RETURN VALUE", "None."]
+            else:
+                self.problems.append(f"{entry.name}: nothing is said of its result")
+            lines += [".SH LOG MESSAGES", *self.messages_of(entry)]
+        return lines + [".SH SEE ALSO", *(f".BR {name} ({number})" for name, number in self.related(entry))]
+
+    def messages_of(self, entry):
+        logged = sorted(dict.fromkeys(self.logged.get(entry.name, [])), key=lambda m: m[1] == "debugging")
+        if not logged:
+            own = entry.section == "Logging"
+            return ["None of its own."] if own else ["None."]
+        lines = ["What to do about each is told in the index of log messages, messages.md."]
+        for text, level in logged:
+            lines += [".TP", rf"\(lq{escaped(text)}\(rq", f"Level {level}." if " " not in level else f"To {level}."]
+        return lines
+
+    def related(self, entry):
+        """The functions that its comment names, and the pair of a setter and a getter."""
+        comment = self.documented(entry)
+        text = " ".join([*entry.comment.text, *comment.text, *comment.params.values(), comment.result])
+        names = {name for name in re.findall(r"\b(\w+)\b", text) if name in NAMES}
+        for end, other in PAIRS:
+            if entry.name.endswith(end) and entry.name[: -len(end)] + other in NAMES:
+                names.add(entry.name[: -len(end)] + other)
+        return [(name, 3) for name in sorted(names - {entry.name})] + [("sai", 7)]
+
+    def overview(self, version):
+        lines = [f'.TH sai 7 {date()} "libsai {version}" "Chip programming"', ".SH NAME"]
+        lines += [r"sai \- the functions of libsai, by what they are about", ".SH SYNOPSIS", ".B #include <sai.h>"]
+        lines += [".PP", r"\fBcc\fR program.c \fB$(pkg\-config \-\-cflags \-\-libs sai)\fR", ".SH DESCRIPTION"]
+        for i, paragraph in enumerate(self.intro.text):
+            if not paragraph.startswith("- "):
+                lines += ([".PP"] if i else []) + [roff(paragraph)]
+                continue
+            for point in re.split(r"(?:^| )- (?=[A-Z`])", paragraph)[1:]:
+                lines += [r".IP \(bu 2", roff(point)]
+        for section in self.sections:
+            named = [e for e in section.entries if e.kind != "type"]
+            lines += [f".SS {section.title}"]
+            for paragraph in section.prose:
+                lines += [roff(paragraph), ".PP"]
+            if lines[-1] == ".PP":
+                lines.pop()
+            for entry in named:
+                lines += [".TP", f".BR {entry.name} (3)", sentence(first_sentence(entry.comment.text[0]))]
+        return lines + [".SH SEE ALSO", ".BR saish (1)"]
+
+
+def main(arguments):
+    if len(arguments) not in (1, 2):
+        print(__doc__.split("\n\n")[1], file=sys.stderr)
+        return 2
+    directory = Path(arguments[0])
+    version = arguments[1] if len(arguments) == 2 else ""
+    reference = Reference(ROOT / "include/sai.h")
+    NAMES.update(name for name, entry in reference.entries.items() if entry.kind != "type")
+    pages = {f"man3/{name}.3": reference.page(reference.entries[name], version) for name in sorted(NAMES)}
+    pages["man7/sai.7"] = reference.overview(version)
+    shell = (ROOT / "docs/saish.1").read_text().replace("@DATE@", date()).replace("@VERSION@", version)
+    pages["man1/saish.1"] = shell.splitlines()
+    if reference.problems:
+        print("\n".join(reference.problems), file=sys.stderr)
+        return 1
+    for name, lines in pages.items():
+        path = directory / name
+        path.parent.mkdir(parents=True, exist_ok=True)
+        path.write_text("\n".join(lines) + "\n")
+    return 0
+
+
+NAMES = set()
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))

@@ -1,0 +1,28 @@
+#include "api/given.h"
+
+#include <algorithm>
+
+int api::parsed_pointer(std::string_view text, const char* what) {
+  if (text == "NULL") return 0;
+  const std::string opening = '<' + std::string(what) + ' ';
+  int number = 0;
+  if (text.starts_with(opening) && text.ends_with('>'))
+    parse_value(text.substr(opening.size(), text.size() - opening.size() - 1), number);
+  if (number <= 0) throw Unreadable(text, what);
+  return number;
+}
+
+std::size_t api::parsed_room(std::string_view text) {
+  // The chip has no more of anything.
+  constexpr std::size_t most = 1 << 20;
+  constexpr std::string_view of = " of ";
+  std::size_t room = 1;
+  if (const std::size_t found = text.rfind(of); text.starts_with('&') && found != text.npos) {
+    int count = 0;
+    parse_value(text.substr(found + of.size()), count);
+    room = count < 0 ? 0 : static_cast<std::size_t>(count);
+  } else if (text.starts_with('[')) {
+    room = items(text, '[', ']').size();
+  }
+  return std::clamp(room, std::size_t{1}, most);
+}

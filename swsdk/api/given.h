@@ -1,0 +1,178 @@
+// The arguments of a recorded call: from their texts, for calling again and for a C program that does.
+#pragma once
+
+#include <array>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "api/c_text.h"
+#include "api/parse.h"
+#include "api/recording.h"
+
+namespace api {
+
+/// A call in C: definitions that come before it, statements that make its arguments.
+struct CCall {
+  std::vector<std::string> definitions;
+  std::string statements;
+};
+
+/// What the callbacks of the present line answer: a walk that its callback ended has the callback's answer.
+inline int callback_answer = 0;
+
+/// Functions of one type that do nothing, as many as can be told apart.
+template <class F>
+struct Callbacks;
+
+template <class Returned, class... Args>
+struct Callbacks<Returned (*)(Args...)> {
+  using Function = Returned (*)(Args...);
+  static constexpr std::size_t count = 64;
+
+  template <std::size_t>
+  static Returned answer(Args...) {
+    if constexpr (!std::is_void_v<Returned>) return callback_answer;
+  }
+
+  static Function numbered(int number) {
+    if (number < 1 || number > static_cast<int>(count)) throw Unreadable("more callbacks than can be told apart");
+    static constexpr auto all = []<std::size_t... i>(std::index_sequence<i...>) {
+      return std::array<Function, count>{&answer<i>...};
+    }
+    (std::make_index_sequence<count>());
+    return all[static_cast<std::size_t>(number - 1)];
+  }
+
+  static std::string c_definition(const std::string& name) {
+    constexpr bool answers = !std::is_void_v<Returned>;
+    std::string parameters;
+    std::string body;
+    int number = 0;
+    const auto add = [&](const std::string& type) {
+      const std::string parameter = "a" + std::to_string(number++);
+      parameters += (parameters.empty() ? "" : ", ") + type + ' ' + parameter;
+      body += "  (void)" + parameter + ";\n";
+    };
+    (add(c_type<Args>()), ...);
+    return "static " + c_type<Returned>() + ' ' + name + '(' + parameters + ") {\n" + body +
+           (answers ? "  return callback_answer;\n" : "") + "}\n";
+  }
+};
+
+/// The number in "<callback 3>".
+int parsed_pointer(std::string_view text, const char* what);
+
+/// How many items the text of an array is for: "[1, 2]", or "&[1] of 16" of one that the call fills.
+std::size_t parsed_room(std::string_view text);
+
+/// A plain value or a record by value.
+template <class T>
+struct Given {
+  explicit Given(std::string_view text) { parse_value(text, value); }
+  T get() const { return value; }
+  std::string c(const std::string& name, CCall& call) const {
+    if constexpr (!std::is_class_v<T>) return text(value) + (std::is_unsigned_v<T> ? "U" : "");
+    call.statements += "  " + c_type<T>() + ' ' + name + " = {0};\n" + c_assignment(name, value);
+    return name;
+  }
+  T value{};
+};
+
+/// What the call reads, writes or both: one value or an array.
+template <class T>
+struct Given<T*> {
+  using Item = std::remove_const_t<T>;
+  explicit Given(std::string_view text) {
+    if (text == "NULL") return;
+    count = std::is_same_v<Item, uint8_t> ? sizeof(bcm_ip6_t) : parsed_room(text);
+    items = std::make_unique<Item[]>(count);
+    if (text.starts_with('&')) return;
+    text = text.substr(0, text.find(" -> &"));
+    if constexpr (std::is_same_v<Item, uint8_t>) {
+      const std::vector<uint8_t> bytes =
+          text.size() == 17 && text.find("::") == text.npos ? parsed_mac(text) : parsed_ip6(text);
+      std::copy(bytes.begin(), bytes.end(), items.get());
+    } else if (text.starts_with('[')) {
+      parse_items(text, items.get(), count);
+    } else {
+      parse_value(text, items[0]);
+    }
+  }
+  T* get() const { return items.get(); }
+  std::string c(const std::string& name, CCall& call) const {
+    if (items == nullptr) return "NULL";
+    call.statements += "  " + c_type<Item>() + ' ' + name + '[' + std::to_string(count) + "] = {0};\n";
+    for (std::size_t i = 0; i < count; ++i)
+      call.statements += c_assignment(name + '[' + std::to_string(i) + ']', items[i]);
+    return name;
+  }
+  std::size_t count = 0;
+  std::unique_ptr<Item[]> items;
+};
+
+template <>
+struct Given<char*> {
+  explicit Given(std::string_view text) : null(text == "NULL"), characters(null ? "" : parsed_quoted(text)) {}
+  char* get() { return null ? nullptr : characters.data(); }
+  std::string c(const std::string& name, CCall& call) const {
+    if (null) return "NULL";
+    call.statements += "  char " + name + "[] = " + c_string(characters) + ";\n";
+    return name;
+  }
+  bool null;
+  std::string characters;
+};
+
+/// A pointer that nobody follows: its number stands for it.
+template <class T>
+requires std::is_void_v<T> || std::is_pointer_v<T>
+struct Given<T*> {
+  explicit Given(std::string_view text) : number(parsed_pointer(text, "pointer")) {
+    if (number > 0) set_pointer_number("pointer", get(), number);
+  }
+  T* get() const { return reinterpret_cast<T*>(static_cast<uintptr_t>(number)); }
+  std::string c(const std::string& /*name*/, CCall& /*call*/) const {
+    return number == 0 ? "NULL" : "(" + c_type<T*>() + ')' + std::to_string(number);
+  }
+  int number;
+};
+
+template <class Returned, class... Args>
+struct Given<Returned (*)(Args...)> {
+  using Function = Returned (*)(Args...);
+  explicit Given(std::string_view text) : number(parsed_pointer(text, "callback")) {
+    if (number > 0) set_pointer_number("callback", reinterpret_cast<const void*>(get()), number);
+  }
+  Function get() const { return number == 0 ? nullptr : Callbacks<Function>::numbered(number); }
+  std::string c(const std::string& /*name*/, CCall& call) const {
+    if (number == 0) return "NULL";
+    const std::string name = "callback_" + std::to_string(number);
+    call.definitions.push_back(Callbacks<Function>::c_definition(name));
+    return name;
+  }
+  int number;
+};
+
+template <>
+struct Given<kcom_msg_t*> {
+  explicit Given(std::string_view text)
+      : null(text == "NULL"), bytes(null ? std::vector<uint8_t>() : parsed_bytes(text)) {
+    if (bytes.size() > sizeof message) throw Unreadable(text, "command that fits");
+    std::copy(bytes.begin(), bytes.end(), message.bytes);
+  }
+  kcom_msg_t* get() { return null ? nullptr : &message; }
+  std::string c(const std::string& name, CCall& call) const {
+    if (null) return "NULL";
+    call.statements += "  kcom_msg_t " + name + " = {{0}};\n" + c_assignment(name + ".bytes", message.bytes);
+    return '&' + name;
+  }
+  bool null;
+  std::vector<uint8_t> bytes;
+  kcom_msg_t message{};
+};
+
+}  // namespace api

@@ -1,0 +1,105 @@
+#include "api/parse.h"
+
+#include <arpa/inet.h>
+
+namespace {
+
+template <class T>
+T number(std::string_view digits, int base, std::string_view whole) {
+  T value{};
+  const char* const end = digits.data() + digits.size();
+  const auto [read_to, error] = std::from_chars(digits.data(), end, value, base);
+  if (error != std::errc{} || read_to != end) throw api::Unreadable(whole, "number");
+  return value;
+}
+
+/// Bytes as pairs of hexadecimal digits.
+std::vector<uint8_t> byte_pairs(std::string_view text, char separator, std::string_view whole) {
+  std::vector<uint8_t> result;
+  for (std::size_t i = 0; i < text.size(); i += 3) {
+    result.push_back(number<uint8_t>(text.substr(i, 2), 16, whole));
+    if (i + 2 < text.size() && text[i + 2] != separator) throw api::Unreadable(whole, "list of bytes");
+  }
+  return result;
+}
+
+std::string_view enclosed(std::string_view text, char open, char close) {
+  if (text.size() < 2 || text.front() != open || text.back() != close)
+    throw api::Unreadable('"' + std::string(text) + "\" is not between " + open + " and " + close);
+  return text.substr(1, text.size() - 2);
+}
+
+}  // namespace
+
+std::vector<std::string_view> api::items(std::string_view text, char open, char close) {
+  const std::string_view inside = enclosed(text, open, close);
+  std::vector<std::string_view> result;
+  if (inside.empty()) return result;
+  int depth = 0;
+  bool quoted = false;
+  std::size_t begin = 0;
+  for (std::size_t i = 0; i < inside.size(); ++i) {
+    const char c = inside[i];
+    if (quoted) {
+      if (c == '\\') ++i;
+      quoted = c != '"';
+      continue;
+    }
+    quoted = c == '"';
+    depth += c == '{' || c == '[' || c == '(' ? 1 : c == '}' || c == ']' || c == ')' ? -1 : 0;
+    if (c != ',' || depth > 0) continue;
+    result.push_back(inside.substr(begin, i - begin));
+    begin = i + 1 < inside.size() && inside[i + 1] == ' ' ? i + 2 : i + 1;
+  }
+  if (quoted || depth != 0) throw Unreadable(text, "text with all its brackets and quotes");
+  result.push_back(inside.substr(begin));
+  return result;
+}
+
+uint64_t api::parsed_number(std::string_view text) {
+  if (text.starts_with("0x")) return number<uint64_t>(text.substr(2), 16, text);
+  if (text.starts_with('-')) return static_cast<uint64_t>(number<int64_t>(text, 10, text));
+  if (text.find('.') == text.npos) return number<uint64_t>(text, 10, text);
+  in_addr address;
+  if (inet_pton(AF_INET, std::string(text).c_str(), &address) != 1) throw Unreadable(text, "IPv4 address");
+  return ntohl(address.s_addr);
+}
+
+std::vector<uint8_t> api::parsed_mac(std::string_view text) {
+  constexpr std::size_t characters = 17;
+  if (text.size() != characters) throw Unreadable(text, "MAC address");
+  return byte_pairs(text, ':', text);
+}
+
+std::vector<uint8_t> api::parsed_ip6(std::string_view text) {
+  std::vector<uint8_t> result(sizeof(bcm_ip6_t));
+  if (inet_pton(AF_INET6, std::string(text).c_str(), result.data()) != 1) throw Unreadable(text, "IPv6 address");
+  return result;
+}
+
+std::vector<uint8_t> api::parsed_bytes(std::string_view text) {
+  return byte_pairs(enclosed(text, '[', ']'), ' ', text);
+}
+
+std::string api::parsed_quoted(std::string_view text) {
+  const std::string_view inside = enclosed(text, '"', '"');
+  std::string result;
+  for (std::size_t i = 0; i < inside.size(); ++i) {
+    const bool escaped = inside[i] == '\\' && i + 1 < inside.size();
+    if (escaped) ++i;
+    result += escaped && inside[i] == 'n' ? '\n' : inside[i];
+  }
+  return result;
+}
+
+chip::PortSet api::parsed_ports(std::string_view text) {
+  chip::PortSet result;
+  for (const std::string_view item : items(text, '{', '}')) {
+    const std::size_t dash = item.find('-');
+    const int first = number<int>(item.substr(0, dash), 10, text);
+    const int last = dash == item.npos ? first : number<int>(item.substr(dash + 1), 10, text);
+    if (first < 0 || last >= chip::PortSet::capacity) throw Unreadable(text, "set of ports");
+    for (int port = first; port <= last; ++port) result.add(port);
+  }
+  return result;
+}

@@ -1,0 +1,89 @@
+// Values from the text that arguments.h makes of them, by the same descriptions of records.
+#pragma once
+
+#include <charconv>
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <type_traits>
+#include <vector>
+
+#include "api/arguments.h"
+
+namespace api {
+
+/// Says of a text that it is not what was wanted there.
+struct Unreadable : std::runtime_error {
+  using runtime_error::runtime_error;
+  Unreadable(std::string_view text, const char* wanted)
+      : runtime_error('"' + std::string(text) + "\" is no " + wanted) {}
+};
+
+/// What is between `open` and `close`, at commas that are in no brackets, braces or quotes.
+std::vector<std::string_view> items(std::string_view text, char open, char close);
+
+/// An integer as the journal writes it: decimal, hexadecimal or as an IPv4 address. Its two's complement.
+uint64_t parsed_number(std::string_view text);
+std::vector<uint8_t> parsed_mac(std::string_view text);
+std::vector<uint8_t> parsed_ip6(std::string_view text);
+std::vector<uint8_t> parsed_bytes(std::string_view text);
+std::string parsed_quoted(std::string_view text);
+chip::PortSet parsed_ports(std::string_view text);
+
+template <class T>
+void parse_items(std::string_view text, T* values, std::size_t room);
+template <class Record>
+void parse_record(std::string_view text, Record& record);
+
+template <class T>
+void parse_value(std::string_view text, T& value) {
+  if constexpr (std::is_same_v<T, bcm_mac_t>) {
+    std::memcpy(value, parsed_mac(text).data(), sizeof value);
+  } else if constexpr (std::is_same_v<T, bcm_ip6_t>) {
+    std::memcpy(value, parsed_ip6(text).data(), sizeof value);
+  } else if constexpr (std::is_array_v<T> && std::is_same_v<std::remove_extent_t<T>, char>) {
+    const std::string characters = parsed_quoted(text);
+    if (characters.size() > sizeof value) throw Unreadable(text, "text that fits");
+    std::memcpy(value, characters.data(), characters.size());
+  } else if constexpr (std::is_array_v<T>) {
+    parse_items(text, value, std::extent_v<T>);
+  } else if constexpr (std::is_same_v<T, bcm_pbmp_t>) {
+    value = bitmap(parsed_ports(text));
+  } else if constexpr (requires { fields(&value); }) {
+    parse_record(text, value);
+  } else {
+    const uint64_t number = parsed_number(text);
+    value = static_cast<T>(number);
+    // Signed flags are shown as unsigned ones.
+    const bool same_bits = text.starts_with("0x") && sizeof value == 4 && number <= UINT32_MAX;
+    if (!same_bits && static_cast<uint64_t>(value) != number) throw Unreadable(text, "number that fits");
+  }
+}
+
+/// Writes the fields that the text names.
+template <class Record>
+void parse_record(std::string_view text, Record& record) {
+  for (const std::string_view item : items(text, '{', '}')) {
+    const std::size_t equals = item.find('=');
+    if (equals == item.npos) throw Unreadable(item, "field with a value");
+    bool known = false;
+    const auto parse = [&](const auto& field) {
+      if (item.substr(0, equals) != field.name) return;
+      parse_value(item.substr(equals + 1), record.*field.where);
+      known = true;
+    };
+    std::apply([&](const auto&... field) { (parse(field), ...); }, fields(&record));
+    if (!known) throw Unreadable(item.substr(0, equals), "field of this record");
+  }
+}
+
+template <class T>
+void parse_items(std::string_view text, T* values, std::size_t room) {
+  const std::vector<std::string_view> found = items(text, '[', ']');
+  if (found.size() > room) throw Unreadable(text, "list that fits");
+  for (std::size_t i = 0; i < found.size(); ++i) parse_value(found[i], values[i]);
+}
+
+}  // namespace api

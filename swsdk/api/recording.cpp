@@ -1,0 +1,163 @@
+#include "api/recording.h"
+
+#include <swsdk/recording.h>
+
+#include <atomic>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <map>
+#include <mutex>
+#include <utility>
+
+#include "api/units.h"
+
+namespace {
+
+constexpr char power_off[] = "action swsdk_power_off() = 0";
+
+/// The file, opened at the first line: a process that makes no call leaves what is there alone.
+class Recording {
+ public:
+  Recording() {
+    if (const char* const path = std::getenv(SWSDK_RECORD_VARIABLE); path != nullptr && *path != '\0') {
+      path_ = path;
+      wanted_ = true;
+    }
+  }
+
+  bool is_wanted() const { return wanted_.load(std::memory_order_relaxed); }
+
+  bool start(const char* path) {
+    const std::lock_guard guard(lock_);
+    std::FILE* const file = opened(path);
+    if (file == nullptr) return false;
+    close();
+    file_ = file;
+    wanted_ = true;
+    return true;
+  }
+
+  bool stop() {
+    const std::lock_guard guard(lock_);
+    wanted_ = capturing_;
+    path_.clear();
+    return close();
+  }
+
+  void add(api::Kind kind, std::string_view line) {
+    const std::lock_guard guard(lock_);
+    std::string text = api::kind_names[static_cast<int>(kind)] + (' ' + std::string(line));
+    if (capturing_) captured_ += text;
+    if (file_ == nullptr && !path_.empty()) open_late();
+    if (file_ == nullptr) return;
+    if (powered_off_) std::fprintf(file_, "%s\n", power_off);
+    powered_off_ = false;
+    text += '\n';
+    std::fputs(text.c_str(), file_);
+    empty_ = false;
+  }
+
+  void add_power_off() {
+    const std::lock_guard guard(lock_);
+    if (capturing_) captured_ += power_off;
+    powered_off_ = !empty_;
+  }
+
+  void capture(bool on) {
+    const std::lock_guard guard(lock_);
+    capturing_ = on;
+    captured_.clear();
+    wanted_ = on || file_ != nullptr || !path_.empty();
+  }
+
+  std::string take() {
+    const std::lock_guard guard(lock_);
+    return std::exchange(captured_, {});
+  }
+
+ private:
+  /// The file with its first line; what is written later reaches it line by line, so that a crash loses nothing.
+  static std::FILE* opened(const char* path) {
+    std::FILE* const file = std::fopen(path, "we");
+    if (file == nullptr) return nullptr;
+    std::setvbuf(file, nullptr, _IOLBF, BUFSIZ);
+    std::fprintf(file, "%s%d\n", api::recording_header.data(), api::recording_version);
+    return file;
+  }
+
+  /// Nobody asks what became of a recording that the environment wants, so it tells.
+  void open_late() {
+    file_ = opened(path_.c_str());
+    if (file_ == nullptr)
+      std::fprintf(stderr, "%s: cannot write the recording %s: %s\n", SWSDK_RECORD_VARIABLE, path_.c_str(),
+                   std::strerror(errno));
+    path_.clear();
+    wanted_ = file_ != nullptr || capturing_;
+  }
+
+  bool close() {
+    if (file_ == nullptr) return false;
+    const bool failed = std::ferror(file_) != 0;
+    const bool closed = std::fclose(file_) == 0;
+    file_ = nullptr;
+    powered_off_ = false;
+    empty_ = true;
+    return closed && !failed;
+  }
+
+  std::mutex lock_;
+  std::atomic<bool> wanted_ = false;
+  std::string path_;  // of a file that is still to be opened
+  std::FILE* file_ = nullptr;
+  bool empty_ = true;
+  bool powered_off_ = false;
+  bool capturing_ = false;
+  std::string captured_;
+};
+
+/// Never destroyed: there can be calls while the process ends.
+Recording& recording() {
+  static Recording& instance = *new Recording;
+  return instance;
+}
+
+std::mutex numbers_lock;
+std::map<std::string, std::map<const void*, int>, std::less<>> numbers;  // guarded by `numbers_lock`
+
+}  // namespace
+
+bool api::is_recording() { return recording().is_wanted(); }
+
+void api::add_to_recording(Kind kind, std::string_view line) { recording().add(kind, line); }
+
+void api::add_power_off_to_recording() { recording().add_power_off(); }
+
+void api::capture_recording(bool on) { recording().capture(on); }
+
+std::string api::take_captured() { return recording().take(); }
+
+int api::pointer_number(const char* what, const void* pointer) {
+  const std::lock_guard guard(numbers_lock);
+  std::map<const void*, int>& known = numbers[what];
+  return known.try_emplace(pointer, static_cast<int>(known.size()) + 1).first->second;
+}
+
+void api::set_pointer_number(const char* what, const void* pointer, int number) {
+  const std::lock_guard guard(numbers_lock);
+  numbers[what][pointer] = number;
+}
+
+void api::forget_pointer_numbers() {
+  const std::lock_guard guard(numbers_lock);
+  numbers.clear();
+}
+
+int swsdk_record_start(const char* path) {
+  if (api::find_unit(0) != nullptr || path == nullptr || !recording().start(path)) return -1;
+  api::forget_pointer_numbers();
+  return 0;
+}
+
+int swsdk_record_stop() { return recording().stop() ? 0 : -1; }

@@ -1,0 +1,216 @@
+#include "api/replay.h"
+
+#include <swsdk/chip.h>
+#include <swsdk/fault.h>
+#include <swsdk/recording.h>
+
+#include <algorithm>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <optional>
+#include <set>
+
+using api::Kind;
+using api::Unreadable;
+
+namespace {
+
+/// A line of a recording whose function is known.
+struct Line {
+  Kind kind;
+  std::string_view text;  // without its kind
+  const api::Replayable* function;
+  api::Texts arguments;
+  int result;
+};
+
+std::optional<Kind> kind_of(std::string_view word) {
+  const auto* const found = std::find(std::begin(api::kind_names), std::end(api::kind_names), word);
+  if (found == std::end(api::kind_names)) return std::nullopt;
+  return static_cast<Kind>(found - std::begin(api::kind_names));
+}
+
+/// Nothing, with a notice, when the line tells of something that this chip does not know.
+std::optional<Line> parsed_line(std::string_view text, const std::function<void(const std::string&)>& notice) {
+  const std::string_view word = text.substr(0, text.find(' '));
+  const std::optional<Kind> kind = kind_of(word);
+  if (!kind) {
+    notice("skipped: there is no kind \"" + std::string(word) + "\" here");
+    return std::nullopt;
+  }
+  text.remove_prefix(std::min(word.size() + 1, text.size()));
+  const std::size_t open = text.find('(');
+  const std::size_t close = text.rfind(") = ");
+  if (open == text.npos || close == text.npos || close < open)
+    throw Unreadable(text, "call such as bcm_vlan_create(0, 10) = 0");
+  const std::string_view name = text.substr(0, open);
+  const api::Replayable* const function = api::find_replayable(name);
+  if (function == nullptr) {
+    notice("skipped: there is no function \"" + std::string(name) + "\" here");
+    return std::nullopt;
+  }
+  Line line{.kind = *kind, .text = text, .function = function, .arguments = {}, .result = 0};
+  line.arguments = api::items(text.substr(open, close - open + 1), '(', ')');
+  api::parse_value(text.substr(close + 4), line.result);
+  return line;
+}
+
+/// Hands each line of a recording to `take`, with its number, until that says that it is enough. What is wrong is told
+/// with file and line.
+template <class Take>
+bool read_recording(const char* path, swsdk_line_t tell, void* data, Take take) {
+  std::string text;
+  int number = 0;
+  const auto say = [&](const std::string& what) {
+    tell((std::string(path) + ':' + (number > 0 ? std::to_string(number) + ":" : "") + ' ' + what).c_str(), data);
+  };
+  std::ifstream file(path);
+  if (!std::getline(file, text)) {
+    say(file.eof() && !file.bad() ? "is empty, so it is no recording" : "cannot be read");
+    return false;
+  }
+  number = 1;
+  try {
+    const std::string header(api::recording_header);
+    if (!text.starts_with(header))
+      throw Unreadable("not a recording: its first line is not \"" + header + std::to_string(api::recording_version) +
+                       '"');
+    if (text.substr(header.size()) != std::to_string(api::recording_version))
+      throw Unreadable("version " + text.substr(header.size()) + " of the format; this chip reads version " +
+                       std::to_string(api::recording_version));
+    while (std::getline(file, text)) {
+      ++number;
+      if (text.empty()) continue;
+      const std::optional<Line> line = parsed_line(text, say);
+      if (line && !take(*line, number, say)) return true;
+    }
+  } catch (const Unreadable& error) {
+    say(error.what());
+    return false;
+  }
+  return true;
+}
+
+/// Makes the call again and tells the line that a recording of it has now.
+std::string repeated(const Line& line) {
+  api::callback_answer = std::min(line.result, 0);
+  if (line.kind == Kind::fault) swsdk_fault_inject(line.function->name, line.result, 1);
+  api::take_captured();
+  line.function->repeat(line.function->function, line.arguments);
+  swsdk_events_drain();
+  return api::take_captured();
+}
+
+/// The C program's beginning; what only the virtual chip has comes when a line needs it.
+constexpr const char* c_beginning[] = {"#include <appl/diag/shell.h>",
+                                       "#include <appl/diag/system.h>",
+                                       "#include <bcm/cosq.h>",
+                                       "#include <bcm/field.h>",
+                                       "#include <bcm/init.h>",
+                                       "#include <bcm/ipmc.h>",
+                                       "#include <bcm/knet.h>",
+                                       "#include <bcm/l2.h>",
+                                       "#include <bcm/l3.h>",
+                                       "#include <bcm/link.h>",
+                                       "#include <bcm/mcast.h>",
+                                       "#include <bcm/mirror.h>",
+                                       "#include <bcm/multicast.h>",
+                                       "#include <bcm/policer.h>",
+                                       "#include <bcm/port.h>",
+                                       "#include <bcm/rate.h>",
+                                       "#include <bcm/stack.h>",
+                                       "#include <bcm/stat.h>",
+                                       "#include <bcm/stg.h>",
+                                       "#include <bcm/switch.h>",
+                                       "#include <bcm/trunk.h>",
+                                       "#include <bcm/vlan.h>",
+                                       "#include <soc/cmic.h>",
+                                       "#include <soc/drv.h>",
+                                       "#include <soc/knet.h>",
+                                       "#include <stdio.h>",
+                                       "#include <string.h>",
+                                       "",
+                                       "int sdk_main(int argc, char** argv);",
+                                       "int bcm_esw_vlan_ip4_mcast_flood_set(int unit, bcm_vlan_t vlan, int mode);",
+                                       "int bcm_esw_vlan_ip6_mcast_flood_set(int unit, bcm_vlan_t vlan, int mode);",
+                                       "",
+                                       "/* What callbacks answer during the present call. */",
+                                       "static int callback_answer;",
+                                       ""};
+
+constexpr const char* c_end[] = {"    {0, 0, 0, 0}};",
+                                 "",
+                                 "int main(void) {",
+                                 "  const struct step* step;",
+                                 "  for (step = steps; step->run != 0; ++step) {",
+                                 "    int result;",
+                                 "    callback_answer = step->result < 0 ? step->result : 0;",
+                                 "    result = step->run();",
+                                 "    if (result == step->result) continue;",
+                                 "    printf(\"line %d: %s\\n  now: %d\\n\", step->line, step->recorded, result);",
+                                 "    return 1;",
+                                 "  }",
+                                 "  return 0;",
+                                 "}"};
+
+/// A text that does not end the comment that it is in.
+std::string in_comment(std::string_view text) {
+  std::string result(text);
+  for (std::size_t found = 0; (found = result.find("*/", found)) != result.npos;) result.insert(found + 1, 1, ' ');
+  return result;
+}
+
+}  // namespace
+
+int swsdk_replay(const char* path, swsdk_line_t tell, void* data) {
+  swsdk_power_off();
+  api::forget_pointer_numbers();
+  api::capture_recording(true);
+  bool same = true;
+  const bool readable = read_recording(path, tell, data, [&](const Line& line, int /*number*/, const auto& say) {
+    const std::string recorded = api::kind_names[static_cast<int>(line.kind)] + (' ' + std::string(line.text));
+    const std::string now = repeated(line);
+    same = now == recorded;
+    if (same) return true;
+    say("the answer differs");
+    tell(("  recorded: " + recorded).c_str(), data);
+    tell(("  now:      " + now).c_str(), data);
+    return false;
+  });
+  api::capture_recording(false);
+  return !readable ? SWSDK_REPLAY_UNREADABLE : same ? SWSDK_REPLAY_SAME : SWSDK_REPLAY_DIFFERENT;
+}
+
+int swsdk_replay_as_c(const char* path, swsdk_line_t write, swsdk_line_t tell, void* data) {
+  std::set<std::string> written;
+  const auto write_once = [&](const std::string& text) {
+    if (written.insert(text).second) write(text.c_str(), data);
+  };
+  std::vector<std::string> steps;
+  write(("/* The SDK calls of the recording " + std::string(path) + ". */").c_str(), data);
+  for (const char* const text : c_beginning) write(text, data);
+  const bool readable = read_recording(path, tell, data, [&](const Line& line, int number, const auto& /*say*/) {
+    const char* const name = line.function->name;
+    const api::CCall call = line.function->as_c(name, line.arguments);
+    const std::string result = std::to_string(line.result);
+    const std::string step = "line_" + std::to_string(number);
+    std::string before;
+    if (line.kind != Kind::call)
+      write_once("#include <swsdk/" + std::string(line.kind == Kind::fault ? "fault" : "chip") + ".h>\n");
+    if (line.kind == Kind::fault) before = "  swsdk_fault_inject(" + api::c_string(name) + ", " + result + ", 1);\n";
+    for (const std::string& definition : call.definitions) write_once(definition);
+    write(("/* " + in_comment(line.text) + " */").c_str(), data);
+    write(("static int " + step + "(void) {\n" + before + call.statements + "}\n").c_str(), data);
+    steps.push_back("    {" + std::to_string(number) + ", " + api::c_string(line.text) + ", " + step + ", " + result +
+                    "},");
+    return true;
+  });
+  write(
+      "static const struct step {\n  int line;\n  const char* recorded;\n  int (*run)(void);\n  int result;\n} steps[] "
+      "= {",
+      data);
+  for (const std::string& step : steps) write(step.c_str(), data);
+  for (const char* const text : c_end) write(text, data);
+  return readable ? SWSDK_REPLAY_SAME : SWSDK_REPLAY_UNREADABLE;
+}

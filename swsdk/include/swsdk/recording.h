@@ -1,0 +1,82 @@
+/**
+ * @file swsdk/recording.h
+ * Recordings of the virtual chip: every SDK call as a line of a file, to be repeated and compared later.
+ *
+ *     swsdk recording 1
+ *     call sdk_main(0, NULL) = 0
+ *     call bcm_vlan_create(0, 10) = 0
+ *     fault bcm_vlan_create(0, 11) = -4
+ *     action swsdk_link_event(0, 1, 1) = 0
+ *
+ * The first line names the format and its version. Each line after it begins with its kind: `call`, a call that the
+ * chip answered; `fault`, one that an injected fault answered; `action`, what the control interface of swsdk/chip.h did
+ * to the chip. The rest is as in swsdk/journal.h, with two additions: callbacks and untyped pointers are numbered, so
+ * that different ones stay different, and behind an array that the call fills stands its room, `&[7, 8] of 16`.
+ *
+ * A process whose environment has #SWSDK_RECORD_VARIABLE at its first call records itself from there on, into the file
+ * of that name.
+ */
+#ifndef SWSDK_RECORDING_H
+#define SWSDK_RECORDING_H
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/** The environment variable that makes any application record itself. */
+#define SWSDK_RECORD_VARIABLE "SWSDK_RECORD"
+
+/**
+ * Starts a recording in place of the one that is going on, if there is one. It begins with the chips off, so that it
+ * can be repeated from there.
+ *
+ * @param path  file to write; what it held is lost
+ * @return 0, or -1 when units are attached or the file cannot be written, and nothing is changed
+ */
+int swsdk_record_start(const char* path);
+
+/**
+ * Ends the recording. Switching the chips off does not.
+ *
+ * @return 0, or -1 when there is none or not all of it could be written
+ */
+int swsdk_record_stop(void);
+
+/** What comes of repeating a recording. */
+#define SWSDK_REPLAY_SAME 0       /**< every answer was the recorded one */
+#define SWSDK_REPLAY_DIFFERENT 1  /**< an answer was another one */
+#define SWSDK_REPLAY_UNREADABLE 2 /**< the file cannot be read or is no recording */
+
+/** Is handed a line of text, or several of a program; without the last newline. */
+typedef void (*swsdk_line_t)(const char* line, void* data);
+
+/**
+ * Switches the chips off and repeats the calls of a recording; the chips stay as the last one leaves them. Callbacks
+ * are registered as functions that do nothing. Stops at the first answer, result or outputs, that differs. Lines of a
+ * kind or function that is not known are passed over with a notice.
+ *
+ * @param path   the recording
+ * @param tell   is told of notices, and of what is wrong or different, with file and line
+ * @param data   handed to it
+ * @return one of the SWSDK_REPLAY_ values
+ */
+int swsdk_replay(const char* path, swsdk_line_t tell, void* data);
+
+/**
+ * Writes a recording as a C program that makes the same calls with the SDK's headers alone, and those of the virtual
+ * chip where the recording has faults or actions. It exits with 0 when all results are the recorded ones, otherwise it
+ * prints the first that is not and exits with 1.
+ *
+ * @param path   the recording
+ * @param write  is handed the lines of the program
+ * @param tell   is told of notices and of what is wrong, with file and line
+ * @param data   handed to both
+ * @return SWSDK_REPLAY_SAME, or SWSDK_REPLAY_UNREADABLE; the program is of no use then
+ */
+int swsdk_replay_as_c(const char* path, swsdk_line_t write, swsdk_line_t tell, void* data);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,53 @@
+#!/usr/bin/env bash
+# usage: documentation.sh SOURCE_DIR SAISH PYTHON
+# The checks of the documentation find a message without a row, a row without a message, a stale index, a dead link, an
+# unknown name, an argument that nobody tells of, and output that is not so.
+set -euo pipefail
+source=$1 saish=$2 python=$3
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+# finds WANTED COMMAND...: in a fresh copy, changed by the commands on standard input, the check fails and says so.
+finds() {
+  local wanted=$1
+  shift
+  rm -rf "$work/copy"
+  mkdir -p "$work/copy/swsdk"
+  cp -r "$source"/{README.md,CONTRIBUTING.md,include,src,docs,examples} "$work/copy"
+  cp -r "$source"/swsdk/{include,api,chip} "$work/copy/swsdk"
+  cd "$work/copy"
+  eval "$(cat)"
+  if "$python" -B "$@" >"$work/out" 2>&1; then
+    echo "$* found nothing, and should have said: $wanted"
+    exit 1
+  fi
+  grep -Eq -- "$wanted" "$work/out" || { echo "$* said:"; cat "$work/out"; echo "and not: $wanted"; exit 1; }
+}
+
+messages=(docs/tools/messages.py check)
+finds 'src/vlan/table\.cpp:[0-9]+: no row .*Something new' "${messages[@]}" \
+  <<<'sed -i "s/Failed to init vlan: %s/Something new: %s/" src/vlan/table.cpp
+      sed -i "s/Failed to init vlan: %s/And no more/" src/port/temperature.cpp'
+finds 'no message in src/ is .Failed to init mirror' "${messages[@]}" \
+  <<<'sed -i "s/Failed to init mirror: %s/Failed to init mac: %s/" src/l2/mirroring.cpp'
+finds 'reasons and results' "${messages[@]}" <<<'sed -i "s/Table is full/Table is fuller/" swsdk/api/error.cpp'
+finds 'messages\.py write' "${messages[@]}" <<<'echo >>docs/messages.md'
+finds 'cannot be logged by sai_unit_get' "${messages[@]}" \
+  <<<'sed -i "s/ => sai_fp_ospf_ttl1_set$/ => sai_unit_get/" docs/messages.in.md'
+
+links=(docs/tools/links.py .)
+finds 'README\.md:[0-9]+: there is no nowhere\.md' "${links[@]}" <<<'echo "[a](nowhere.md)" >>README.md'
+finds 'has no heading #nothing' "${links[@]}" <<<'echo "[a](docs/messages.md#nothing)" >>README.md'
+finds 'no header has sai_no_function' "${links[@]}" <<<'echo "\`sai_no_function()\`" >>README.md'
+
+manual=(docs/tools/manual.py man)
+finds 'sai_vlan_create: nothing is said of its argument vid' "${manual[@]}" \
+  <<<'sed -i "/^ \* Creates a VLAN with/,/sai_vlan_create/{/@param vid/d}" include/sai.h'
+finds 'sai_unit_get: nothing is said of its result' "${manual[@]}" \
+  <<<'sed -i "/@return always 0$/{N;N;/sai_unit_get/{s/@return always 0//}}" include/sai.h'
+
+page=docs/virtual-chip.md
+examples=(docs/tools/examples.py "$page" --saish "$saish" --compile true)
+finds "$page:[0-9]+: this is shown" "${examples[@]}" <<<"sed -i 's/  = -13 SAI_E_FULL/  = 0/; /^\`\`\`c$/,/^\`\`\`$/d' $page"
+finds 'this script ends with' "${examples[@]}" <<<"sed -i 's/^expect SAI_E_FULL /expect 0 /; /^\`\`\`c$/,/^\`\`\`$/d' $page"
+finds 'a limit is another one' docs/tools/limits.py "$page" swsdk c++ <<<"sed -i 's/| trunks | 128 |/| trunks | 127 |/' $page"

@@ -1,0 +1,22 @@
+#!/usr/bin/env bash
+# usage: manual.sh LIBRARY SAISH MAN_DIR
+# Every exported name has a manual page, every command of the shell is in saish(1), and no page has a fault.
+set -euo pipefail
+library=$1 saish=$2 pages=$3
+
+names=$(nm --dynamic --defined-only "$library" | awk '{print $3}' | sed 's/@.*//')
+[ "$(wc -w <<<"$names")" -ge 200 ] || { echo "$library: too few names found; is it still read rightly?"; exit 1; }
+for name in $names; do
+  for needed in "SH SYNOPSIS" "SH DESCRIPTION" "TH $name 3"; do
+    grep -q "^\.$needed" "$pages/man3/$name.3" || { echo "$name: its page has no .$needed"; exit 1; }
+  done
+  grep -q "^\.BR $name (3)" "$pages/man7/sai.7" || { echo "sai(7) does not list $name"; exit 1; }
+done
+
+commands=$("$saish" -c help | sed '/^Functions of the library/,$d; 1d; /^$/d' | awk '{print $1}')
+[ "$(wc -w <<<"$commands")" -ge 10 ] || { echo "$saish: too few commands found; is its help still read rightly?"; exit 1; }
+for command in $commands; do
+  grep -Eq "^\.(B|BI|BR) $command( |\$)" "$pages/man1/saish.1" || { echo "saish(1) does not tell of $command"; exit 1; }
+done
+
+mandoc -T lint -W warning "$pages"/man?/*

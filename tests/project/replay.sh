@@ -1,0 +1,108 @@
+#!/usr/bin/env bash
+# usage: replay.sh SAISH PROGRAM
+# Recordings: what they catch and what they refuse. PROGRAM is one that uses the library.
+set -euo pipefail
+saish=$1 program=$2
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cd "$work"
+
+fail() {
+  echo "$1" >&2
+  exit 1
+}
+
+# check CODE TEXT COMMAND...: COMMAND exits with CODE and what it writes to standard error matches.
+check() {
+  local code=$1 text=$2 got=0
+  shift 2
+  "$@" >out 2>err </dev/null || got=$?
+  [ "$got" -eq "$code" ] || fail "$*: exit code $got, not $code; it said: $(cat err)"
+  [[ "$(cat err)" =~ ^$text$ ]] || fail "$*: said '$(cat err)', which is not: $text"
+}
+
+# Any application records itself.
+SWSDK_RECORD=program.rec "$program" >/dev/null
+[ "$(head -n 1 program.rec)" = "swsdk recording 1" ] || fail "the recording begins with $(head -n 1 program.rec)"
+check 0 "" "$saish" --replay program.rec
+SWSDK_RECORD=/nowhere/program.rec "$program" >/dev/null 2>err
+grep -qx "SWSDK_RECORD: cannot write the recording /nowhere/program.rec: .*" err || fail "an application said: $(cat err)"
+
+# A recording of a replay is the same recording.
+SWSDK_RECORD=again.rec "$saish" --replay program.rec
+cmp program.rec again.rec
+
+# Every kind of line, and callbacks that stay apart.
+cat >all.sai <<'SAI'
+log off
+sai_vlan_create 0 10
+fail bcm_vlan_create BCM_E_MEMORY
+expect SAI_E_MEMORY sai_vlan_create 0 11
+fail sh_process_command 7
+expect -1 sai_sh_process_command 0 "say \"a, b)\" = \\ {["
+sai_register_link_service print
+sai_register_l2_service 0 print
+link 1 up
+learn 00:aa:00:00:00:01 10 0
+age 1000
+temperature 41.5/47 40
+sai_switch_temperature_monitor_get 0
+counter 1 snmpIfInOctets 77
+sai_port_mib_read 0 1
+sai_l2_addr_show 0
+sai_knet_ktag_set 36996 1
+SAI
+check 0 "" "$saish" --record all.rec all.sai
+check 0 "" "$saish" --replay all.rec
+for line in "fault bcm_vlan_create(0, 11) = -2" "action swsdk_link_event(0, 1, 1) = 0" "action swsdk_clock_step(0, 1000) = 0" \
+  'fault sh_process_command(0, "say \"a, b)\" = \\ {[") = 7' "call bcm_linkscan_register(0, <callback 1>) = 0"; do
+  grep -qxF "$line" all.rec || fail "there is no line $line in: $(cat all.rec)"
+done
+
+# The first answer that differs: its line and both answers.
+number=$(grep -nF "bcm_vlan_create(0, 10)" all.rec | cut -d: -f1)
+sed "${number}s/= 0/= -8/" all.rec >changed.rec
+difference="changed\.rec:$number: the answer differs"$'\n'"  recorded: call bcm_vlan_create\(0, 10\) = -8"
+check 1 "$difference"$'\n'"  now:      call bcm_vlan_create\(0, 10\) = 0" "$saish" --replay changed.rec
+# Outputs are answers too.
+sed 's/curr=415/curr=416/' all.rec >changed.rec
+check 1 'changed\.rec:[0-9]+: the answer differs.*curr=416.*curr=415.*' "$saish" --replay changed.rec
+
+# What a later version may have is skipped.
+sed '2i later kind of line' all.rec | sed '$a call bcm_later(0) = 0' >later.rec
+last=$(wc -l <later.rec)
+check 0 'later\.rec:2: skipped: there is no kind "later" here'$'\n'"later\\.rec:$last: skipped: there is no function \"bcm_later\" here" \
+  "$saish" --replay later.rec
+
+# What is no recording.
+check 2 'missing\.rec: cannot be read' "$saish" --replay missing.rec
+: >empty.rec
+check 2 'empty\.rec: is empty, so it is no recording' "$saish" --replay empty.rec
+check 2 'all\.sai:1: not a recording: its first line is not "swsdk recording 1"' "$saish" --replay all.sai
+sed '1s/1/2/' all.rec >new.rec
+check 2 'new\.rec:1: version 2 of the format; this chip reads version 1' "$saish" --replay new.rec
+while IFS='|' read -r line wrong; do
+  printf 'swsdk recording 1\ncall %s\n' "$line" >bad.rec
+  check 2 "bad\\.rec:2: $wrong" "$saish" --replay bad.rec
+  check 2 "bad\\.rec:2: $wrong" "$saish" --replay-as-c bad.rec
+done <<'BAD'
+bcm_vlan_create|"bcm_vlan_create" is no call such as .*
+bcm_vlan_create(0, 10|.* is no call such as .*
+bcm_vlan_create(0) = 0|1 arguments in place of 2
+bcm_vlan_create(0, 70000) = 0|argument 2: "70000" is no number that fits
+bcm_vlan_create(0, ten) = 0|argument 2: "ten" is no number
+bcm_vlan_create(0, 10) = good|"good" is no number
+bcm_vlan_port_add(0, 10, {1-300}, {}) = 0|argument 3: "\{1-300\}" is no set of ports
+bcm_vlan_port_add(0, 10, {1, {}) = 0|.* is no text with all its brackets and quotes
+bcm_l2_addr_add(0, {mac=00:11}) = 0|argument 2: "00:11" is no MAC address
+bcm_l2_addr_add(0, {colour=1}) = 0|argument 2: "colour" is no field of this record
+bcm_l2_addr_add(0, {mac}) = 0|argument 2: "mac" is no field with a value
+bcm_linkscan_register(0, print) = 0|argument 2: "print" is no callback
+bcm_linkscan_register(0, <callback 65>) = 0|argument 2: more callbacks than can be told apart
+sh_process_command(0, led) = 0|argument 2: "led" is not between " and "
+BAD
+check 2 'cannot write the recording "/nowhere/a"' "$saish" --record /nowhere/a -c sai_unit_get
+check 1 'cannot write the recording "/dev/full"' "$saish" --record /dev/full -c "sai_vlan_create 0 10"
+for options in "--replay all.rec all.sai" "--replay all.rec --record a.rec" "--replay a --replay-as-c a" "--replay a --cold"; do
+  check 2 '[^'$'\n'']+' "$saish" $options
+done

@@ -1,0 +1,145 @@
+"""The Python module against the libraries that the loader finds."""
+import pytest
+
+import sai_virtual as sai
+
+
+@pytest.fixture
+def chip():
+    with sai.Log() as log, sai.Chip() as on:
+        on.log = log
+        yield on
+
+
+def test_a_call_does_what_the_c_function_does(chip):
+    with sai.Journal() as journal:
+        assert sai.sai_vlan_create(0, 10) == sai.SAI_E_NONE
+        assert journal.lines() == ["bcm_vlan_create(0, 10) = 0", "bcm_vlan_port_add(0, 10, {0}, {}) = 0"]
+    assert "10" in chip.show("vlan")
+
+
+def test_what_a_function_writes_is_its_value(chip):
+    sai.sai_l2_mac_age_time_set(0, 77)
+    assert sai.sai_l2_mac_age_time_get(0) == 77
+    assert sai.sai_l2_info(0) == (32768, 0)
+    assert len(sai.sai_port_mib_read(0, 1)) == 18
+    assert sai.sai_trunk_create(0, 0x10, 7) == 7
+    average, highest = sai.sai_switch_temperature_monitor_get(0)
+    assert float(average) > 0 and float(highest) >= float(average)
+
+
+def test_a_negative_code_is_an_exception_with_its_name(chip):
+    with pytest.raises(sai.SaiError) as error:
+        sai.sai_vlan_destroy(0, 10)
+    assert (error.value.function, error.value.code, error.value.name) == ("sai_vlan_destroy", -7, "SAI_E_NOT_FOUND")
+    assert str(error.value) == "sai_vlan_destroy: SAI_E_NOT_FOUND (-7)"
+    assert chip.log.lines() == ["Failed to destroy vlan 10: Entry not found"]
+
+
+def test_what_is_written_before_a_failure_is_with_the_exception(chip):
+    group = sai.sai_ifp_l2_group_create(0)
+    with pytest.raises(sai.SaiError) as error:
+        sai.sai_acl_l2_entry_install(0, 1, 5, group, sai.sai_acl_rule_t())
+    assert error.value.outputs[0] >= 0
+
+
+def test_a_result_that_is_no_code_is_a_value():
+    assert sai.sai_level_match("debugging") == sai.SAI_LOG_DEBUGGING
+    assert sai.sai_level_match("x") == -1
+
+
+def test_addresses_are_texts_or_bytes(chip):
+    with sai.Journal() as journal:
+        sai.sai_vlan_mac_add(0, "00:11:22:33:44:55", 10, 3)
+        sai.sai_vlan_mac_del(0, bytes([0, 0x11, 0x22, 0x33, 0x44, 0x55]))
+        assert journal.lines() == [
+            "bcm_vlan_mac_add(0, 00:11:22:33:44:55, 10, 3) = 0",
+            "bcm_vlan_mac_delete(0, 00:11:22:33:44:55) = 0",
+        ]
+        journal.clear()
+        sai.sai_vlan_ipv6_subnet_add(0, "2001:db8::", 32, 10, 3)
+        assert "ip6=2001:db8::" in journal.lines()[0]
+    for address in ("00:11", b"123", "ff02::1", "no address"):
+        with pytest.raises(ValueError):
+            sai.sai_vlan_mac_add(0, address, 10, 3)
+
+
+def test_records_are_written_in_place(chip):
+    assert chip.learn("00:aa:00:00:00:01", 1, 3)
+    entry = sai.sai_l2_mac_entry_t(mac="00:aa:00:00:00:01", vlan=1)
+    sai.sai_l2_mac_entry_get(0, entry)
+    assert entry.port_out == 3
+    assert "mac='00:aa:00:00:00:01', vlan=1" in repr(entry)
+    with pytest.raises(AttributeError, match="has no field 'prot'"):
+        entry.prot = 3
+
+
+@pytest.mark.parametrize("vid", [65536, -1])
+def test_a_number_that_does_not_fit_is_refused(chip, vid):
+    with sai.Journal() as journal:
+        with pytest.raises(OverflowError):
+            sai.sai_vlan_create(0, vid)
+        assert journal.lines() == []
+
+
+def test_a_wrong_number_of_arguments_is_refused(chip):
+    with pytest.raises(TypeError, match=r"sai_vlan_create\(unit, vid\) takes 2 arguments, not 1"):
+        sai.sai_vlan_create(0)
+
+
+def test_faults_meet_the_nth_call_and_end(chip):
+    with sai.fault("bcm_vlan_create", sai.BCM_E_FULL, 2):
+        sai.sai_vlan_create(0, 10)
+        with pytest.raises(sai.SaiError, match="SAI_E_FULL"):
+            sai.sai_vlan_create(0, 11)
+    with sai.fault("bcm_vlan_create", sai.BCM_E_FULL, 9):
+        pass
+    for vid in range(20, 30):
+        sai.sai_vlan_create(0, vid)
+    with pytest.raises(ValueError), sai.fault("bcm_nothing", -1):
+        pass
+
+
+def test_callbacks_are_called(chip):
+    seen = []
+    handler = sai.l2_handler(lambda vid, port, mac, operation: seen.append((vid, port, bytes(mac[:6]).hex(":"))))
+    sai.sai_register_l2_service(0, handler)
+    chip.learn("00:aa:00:00:00:02", 1, 4)
+    assert seen == [(1, 4, "00:aa:00:00:00:02")]
+    links = []
+    sai.sai_register_link_service(sai.link_handler(lambda unit, port, info: links.append(port)))
+    chip.link(2, up=True)
+    assert links == [2]
+
+
+def test_a_cold_chip_answers_nothing():
+    with sai.Log(), sai.Chip(cold=True), pytest.raises(sai.SaiError):
+        sai.sai_vlan_create(0, 10)
+
+
+def test_every_table_can_be_shown(chip):
+    assert "vlan" in chip.tables()
+    for table in chip.tables():
+        assert chip.show(table)
+    with pytest.raises(ValueError):
+        chip.show("nothing")
+
+
+def test_a_recording_replays_and_a_changed_one_differs(tmp_path):
+    path = tmp_path / "run.rec"
+    with sai.Log(), sai.recording(path), sai.Chip() as chip:
+        sai.sai_vlan_create(0, 10)
+        chip.learn("00:aa:00:00:00:01", 10, 3)
+    assert sai.replay(path) == []
+    text = path.read_text()
+    path.write_text(text.replace("bcm_vlan_create(0, 10) = 0", "bcm_vlan_create(0, 10) = -6"))
+    with pytest.raises(sai.Difference, match=r"run\.rec:\d+: the answer differs"):
+        sai.replay(path)
+    path.write_text("nothing\n")
+    with pytest.raises(ValueError, match=r"run\.rec:1: not a recording"):
+        sai.replay(path)
+
+
+def test_every_function_of_the_library_is_there():
+    functions = [name for name in dir(sai) if name.startswith("sai_") and callable(getattr(sai, name))]
+    assert len(functions) > 200
