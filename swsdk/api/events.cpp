@@ -189,17 +189,24 @@ int swsdk_clock_advance(int unit, uint64_t nanoseconds) {
     const uint64_t before = chip.now;
     chip.now += nanoseconds;
     seconds = static_cast<int>(chip.now / second - before / second);
-    return chip::Status::ok;
+    return 0;
   };
-  if (api::on_chip(unit, advance) != 0) return -1;
-  if (seconds == 0) return 0;
-  threads().post(EventThreads::l2_learning, [=] {
+  if (api::on_chip(unit, advance, -1) != 0) return -1;
+  // What ages is recorded when it does.
+  const auto age = [=] {
     const auto pass = [&](chip::Chip& chip) {
       chip.mac_table.pass(seconds);
       return 0;
     };
-    api::act("swsdk_clock_step", unit, pass, seconds);
-  });
+    if (nanoseconds % second == 0)
+      api::act("swsdk_clock_step", unit, pass, seconds);
+    else
+      api::act("swsdk_clock_advance", unit, pass, nanoseconds);
+  };
+  if (seconds == 0)
+    age();
+  else
+    threads().post(EventThreads::l2_learning, age);
   return 0;
 }
 

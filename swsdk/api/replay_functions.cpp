@@ -11,6 +11,7 @@
 #include <soc/cmic.h>
 #include <soc/drv.h>
 #include <swsdk/chip.h>
+#include <swsdk/frames.h>
 
 #include <map>
 #include <string>
@@ -86,6 +87,7 @@ const api::Replayable functions[] = {
     replayable("bcm_esw_vlan_ip6_mcast_flood_set", &bcm_esw_vlan_ip6_mcast_flood_set),
     // Actions.
     replayable("swsdk_board_set", &swsdk_board_set),
+    replayable("swsdk_clock_advance", &swsdk_clock_advance),
     replayable("swsdk_clock_step", &swsdk_clock_step),
     replayable("swsdk_counter_set", &swsdk_counter_set),
     replayable("swsdk_l2_event", &swsdk_l2_event),
