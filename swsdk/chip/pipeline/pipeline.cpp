@@ -1,6 +1,7 @@
 #include "chip/pipeline/pipeline.h"
 
 #include "chip/chip.h"
+#include "chip/pipeline/counting.h"
 #include "chip/pipeline/parse.h"
 #include "chip/pipeline/stages.h"
 
@@ -21,6 +22,8 @@ Drop Pipeline::receive(int port, std::span<const uint8_t> bytes, Wire& wire) {
   } else {
     frame.stop(Drop::malformed);
   }
+  if (frame.drop != Drop::port_down) count_received(chip_.counters, frame.packet);
+  count_discarded(chip_.counters, frame.packet, frame.drop);
   if (frame.dropped()) ++drops_[static_cast<std::size_t>(frame.drop)];
   return frame.drop;
 }

@@ -1,4 +1,5 @@
 #include "chip/chip.h"
+#include "chip/pipeline/counting.h"
 #include "chip/pipeline/stages.h"
 
 namespace chip {
@@ -41,14 +42,22 @@ void send_copy(Passage& frame, const Copy& copy, Wire& wire) {
 
   EgressFrame out;
   const std::span<const uint8_t> bytes = out.write(header, frame.packet);
-  if (!is_within_shape(frame, copy.port, bytes.size())) return;
-  mirror_egress(frame, copy.port, bytes, wire);
+  constexpr int checksum = 4;
+  const int tag = header.outer_tag ? 4 : 0;  // does not count
+  if (static_cast<int>(bytes.size()) + checksum > mac->frame_max + tag)
+    return count_not_sent(chip.counters, copy.port, NotSent::too_long);
+  if (!is_within_shape(frame, copy.port, bytes.size())) return count_not_sent(chip.counters, copy.port, NotSent::rate);
+  count_sent(chip.counters, copy.port, header, bytes.size());
+  mirror_egress(frame, copy.port, header, bytes, wire);
   wire.transmit(copy.port, bytes);
 }
 
 void send_to_cpu(Passage& frame, Wire& wire) {
   EgressFrame out;
-  wire.deliver({out.write(header_of(frame.packet), frame.packet), frame.packet.port, frame.cpu_reasons});
+  const EgressHeader header = header_of(frame.packet);
+  const std::span<const uint8_t> bytes = out.write(header, frame.packet);
+  count_sent(frame.chip.counters, Ports::cpu, header, bytes.size());
+  wire.deliver({bytes, frame.packet.port, frame.cpu_reasons});
 }
 
 }  // namespace chip

@@ -48,6 +48,6 @@ void send_to_cpu(Passage& frame, Wire& wire);
 
 /// Copies for the mirrors of a port: of what came in, and of what goes out.
 void mirror_ingress(Passage& frame, Wire& wire);
-void mirror_egress(Passage& frame, int port, std::span<const uint8_t> bytes, Wire& wire);
+void mirror_egress(Passage& frame, int port, const EgressHeader& header, std::span<const uint8_t> bytes, Wire& wire);
 
 }  // namespace chip
