@@ -22,7 +22,7 @@ auto no_result(Call call) {
 }
 
 char* shell_command() {
-  static char command[] = "led 0 start";
+  static char command[] = "help";
   return command;
 }
 

@@ -2,10 +2,12 @@
 // is compared with its rule. A function's rule is its row.
 #pragma once
 
+#include <bcm/error.h>
 #include <sai.h>
 
 #include <functional>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -14,7 +16,7 @@ namespace sweep {
 constexpr int unit = 0;
 
 // What follows a failed call, as words: the calls that follow it, by name; "*" for what would have followed it anyway;
-// "-" takes the next call out of that.
+// "-" takes the next call out of that, and ">" all calls up to the one that it stands before.
 constexpr const char* stops = "";
 constexpr const char* goes_on = "*";
 
@@ -23,8 +25,8 @@ constexpr const char* text = "%s";
 constexpr const char* no_line = nullptr;
 
 // Which results of a call a failure is about: one code, or these.
-constexpr int negative = 0;
-constexpr int non_zero = 1000;
+constexpr int negative = 1000;
+constexpr int non_zero = 1001;
 constexpr int positive = 1;
 
 /// A failure that does not simply end the work with an error line, which is the rule of all others.
@@ -58,7 +60,11 @@ struct Row {
   /// What has to be there before.
   std::function<void()> scene = [] {};
   int ports = 10;
+  /// Of the calls of one SDK function, the first to fail and the step from each to the next.
+  int every = 1;
 };
+
+inline void PrintTo(const Row& row, std::ostream* stream) { *stream << row.name; }
 
 using Rows = std::vector<Row>;
 
@@ -67,7 +73,8 @@ Rows core();
 Rows port();
 Rows field();
 Rows l2();
-Rows l3();
+Rows unicast();
+Rows multicast();
 Rows vlan();
 Rows vport();
 
