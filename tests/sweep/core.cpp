@@ -33,7 +33,8 @@ int32_t lldp_removed() { return sai_lldp_unset(unit); }
 Rows core() {
   return {
       // Logging and conversions meet no SDK.
-      {"open_sai_log", [] {
+      {"open_sai_log",
+       [] {
          sai_log_handle* const log = open_sai_log("sweep", 0, 0, LOG_USER);
          const bool opened = log != nullptr;
          close_sai_log(log);

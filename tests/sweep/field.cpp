@@ -94,8 +94,9 @@ Rows field() {
            [](int32_t* id) { return sai_fp_dhcp_requeset_to_cpu_set(unit, 10, group, id); }),
       trap("sai_fp_dhcp_response_to_cpu_set",
            [](int32_t* id) { return sai_fp_dhcp_response_to_cpu_set(unit, 10, group, id); }),
-      trap("sai_fp_dhcpv6_req_to_cpu_set",
-           [](int32_t* id) { return sai_fp_dhcpv6_req_to_cpu_set(unit, 10, group, id); }, sai_system_ipv6_fp_create),
+      trap(
+          "sai_fp_dhcpv6_req_to_cpu_set", [](int32_t* id) { return sai_fp_dhcpv6_req_to_cpu_set(unit, 10, group, id); },
+          sai_system_ipv6_fp_create),
       trap("sai_fp_igmp_packet_to_cpu", [](int32_t* id) { return sai_fp_igmp_packet_to_cpu(unit, 1, group, id); }),
       // Four entries one after the other: a failure ends the work on one of them, and the last one's result counts.
       {.name = "sai_fp_mld_packet_to_cpu",
@@ -105,18 +106,20 @@ Rows field() {
                      "bcm_field_entry_install",
                      ">bcm_field_entry_create"}},
        .outputs = always,
-       .scene = in(sai_fp_mld_group_create)},
+       .scene = in(sai_system_ipv6_fp_create)},
       trap("sai_fp_arp_packet_vlan_qualify_set",
            [](int32_t* id) { return sai_fp_arp_packet_vlan_qualify_set(unit, 1, group, id, mac); }),
       trap("sai_fp_arp_packet_cpu_qualify_set",
            [](int32_t* id) { return sai_fp_arp_packet_cpu_qualify_set(unit, 1, group, id); }),
       trap("sai_fp_arp_packet_port_qualify_set",
            [](int32_t* id) { return sai_fp_arp_packet_port_qualify_set(unit, 1, group, id, 2); }),
-      trap("sai_fp_mld_packet_exclude_filter_set",
-           [](int32_t* id) { return sai_fp_mld_packet_exclude_filter_set(unit, 1, group, id, 0, ip6, ip6); },
-           sai_fp_mld_exclude_group_create),
-      trap("sai_fp_vport_qualify_set", [](int32_t* id) { return sai_fp_vport_qualify_set(unit, 1, group, id, 10); },
-           sai_fp_vport_group_create),
+      trap(
+          "sai_fp_mld_packet_exclude_filter_set",
+          [](int32_t* id) { return sai_fp_mld_packet_exclude_filter_set(unit, 1, group, id, 0, ip6, ip6); },
+          sai_fp_mld_exclude_group_create),
+      trap(
+          "sai_fp_vport_qualify_set", [](int32_t* id) { return sai_fp_vport_qualify_set(unit, 1, group, id, 10); },
+          sai_fp_vport_group_create),
       {.name = "sai_fp_vport_qualify_action",
        .call = [] { return sai_fp_vport_qualify_action(unit, group, entry); },
        .scene =

@@ -73,9 +73,18 @@ Rows port() {
       {"sai_rate_mcast_set", [] { return sai_rate_mcast_set(unit, one, 1, 100); }},
       {"sai_rate_dlfbc_set", [] { return sai_rate_dlfbc_set(unit, one, 1, 100); }},
       {"sai_rate_bcast_set", [] { return sai_rate_bcast_set(unit, one, 1, 100); }},
-      {"sai_port_storm_ctrl_set, unknown unicast", [] { return sai_port_storm_ctrl_set(unit, one, {100, 1}); }},
-      {"sai_port_storm_ctrl_set, multicast", [] { return sai_port_storm_ctrl_set(unit, one, {100, 2}); }},
-      {"sai_port_storm_ctrl_set, broadcast", [] { return sai_port_storm_ctrl_set(unit, one, {100, 4}); }},
+      {"sai_port_storm_ctrl_set, unknown unicast",
+       [] {
+         return sai_port_storm_ctrl_set(unit, one, {100, 1});
+       }},
+      {"sai_port_storm_ctrl_set, multicast",
+       [] {
+         return sai_port_storm_ctrl_set(unit, one, {100, 2});
+       }},
+      {"sai_port_storm_ctrl_set, broadcast",
+       [] {
+         return sai_port_storm_ctrl_set(unit, one, {100, 4});
+       }},
       // The rate, where the text belongs.
       {"sai_cpu_rate_egress_set",
        [] { return sai_cpu_rate_egress_set(unit, 1000, 100); },

@@ -29,7 +29,8 @@ constexpr int negative = 1000;
 constexpr int non_zero = 1001;
 constexpr int positive = 1;
 
-/// A failure that does not simply end the work with an error line, which is the rule of all others.
+/// A failure that does not simply end the work with an error line, which is the rule of all others. Of several that are
+/// about the same, the first holds.
 struct Failure {
   /// SDK functions; "#2" behind one means its second call of a run.
   std::string call;
@@ -37,6 +38,11 @@ struct Failure {
   const char* line = text;
   int code = negative;
 };
+
+inline std::vector<Failure> operator+(std::vector<Failure> a, const std::vector<Failure>& b) {
+  a.insert(a.end(), b.begin(), b.end());
+  return a;
+}
 
 // Which SDK result a function converts to its own: that of the last call of some SDK functions, or one of these.
 constexpr const char* last_call = "last";

@@ -1,6 +1,6 @@
-#include "sweep/sweep.h"
+#include <bcm/switch.h>
 
-extern "C" uint32_t* l3_module_data[];
+#include "sweep/sweep.h"
 
 namespace sweep {
 
@@ -26,7 +26,7 @@ void neighbour_on(int32_t port) {
   sai_l2_mac_entry_add(unit, &address);
 }
 
-void use_egress_objects() { l3_module_data[unit][0] = 1; }
+void use_egress_objects() { bcm_switch_control_set(unit, bcmSwitchL3EgressMode, 1); }
 
 void neighbour_on_port() {
   interface();
@@ -58,10 +58,8 @@ Scene both(const Scene& first, const Scene& second) {
 
 // What is common to hosts and subnets. The traces of a lookup are no lines here.
 
-std::vector<Failure> operator+(std::vector<Failure> a, const std::vector<Failure>& b) {
-  a.insert(a.end(), b.begin(), b.end());
-  return a;
-}
+const std::vector<Failure> known_egress_object{
+    {"bcm_l3_egress_find", "bcm_l3_egress_create", no_line, BCM_E_NOT_FOUND}};
 
 const std::vector<Failure> egress_object{{"bcm_l3_egress_find", goes_on, no_line, BCM_E_NOT_FOUND},
                                          {"bcm_l3_egress_find", stops, no_line, non_zero}};
@@ -71,6 +69,7 @@ std::vector<Failure> over_virtual_port() {
           {"bcm_l2_addr_get#1", stops},
           {"bcm_l2_addr_get bcm_vlan_port_find", stops, "can't add l3 interface out vlan 10"},
           {"bcm_l3_intf_find", goes_on, no_line},
+          {"bcm_l3_intf_find", "- *", no_line, positive},
           {"bcm_l3_intf_create", stops, "%s\ncan't add l3 interface out vlan 10"}};
 }
 
@@ -79,23 +78,35 @@ const std::vector<Failure> double_tagged{{"bcm_l2_addr_get bcm_vlan_port_find", 
                                          {"bcm_l3_intf_find", stops, no_line, non_zero},
                                          {"bcm_l3_intf_create", stops, no_line, positive}};
 
-const std::vector<Failure> host_lookup{
-    {"bcm_l3_host_find", goes_on, no_line},
-    {"bcm_l3_host_add", stops, "%s, beacuse of hash conflict", BCM_E_FULL},
-    {"bcm_l3_intf_find_vlan", stops, "can't find l3 interface vlan 10"}};
+const std::vector<Failure> host_lookup{{"bcm_l3_host_find", goes_on, no_line},
+                                       {"bcm_l3_host_add", stops, "%s, beacuse of hash conflict", BCM_E_FULL},
+                                       {"bcm_l3_intf_find_vlan", stops, "can't find l3 interface vlan 10"}};
 
-const std::vector<Failure> subnet_lookup{
-    {"bcm_stk_my_modid_get", stops, no_line},
-    {"bcm_l3_route_get", goes_on, no_line},
-    {"bcm_l3_route_add", stops, "%s, because of hash conflict", BCM_E_FULL},
-    {"bcm_l3_intf_find_vlan", stops, "can't find vlan 10 l3 interface"}};
+const std::vector<Failure> subnet_lookup{{"bcm_stk_my_modid_get", stops, no_line},
+                                         {"bcm_l3_route_get", goes_on, no_line},
+                                         {"bcm_l3_route_add", stops, "%s, because of hash conflict", BCM_E_FULL},
+                                         {"bcm_l3_intf_find_vlan", stops, "can't find vlan 10 l3 interface"}};
 
-/// What a deleted host or route pointed at goes too, and nothing of that shows in the result.
+// What a deleted host or route pointed at goes too, and nothing of that shows in the result.
+
 std::vector<Failure> clean_up(const char* after_egress_object) {
-  return {{"bcm_l3_egress_get", after_egress_object, no_line},
-          {"bcm_l2_addr_get bcm_l3_egress_destroy", after_egress_object},
-          {"bcm_l3_intf_find", stops, no_line}};
+  return {{"bcm_l3_egress_get", "- *", no_line, positive},  // without a neighbour
+          {"bcm_l3_egress_get", after_egress_object, no_line},
+          {"bcm_l2_addr_get bcm_l3_egress_destroy", after_egress_object}};
 }
+
+/// The interface, whose number is not that of the egress object, is looked for in vain.
+const std::vector<Failure> clean_up_double_tagged =
+    clean_up(">bcm_l3_intf_find") + std::vector<Failure>{{"bcm_l3_intf_find", goes_on, no_line},
+                                                         {"bcm_l3_intf_find", "bcm_l3_intf_delete", no_line, positive}};
+
+const std::vector<Failure> clean_up_over_virtual_port =
+    std::vector<Failure>{{"bcm_l3_egress_get", "bcm_l3_egress_destroy", no_line, positive},
+                         {"bcm_l2_addr_get", "bcm_l3_egress_destroy", no_line, positive},
+                         {"bcm_l3_intf_find", stops, "%s\ncan't delete l3 interface out vlan 10"},
+                         {"bcm_l3_intf_find", "bcm_l3_intf_delete", no_line, positive},
+                         {"bcm_l3_intf_delete", stops, "%s\ncan't delete l3 interface out vlan 10"}} +
+    clean_up(stops);
 
 Row host_creation(const std::string& name, std::vector<Failure> failures, const Scene& scene, uint8_t dtag = 0) {
   return {.name = "sai_l3_host_route_create, " + name,
@@ -127,6 +138,12 @@ Row subnet_deletion(const std::string& name, std::vector<Failure> failures, cons
           .scene = both(scene, [dtag] { add_subnet(dtag); })};
 }
 
+/// The neighbour has moved to a port since.
+Row moved(Row row) {
+  row.scene = both(row.scene, [] { neighbour_on(3); });
+  return row;
+}
+
 }  // namespace
 
 Rows unicast() {
@@ -153,32 +170,46 @@ Rows unicast() {
 
       host_creation("to an interface", host_lookup, neighbour_on_port),
       host_creation("to an egress object", host_lookup + egress_object, with_egress_objects),
-      host_creation("to an egress object that is there", host_lookup + egress_object,
-                    both(with_egress_objects, [] { add_subnet(0); })),
+      host_creation(
+          "to an egress object that is there",
+          std::vector<Failure>{{"bcm_l3_intf_find_vlan", "bcm_l3_host_find bcm_l3_egress_find bcm_l3_egress_create",
+                                no_line, positive}} +
+              known_egress_object + host_lookup + egress_object,
+          both(with_egress_objects, [] { add_subnet(0); })),
       host_creation("over another", host_lookup, both(neighbour_on_port, [] { add_host(0); })),
       host_creation("over a virtual port", host_lookup + egress_object + over_virtual_port(),
                     neighbour_on_virtual_port),
       host_creation("double-tagged", host_lookup + egress_object + double_tagged, neighbour_on_virtual_port, 1),
       host_deletion("from an interface", {}, neighbour_on_port),
       host_deletion("from an egress object", clean_up(stops), with_egress_objects),
-      host_deletion("double-tagged", clean_up(">bcm_l3_intf_find"), neighbour_on_virtual_port, 1),
+      host_deletion("over a virtual port", clean_up_over_virtual_port, neighbour_on_virtual_port),
+      moved(host_deletion("double-tagged", clean_up_double_tagged, neighbour_on_virtual_port, 1)),
 
       subnet_creation("to an interface", subnet_lookup, neighbour_on_port),
       subnet_creation("to an egress object", subnet_lookup + egress_object, with_egress_objects),
-      subnet_creation("that is there",
-                      std::vector<Failure>{{"bcm_l3_route_get", "bcm_l3_route_add", no_line, non_zero}} + subnet_lookup,
-                      both(neighbour_on_port, [] { add_subnet(0); })),
+      subnet_creation(
+          "that is there",
+          std::vector<Failure>{
+              {"bcm_l3_route_get", "bcm_l3_route_add", no_line, non_zero},
+              {"bcm_l3_intf_find_vlan", "bcm_l3_route_get bcm_l3_route_delete bcm_l3_route_add", no_line, positive}} +
+              subnet_lookup,
+          both(neighbour_on_port, [] { add_subnet(0); })),
       subnet_creation("in place of one",
-                      std::vector<Failure>{{"bcm_l3_route_get", "- *", no_line, non_zero},
+                      std::vector<Failure>{{"bcm_l3_intf_find_vlan",
+                                            "bcm_l3_route_get bcm_l3_route_delete "
+                                            "bcm_l3_egress_find bcm_l3_egress_create",
+                                            no_line, positive},
+                                           {"bcm_l3_route_get", "- *", no_line, non_zero},
                                            {"bcm_l3_route_delete", goes_on, "delete subnet route failed"}} +
-                          subnet_lookup + egress_object,
+                          known_egress_object + subnet_lookup + egress_object,
                       both(with_egress_objects, [] { add_subnet(0); })),
       subnet_creation("over a virtual port", subnet_lookup + egress_object + over_virtual_port(),
                       neighbour_on_virtual_port),
       subnet_creation("double-tagged", subnet_lookup + egress_object + double_tagged, neighbour_on_virtual_port, 1),
       subnet_deletion("from an interface", {}, neighbour_on_port),
       subnet_deletion("from an egress object", clean_up(stops), with_egress_objects),
-      subnet_deletion("double-tagged", clean_up(">bcm_l3_intf_find"), neighbour_on_virtual_port, 1),
+      subnet_deletion("over a virtual port", clean_up_over_virtual_port, neighbour_on_virtual_port),
+      moved(subnet_deletion("double-tagged", clean_up_double_tagged, neighbour_on_virtual_port, 1)),
 
       {.name = "sai_l3_host_route_hit_get",
        .call = [] { return sai_l3_host_route_hit_get(host); },

@@ -89,10 +89,16 @@ Rows vlan() {
        .call = [] { return sai_stg_vlan_del_all(unit, 2); },
        .scene = group_2_with_vlan},
       {.name = "sai_port_stg_stp_set",
-       .call = [] { return sai_port_stg_stp_set(unit, 2, {1, 4}); },
+       .call =
+           [] {
+             return sai_port_stg_stp_set(unit, 2, {1, 4});
+           },
        .scene = group_2},
       {.name = "sai_port_stg_stp_get",
-       .call = [] { return sai_port_stg_stp_get(unit, out(sai_port_stg_t{2, 0, 1, 77})); },
+       .call =
+           [] {
+             return sai_port_stg_stp_get(unit, out(sai_port_stg_t{2, 0, 1, 77}));
+           },
        .scene = group_2},
       {"sai_stg_count_get", [] { return sai_stg_count_get(unit, out<int32_t>()); }},
       {"sai_stg_clear", [] { return sai_stg_clear(unit); }},
