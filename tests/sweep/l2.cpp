@@ -8,15 +8,14 @@ constexpr int32_t poison = 7777;
 
 /// An address of VLAN 10 as the caller describes it.
 sai_l2_mac_entry_t entry(int32_t port = poison) {
-  return {.is_vport = 0,
-          .flags = 0,
-          .mac = {0x02, 0, 0, 0, 0, 0x2A},
-          .vlan = 10,
-          .reserved1 = 0,
-          .port = port,
-          .port_out = poison,
-          .trunk = 4,
-          .reserved2 = 0};
+  sai_l2_mac_entry_t entry;
+  sai_l2_init(&entry);  // what is between its fields too, which is compared with them
+  entry.mac[5] = 0x2A;
+  entry.vlan = 10;
+  entry.port = port;
+  entry.port_out = poison;
+  entry.trunk = 4;
+  return entry;
 }
 
 void address_on(int32_t port) {
