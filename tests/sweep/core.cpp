@@ -26,8 +26,6 @@ char* shell_command() {
   return command;
 }
 
-int32_t lldp_removed() { return sai_lldp_unset(unit); }
-
 }  // namespace
 
 Rows core() {
@@ -66,7 +64,7 @@ Rows core() {
              sai_bpdu_set(unit, mac, &index);
            }},
       {"sai_lldp_set", [] { return sai_lldp_set(unit); }},
-      {.name = "sai_lldp_unset", .call = lldp_removed, .scene = [] { sai_lldp_set(unit); }},
+      {.name = "sai_lldp_unset", .call = [] { return sai_lldp_unset(unit); }, .scene = [] { sai_lldp_set(unit); }},
       {"sai_cosq_sched_set", [] { return sai_cosq_sched_set(unit, SAI_COSQ_WEIGHTED_ROUND_ROBIN, weights, 0); }},
 
       {"sai_knet_netif_init", [] { return sai_knet_netif_init(unit, 1, "ethv0", mac); }},
@@ -120,7 +118,7 @@ Rows core() {
                {"bcm_vlan_port_add", goes_on, "%s."},
                {"bcm_policer_init", goes_on, no_line},
            },
-       .result = "system_init or bcm_switch_control_set#1",
+       .result = "system_init bcm_switch_control_set#1",
        .ports = 3},
   };
 }

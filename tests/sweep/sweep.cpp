@@ -5,6 +5,7 @@
 #include <swsdk/fault.h>
 #include <swsdk/journal.h>
 
+#include <algorithm>
 #include <map>
 #include <optional>
 #include <set>
@@ -168,7 +169,7 @@ class Sweep : public testing::TestWithParam<Row> {
     return call.code < 0 ? &ends_the_work : nullptr;
   }
 
-  /// The calls that the rules let follow the failing one, which is at `index`, and what became of them.
+  /// The calls are those of the normal run, but for what the rules say of each that answers something else.
   static void check_calls(const Seen& normal, const Seen& run) {
     size_t next = 0;  // of the normal run
     std::vector<std::string> inserted;
@@ -204,10 +205,11 @@ class Sweep : public testing::TestWithParam<Row> {
     EXPECT_GE(next, normal.calls.size()) << normal.calls[next].name << " should follow";
   }
 
+  /// Each failure has its lines, and there are no others.
   static void check_lines(const Seen& normal, const Seen& run) {
     std::vector<std::string> lines = run.errors;
     for (const std::string& line : run.printed)
-      if (std::find(normal.printed.begin(), normal.printed.end(), line) == normal.printed.end()) lines.push_back(line);
+      if (std::ranges::find(normal.printed, line) == normal.printed.end()) lines.push_back(line);
     size_t next = 0;
     for (const Call& call : run.calls) {
       const Failure* const failure = rule(call);
@@ -231,7 +233,7 @@ class Sweep : public testing::TestWithParam<Row> {
     if (rule == always_0) code = 0;
     if (rule == zero_or_fail) code = code == 0 ? 0 : -1;
     if (rule == zero_or_fail_if_negative) code = code < 0 ? -1 : 0;
-    if (rule == last_failure && code >= 0) {
+    if (rule == failure_or_value && code >= 0) {
       EXPECT_GE(run.result, 0);
       return;
     }
@@ -292,6 +294,9 @@ TEST_P(Sweep, EachCallFailsWithEachCode) {
       SCOPED_TRACE(call.name + " number " + std::to_string(call.nth) + " answers " + std::to_string(code));
       const Seen failing = observe(Fault{&call, code});
       ++triples;
+      EXPECT_TRUE(std::ranges::any_of(failing.calls, [&](const Call& made) {
+        return made.name == call.name && made.nth == call.nth && made.code == code;
+      })) << "it was not called";
       check_calls(normal, failing);
       check_lines(normal, failing);
       check_result(failing);

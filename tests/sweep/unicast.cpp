@@ -213,11 +213,11 @@ Rows unicast() {
 
       {.name = "sai_l3_host_route_hit_get",
        .call = [] { return sai_l3_host_route_hit_get(host); },
-       .result = last_failure,
+       .result = failure_or_value,
        .scene = both(neighbour_on_port, [] { add_host(0); })},
       {.name = "sai_l3_subnet_route_hit_get",
        .call = [] { return sai_l3_subnet_route_hit_get(subnet, mask); },
-       .result = last_failure,
+       .result = failure_or_value,
        .scene = both(neighbour_on_port, [] { add_subnet(0); })},
   };
 }
