@@ -96,6 +96,12 @@ struct Copy {
   Mac next_hop{};        // routed to one destination: whom it is for
 };
 
+/// A frame that left a port which is looped back, and so comes in there again.
+struct Looped {
+  int port;
+  std::vector<uint8_t> bytes;
+};
+
 /// One frame's way through the chip, which the stages read and change in turn.
 struct Passage {
   Chip& chip;
@@ -105,6 +111,7 @@ struct Passage {
   uint32_t cpu_reasons = 0;   // not 0: the CPU gets a copy
   FieldVerdict verdict;       // of the way in
   std::vector<Copy>& copies;  // where it goes
+  std::vector<Looped>& looped;
 
   bool dropped() const { return drop != Drop::none; }
   void stop(Drop reason) {

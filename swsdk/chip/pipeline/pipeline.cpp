@@ -1,5 +1,7 @@
 #include "chip/pipeline/pipeline.h"
 
+#include <utility>
+
 #include "chip/chip.h"
 #include "chip/pipeline/counting.h"
 #include "chip/pipeline/parse.h"
@@ -8,8 +10,21 @@
 namespace chip {
 
 Drop Pipeline::receive(int port, std::span<const uint8_t> bytes, Wire& wire) {
+  const Drop drop = pass(port, bytes, wire);
+  // A frame that a loop floods would go round for ever.
+  constexpr int most_rounds = 16;
+  for (int i = 0; i < most_rounds && !looped_.empty(); ++i) {
+    const Looped next = std::move(looped_.front());
+    looped_.erase(looped_.begin());
+    pass(next.port, next.bytes, wire);
+  }
+  looped_.clear();
+  return drop;
+}
+
+Drop Pipeline::pass(int port, std::span<const uint8_t> bytes, Wire& wire) {
   copies_.clear();
-  Passage frame{.chip = chip_, .meters = meters_, .packet = {}, .verdict = {}, .copies = copies_};
+  Passage frame{.chip = chip_, .meters = meters_, .packet = {}, .verdict = {}, .copies = copies_, .looped = looped_};
   if (parse(port, bytes, frame.packet)) {
     admit(frame);
     if (!frame.dropped()) {

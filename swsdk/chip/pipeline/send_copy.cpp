@@ -49,7 +49,10 @@ void send_copy(Passage& frame, const Copy& copy, Wire& wire) {
   if (!is_within_shape(frame, copy.port, bytes.size())) return count_not_sent(chip.counters, copy.port, NotSent::rate);
   count_sent(chip.counters, copy.port, header, bytes.size());
   mirror_egress(frame, copy.port, header, bytes, wire);
-  wire.transmit(copy.port, bytes);
+  if (mac->loopback == Loopback::none)
+    wire.transmit(copy.port, bytes);
+  else
+    frame.looped.push_back({copy.port, {bytes.begin(), bytes.end()}});
 }
 
 void send_to_cpu(Passage& frame, Wire& wire) {
