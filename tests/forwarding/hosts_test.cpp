@@ -54,8 +54,8 @@ TEST_F(HostRoutes, GiveBothTagsToAHostOnAVirtualPort) {
   sai_vport_t vport{
       .priority = 0, .match_vlan = 100, .match_inner_vlan = 30, .vlan = 0, .outer_vlan = 0, .vport_id = 0};
   EXPECT_EQ(sai_vport_create(0, 5, &vport), SAI_E_NONE);
-  ASSERT_EQ(swsdk_l2_learn(0, 30, mac(0x55).data(), vport.vport_id), 0);
-  for (const uint8_t double_tagged : {0, 1}) {
+  ASSERT_EQ(swsdk_l2_learn(0, 30, mac(0x55).data(), vport.vport_id, 0), 1);
+  for (const bool double_tagged : {false, true}) {
     EXPECT_EQ(sai_l3_host_route_create(0, ip4("30.0.0.5"), router_mac.data(), mac(0x55).data(), 5, 30, double_tagged),
               SAI_E_NONE);
     EXPECT_EQ(send(1, packet("30.0.0.5")), "5: e0>55 [100 30] 10.0.0.1>30.0.0.5 ttl 63 udp 5>6\n");
@@ -67,7 +67,7 @@ TEST_F(HostRoutes, LeadThroughAVirtualPortToo) {
   sai_vport_t vport{
       .priority = 0, .match_vlan = 100, .match_inner_vlan = 30, .vlan = 0, .outer_vlan = 0, .vport_id = 0};
   EXPECT_EQ(sai_vport_create(0, 5, &vport), SAI_E_NONE);
-  ASSERT_EQ(swsdk_l2_learn(0, 30, mac(0x55).data(), vport.vport_id), 0);
+  ASSERT_EQ(swsdk_l2_learn(0, 30, mac(0x55).data(), vport.vport_id, 0), 1);
   EXPECT_EQ(host("30.0.0.5", vport.vport_id, 0x55, 30), SAI_E_NONE);
   EXPECT_EQ(send(1, packet("30.0.0.5")).substr(0, 8), "5: e0>55");
 }
