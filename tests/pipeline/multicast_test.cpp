@@ -66,6 +66,8 @@ TEST_F(Multicast, IsRoutedWithinItsVlanWhenTheChipIsToldSo) {
 TEST_F(Multicast, GoesBackOutOfItsPortInAnotherVlanOnly) {
   member(1, within);
   EXPECT_EQ(send(1, packet()), "dropped: no destination\n");
+  EXPECT_EQ(send(1, Frame(support::mac(1), to_group).tag(10).tag(5).ip("10.0.0.1", "225.1.1.1").udp(5, 6)),
+            "dropped: no destination\n");
   member(1, beyond);
   EXPECT_EQ(send(1, packet()), "1: e0>01:00:5e:01:01:01 [20] 10.0.0.1>225.1.1.1 ttl 63 udp 5>6\n");
 }

@@ -56,7 +56,9 @@ void replicate(Passage& frame, const MulticastGroup& group) {
   for (const MulticastMember& member : group.members) {
     const L3Interface* const interface = chip.l3_interfaces.find(member.encapsulation);
     if (interface == nullptr) continue;
-    const bool stays = interface->vlan == packet.vlan() && interface->inner_vlan == packet.inner_vlan();
+    // A single-tagged interface is of its VLAN whatever the frames have inside.
+    const bool stays = interface->vlan == packet.vlan() &&
+                       (interface->inner_vlan == 0 || interface->inner_vlan == packet.inner_vlan());
     const std::optional<int> trunk = chip.trunks.trunk_of(member.port);
     if (stays && (member.port == packet.port || (trunk && trunk == own_trunk))) continue;
 
