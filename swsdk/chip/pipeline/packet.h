@@ -83,9 +83,13 @@ struct Packet {
   }
   bool is_multicast() const { return (fields.destination_mac[0] & 1) != 0; }
   bool is_broadcast() const { return fields.destination_mac == Mac{0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}; }
-  bool is_ip4() const { return fields.ether_type == 0x0800; }
-  bool is_ip6() const { return fields.ether_type == 0x86DD; }
-  bool is_arp() const { return fields.ether_type == 0x0806; }
+  bool is_ip4() const { return has_type(0x0800); }
+  bool is_ip6() const { return has_type(0x86DD); }
+  bool is_arp() const { return has_type(0x0806); }
+
+ private:
+  // Service access points are no ether type, even if they look like one.
+  bool has_type(uint16_t type) const { return framing != Framing::llc && fields.ether_type == type; }
 };
 
 /// One copy of a frame on its way out.
