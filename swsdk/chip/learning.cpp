@@ -7,14 +7,13 @@ namespace {
 bool is_multicast(const Mac& mac) { return (mac[0] & 1) != 0; }
 
 bool learns(const Chip& chip, int vlan, int port) {
-  constexpr uint32_t learn_disable = 0x1;
-  const auto found = chip.vlans.all().find(vlan);
-  if (found == chip.vlans.all().end() || (found->second.control.flags & learn_disable) != 0) return false;
+  const Vlan* const found = chip.vlans.find(vlan);
+  if (found == nullptr || (found->control.flags & VlanControl::learn_disable) != 0) return false;
   // A virtual port has no state and no setting of its own.
   StpState state = StpState::forward;
   uint32_t learning = PortForwardings::learn;
   if (chip.ports.has(port)) {
-    chip.spanning_trees.state(found->second.spanning_tree, port, state);
+    chip.spanning_trees.state(found->spanning_tree, port, state);
     chip.port_forwarding.get(port, &PortForwarding::learning, learning);
   }
   return state >= StpState::learn && (learning & PortForwardings::learn) != 0;

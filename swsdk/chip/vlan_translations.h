@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <map>
 
+#include "chip/hashed_map.h"
 #include "chip/ports.h"
 #include "chip/status.h"
 
@@ -39,23 +40,26 @@ class VlanTranslations {
   /// Way in: a frame with a tag from `low` to `high` gains an outer one. The ranges of a port do not overlap.
   Status add_outer(int port, int low, int high, const Translation& outer);
   Status remove_outer(int port, int low, int high);
+  /// The outer tag that a frame with the tag `vlan` gains; null when it gains none.
+  const Translation* find_outer(int port, int vlan) const;
 
   struct Key {
     int port;
     int vlan;
     auto operator<=>(const Key&) const = default;
+    std::size_t hash() const { return hash_of(port, vlan); }
   };
   struct Range {
     int high;
     Translation outer;
   };
 
-  const std::map<Key, Translation>& ingress() const { return ingress_; }
-  const std::map<Key, Translation>& egress() const { return egress_; }
+  const std::map<Key, Translation>& ingress() const { return ingress_.all(); }
+  const std::map<Key, Translation>& egress() const { return egress_.all(); }
   const std::map<Key, Range>& outer() const { return outer_; }
 
  private:
-  using Table = std::map<Key, Translation>;
+  using Table = HashedMap<Key, Translation>;
 
   Status check(int port, int vlan) const;
   Status add(Table& table, std::size_t used, int port, int vlan, const Translation& to);
