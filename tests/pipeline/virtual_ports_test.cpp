@@ -47,8 +47,8 @@ class VirtualPorts : public support::PipelineTest {
                  .egress_network_group = group});
   }
   /// A frame to an address that nobody knows.
-  static constexpr const char* nowhere = "dropped: no destination\n";
   static Frame from(int source) { return {source, 0x99}; }
+  static constexpr const char* nowhere = "dropped: no destination\n";
 };
 
 TEST_F(VirtualPorts, TakeTheFramesOfTheirPortAndOuterVlan) {
