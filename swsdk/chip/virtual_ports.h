@@ -90,7 +90,6 @@ class VirtualPorts {
   /// The gport of the virtual port that takes a frame's tags; 0 for `inner` is for one that takes any. 0 when there is
   /// none.
   int matching(int port, int outer, int inner) const {
-    if (virtual_ports_.all().empty()) return 0;
     int number = 0;
     const Status status = virtual_ports_.find_id({port, outer, inner}, number);
     return status == Status::ok ? gport::of(gport::virtual_port, number) : 0;

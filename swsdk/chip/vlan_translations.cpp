@@ -80,8 +80,7 @@ Status VlanTranslations::remove_outer(int port, int low, int high) {
   return Status::ok;
 }
 
-const Translation* VlanTranslations::find_outer(int port, int vlan) const {
-  if (outer_.empty()) return nullptr;
+const Translation* VlanTranslations::find_range(int port, int vlan) const {
   auto range = outer_.upper_bound({port, vlan});
   if (range == outer_.begin()) return nullptr;
   --range;

@@ -40,8 +40,11 @@ class VlanTranslations {
   /// Way in: a frame with a tag from `low` to `high` gains an outer one. The ranges of a port do not overlap.
   Status add_outer(int port, int low, int high, const Translation& outer);
   Status remove_outer(int port, int low, int high);
-  /// The outer tag that a frame with the tag `vlan` gains; null when it gains none.
-  const Translation* find_outer(int port, int vlan) const;
+
+  /// What a frame with the tag `vlan` gets on either way, or gains as an outer tag; null when it gets nothing.
+  const Translation* find(int port, int vlan) const { return ingress_.find({port, vlan}); }
+  const Translation* find_egress(int port, int vlan) const { return egress_.find({port, vlan}); }
+  const Translation* find_outer(int port, int vlan) const { return outer_.empty() ? nullptr : find_range(port, vlan); }
 
   struct Key {
     int port;
@@ -65,6 +68,7 @@ class VlanTranslations {
   Status add(Table& table, std::size_t used, int port, int vlan, const Translation& to);
   Status find(const Table& table, int port, int vlan, Translation& found) const;
   Status remove(Table& table, int port, int vlan);
+  const Translation* find_range(int port, int vlan) const;
 
   const Ports& ports_;
   Table ingress_;

@@ -124,6 +124,13 @@ TEST_F(EgressTags, ChangeTheirPrioritiesOnTheirOwn) {
   EXPECT_EQ(tags(stacked), "[10 7p3] ");
 }
 
+TEST_F(EgressTags, KeepTheirPriorityWhereTheActionHasNone) {
+  EgressAction what = offer;
+  what.priority = -1;
+  action(10, 0, both(what, {.packet_priority = TagAction::replace}));
+  EXPECT_EQ(tags(stacked), "[10p2 7p3] ");
+}
+
 TEST_F(EgressTags, KeepTheirPriorityOnTheWireWhereBothPrioritiesChange) {
   action(10, 0, both(offer, {}, {.priority = TagAction::replace, .packet_priority = TagAction::replace}));
   EXPECT_EQ(tags(stacked), "[10p2 7p6] ");

@@ -53,6 +53,7 @@ void give_vlan(const Chip& chip, Packet& packet) {
 
 /// The gport of the virtual port that the frame belongs to, by the keys of its port one after the other, or 0.
 int virtual_port_of(const Chip& chip, const Packet& packet) {
+  if (chip.virtual_ports.all().empty()) return 0;
   for (const VlanControlOfPort key :
        {VlanControlOfPort::translate_first_key, VlanControlOfPort::translate_second_key}) {
     const int kind = chip.vlan_controls.of_port(packet.port, key);
@@ -78,9 +79,8 @@ void enter(Packet& packet, int gport, const VirtualPort& virtual_port) {
 
 void translate(const Chip& chip, Packet& packet) {
   if (const int gport = virtual_port_of(chip, packet)) return enter(packet, gport, *chip.virtual_ports.find(gport));
-  Translation to;
-  if (chip.vlan_translations.find(packet.port, packet.vlan(), to) == Status::ok)
-    return set_outer(packet, to.vlan, to.priority);
+  if (const Translation* const to = chip.vlan_translations.find(packet.port, packet.vlan()))
+    return set_outer(packet, to->vlan, to->priority);
   if (packet.inner_tagged) return;  // there is no room for a third
   if (const Translation* const outer = chip.vlan_translations.find_outer(packet.port, packet.vlan())) {
     set_inner(packet, packet.fields.outer_tag);

@@ -5,8 +5,6 @@ namespace chip {
 
 namespace {
 
-constexpr int cfi_shift = 12;
-
 using Tag = std::optional<uint16_t>;
 
 /// What an action has for one tag.
@@ -17,36 +15,42 @@ struct Offer {
   int cfi;
 };
 
-/// Changes some bits of a tag. Copies are of the other tag, if there is one.
-void change_bits(uint16_t& tag, TagAction action, uint16_t mask, int offered, const Tag& other) {
+/// What a part of a tag becomes: its own, what is offered, nothing, or that of the other tag.
+int chosen(TagAction action, int own, int offered, int other) {
   switch (action) {
     case TagAction::none:
-      return;
+      return own;
     case TagAction::add:
     case TagAction::replace:
-      break;
+      return offered;
     case TagAction::remove:
-      offered = 0;
-      break;
+      return 0;
     case TagAction::copy:
-      offered = other.value_or(tag);
-      break;
+      return other;
   }
-  tag = static_cast<uint16_t>((tag & ~mask) | (offered & mask));
+  return own;
 }
 
-/// What becomes of a tag; its VLAN decides whether there is one. A new one has the priority of the frame.
-Tag changed(const TagChange& change, Tag tag, const Tag& other, const Offer& offer, int frame_priority) {
+/// What becomes of a tag; its VLAN decides whether there is one. A new one has the priority of the frame. Where there
+/// is no other tag, nothing is copied.
+Tag changed(const TagChange& change, const Tag& tag, const Tag& other, const Offer& offer, int frame_priority) {
   if (change.vlan == TagAction::remove) return std::nullopt;
   const bool adds = change.vlan == TagAction::add || (change.vlan == TagAction::copy && other);
   if (!tag && !adds) return std::nullopt;
   uint16_t bits = tag.value_or(with_priority(0, frame_priority));
-  change_bits(bits, change.vlan, vlan_mask, offer.vlan, other);
-  // The one of the frame and the one on the wire are the same for what leaves; where both change, the latter holds.
-  change_bits(bits, change.priority, priority_mask, offer.priority << priority_shift, other);
-  change_bits(bits, change.packet_priority, priority_mask, offer.packet_priority << priority_shift, other);
-  change_bits(bits, change.cfi, 1 << cfi_shift, offer.cfi << cfi_shift, other);
-  return bits;
+  const uint16_t from = other.value_or(bits);
+  bits = with_vlan(bits, chosen(change.vlan, bits, offer.vlan, from));
+
+  // The priority of the frame and that on the wire are one in what leaves; where both change, the latter holds.
+  const auto change_priority = [&](TagAction action, int offered) {
+    bits = with_priority(bits, chosen(action, bits >> priority_shift, offered, from >> priority_shift));
+  };
+  change_priority(change.priority, offer.priority);
+  change_priority(change.packet_priority, offer.packet_priority);
+
+  constexpr int cfi_shift = 12;
+  const int cfi = chosen(change.cfi, bits >> cfi_shift, offer.cfi, from >> cfi_shift) & 1;
+  return static_cast<uint16_t>((bits & ~(1 << cfi_shift)) | cfi << cfi_shift);
 }
 
 void apply(const EgressAction& action, int frame_priority, EgressHeader& header) {
@@ -77,9 +81,9 @@ void make_egress_tags(Passage& frame, const Copy& copy, EgressHeader& header) {
   }
   if (!chip.vlan_controls.translates(copy.port, VlanControlOfPort::translate_egress)) return;
 
-  Translation to;
-  if (!is_virtual && header.outer_tag && chip.vlan_translations.find_egress(copy.port, outer, to) == Status::ok)
-    header.outer_tag = with_priority(with_vlan(*header.outer_tag, to.vlan), to.priority);
+  if (!is_virtual && header.outer_tag)
+    if (const Translation* const to = chip.vlan_translations.find_egress(copy.port, outer))
+      header.outer_tag = with_priority(with_vlan(*header.outer_tag, to->vlan), to->priority);
 
   const int port_class = is_virtual ? copy.virtual_port : copy.port;
   const EgressAction* action = chip.egress_actions.find({port_class, outer, inner});
