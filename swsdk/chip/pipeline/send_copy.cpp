@@ -8,13 +8,13 @@ namespace {
 
 /// Whether the copy may leave in its VLAN.
 bool lets_out(const Chip& chip, const Copy& copy, int id) {
-  const auto vlan = chip.vlans.all().find(id);
-  if (vlan == chip.vlans.all().end()) return false;
-  const bool is_member = copy.virtual_port != 0 ? vlan->second.virtual_members.contains(copy.virtual_port)
-                                                : vlan->second.members.contains(copy.port);
+  const Vlan* const vlan = chip.vlans.find(id);
+  if (vlan == nullptr) return false;
+  const bool is_member =
+      copy.virtual_port != 0 ? vlan->virtual_members.contains(copy.virtual_port) : vlan->members.contains(copy.port);
   const bool checks = (chip.port_filters.membership_checks(copy.port) & PortFilters::check_egress) != 0;
   if (checks && !is_member) return false;
-  return chip.spanning_trees.forwards(vlan->second.spanning_tree, copy.port);
+  return chip.spanning_trees.forwards(vlan->spanning_tree, copy.port);
 }
 
 EgressHeader header_of(const Packet& packet) {
