@@ -91,7 +91,7 @@ struct FieldVerdict {
   FieldHits hits;
 
   bool dropped = false;
-  bool drop_cancelled = false;  // other parts of the chip may not drop the frame either
+  bool drop_cancelled = false;  // nor do other parts of the chip drop the frame, but its VLAN, spanning tree and rates
   bool red_dropped = false;     // dropped if its policer finds it red
   bool copied_to_cpu = false;
   std::optional<int> redirect_port;  // goes there alone

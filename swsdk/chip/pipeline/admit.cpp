@@ -4,14 +4,17 @@
 namespace chip {
 
 void admit(Passage& frame) {
-  constexpr int checksum = 4;
-  const auto mac = frame.chip.port_macs.all().find(frame.packet.port);
-  if (mac == frame.chip.port_macs.all().end()) return;  // the CPU port has none
-  if (!mac->second.link()) return frame.stop(Drop::port_down);
-  const int length = static_cast<int>(frame.packet.bytes.size()) + checksum;
-  // A tag does not count.
-  const int tag = frame.packet.outer_tagged ? 4 : 0;
-  if (length > mac->second.frame_max + tag) frame.stop(Drop::too_long);
+  const Packet& packet = frame.packet;
+  const auto mac = frame.chip.port_macs.all().find(packet.port);
+  if (mac != frame.chip.port_macs.all().end()) {  // the CPU port has none
+    if (!mac->second.link()) return frame.stop(Drop::port_down);
+    if (!mac->second.takes(packet.bytes.size(), packet.outer_tagged)) return frame.stop(Drop::too_long);
+  }
+  const auto rate = frame.chip.port_rates.ingress().find(packet.port);
+  if (rate != frame.chip.port_rates.ingress().end() &&
+      !frame.meters.take_frame(Meters::Kind::port_ingress, packet.port, frame.chip.now, rate->second,
+                               packet.bytes.size()))
+    frame.stop(Drop::rate);
 }
 
 }  // namespace chip

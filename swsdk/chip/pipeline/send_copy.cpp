@@ -36,12 +36,14 @@ void send_copy(Passage& frame, const Copy& copy, Wire& wire) {
     frame.cpu_reasons |= cpu_reason::destination;
     return;
   }
-  if (!chip.port_macs.all().at(copy.port).link()) return;
+  const PortMac& mac = chip.port_macs.all().at(copy.port);
+  if (!mac.link()) return;
   if (!apply_egress_rules(frame, copy, header)) return;
   make_egress_tags(frame, copy, header);
 
   EgressFrame out;
   const std::span<const uint8_t> bytes = out.write(header, frame.packet);
+  if (!mac.takes(bytes.size(), header.outer_tag.has_value())) return;
   if (!is_within_shape(frame, copy.port, bytes.size())) return;
   mirror_egress(frame, copy.port, bytes, wire);
   wire.transmit(copy.port, bytes);
@@ -49,7 +51,8 @@ void send_copy(Passage& frame, const Copy& copy, Wire& wire) {
 
 void send_to_cpu(Passage& frame, Wire& wire) {
   EgressFrame out;
-  wire.deliver({out.write(header_of(frame.packet), frame.packet), frame.packet.port, frame.cpu_reasons});
+  const std::span<const uint8_t> bytes = out.write(header_of(frame.packet), frame.packet);
+  if (is_within_shape(frame, Ports::cpu, bytes.size())) wire.deliver({bytes, frame.packet.port, frame.cpu_reasons});
 }
 
 }  // namespace chip
