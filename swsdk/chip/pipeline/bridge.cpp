@@ -1,8 +1,7 @@
-#include <algorithm>
-
 #include "chip/chip.h"
 #include "chip/gports.h"
 #include "chip/learning.h"
+#include "chip/pipeline/reserved_ip6.h"
 #include "chip/pipeline/stages.h"
 #include "chip/pipeline/trunk_member.h"
 
@@ -95,11 +94,7 @@ int flood_group(const VlanControl& control, uint32_t kind) {
 /// 224.0.0.x and the scopes of IPv6 that the chip is told: what hosts need to find each other.
 bool is_reserved(const Chip& chip, const Packet& packet) {
   if (packet.is_ip4()) return packet.fields.destination_ip >> 8 == 0xE00000;
-  const auto& matches = chip.reserved_multicast.of_outer_header();
-  return packet.is_ip6() && std::any_of(matches.begin(), matches.end(), [&](const Ip6Match& match) {
-           const FieldMatch masked{match.address, match.mask};
-           return masked.meets(packet.fields.destination_ip6);
-         });
+  return packet.is_ip6() && is_reserved(chip, packet.fields.destination_ip6);
 }
 
 /// Whether the VLAN floods multicast frames that nobody knows.
@@ -119,6 +114,7 @@ void flood(Passage& frame, const Vlan& vlan) {
   const Chip& chip = frame.chip;
   const Packet& packet = frame.packet;
   const uint32_t kind = flood_kind(packet);
+  frame.unknown_destination = kind == PortFilters::unknown_unicast;
   if (kind == PortFilters::unknown_multicast && !floods_multicast(frame, vlan.control)) return;
 
   const PortSet& ports = vlan.members;

@@ -121,10 +121,11 @@ struct Passage {
   Chip& chip;
   Meters& meters;
   Packet packet;
-  Drop drop = Drop::none;     // the first reason found
-  uint32_t cpu_reasons = 0;   // not 0: the CPU gets a copy
-  FieldVerdict verdict;       // of the way in
-  std::vector<Copy>& copies;  // where it goes
+  Drop drop = Drop::none;            // the first reason found
+  uint32_t cpu_reasons = 0;          // not 0: the CPU gets a copy
+  bool unknown_destination = false;  // it is flooded because nobody knows where the one is whom it is for
+  FieldVerdict verdict;              // of the way in
+  std::vector<Copy>& copies;         // where it goes
   std::vector<Looped>& looped;
 
   bool dropped() const { return drop != Drop::none; }

@@ -42,9 +42,7 @@ void send_copy(Passage& frame, const Copy& copy, Wire& wire) {
 
   EgressFrame out;
   const std::span<const uint8_t> bytes = out.write(header, frame.packet);
-  constexpr int checksum = 4;
-  const int tag = header.outer_tag ? 4 : 0;  // does not count
-  if (static_cast<int>(bytes.size()) + checksum > mac->frame_max + tag)
+  if (!mac->takes(bytes.size(), header.outer_tag.has_value()))
     return count_not_sent(chip.counters, copy.port, NotSent::too_long);
   if (!is_within_shape(frame, copy.port, bytes.size())) return count_not_sent(chip.counters, copy.port, NotSent::rate);
   count_sent(chip.counters, copy.port, header, bytes.size());
@@ -59,6 +57,8 @@ void send_to_cpu(Passage& frame, Wire& wire) {
   EgressFrame out;
   const EgressHeader header = header_of(frame.packet);
   const std::span<const uint8_t> bytes = out.write(header, frame.packet);
+  if (!is_within_shape(frame, Ports::cpu, bytes.size()))
+    return count_not_sent(frame.chip.counters, Ports::cpu, NotSent::rate);
   count_sent(frame.chip.counters, Ports::cpu, header, bytes.size());
   wire.deliver({bytes, frame.packet.port, frame.cpu_reasons});
 }
