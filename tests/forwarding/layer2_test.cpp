@@ -32,6 +32,7 @@ class Layer2 : public support::ForwardingTest {
   }
   std::string send_to(int to, int from = 1, int port = 1) { return send(port, Frame(from, to).tag(10).type(0x9000)); }
 
+  static constexpr uint32_t ports_3_and_4 = 1U << 2 | 1U << 3;  // a trunk's first bit is port 1
   const std::string to_3 = "3: 01>09 [10] 9000\n";
   const std::string flooded = "2: 01>09 [10] 9000\n3: 01>09 [10] 9000\n4: 01>09 [10] 9000\n";
 };
@@ -127,7 +128,7 @@ TEST_F(Layer2, ATrunkIsOnePort) {
   EXPECT_EQ(sai_trunk_init(0), SAI_E_NONE);
   EXPECT_EQ(sai_trunk_create(0, 0, &trunk), SAI_E_NONE);
   EXPECT_EQ(send_to(9), flooded);
-  EXPECT_EQ(sai_trunk_set(0, trunk, 9, 1U << 3 | 1U << 4, 2), SAI_E_NONE);
+  EXPECT_EQ(sai_trunk_set(0, trunk, 9, ports_3_and_4, 2), SAI_E_NONE);
   const std::string through_trunk = send_to(9);
   EXPECT_TRUE(through_trunk == "2: 01>09 [10] 9000\n3: 01>09 [10] 9000\n" ||
               through_trunk == "2: 01>09 [10] 9000\n4: 01>09 [10] 9000\n")
@@ -147,7 +148,7 @@ TEST_F(Layer2, TheHashOfATrunkDecidesWhatGoesTogether) {
   constexpr int by_destination_mac = 10;
   int32_t trunk = 0;
   EXPECT_EQ(sai_trunk_create(0, 0, &trunk), SAI_E_NONE);
-  EXPECT_EQ(sai_trunk_set(0, trunk, by_destination_mac, 1U << 3 | 1U << 4, 2), SAI_E_NONE);
+  EXPECT_EQ(sai_trunk_set(0, trunk, by_destination_mac, ports_3_and_4, 2), SAI_E_NONE);
   send_to(1, 9, 3);
   const auto ports_for_many_sources = [&] {
     std::string ports;

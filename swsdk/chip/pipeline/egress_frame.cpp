@@ -26,6 +26,13 @@ class Writer {
     put(tpid);
     put(*tag);
   }
+  /// Makes it as long as a frame has to be, without its checksum.
+  void pad() {
+    constexpr std::size_t shortest = 60;
+    if (at_ >= shortest) return;
+    std::fill_n(room_.begin() + static_cast<std::ptrdiff_t>(at_), shortest - at_, uint8_t{0});
+    at_ = shortest;
+  }
   std::span<uint8_t> written() const { return room_.first(at_); }
 
  private:
@@ -59,6 +66,7 @@ std::span<uint8_t> EgressFrame::write(const EgressHeader& header, const Packet& 
   const std::size_t payload_at = writer.written().size() + packet.payload_at - packet.ether_type_at;
   writer.put(packet.bytes.subspan(packet.ether_type_at));
   if (header.routed) decrement_ttl(writer.written().subspan(payload_at), packet.is_ip4());
+  writer.pad();
   return writer.written();
 }
 
