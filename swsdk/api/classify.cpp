@@ -38,7 +38,7 @@ chip::FrameFields to_chip(const swsdk_frame& frame) {
 
 swsdk_verdict to_c(const chip::FieldVerdict& own) {
   swsdk_verdict verdict{};
-  for (const chip::FieldVerdict::Hit& hit : own.hits) {
+  for (const chip::FieldHits::Hit& hit : own.hits) {
     verdict.groups[verdict.hits] = hit.group;
     verdict.entries[verdict.hits++] = hit.entry;
   }

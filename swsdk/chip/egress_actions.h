@@ -3,8 +3,8 @@
 
 #include <compare>
 #include <cstdint>
-#include <map>
 
+#include "chip/hashed_map.h"
 #include "chip/status.h"
 
 namespace chip {
@@ -47,29 +47,31 @@ class EgressActions {
     int outer;
     int inner;  // 0: any
     auto operator<=>(const Key&) const = default;
+    std::size_t hash() const { return hash_of(port_class, outer, inner); }
   };
 
   /// An action takes the place of the one with its key.
   Status set(const Key& key, const EgressAction& action) {
     if (!is_valid(key)) return Status::bad_parameter;
-    if (actions_.size() >= capacity && !actions_.contains(key)) return Status::full;
-    actions_[key] = action;
+    if (actions_.size() >= capacity && find(key) == nullptr) return Status::full;
+    actions_.put(key, action);
     return Status::ok;
   }
   Status remove(const Key& key) {
     if (!is_valid(key)) return Status::bad_parameter;
-    return actions_.erase(key) == 1 ? Status::ok : Status::not_found;
+    return actions_.remove(key) ? Status::ok : Status::not_found;
   }
   void clear() { actions_.clear(); }
 
-  const std::map<Key, EgressAction>& all() const { return actions_; }
+  const EgressAction* find(const Key& key) const { return actions_.find(key); }
+  const auto& all() const { return actions_.all(); }
 
  private:
   static bool is_valid(const Key& key) {
     return key.outer >= 0 && key.outer <= highest_vlan && key.inner >= 0 && key.inner <= highest_vlan;
   }
 
-  std::map<Key, EgressAction> actions_;
+  HashedMap<Key, EgressAction> actions_;
 };
 
 }  // namespace chip

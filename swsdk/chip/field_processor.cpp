@@ -27,6 +27,7 @@ void FieldProcessor::reset() {
   groups_.clear();
   entries_.clear();
   installations_ = 0;
+  indexed_ = false;
 }
 
 // ---------------------------------------------------------------------------------------------------- groups ----
@@ -59,6 +60,7 @@ Status FieldProcessor::set_group_priority(int group, int priority) {
   if (found == nullptr) return Status::not_found;
   if (priority < 0 && priority != FieldGroup::any_priority) return Status::bad_parameter;
   found->priority = priority;
+  indexed_ = false;
   return Status::ok;
 }
 
@@ -66,6 +68,7 @@ Status FieldProcessor::enable_group(int group, bool enabled) {
   FieldGroup* const found = groups_.find(group);
   if (found == nullptr) return Status::not_found;
   found->enabled = enabled;
+  indexed_ = false;
   return Status::ok;
 }
 
@@ -165,6 +168,7 @@ Status FieldProcessor::set_priority(int entry, int priority) {
   return with_entry(*this, entry, [&](FieldEntry& found) {
     if (priority < FieldEntry::default_priority) return Status::bad_parameter;
     found.priority = priority;
+    indexed_ = false;
     return Status::ok;
   });
 }
@@ -175,21 +179,24 @@ Status FieldProcessor::install(int entry) {
     found.installed = found.rule;
     found.installation = ++installations_;
     found.hits = 0;
+    indexed_ = false;
     return Status::ok;
   });
 }
 
 Status FieldProcessor::reinstall(int entry) {
-  return with_entry(*this, entry, [](FieldEntry& found) {
+  return with_entry(*this, entry, [&](FieldEntry& found) {
     if (!found.installed) return Status::not_found;
     found.installed = found.rule;
+    indexed_ = false;
     return Status::ok;
   });
 }
 
 Status FieldProcessor::remove(int entry) {
-  return with_entry(*this, entry, [](FieldEntry& found) {
+  return with_entry(*this, entry, [&](FieldEntry& found) {
     found.installed.reset();
+    indexed_ = false;
     return Status::ok;
   });
 }
@@ -242,34 +249,39 @@ void FieldProcessor::forget_policers() {
 
 // ---------------------------------------------------------------------------------------------------- lookup ----
 
-FieldVerdict FieldProcessor::classify(FieldStage stage, const FrameFields& frame) {
-  const auto matches = [&](const FieldRule& rule) {
-    return std::all_of(rule.matches.begin(), rule.matches.end(),
-                       [&](const auto& match) { return match.second.meets(field_of(frame, match.first)); });
-  };
-  const auto before = [](const FieldEntry& left, const FieldEntry& right) {
-    return left.priority != right.priority ? left.priority > right.priority : left.installation < right.installation;
+void FieldProcessor::make_indexes() {
+  using Installed = FieldIndex::Installed;
+  std::map<int, std::vector<Installed>> installed;  // by group
+  for (const auto& [id, entry] : entries_.all())
+    if (entry.installed) installed[entry.group].push_back({id, entries_.find(id)});
+  const auto is_met_rather = [](const Installed& left, const Installed& right) {
+    return left.entry->priority != right.entry->priority ? left.entry->priority > right.entry->priority
+                                                         : left.entry->installation < right.entry->installation;
   };
 
-  std::map<int, int> met;  // the entry by its group
-  for (const auto& [id, entry] : entries_.all()) {
-    const FieldGroup& group = *groups_.find(entry.group);
-    if (!entry.installed || !group.enabled || group.stage != stage || !matches(*entry.installed)) continue;
-    const auto best = met.try_emplace(entry.group, id).first;
-    if (before(entry, *entries_.find(best->second))) best->second = id;
+  std::vector<int> groups;
+  for (const auto& [id, entries] : installed) groups.push_back(id);
+  std::stable_sort(groups.begin(), groups.end(),
+                   [&](int left, int right) { return groups_.find(left)->priority > groups_.find(right)->priority; });
+  ingress_.clear();
+  egress_.clear();
+  for (const int id : groups) {
+    const FieldGroup& group = *groups_.find(id);
+    if (!group.enabled) continue;
+    std::vector<Installed>& entries = installed[id];
+    std::sort(entries.begin(), entries.end(), is_met_rather);
+    (group.stage == FieldStage::ingress ? ingress_ : egress_).add_group(id, entries);
   }
+  indexed_ = true;
+}
 
+FieldVerdict FieldProcessor::classify(FieldStage stage, const FrameFields& frame) {
   FieldVerdict verdict;
-  for (const auto& [group, entry] : met) verdict.hits.push_back({group, entry});
-  std::stable_sort(verdict.hits.begin(), verdict.hits.end(), [&](const auto& left, const auto& right) {
-    return groups_.find(left.group)->priority > groups_.find(right.group)->priority;
-  });
-
   // Where groups disagree, the first one has its way.
-  for (const FieldVerdict::Hit& hit : verdict.hits) {
-    FieldEntry& entry = *entries_.find(hit.entry);
-    ++entry.hits;
-    const FieldRule& rule = *entry.installed;
+  index(stage).find(frame, [&](int group, const FieldIndex::Installed& met) {
+    verdict.hits.add({group, met.id});
+    ++met.entry->hits;
+    const FieldRule& rule = *met.entry->installed;
     for (const auto& [action, parameters] : rule.actions) switch (action) {
         case FieldAction::packet_priority:
           if (!verdict.priority) verdict.priority = static_cast<int>(parameters[0]);
@@ -292,7 +304,7 @@ FieldVerdict FieldProcessor::classify(FieldStage stage, const FrameFields& frame
       }
     for (std::size_t level = 0; level < rule.policers.size(); ++level)
       if (verdict.policers[level] == FieldRule::no_policer) verdict.policers[level] = rule.policers[level];
-  }
+  });
   if (verdict.dropped) verdict.redirect_port.reset();
   return verdict;
 }

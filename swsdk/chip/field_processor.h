@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <map>
@@ -9,6 +10,7 @@
 #include <set>
 #include <vector>
 
+#include "chip/field_index.h"
 #include "chip/field_qualifiers.h"
 #include "chip/policers.h"
 #include "chip/ports.h"
@@ -63,16 +65,33 @@ struct FieldGroup {
   int slices() const;
 };
 
-/// What the entries that a frame meets, one of each group at most, do to it together.
-struct FieldVerdict {
+/// The entries that a frame meets, one of each group at most; the group of highest priority first.
+class FieldHits {
+ public:
+  static constexpr std::size_t capacity = 16;  // a group has a slice at least
+
   struct Hit {
     int group;
     int entry;
   };
-  std::vector<Hit> hits;  // the group of highest priority first
+
+  void add(const Hit& hit) { hits_[count_++] = hit; }
+  std::size_t size() const { return count_; }
+  bool empty() const { return count_ == 0; }
+  const Hit* begin() const { return hits_.data(); }
+  const Hit* end() const { return begin() + count_; }
+
+ private:
+  std::array<Hit, capacity> hits_{};
+  std::size_t count_ = 0;
+};
+
+/// What the entries that a frame meets do to it together.
+struct FieldVerdict {
+  FieldHits hits;
 
   bool dropped = false;
-  bool drop_cancelled = false;  // other parts of the chip may not drop the frame either
+  bool drop_cancelled = false;  // nor do other parts of the chip drop the frame, but its VLAN, spanning tree and rates
   bool red_dropped = false;     // dropped if its policer finds it red
   bool copied_to_cpu = false;
   std::optional<int> redirect_port;  // goes there alone
@@ -82,7 +101,7 @@ struct FieldVerdict {
 
 class FieldProcessor {
  public:
-  static constexpr int ingress_slices = 16;
+  static constexpr int ingress_slices = FieldHits::capacity;
   static constexpr int egress_slices = 4;
   static constexpr int slice_entries = 256;
   static constexpr int highest_packet_priority = 7;
@@ -126,6 +145,8 @@ class FieldProcessor {
   /// Detaches all policers everywhere.
   void forget_policers();
 
+  /// Whether a stage has no entry that a frame could meet.
+  bool is_idle(FieldStage stage) { return index(stage).empty(); }
   /// Looks a frame up and counts the hits.
   FieldVerdict classify(FieldStage stage, const FrameFields& frame);
 
@@ -142,11 +163,21 @@ class FieldProcessor {
 
   int free_slices(FieldStage stage) const;
 
+  /// Of what is installed now.
+  FieldIndex& index(FieldStage stage) {
+    if (!indexed_) make_indexes();
+    return stage == FieldStage::ingress ? ingress_ : egress_;
+  }
+  void make_indexes();
+
   const Ports& ports_;
   Policers& policers_;
   Slots<FieldGroup> groups_{1, ingress_slices + egress_slices};
   Slots<FieldEntry> entries_{1, std::numeric_limits<int>::max() - 1};
   uint64_t installations_ = 0;
+  FieldIndex ingress_;
+  FieldIndex egress_;
+  bool indexed_ = false;  // the indexes are made anew when they are needed after a change
 };
 
 }  // namespace chip

@@ -9,6 +9,8 @@
 namespace chip {
 
 struct L2CacheEntry {
+  static constexpr uint32_t bpdu = 0x10;  // spanning tree does not keep it back
+
   uint32_t flags = 0;
   Mac mac{};
   Mac mac_mask{};

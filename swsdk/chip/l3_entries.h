@@ -18,6 +18,9 @@ struct L3Entry {
   static constexpr uint32_t destination_hit = 0x8;
   static constexpr uint32_t any_hit = source_hit | destination_hit;
 
+  // A flag of hosts and one of routes: what takes the entry is for the CPU.
+  static constexpr uint32_t to_cpu = 0x1000 | 0x2000;
+
   uint32_t flags = 0;
   uint32_t flags2 = 0;
   uint32_t hit = 0;
@@ -49,16 +52,16 @@ class L3Entries {
     if (hits == Hits::clear) entry->second.hit = 0;
     return Status::ok;
   }
-  const L3Entry* find(const Key& key) const {
+  L3Entry* find(const Key& key) {
     const auto entry = entries_.find(key);
     return entry == entries_.end() ? nullptr : &entry->second;
   }
 
   /// Notes that frames used an entry.
   Status hit(const Key& key, uint32_t hits) {
-    const auto entry = entries_.find(key);
-    if (entry == entries_.end()) return Status::not_found;
-    entry->second.hit |= hits & L3Entry::any_hit;
+    L3Entry* const entry = find(key);
+    if (entry == nullptr) return Status::not_found;
+    entry->hit |= hits & L3Entry::any_hit;
     return Status::ok;
   }
 

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <set>
+#include <unordered_map>
 #include <utility>
 
 #include "chip/addresses.h"
@@ -13,6 +14,8 @@
 namespace chip {
 
 struct L3Interface {
+  static constexpr uint32_t in_mac_table = 0x20;  // of `flags`: frames to its address are for the router
+
   uint32_t flags = 0;
   uint32_t flags2 = 0;
   int vrf = 0;
@@ -43,19 +46,28 @@ class L3Interfaces {
     if (interface.vlan == 0 || interface.vlan > highest_vlan || interface.inner_vlan > highest_vlan)
       return Status::bad_parameter;
     const Status status = interfaces_.add(interface, id);
-    if (status == Status::ok) by_vlan_.emplace(interface.vlan, id);
+    if (status != Status::ok) return status;
+    by_vlan_.emplace(interface.vlan, id);
+    if ((interface.flags & L3Interface::in_mac_table) != 0)
+      by_station_[station_of(interface.vlan, interface.mac)].insert(id);
     return status;
   }
 
   Status remove(int id) {
     const L3Interface* const interface = find(id);
-    if (interface != nullptr) by_vlan_.erase({interface->vlan, id});
+    if (interface != nullptr) {
+      by_vlan_.erase({interface->vlan, id});
+      const auto station = by_station_.find(station_of(interface->vlan, interface->mac));
+      if (station != by_station_.end() && station->second.erase(id) == 1 && station->second.empty())
+        by_station_.erase(station);
+    }
     return interfaces_.remove(id);
   }
 
   void clear() {
     interfaces_.clear();
     by_vlan_.clear();
+    by_station_.clear();
   }
 
   const L3Interface* find(int id) const { return interfaces_.find(id); }
@@ -75,6 +87,12 @@ class L3Interfaces {
     return Status::ok;
   }
 
+  /// The interface to which frames of the (outer) VLAN to an address are sent, the first if there are several, or null.
+  const L3Interface* find_station(int vlan, const Mac& mac) const {
+    const auto found = by_station_.find(station_of(vlan, mac));
+    return found == by_station_.end() ? nullptr : find(*found->second.begin());
+  }
+
   const std::map<int, L3Interface>& all() const { return interfaces_.all(); }
 
  private:
@@ -90,8 +108,11 @@ class L3Interfaces {
     return {interface.vrf, interface.mac, interface.vlan, interface.inner_vlan};
   }
 
+  static uint64_t station_of(int vlan, const Mac& mac) { return number_of(mac) << 12 | static_cast<uint64_t>(vlan); }
+
   KeyedSlots<L3Interface, identity_of> interfaces_{first_id, capacity};
-  std::set<std::pair<int, int>> by_vlan_;  // (VLAN, id)
+  std::set<std::pair<int, int>> by_vlan_;                   // (VLAN, id)
+  std::unordered_map<uint64_t, std::set<int>> by_station_;  // the ids of those in the MAC table
 };
 
 }  // namespace chip

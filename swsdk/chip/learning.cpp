@@ -7,14 +7,13 @@ namespace {
 bool is_multicast(const Mac& mac) { return (mac[0] & 1) != 0; }
 
 bool learns(const Chip& chip, int vlan, int port) {
-  constexpr uint32_t learn_disable = 0x1;
-  const auto found = chip.vlans.all().find(vlan);
-  if (found == chip.vlans.all().end() || (found->second.control.flags & learn_disable) != 0) return false;
+  const Vlan* const found = chip.vlans.find(vlan);
+  if (found == nullptr || (found->control.flags & VlanControl::learn_disable) != 0) return false;
   if (!chip.ports.has(port)) return true;  // a virtual one has no state and no setting of its own
   if ((chip.port_forwarding.of(port).learning & PortForwardings::learn) == 0) return false;
-  if (chip.spanning_trees.forwards(found->second.spanning_tree, port)) return true;
+  if (chip.spanning_trees.forwards(found->spanning_tree, port)) return true;
   StpState state = StpState::disable;
-  chip.spanning_trees.state(found->second.spanning_tree, port, state);
+  chip.spanning_trees.state(found->spanning_tree, port, state);
   return state == StpState::learn;
 }
 

@@ -6,9 +6,12 @@
 #include <compare>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <map>
+#include <unordered_map>
 
 #include "chip/addresses.h"
+#include "chip/hash.h"
 #include "chip/status.h"
 
 namespace chip {
@@ -20,9 +23,17 @@ struct MulticastRouteKey {
   Ip6 address{};  // an IPv4 one is in the first four bytes
   Ip6 source{};   // zeros: any
   auto operator<=>(const MulticastRouteKey&) const = default;
+  std::size_t hash() const {
+    std::array<uint64_t, 4> words;
+    std::memcpy(words.data(), address.data(), address.size());
+    std::memcpy(&words[2], source.data(), source.size());
+    return hash_of(vrf, vlan, words[0], words[1], words[2], words[3]);
+  }
 };
 
 struct MulticastRoute {
+  static constexpr uint32_t from_any_port = 0x80000000;  // of `flags`
+
   uint32_t flags = 0;
   int group = 0;
   int group_l2 = 0;
@@ -57,10 +68,14 @@ class MulticastRoutes {
 
   Status find(const MulticastRouteKey& key, MulticastRoute& found) const {
     if (!is_valid(key)) return Status::bad_parameter;
-    const auto route = routes_.find(key);
-    if (route == routes_.end()) return Status::not_found;
-    found = route->second;
+    const MulticastRoute* const route = find(key);
+    if (route == nullptr) return Status::not_found;
+    found = *route;
     return Status::ok;
+  }
+  const MulticastRoute* find(const MulticastRouteKey& key) const {
+    const auto route = routes_.find(key);
+    return route == routes_.end() ? nullptr : &route->second;
   }
 
   Status remove(const MulticastRouteKey& key) {
@@ -70,7 +85,9 @@ class MulticastRoutes {
 
   void clear() { routes_.clear(); }
 
-  const std::map<MulticastRouteKey, MulticastRoute>& all() const { return routes_; }
+  bool empty() const { return routes_.empty(); }
+  /// A copy of the routes in the order of their keys.
+  std::map<MulticastRouteKey, MulticastRoute> all() const { return {routes_.begin(), routes_.end()}; }
 
  private:
   static bool is_valid(const MulticastRouteKey& key) {
@@ -78,7 +95,11 @@ class MulticastRoutes {
     return is_multicast && key.vlan >= 0 && key.vlan <= highest_vlan;
   }
 
-  std::map<MulticastRouteKey, MulticastRoute> routes_;
+  struct Hash {
+    std::size_t operator()(const MulticastRouteKey& key) const { return key.hash(); }
+  };
+
+  std::unordered_map<MulticastRouteKey, MulticastRoute, Hash> routes_;
 };
 
 }  // namespace chip

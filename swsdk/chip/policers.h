@@ -28,7 +28,8 @@ struct Policer {
 class Policers {
  public:
   static constexpr int capacity = 2048;
-  static constexpr int highest_mode = 3;  // two rates, three colours
+  static constexpr int two_rates_three_colours = 3;
+  static constexpr int highest_mode = two_rates_three_colours;
 
   // The chip counts bursts in bytes and rates in multiples of 8 kbit/s.
   static constexpr uint32_t burst_granularity = 8;

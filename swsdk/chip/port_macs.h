@@ -32,6 +32,12 @@ struct PortMac {
 
   /// A port that is looped back needs nobody at the other end.
   bool link() const { return enabled && (partner || loopback != Loopback::none); }
+  /// Whether a frame of that many bytes, checksum not counted, is short enough; a tag makes it no longer.
+  bool takes(std::size_t bytes, bool tagged) const {
+    constexpr std::size_t checksum = 4;
+    constexpr std::size_t tag = 4;
+    return bytes + checksum <= static_cast<std::size_t>(frame_max) + (tagged ? tag : 0);
+  }
 };
 
 class PortMacs {

@@ -54,6 +54,12 @@ class ProtocolVlans {
     return Status::ok;
   }
 
+  /// 0 when the protocol has none.
+  int find(const Key& key) const {
+    if (vlans_.empty()) return 0;
+    const auto found = vlans_.find(key);
+    return found == vlans_.end() ? 0 : found->second;
+  }
   const std::map<Key, int>& all() const { return vlans_; }
 
  private:

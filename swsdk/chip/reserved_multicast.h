@@ -1,6 +1,7 @@
 // The IPv6 addresses that the chip takes for reserved multicast, in the outer and in the inner header of a frame.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <vector>
 
@@ -27,6 +28,14 @@ class ReservedMulticast {
     if (matches.size() > capacity) return Status::bad_parameter;
     matches_[static_cast<std::size_t>(inner)] = std::move(matches);
     return Status::ok;
+  }
+  /// Whether a frame to the address is one of them.
+  bool contains(const Ip6& address) const {
+    return std::any_of(matches_[0].begin(), matches_[0].end(), [&](const Ip6Match& match) {
+      for (std::size_t i = 0; i < address.size(); ++i)
+        if (((address[i] ^ match.address[i]) & match.mask[i]) != 0) return false;
+      return true;
+    });
   }
   const std::vector<Ip6Match>& of_outer_header() const { return matches_[0]; }
   const std::vector<Ip6Match>& of_inner_header() const { return matches_[1]; }

@@ -1,6 +1,7 @@
 // The route table: IPv4 subnets, of which the one with the longest prefix takes an address.
 #pragma once
 
+#include <array>
 #include <bit>
 #include <compare>
 #include <cstddef>
@@ -37,17 +38,36 @@ class Routes : public L3Entries<RouteKey> {
 
   /// An entry that is there already is refused unless it is to be replaced.
   Status add(const RouteKey& key, const L3Entry& entry, bool replace) {
-    return L3Entries::add(key, entry, replace, size() >= capacity);
+    const std::size_t before = size();
+    const Status status = L3Entries::add(key, entry, replace, before >= capacity);
+    if (size() > before) ++of_length(key.length);
+    return status;
   }
-  using L3Entries::clear;
-  using L3Entries::remove;
+
+  Status remove(const RouteKey& key) {
+    const Status status = L3Entries::remove(key);
+    if (status == Status::ok) --of_length(key.length);
+    return status;
+  }
+
+  void clear() {
+    L3Entries::clear();
+    of_length_ = {};
+  }
 
   /// The entry that an address takes, or null.
-  const L3Entry* lookup(int vrf, uint32_t address) const {
-    for (int length = longest; length >= 0; --length)
-      if (const L3Entry* const entry = find(RouteKey{vrf, address & mask(length), length})) return entry;
+  L3Entry* lookup(int vrf, uint32_t address) {
+    for (int length = longest; length >= 0; --length) {
+      if (of_length(length) == 0) continue;
+      if (L3Entry* const entry = find(RouteKey{vrf, address & mask(length), length})) return entry;
+    }
     return nullptr;
   }
+
+ private:
+  int& of_length(int length) { return of_length_[static_cast<std::size_t>(length)]; }
+
+  std::array<int, longest + 1> of_length_{};  // how many entries have a prefix of that length
 };
 
 }  // namespace chip

@@ -87,6 +87,14 @@ class VirtualPorts {
     return status;
   }
 
+  /// The gport of the virtual port that takes a frame's tags; 0 for `inner` is for one that takes any. 0 when there is
+  /// none.
+  int matching(int port, int outer, int inner) const {
+    int number = 0;
+    const Status status = virtual_ports_.find_id({port, outer, inner}, number);
+    return status == Status::ok ? gport::of(gport::virtual_port, number) : 0;
+  }
+
   /// By number, which is what a gport says beside its kind.
   const std::map<int, VirtualPort>& all() const { return virtual_ports_.all(); }
 

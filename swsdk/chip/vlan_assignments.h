@@ -4,10 +4,10 @@
 #include <compare>
 #include <cstddef>
 #include <cstdint>
-#include <map>
 #include <optional>
 
 #include "chip/addresses.h"
+#include "chip/hashed_map.h"
 #include "chip/status.h"
 
 namespace chip {
@@ -24,6 +24,7 @@ struct Subnet {
   int prefix;
   Ip6 address;
   auto operator<=>(const Subnet&) const = default;
+  std::size_t hash() const;
 };
 
 /// Nothing when the ones of the mask do not come first.
@@ -41,21 +42,25 @@ class VlanAssignments {
     constexpr int highest_priority = 7;
     if (to.vlan < 1 || to.vlan > highest_vlan || to.priority < 0 || to.priority > highest_priority)
       return Status::bad_parameter;
-    if (assignments_.contains(key)) return Status::exists;
+    if (find(key) != nullptr) return Status::exists;
     if (assignments_.size() == capacity) return Status::full;
-    assignments_[key] = to;
+    assignments_.put(key, to);
     return Status::ok;
   }
-  Status remove(const Key& key) { return assignments_.erase(key) == 1 ? Status::ok : Status::not_found; }
+  Status remove(const Key& key) { return assignments_.remove(key) ? Status::ok : Status::not_found; }
   void clear() { assignments_.clear(); }
 
-  const std::map<Key, VlanAssignment>& all() const { return assignments_; }
+  const VlanAssignment* find(const Key& key) const { return assignments_.find(key); }
+  const auto& all() const { return assignments_.all(); }
 
  private:
-  std::map<Key, VlanAssignment> assignments_;
+  HashedMap<Key, VlanAssignment> assignments_;
 };
 
 using MacVlans = VlanAssignments<Mac, 1024>;
 using SubnetVlans = VlanAssignments<Subnet, 512>;
+
+/// What the smallest subnet around an address gets; null when there is none.
+const VlanAssignment* find_around(const SubnetVlans& subnets, const Subnet& address);
 
 }  // namespace chip

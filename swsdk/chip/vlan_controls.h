@@ -1,8 +1,8 @@
 // The chip's VLAN controls: numbered settings of the whole chip or of each port.
 #pragma once
 
-#include <map>
-#include <utility>
+#include <array>
+#include <cstddef>
 
 #include "chip/ports.h"
 #include "chip/status.h"
@@ -26,12 +26,16 @@ enum class VlanControlOfPort : int {
 
 class VlanControls {
  public:
+  // Keys by which a port looks for virtual ports.
+  static constexpr int key_port_double = 7;  // both tags
+  static constexpr int key_port_outer = 8;
+
   explicit VlanControls(const Ports& ports) : ports_(ports) {}
 
   /// All controls are 0 after a reset.
   void reset() {
     translate_ = 0;
-    of_ports_.clear();
+    of_ports_ = {};
   }
 
   Status set(int control, int value) {
@@ -43,18 +47,31 @@ class VlanControls {
 
   Status set_port(int port, int control, int value) {
     if (const Status status = check(port, control); status != Status::ok) return status;
-    of_ports_[{port, control}] = value;
+    OfPort& settings = of_ports_[static_cast<std::size_t>(port)];
+    settings.values[static_cast<std::size_t>(control)] = value;
+    const bool set = value != 0;
+    if (control == static_cast<int>(VlanControlOfPort::prefer_ip4)) settings.prefers_subnet = set;
+    if (control == static_cast<int>(VlanControlOfPort::prefer_mac))
+      settings.prefers_subnet = !set && of_port(port, VlanControlOfPort::prefer_ip4) != 0;
     return Status::ok;
   }
   Status get_port(int port, int control, int& value) const {
     if (const Status status = check(port, control); status != Status::ok) return status;
-    const auto found = of_ports_.find({port, control});
-    value = found == of_ports_.end() ? 0 : found->second;
+    value = of_port(port, static_cast<VlanControlOfPort>(control));
     return Status::ok;
   }
 
-  /// What is set, by (port, control).
-  const std::map<std::pair<int, int>, int>& of_ports() const { return of_ports_; }
+  /// Of a port that the chip has.
+  int of_port(int port, VlanControlOfPort control) const {
+    return of_ports_[static_cast<std::size_t>(port)].values[static_cast<std::size_t>(control)];
+  }
+  /// Whether the subnet of a frame counts before its MAC address. A port that was asked for both does what it was asked
+  /// for last: whoever asks cannot take the other back.
+  bool prefers_subnet(int port) const { return of_ports_[static_cast<std::size_t>(port)].prefers_subnet; }
+  /// Whether the port translates in one direction; the chip has to translate at all.
+  bool translates(int port, VlanControlOfPort direction) const {
+    return translate_ != 0 && of_port(port, direction) != 0;
+  }
 
  private:
   Status check(int port, int control) const {
@@ -76,7 +93,11 @@ class VlanControls {
 
   const Ports& ports_;
   int translate_ = 0;
-  std::map<std::pair<int, int>, int> of_ports_;  // absent: 0
+  struct OfPort {
+    std::array<int, static_cast<std::size_t>(VlanControlOfPort::translate_second_key) + 1> values{};
+    bool prefers_subnet = false;
+  };
+  std::array<OfPort, PortSet::capacity> of_ports_{};
 };
 
 }  // namespace chip

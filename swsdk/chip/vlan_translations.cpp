@@ -22,23 +22,23 @@ Status VlanTranslations::check(int port, int vlan) const {
 Status VlanTranslations::add(Table& table, std::size_t used, int port, int vlan, const Translation& to) {
   if (const Status status = check(port, vlan); status != Status::ok) return status;
   if (!is_vlan(to.vlan)) return Status::bad_parameter;
-  if (table.contains({port, vlan})) return Status::exists;
+  if (table.find({port, vlan}) != nullptr) return Status::exists;
   if (used >= capacity) return Status::full;
-  table[{port, vlan}] = to;
+  table.put({port, vlan}, to);
   return Status::ok;
 }
 
 Status VlanTranslations::find(const Table& table, int port, int vlan, Translation& found) const {
   if (const Status status = check(port, vlan); status != Status::ok) return status;
-  const auto entry = table.find({port, vlan});
-  if (entry == table.end()) return Status::not_found;
-  found = entry->second;
+  const Translation* const entry = table.find({port, vlan});
+  if (entry == nullptr) return Status::not_found;
+  found = *entry;
   return Status::ok;
 }
 
 Status VlanTranslations::remove(Table& table, int port, int vlan) {
   if (const Status status = check(port, vlan); status != Status::ok) return status;
-  return table.erase({port, vlan}) == 1 ? Status::ok : Status::not_found;
+  return table.remove({port, vlan}) ? Status::ok : Status::not_found;
 }
 
 Status VlanTranslations::add(int port, int vlan, const Translation& to) {
@@ -78,6 +78,13 @@ Status VlanTranslations::remove_outer(int port, int low, int high) {
   if (entry == outer_.end() || entry->second.high != high) return Status::not_found;
   outer_.erase(entry);
   return Status::ok;
+}
+
+const Translation* VlanTranslations::find_range(int port, int vlan) const {
+  auto range = outer_.upper_bound({port, vlan});
+  if (range == outer_.begin()) return nullptr;
+  --range;
+  return range->first.port == port && vlan <= range->second.high ? &range->second.outer : nullptr;
 }
 
 }  // namespace chip

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <map>
 
+#include "chip/hashed_map.h"
 #include "chip/ports.h"
 #include "chip/status.h"
 
@@ -40,27 +41,34 @@ class VlanTranslations {
   Status add_outer(int port, int low, int high, const Translation& outer);
   Status remove_outer(int port, int low, int high);
 
+  /// What a frame with the tag `vlan` gets on either way, or gains as an outer tag; null when it gets nothing.
+  const Translation* find(int port, int vlan) const { return ingress_.find({port, vlan}); }
+  const Translation* find_egress(int port, int vlan) const { return egress_.find({port, vlan}); }
+  const Translation* find_outer(int port, int vlan) const { return outer_.empty() ? nullptr : find_range(port, vlan); }
+
   struct Key {
     int port;
     int vlan;
     auto operator<=>(const Key&) const = default;
+    std::size_t hash() const { return hash_of(port, vlan); }
   };
   struct Range {
     int high;
     Translation outer;
   };
 
-  const std::map<Key, Translation>& ingress() const { return ingress_; }
-  const std::map<Key, Translation>& egress() const { return egress_; }
+  const std::map<Key, Translation>& ingress() const { return ingress_.all(); }
+  const std::map<Key, Translation>& egress() const { return egress_.all(); }
   const std::map<Key, Range>& outer() const { return outer_; }
 
  private:
-  using Table = std::map<Key, Translation>;
+  using Table = HashedMap<Key, Translation>;
 
   Status check(int port, int vlan) const;
   Status add(Table& table, std::size_t used, int port, int vlan, const Translation& to);
   Status find(const Table& table, int port, int vlan, Translation& found) const;
   Status remove(Table& table, int port, int vlan);
+  const Translation* find_range(int port, int vlan) const;
 
   const Ports& ports_;
   Table ingress_;

@@ -6,32 +6,43 @@ namespace chip {
 template <class Self, class Body>
 Status Vlans::with(Self& self, int id, Body body) {
   if (!is_valid(id)) return Status::bad_parameter;
-  const auto found = self.vlans_.find(id);
-  return found == self.vlans_.end() ? Status::not_found : body(found->second);
+  Vlan* const found = self.by_id_[static_cast<std::size_t>(id)];
+  return found == nullptr ? Status::not_found : body(*found);
+}
+
+bool Vlans::insert(int id, const Vlan& vlan) {
+  const auto [place, is_new] = vlans_.try_emplace(id, vlan);
+  by_id_[static_cast<std::size_t>(id)] = &place->second;
+  return is_new;
 }
 
 void Vlans::reset() {
   vlans_.clear();
-  vlans_[default_id] = Vlan{
-      .members = ports_.all(), .untagged = ports_.ethernet(), .control = {}, .spanning_tree = default_spanning_tree_};
+  by_id_ = {};
+  insert(
+      default_id,
+      {.members = ports_.all(), .untagged = ports_.ethernet(), .control = {}, .spanning_tree = default_spanning_tree_});
 }
 
 Status Vlans::create(int id) {
   if (!is_valid(id)) return Status::bad_parameter;
   const Vlan fresh{.members = {}, .untagged = {}, .control = {}, .spanning_tree = default_spanning_tree_};
-  return vlans_.try_emplace(id, fresh).second ? Status::ok : Status::exists;
+  return insert(id, fresh) ? Status::ok : Status::exists;
 }
 
 Status Vlans::destroy(int id) {
   if (id == default_id) return Status::bad_id;
   return with(*this, id, [&](const Vlan&) {
     vlans_.erase(id);
+    by_id_[static_cast<std::size_t>(id)] = nullptr;
     return Status::ok;
   });
 }
 
 Status Vlans::destroy_all() {
   std::erase_if(vlans_, [](const auto& vlan) { return vlan.first != default_id; });
+  by_id_ = {};
+  by_id_[default_id] = &vlans_.at(default_id);
   return Status::ok;
 }
 

@@ -1,6 +1,8 @@
 // The VLAN table: members, untagged members and the control record of each VLAN.
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <initializer_list>
 #include <map>
@@ -13,6 +15,9 @@ namespace chip {
 
 /// How one VLAN treats its frames.
 struct VlanControl {
+  static constexpr uint32_t learn_disable = 0x1;
+  static constexpr uint32_t l2_lookup_disable = 0x80000;
+
   int vrf = 0;
   uint16_t forwarding_vlan = 0;
   int ingress_interface = 0;
@@ -80,6 +85,8 @@ class Vlans {
   int default_spanning_tree() const { return default_spanning_tree_; }
   void set_default_spanning_tree(int group) { default_spanning_tree_ = group; }
 
+  /// Null when there is none.
+  const Vlan* find(int id) const { return is_valid(id) ? by_id_[static_cast<std::size_t>(id)] : nullptr; }
   const std::map<int, Vlan>& all() const { return vlans_; }
 
  private:
@@ -87,9 +94,12 @@ class Vlans {
 
   template <class Self, class Body>
   static Status with(Self& self, int id, Body body);
+  /// False, and nothing done, when there is one.
+  bool insert(int id, const Vlan& vlan);
 
   const Ports& ports_;
   std::map<int, Vlan> vlans_;
+  std::array<Vlan*, highest_id + 1> by_id_{};  // the same, so that one is found at once
   int default_spanning_tree_ = 0;
 };
 

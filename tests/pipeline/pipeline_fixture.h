@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 
 #include "chip/chip.h"
@@ -24,6 +25,13 @@ class PipelineTest : public testing::Test, private chip::Wire {
   void vlan(int id, const chip::PortSet& members, const chip::PortSet& untagged = {}) {
     chip.vlans.create(id);
     EXPECT_EQ(chip.vlans.add_ports(id, members, untagged), Status::ok);
+  }
+
+  /// support::mac() as the chip's tables have it.
+  static chip::Mac mac(int last) {
+    chip::Mac result;
+    std::ranges::copy(support::mac(last), result.begin());
+    return result;
   }
 
   /// Lets a frame come in and tells the copies that leave, a line each: "3: 01>02 [10] ...", "cpu 0x2: ..."; why it is

@@ -214,6 +214,7 @@ std::string told(std::span<const uint8_t> frame) {
     const unsigned tag = word(frame, at + 2);
     tags += (tags.empty() ? "" : " ") + std::to_string(tag & 0xFFF);
     if (tag >> 13 != 0) tags += 'p' + std::to_string(tag >> 13);
+    if ((tag & 0x1000) != 0) tags += 'c';
     at += 4;
   }
   if (!tags.empty()) text += " [" + tags + ']';

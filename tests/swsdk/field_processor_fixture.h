@@ -53,7 +53,7 @@ class FieldProcessor : public testing::Test {
   /// The entries that a frame meets: "3 1 ".
   std::string met(const FrameFields& frame = {}, FieldStage stage = FieldStage::ingress) {
     std::string entries;
-    for (const FieldVerdict::Hit& hit : classify(frame, stage).hits) entries += std::to_string(hit.entry) + ' ';
+    for (const chip::FieldHits::Hit& hit : classify(frame, stage).hits) entries += std::to_string(hit.entry) + ' ';
     return entries;
   }
 

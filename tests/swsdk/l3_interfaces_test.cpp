@@ -70,6 +70,23 @@ TEST_F(L3Interfaces, AreFoundByVlanTheLowestIdFirst) {
   for (const int vlan : {-1, 0, 4096}) EXPECT_EQ(interfaces.find_by_vlan(vlan, id), Status::bad_parameter) << vlan;
 }
 
+TEST_F(L3Interfaces, AreFoundByTheFramesThatAreSentToThemIfTheyAreInTheMacTable) {
+  create({.mac = router, .vlan = 10});
+  EXPECT_EQ(interfaces.find_station(10, router), nullptr);
+  const int first = create({.flags = 0x20, .mac = router, .vlan = 10, .inner_vlan = 5});
+  const int second = create({.flags = 0x820, .mac = router, .vlan = 10, .inner_vlan = 6});
+  EXPECT_EQ(interfaces.find_station(10, router), interfaces.find(first));
+  EXPECT_EQ(interfaces.find_station(11, router), nullptr);
+  EXPECT_EQ(interfaces.find_station(10, other_router), nullptr);
+  EXPECT_EQ(interfaces.remove(first), Status::ok);
+  EXPECT_EQ(interfaces.find_station(10, router), interfaces.find(second));
+  EXPECT_EQ(interfaces.remove(second), Status::ok);
+  EXPECT_EQ(interfaces.find_station(10, router), nullptr);
+  create({.flags = 0x20, .mac = router, .vlan = 12});
+  interfaces.clear();
+  EXPECT_EQ(interfaces.find_station(12, router), nullptr);
+}
+
 TEST_F(L3Interfaces, RefuseVlansThatThereAreNone) {
   EXPECT_EQ(interfaces.create({.mac = router, .vlan = 0}, id), Status::bad_parameter);
   EXPECT_EQ(interfaces.create({.mac = router, .vlan = 4096}, id), Status::bad_parameter);

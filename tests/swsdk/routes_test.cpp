@@ -22,7 +22,7 @@ class Routes : public testing::Test {
   }
 
   /// Where an address goes: an interface, or 0 for nowhere.
-  int way(uint32_t address, int vrf = 0) const {
+  int way(uint32_t address, int vrf = 0) {
     const L3Entry* const entry = routes.lookup(vrf, address);
     return entry == nullptr ? 0 : entry->interface;
   }

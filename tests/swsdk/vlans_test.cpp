@@ -36,6 +36,23 @@ TEST_F(Vlans, TakeIdsFrom1To4095) {
   EXPECT_EQ(vlans.create(4095), Status::ok);
 }
 
+TEST_F(Vlans, AreFoundWhileTheyAreThere) {
+  EXPECT_EQ(vlans.find(1), &vlan(1));
+  for (const int id : {-1, 0, 10, 4096}) EXPECT_EQ(vlans.find(id), nullptr) << id;
+  vlans.create(10);
+  vlans.create(20);
+  EXPECT_EQ(vlans.find(10), &vlan(10));
+  vlans.destroy(10);
+  EXPECT_EQ(vlans.find(10), nullptr);
+  vlans.destroy_all();
+  EXPECT_EQ(vlans.find(20), nullptr);
+  EXPECT_EQ(vlans.find(1), &vlan(1));
+  vlans.create(20);
+  vlans.reset();
+  EXPECT_EQ(vlans.find(20), nullptr);
+  EXPECT_EQ(vlans.find(1), &vlan(1));
+}
+
 TEST_F(Vlans, HoldEveryIdAtOnce) {
   for (int id = 2; id <= 4095; ++id) ASSERT_EQ(vlans.create(id), Status::ok);
   EXPECT_EQ(vlans.all().size(), 4095U);

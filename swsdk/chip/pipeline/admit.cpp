@@ -4,14 +4,17 @@
 namespace chip {
 
 void admit(Passage& frame) {
-  constexpr int checksum = 4;
-  const PortMac* const mac = frame.chip.port_macs.find(frame.packet.port);
-  if (mac == nullptr) return;  // the CPU port has none
-  if (!mac->link()) return frame.stop(Drop::port_down);
-  const int length = static_cast<int>(frame.packet.bytes.size()) + checksum;
-  // A tag does not count.
-  const int tag = frame.packet.outer_tagged ? 4 : 0;
-  if (length > mac->frame_max + tag) frame.stop(Drop::too_long);
+  const Packet& packet = frame.packet;
+  const PortMac* const mac = frame.chip.port_macs.find(packet.port);
+  if (mac != nullptr) {  // the CPU port has none
+    if (!mac->link()) return frame.stop(Drop::port_down);
+    if (!mac->takes(packet.bytes.size(), packet.outer_tagged)) return frame.stop(Drop::too_long);
+  }
+  const auto rate = frame.chip.port_rates.ingress().find(packet.port);
+  if (rate != frame.chip.port_rates.ingress().end() &&
+      !frame.meters.take_frame(Meters::Kind::port_ingress, packet.port, frame.chip.now, rate->second,
+                               packet.bytes.size()))
+    frame.stop(Drop::rate);
 }
 
 }  // namespace chip

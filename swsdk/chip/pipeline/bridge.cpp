@@ -1,8 +1,7 @@
-#include <algorithm>
-
 #include "chip/chip.h"
 #include "chip/gports.h"
 #include "chip/learning.h"
+#include "chip/pipeline/reserved_ip6.h"
 #include "chip/pipeline/stages.h"
 #include "chip/pipeline/trunk_member.h"
 
@@ -11,14 +10,22 @@ namespace chip {
 namespace {
 
 /// The places to which a frame of the VLAN may go: not back to where it came from, nor to ports that its own port is
-/// kept away from, nor through another virtual port whose group is kept apart.
+/// kept away from, nor through virtual ports of other groups when its own is isolated.
 class Reachable {
  public:
   explicit Reachable(const Passage& frame)
       : chip_(frame.chip),
         packet_(frame.packet),
         trunk_(chip_.trunks.trunk_of(packet_.port)),
-        ports_(chip_.port_forwarding.of(packet_.port).destinations) {}
+        ports_(chip_.port_forwarding.of(packet_.port).destinations) {
+    const VirtualPort* const from = chip_.virtual_ports.find(packet_.source);
+    if (from == nullptr) return;
+    uint32_t settings = 0;  // a virtual port without a group has none
+    chip_.network_groups.get(from->ingress_network_group, settings);
+    // The chip prunes known destinations on the way in and copies of floods on the way out; here either does for both.
+    if ((settings & (NetworkGroups::prune_ingress | NetworkGroups::prune_egress)) != 0)
+      isolated_group_ = from->ingress_network_group;
+  }
 
   bool port(int port) const {
     if (port == Ports::cpu) return packet_.port != port;  // isolation is between the ports of the panel
@@ -33,22 +40,16 @@ class Reachable {
   }
 
  private:
-  /// Split horizon: what came in through a group does not leave through another that is pruned on the way in or out.
+  /// Split horizon is between groups; physical ports, the way to the network, are in none.
   bool is_split(const VirtualPort& to) const {
-    const VirtualPort* const from = chip_.virtual_ports.find(packet_.source);
-    if (from == nullptr) return false;
-    const auto settings = [&](int group) {
-      uint32_t found = 0;
-      chip_.network_groups.get(group, found);
-      return found;
-    };
-    return (settings(from->ingress_network_group) & NetworkGroups::prune_ingress) != 0 ||
-           (settings(to.egress_network_group) & NetworkGroups::prune_egress) != 0;
+    return isolated_group_ && NetworkGroups::is_valid(to.egress_network_group) &&
+           to.egress_network_group != *isolated_group_;
   }
 
   const Chip& chip_;
   const Packet& packet_;
   const std::optional<int> trunk_;
+  std::optional<int> isolated_group_;
   const PortSet& ports_;
 };
 
@@ -93,11 +94,7 @@ int flood_group(const VlanControl& control, uint32_t kind) {
 /// 224.0.0.x and the scopes of IPv6 that the chip is told: what hosts need to find each other.
 bool is_reserved(const Chip& chip, const Packet& packet) {
   if (packet.is_ip4()) return packet.fields.destination_ip >> 8 == 0xE00000;
-  const auto& matches = chip.reserved_multicast.of_outer_header();
-  return packet.is_ip6() && std::any_of(matches.begin(), matches.end(), [&](const Ip6Match& match) {
-           const FieldMatch masked{match.address, match.mask};
-           return masked.meets(packet.fields.destination_ip6);
-         });
+  return packet.is_ip6() && is_reserved(chip, packet.fields.destination_ip6);
 }
 
 /// Whether the VLAN floods multicast frames that nobody knows.
@@ -117,6 +114,7 @@ void flood(Passage& frame, const Vlan& vlan) {
   const Chip& chip = frame.chip;
   const Packet& packet = frame.packet;
   const uint32_t kind = flood_kind(packet);
+  frame.unknown_destination = kind == PortFilters::unknown_unicast;
   if (kind == PortFilters::unknown_multicast && !floods_multicast(frame, vlan.control)) return;
 
   const PortSet& ports = vlan.members;
@@ -142,9 +140,10 @@ void flood(Passage& frame, const Vlan& vlan) {
   }
   for (const int gport : vlan.virtual_members) {
     const VirtualPort* const member = chip.virtual_ports.find(gport);
-    if (member != nullptr &&
-        in_group(gport::port_of(member->port), encapsulation::of_virtual_port(gport::number(gport))))
-      add_virtual_port(frame, reachable, gport);
+    if (member == nullptr) continue;  // destroyed, but still a member
+    const int port = gport::port_of(member->port);
+    if ((chip.port_filters.blocked_floods(packet.port, port) & kind) != 0) continue;
+    if (in_group(port, encapsulation::of_virtual_port(gport::number(gport)))) add_virtual_port(frame, reachable, gport);
   }
 }
 
@@ -152,10 +151,11 @@ void flood(Passage& frame, const Vlan& vlan) {
 
 void bridge(Passage& frame) {
   const Packet& packet = frame.packet;
-  if (const MacEntry* const entry = look_up(frame.chip, packet.vlan(), packet.fields.destination_mac))
-    return send_to_entry(frame, *entry);
-  const auto vlan = frame.chip.vlans.all().find(packet.vlan());
-  if (vlan != frame.chip.vlans.all().end()) flood(frame, vlan->second);
+  const Vlan* const vlan = frame.chip.vlans.find(packet.vlan());
+  const bool looks_up = vlan == nullptr || (vlan->control.flags & VlanControl::l2_lookup_disable) == 0;
+  const MacEntry* const entry = looks_up ? look_up(frame.chip, packet.vlan(), packet.fields.destination_mac) : nullptr;
+  if (entry != nullptr) return send_to_entry(frame, *entry);
+  if (vlan != nullptr) flood(frame, *vlan);
 }
 
 }  // namespace chip

@@ -4,13 +4,17 @@
 namespace chip {
 
 bool apply_egress_rules(Passage& frame, const Copy& copy, const EgressHeader& header) {
+  FieldProcessor& rules = frame.chip.field_processor;
+  if (rules.is_idle(FieldStage::egress)) return true;
   FrameFields fields = frame.packet.fields;
   fields.out_port = copy.port;
   fields.source_mac = header.source;
   fields.destination_mac = header.destination;
   fields.outer_tag = header.outer_tag.value_or(0);
   fields.inner_tag = header.inner_tag.value_or(0);
-  return !frame.chip.field_processor.classify(FieldStage::egress, fields).dropped;
+  const FieldVerdict verdict = rules.classify(FieldStage::egress, fields);
+  const bool red = is_red(frame, verdict, frame.packet.bytes.size());
+  return !verdict.dropped && !(red && verdict.red_dropped);
 }
 
 }  // namespace chip

@@ -3,9 +3,92 @@
 
 namespace chip {
 
+namespace {
+
+using Tag = std::optional<uint16_t>;
+
+/// What an action has for one tag.
+struct Offer {
+  int vlan;
+  int priority;
+  int packet_priority;
+  int cfi;
+};
+
+/// What a part of a tag becomes: its own, what is offered, nothing, or that of the other tag.
+int chosen(TagAction action, int own, int offered, int other) {
+  switch (action) {
+    case TagAction::none:
+      return own;
+    case TagAction::add:
+    case TagAction::replace:
+      return offered;
+    case TagAction::remove:
+      return 0;
+    case TagAction::copy:
+      return other;
+  }
+  return own;
+}
+
+/// What becomes of a tag; its VLAN decides whether there is one. A new one has the priority of the frame. Where there
+/// is no other tag, nothing is copied.
+Tag changed(const TagChange& change, const Tag& tag, const Tag& other, const Offer& offer, int frame_priority) {
+  if (change.vlan == TagAction::remove) return std::nullopt;
+  const bool adds = change.vlan == TagAction::add || (change.vlan == TagAction::copy && other);
+  if (!tag && !adds) return std::nullopt;
+  uint16_t bits = tag.value_or(with_priority(0, frame_priority));
+  const uint16_t from = other.value_or(bits);
+  bits = with_vlan(bits, chosen(change.vlan, bits, offer.vlan, from));
+
+  // The priority of the frame and that on the wire are one in what leaves; where both change, the latter holds.
+  const auto change_priority = [&](TagAction action, int offered) {
+    bits = with_priority(bits, chosen(action, bits >> priority_shift, offered, from >> priority_shift));
+  };
+  change_priority(change.priority, offer.priority);
+  change_priority(change.packet_priority, offer.packet_priority);
+
+  constexpr int cfi_shift = 12;
+  const int cfi = chosen(change.cfi, bits >> cfi_shift, offer.cfi, from >> cfi_shift) & 1;
+  return static_cast<uint16_t>((bits & ~(1 << cfi_shift)) | cfi << cfi_shift);
+}
+
+void apply(const EgressAction& action, int frame_priority, EgressHeader& header) {
+  const TagsChange& change = header.outer_tag ? (header.inner_tag ? action.double_tagged : action.outer_tagged)
+                                              : (header.inner_tag ? action.inner_tagged : action.untagged);
+  const Tag outer = header.outer_tag;
+  const Tag inner = header.inner_tag;
+  header.outer_tag = changed(change.outer, outer, inner,
+                             {action.outer_vlan, action.priority, action.priority, action.outer_cfi}, frame_priority);
+  header.inner_tag =
+      changed(change.inner, inner, outer,
+              {action.inner_vlan, action.priority, action.inner_packet_priority, action.inner_cfi}, frame_priority);
+}
+
+}  // namespace
+
+/// The membership comes first: an untagged member has no outer tag left to translate, and what an action does to the
+/// frame is what it does to one without. Translation and action both go by the tags that the copy has inside; where
+/// both are there, the action, which knows more of the tags, has the last word.
 void make_egress_tags(Passage& frame, const Copy& copy, EgressHeader& header) {
-  const auto vlan = frame.chip.vlans.all().find(header.vlan());
-  if (vlan != frame.chip.vlans.all().end() && vlan->second.untagged.contains(copy.port)) header.outer_tag.reset();
+  const Chip& chip = frame.chip;
+  const int outer = header.vlan();
+  const int inner = header.inner_tag.value_or(0) & vlan_mask;
+  const bool is_virtual = copy.virtual_port != 0;
+  if (!is_virtual) {
+    const Vlan* const vlan = chip.vlans.find(outer);
+    if (vlan != nullptr && vlan->untagged.contains(copy.port)) header.outer_tag.reset();
+  }
+  if (!chip.vlan_controls.translates(copy.port, VlanControlOfPort::translate_egress)) return;
+
+  if (!is_virtual && header.outer_tag)
+    if (const Translation* const to = chip.vlan_translations.find_egress(copy.port, outer))
+      header.outer_tag = with_priority(with_vlan(*header.outer_tag, to->vlan), to->priority);
+
+  const int port_class = is_virtual ? copy.virtual_port : copy.port;
+  const EgressAction* action = chip.egress_actions.find({port_class, outer, inner});
+  if (action == nullptr && inner != 0) action = chip.egress_actions.find({port_class, outer, 0});
+  if (action != nullptr) apply(*action, frame.packet.priority, header);
 }
 
 }  // namespace chip

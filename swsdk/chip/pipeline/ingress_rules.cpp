@@ -3,13 +3,40 @@
 
 namespace chip {
 
+namespace {
+
+/// A rule that permits a frame does not open a port that its VLAN or spanning tree closes, nor does it take frames of
+/// control protocols away from the CPU.
+bool can_be_cancelled(Drop drop) {
+  return drop != Drop::no_vlan && drop != Drop::not_member && drop != Drop::spanning_tree && drop != Drop::trapped;
+}
+
+void set_priority(Packet& packet, int priority) {
+  constexpr uint16_t without_priority = (1U << priority_shift) - 1;
+  packet.priority = priority;
+  packet.fields.outer_tag =
+      static_cast<uint16_t>((packet.fields.outer_tag & without_priority) | priority << priority_shift);
+}
+
+}  // namespace
+
 void apply_ingress_rules(Passage& frame) {
-  frame.verdict = frame.chip.field_processor.classify(FieldStage::ingress, frame.packet.fields);
+  FieldProcessor& rules = frame.chip.field_processor;
+  if (rules.is_idle(FieldStage::ingress)) return;
+  frame.verdict = rules.classify(FieldStage::ingress, frame.packet.fields);
   const FieldVerdict& verdict = frame.verdict;
+  if (verdict.priority) set_priority(frame.packet, *verdict.priority);
   if (verdict.copied_to_cpu) frame.cpu_reasons |= cpu_reason::field_rule;
-  if (verdict.priority) frame.packet.priority = *verdict.priority;
-  if (verdict.drop_cancelled) frame.drop = Drop::none;
+  if (verdict.drop_cancelled && can_be_cancelled(frame.drop)) frame.drop = Drop::none;
   if (verdict.dropped) frame.stop(Drop::field_rule);
+  if (verdict.redirect_port == Ports::cpu && !frame.dropped()) {
+    frame.cpu_reasons |= cpu_reason::field_rule;
+    frame.stop(Drop::trapped);
+  }
+  if (is_red(frame, verdict, frame.packet.bytes.size()) && verdict.red_dropped) {
+    frame.drop = Drop::policer;
+    frame.cpu_reasons = 0;  // too much is too much for the CPU as well
+  }
 }
 
 }  // namespace chip

@@ -1,29 +1,42 @@
 #include "chip/chip.h"
+#include "chip/gports.h"
+#include "chip/pipeline/counting.h"
 #include "chip/pipeline/stages.h"
 
 namespace chip {
 
 namespace {
 
-void mirror(Passage& frame, int port, uint32_t direction, std::span<const uint8_t> bytes, Wire& wire) {
+void mirror(Passage& frame, int port, uint32_t direction, const EgressHeader& header, std::span<const uint8_t> bytes,
+            Wire& wire) {
   const Mirrors& mirrors = frame.chip.mirrors;
   if (mirrors.mode() == Mirrors::Mode::off) return;
   for (const auto& [source, flags] : mirrors.sources()) {
     const auto& [mirrored, destination] = source;
     int gport = 0;
-    if (mirrored == port && (flags & direction) != 0 && mirrors.find(destination, gport) == Status::ok)
-      wire.transmit(gport::port_of(gport), bytes);
+    if (mirrored != port || (flags & direction) == 0 || mirrors.find(destination, gport) != Status::ok) continue;
+    const int to = gport::port_of(gport);
+    const PortMac* const mac = frame.chip.port_macs.find(to);
+    if (mac == nullptr || !mac->link()) continue;
+    count_sent(frame.chip.counters, to, header, bytes.size());
+    wire.transmit(to, bytes);
   }
 }
 
 }  // namespace
 
 void mirror_ingress(Passage& frame, Wire& wire) {
-  mirror(frame, frame.packet.port, Mirrors::ingress, frame.packet.bytes, wire);
+  const Packet& packet = frame.packet;
+  EgressHeader header;
+  header.destination = packet.fields.destination_mac;
+  header.source = packet.fields.source_mac;
+  if (packet.outer_tagged) header.outer_tag = packet.fields.outer_tag;
+  if (packet.inner_tagged) header.inner_tag = packet.fields.inner_tag;
+  mirror(frame, packet.port, Mirrors::ingress, header, packet.bytes, wire);
 }
 
-void mirror_egress(Passage& frame, int port, std::span<const uint8_t> bytes, Wire& wire) {
-  mirror(frame, port, Mirrors::egress, bytes, wire);
+void mirror_egress(Passage& frame, int port, const EgressHeader& header, std::span<const uint8_t> bytes, Wire& wire) {
+  mirror(frame, port, Mirrors::egress, header, bytes, wire);
 }
 
 }  // namespace chip

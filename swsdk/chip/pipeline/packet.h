@@ -55,6 +55,18 @@ constexpr uint32_t destination = 0x80;  // it is for the CPU, or flooded
 
 constexpr uint16_t vlan_mask = 0xFFF;
 constexpr int priority_shift = 13;
+constexpr uint16_t priority_mask = 0xE000;
+
+/// A tag with another priority; one that is none, -1 for one, leaves it as it is.
+constexpr uint16_t with_priority(uint16_t tag, int priority) {
+  constexpr int highest = priority_mask >> priority_shift;
+  if (priority < 0 || priority > highest) return tag;
+  return static_cast<uint16_t>((tag & ~priority_mask) | priority << priority_shift);
+}
+/// A tag with another VLAN.
+constexpr uint16_t with_vlan(uint16_t tag, int vlan) {
+  return static_cast<uint16_t>((tag & ~vlan_mask) | (vlan & vlan_mask));
+}
 
 /// How the protocol stands in a frame.
 enum class Framing { ethernet2, snap, llc };
@@ -78,14 +90,16 @@ struct Packet {
 
   int vlan() const { return fields.outer_tag & vlan_mask; }
   int inner_vlan() const { return inner_tagged ? fields.inner_tag & vlan_mask : 0; }
-  void set_vlan(int vlan) {
-    fields.outer_tag = static_cast<uint16_t>((fields.outer_tag & ~vlan_mask) | (vlan & vlan_mask));
-  }
+  void set_vlan(int vlan) { fields.outer_tag = with_vlan(fields.outer_tag, vlan); }
   bool is_multicast() const { return (fields.destination_mac[0] & 1) != 0; }
   bool is_broadcast() const { return fields.destination_mac == Mac{0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}; }
-  bool is_ip4() const { return fields.ether_type == 0x0800; }
-  bool is_ip6() const { return fields.ether_type == 0x86DD; }
-  bool is_arp() const { return fields.ether_type == 0x0806; }
+  bool is_ip4() const { return has_type(0x0800); }
+  bool is_ip6() const { return has_type(0x86DD); }
+  bool is_arp() const { return has_type(0x0806); }
+
+ private:
+  // Service access points are no ether type, even if they look like one.
+  bool has_type(uint16_t type) const { return framing != Framing::llc && fields.ether_type == type; }
 };
 
 /// One copy of a frame on its way out.
@@ -96,15 +110,23 @@ struct Copy {
   Mac next_hop{};        // routed to one destination: whom it is for
 };
 
+/// A frame that left a port which is looped back, and so comes in there again.
+struct Looped {
+  int port;
+  std::vector<uint8_t> bytes;
+};
+
 /// One frame's way through the chip, which the stages read and change in turn.
 struct Passage {
   Chip& chip;
   Meters& meters;
   Packet packet;
-  Drop drop = Drop::none;     // the first reason found
-  uint32_t cpu_reasons = 0;   // not 0: the CPU gets a copy
-  FieldVerdict verdict;       // of the way in
-  std::vector<Copy>& copies;  // where it goes
+  Drop drop = Drop::none;            // the first reason found
+  uint32_t cpu_reasons = 0;          // not 0: the CPU gets a copy
+  bool unknown_destination = false;  // it is flooded because nobody knows where the one is whom it is for
+  FieldVerdict verdict;              // of the way in
+  std::vector<Copy>& copies;         // where it goes
+  std::vector<Looped>& looped;
 
   bool dropped() const { return drop != Drop::none; }
   void stop(Drop reason) {

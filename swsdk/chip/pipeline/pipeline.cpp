@@ -1,19 +1,36 @@
 #include "chip/pipeline/pipeline.h"
 
+#include <utility>
+
 #include "chip/chip.h"
+#include "chip/pipeline/counting.h"
 #include "chip/pipeline/parse.h"
 #include "chip/pipeline/stages.h"
 
 namespace chip {
 
 Drop Pipeline::receive(int port, std::span<const uint8_t> bytes, Wire& wire) {
+  const Drop drop = pass(port, bytes, wire);
+  // A frame that a loop floods would go round for ever.
+  constexpr int most_rounds = 16;
+  for (int i = 0; i < most_rounds && !looped_.empty(); ++i) {
+    const Looped next = std::move(looped_.front());
+    looped_.erase(looped_.begin());
+    pass(next.port, next.bytes, wire);
+  }
+  looped_.clear();
+  return drop;
+}
+
+Drop Pipeline::pass(int port, std::span<const uint8_t> bytes, Wire& wire) {
   copies_.clear();
-  Passage frame{.chip = chip_, .meters = meters_, .packet = {}, .verdict = {}, .copies = copies_};
+  Passage frame{.chip = chip_, .meters = meters_, .packet = {}, .verdict = {}, .copies = copies_, .looped = looped_};
   if (parse(port, bytes, frame.packet)) {
     admit(frame);
     if (!frame.dropped()) {
       mirror_ingress(frame, wire);
-      for (const auto stage : {assign_vlan, check_membership, trap, learn_source, apply_ingress_rules, forward})
+      for (const auto stage :
+           {assign_vlan, check_membership, trap, learn_source, apply_ingress_rules, forward, control_storms})
         stage(frame);
       for (const Copy& copy : copies_) send_copy(frame, copy, wire);
       if (frame.cpu_reasons != 0) send_to_cpu(frame, wire);
@@ -21,6 +38,8 @@ Drop Pipeline::receive(int port, std::span<const uint8_t> bytes, Wire& wire) {
   } else {
     frame.stop(Drop::malformed);
   }
+  if (frame.drop != Drop::port_down) count_received(chip_.counters, frame.packet);
+  count_discarded(chip_.counters, frame.packet, frame.drop);
   if (frame.dropped()) ++drops_[static_cast<std::size_t>(frame.drop)];
   return frame.drop;
 }

@@ -32,6 +32,9 @@ class Pipeline {
  private:
   Chip& chip_;
   Meters meters_;
+  Drop pass(int port, std::span<const uint8_t> frame, Wire& wire);
+
+  std::vector<Looped> looped_;
   std::vector<Copy> copies_;  // of the frame that is on its way; kept, so that frames allocate nothing
   std::array<uint64_t, drop_count> drops_{};
 };

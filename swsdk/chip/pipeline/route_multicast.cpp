@@ -1,8 +1,103 @@
+#include <algorithm>
+
 #include "chip/chip.h"
+#include "chip/pipeline/router.h"
 #include "chip/pipeline/stages.h"
+#include "chip/pipeline/trunk_member.h"
 
 namespace chip {
 
-bool route_multicast(Passage&) { return false; }
+namespace {
+
+/// Groups of the link are not routed, nor is what hosts and routers tell each other about groups.
+bool is_routable(const Packet& packet) {
+  const FrameFields& fields = packet.fields;
+  if (packet.is_ip4())
+    return fields.destination_ip >> 28 == 0xE && fields.destination_ip >> 8 != 0xE00000 && !packet.igmp;
+  if (!packet.is_ip6() || fields.destination_ip6[0] != 0xFF) return false;
+  constexpr int link_local = 2;
+  constexpr int icmp = 58;
+  constexpr int listener_messages[] = {130, 131, 132, 143};
+  const bool tells_of_groups =
+      fields.ip_protocol == icmp && std::find(std::begin(listener_messages), std::end(listener_messages),
+                                              fields.icmp_type) != std::end(listener_messages);
+  return (fields.destination_ip6[1] & 0xF) > link_local && !tells_of_groups;
+}
+
+Ip6 widened(uint32_t address) {
+  return {static_cast<uint8_t>(address >> 24), static_cast<uint8_t>(address >> 16), static_cast<uint8_t>(address >> 8),
+          static_cast<uint8_t>(address)};
+}
+
+/// The route of the packet's source, or else the one of any source.
+const MulticastRoute* look_up(const Chip& chip, const Packet& packet) {
+  const FrameFields& fields = packet.fields;
+  int id = 0;
+  const bool has_interface = chip.l3_interfaces.find_by_vlan(packet.vlan(), id) == Status::ok;
+  MulticastRouteKey key{.vrf = has_interface ? chip.l3_interfaces.find(id)->vrf : 0,
+                        .vlan = packet.vlan(),
+                        .ip6 = packet.is_ip6(),
+                        .address = packet.is_ip6() ? fields.destination_ip6 : widened(fields.destination_ip),
+                        .source = packet.is_ip6() ? fields.source_ip6 : widened(fields.source_ip)};
+  if (const MulticastRoute* const of_source = chip.multicast_routes.find(key)) return of_source;
+  key.source = {};
+  return chip.multicast_routes.find(key);
+}
+
+void replicate(Passage& frame, const MulticastGroup& group) {
+  const Chip& chip = frame.chip;
+  const Packet& packet = frame.packet;
+  const std::optional<int> own_trunk = chip.trunks.trunk_of(packet.port);
+  int routes_within_vlan = 0;
+  chip.switch_controls.get(static_cast<int>(SwitchControl::ipmc_same_vlan_l3_route), routes_within_vlan);
+  const bool passes_on = can_pass_on(packet);
+  bool refused = false;
+
+  for (const MulticastMember& member : group.members) {
+    const L3Interface* const interface = chip.l3_interfaces.find(member.encapsulation);
+    if (interface == nullptr) continue;
+    // A single-tagged interface is of its VLAN whatever the frames have inside.
+    const bool stays = interface->vlan == packet.vlan() &&
+                       (interface->inner_vlan == 0 || interface->inner_vlan == packet.inner_vlan());
+    const std::optional<int> trunk = chip.trunks.trunk_of(member.port);
+    if (stays && (member.port == packet.port || (trunk && trunk == own_trunk))) continue;
+
+    Copy copy{.port = member.port};
+    if (trunk) {
+      const std::optional<int> picked = pick_member(chip, chip.trunks.all().at(*trunk), packet);
+      if (!picked) continue;
+      copy.port = *picked;
+    }
+    if (!stays || routes_within_vlan != 0) {
+      copy.l3_interface = member.encapsulation;
+      if (!passes_on) {
+        refused = true;
+        continue;
+      }
+    }
+    // Several members on one trunk get one copy.
+    const auto is_same = [&](const Copy& other) {
+      return other.port == copy.port && other.l3_interface == copy.l3_interface;
+    };
+    if (!trunk || std::none_of(frame.copies.begin(), frame.copies.end(), is_same)) frame.copies.push_back(copy);
+  }
+  if (refused && frame.copies.empty()) refuse(frame);
+}
+
+}  // namespace
+
+bool route_multicast(Passage& frame) {
+  const Chip& chip = frame.chip;
+  const Packet& packet = frame.packet;
+  if (!chip.multicast_routing || !packet.is_multicast() || chip.multicast_routes.empty() || !is_routable(packet))
+    return false;
+  const MulticastRoute* const route = look_up(chip, packet);
+  if (route == nullptr) return false;
+  if ((route->flags & MulticastRoute::from_any_port) == 0 && route->port != packet.port)
+    frame.stop(Drop::router);
+  else if (const MulticastGroup* const group = chip.multicast_groups.find(route->group))
+    replicate(frame, *group);
+  return true;
+}
 
 }  // namespace chip

@@ -1,4 +1,5 @@
 #include "chip/chip.h"
+#include "chip/pipeline/counting.h"
 #include "chip/pipeline/stages.h"
 
 namespace chip {
@@ -7,13 +8,13 @@ namespace {
 
 /// Whether the copy may leave in its VLAN.
 bool lets_out(const Chip& chip, const Copy& copy, int id) {
-  const auto vlan = chip.vlans.all().find(id);
-  if (vlan == chip.vlans.all().end()) return false;
-  const bool is_member = copy.virtual_port != 0 ? vlan->second.virtual_members.contains(copy.virtual_port)
-                                                : vlan->second.members.contains(copy.port);
+  const Vlan* const vlan = chip.vlans.find(id);
+  if (vlan == nullptr) return false;
+  const bool is_member =
+      copy.virtual_port != 0 ? vlan->virtual_members.contains(copy.virtual_port) : vlan->members.contains(copy.port);
   const bool checks = (chip.port_filters.membership_checks(copy.port) & PortFilters::check_egress) != 0;
   if (checks && !is_member) return false;
-  return chip.spanning_trees.forwards(vlan->second.spanning_tree, copy.port);
+  return chip.spanning_trees.forwards(vlan->spanning_tree, copy.port);
 }
 
 EgressHeader header_of(const Packet& packet) {
@@ -41,14 +42,25 @@ void send_copy(Passage& frame, const Copy& copy, Wire& wire) {
 
   EgressFrame out;
   const std::span<const uint8_t> bytes = out.write(header, frame.packet);
-  if (!is_within_shape(frame, copy.port, bytes.size())) return;
-  mirror_egress(frame, copy.port, bytes, wire);
-  wire.transmit(copy.port, bytes);
+  if (!mac->takes(bytes.size(), header.outer_tag.has_value()))
+    return count_not_sent(chip.counters, copy.port, NotSent::too_long);
+  if (!is_within_shape(frame, copy.port, bytes.size())) return count_not_sent(chip.counters, copy.port, NotSent::rate);
+  count_sent(chip.counters, copy.port, header, bytes.size());
+  mirror_egress(frame, copy.port, header, bytes, wire);
+  if (mac->loopback == Loopback::none)
+    wire.transmit(copy.port, bytes);
+  else
+    frame.looped.push_back({copy.port, {bytes.begin(), bytes.end()}});
 }
 
 void send_to_cpu(Passage& frame, Wire& wire) {
   EgressFrame out;
-  wire.deliver({out.write(header_of(frame.packet), frame.packet), frame.packet.port, frame.cpu_reasons});
+  const EgressHeader header = header_of(frame.packet);
+  const std::span<const uint8_t> bytes = out.write(header, frame.packet);
+  if (!is_within_shape(frame, Ports::cpu, bytes.size()))
+    return count_not_sent(frame.chip.counters, Ports::cpu, NotSent::rate);
+  count_sent(frame.chip.counters, Ports::cpu, header, bytes.size());
+  wire.deliver({bytes, frame.packet.port, frame.cpu_reasons});
 }
 
 }  // namespace chip

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "chip/pipeline/egress_frame.h"
+#include "chip/pipeline/meters.h"
 #include "chip/pipeline/packet.h"
 #include "chip/pipeline/wire.h"
 
@@ -24,6 +25,8 @@ void learn_source(Passage& frame);
 void apply_ingress_rules(Passage& frame);
 /// Finds the copies that leave: one redirected, routed, replicated by a multicast route, or bridged.
 void forward(Passage& frame);
+/// Drops the floods of a port that are too many.
+void control_storms(Passage& frame);
 
 /// The ways of forward(). The first two tell whether they took the frame.
 bool route(Passage& frame);
@@ -40,6 +43,8 @@ bool rewrite_routed(Passage& frame, const Copy& copy, EgressHeader& header);
 bool apply_egress_rules(Passage& frame, const Copy& copy, const EgressHeader& header);
 /// Makes the tags for the wire of those that the copy has inside the chip.
 void make_egress_tags(Passage& frame, const Copy& copy, EgressHeader& header);
+/// Whether the policers of the entries that a frame meets find it red.
+bool is_red(Passage& frame, const FieldVerdict& verdict, std::size_t length);
 /// Whether the port's rate lets the copy out.
 bool is_within_shape(Passage& frame, int port, std::size_t length);
 
@@ -48,6 +53,6 @@ void send_to_cpu(Passage& frame, Wire& wire);
 
 /// Copies for the mirrors of a port: of what came in, and of what goes out.
 void mirror_ingress(Passage& frame, Wire& wire);
-void mirror_egress(Passage& frame, int port, std::span<const uint8_t> bytes, Wire& wire);
+void mirror_egress(Passage& frame, int port, const EgressHeader& header, std::span<const uint8_t> bytes, Wire& wire);
 
 }  // namespace chip

@@ -63,7 +63,7 @@ typedef struct swsdk_verdict {
   int groups[SWSDK_FIELD_HITS_MAX];         /**< these groups, the one of highest priority first */
   int entries[SWSDK_FIELD_HITS_MAX];        /**< the entry of each */
   int dropped;                              /**< 1: the frame goes nowhere but to the CPU, if it is copied there */
-  int drop_cancelled;                       /**< 1: nor may anything else in the chip drop it */
+  int drop_cancelled;                       /**< 1: nor do other parts, but its VLAN, spanning tree and rates */
   int red_dropped;                          /**< 1: dropped if its policer finds it red */
   int copied_to_cpu;                        /**< 1: the CPU gets a copy */
   int redirect_port;                        /**< the one port that it goes to, or -1 */

@@ -1,0 +1,57 @@
+// Entries by key that are listed in order and found by hash.
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <unordered_map>
+
+#include "chip/hash.h"
+
+namespace chip {
+
+/// A key has a `hash()`, or is an address.
+template <class Key, class Value>
+class HashedMap {
+ public:
+  const Value* find(const Key& key) const {
+    if (found_.empty()) return nullptr;  // most tables of most chips
+    const auto found = found_.find(key);
+    return found == found_.end() ? nullptr : found->second;
+  }
+
+  /// Takes the place of the entry with that key.
+  void put(const Key& key, const Value& value) {
+    Value& place = all_[key];
+    place = value;
+    found_[key] = &place;
+  }
+
+  /// Whether there was one.
+  bool remove(const Key& key) {
+    found_.erase(key);
+    return all_.erase(key) == 1;
+  }
+
+  void clear() {
+    found_.clear();
+    all_.clear();
+  }
+
+  std::size_t size() const { return all_.size(); }
+  const std::map<Key, Value>& all() const { return all_; }
+
+ private:
+  struct Hash {
+    std::size_t operator()(const Key& key) const {
+      if constexpr (requires { key.hash(); })
+        return key.hash();
+      else
+        return hash_of(number_of(key));
+    }
+  };
+
+  std::map<Key, Value> all_;
+  std::unordered_map<Key, const Value*, Hash> found_;
+};
+
+}  // namespace chip

@@ -1,0 +1,350 @@
+#include "sweep/sweep.h"
+
+#include <gtest/gtest.h>
+#include <swsdk/chip.h>
+#include <swsdk/fault.h>
+#include <swsdk/journal.h>
+
+#include <algorithm>
+#include <map>
+#include <optional>
+#include <set>
+#include <sstream>
+
+#include "support/scene.h"
+#include "support/start.h"
+
+extern "C" char* _shr_errmsg[];
+
+namespace sweep {
+
+Outputs outputs;
+
+void* Outputs::add(const void* before, size_t size, size_t parts) {
+  const size_t all = size * parts;
+  Output& output =
+      outputs_.emplace_back(std::string(static_cast<const char*>(before), all), std::make_unique<char[]>(all), parts);
+  std::copy_n(output.before.data(), all, output.now.get());
+  return output.now.get();
+}
+
+std::vector<bool> Outputs::written() const {
+  std::vector<bool> result;
+  for (const auto& [before, now, parts] : outputs_) {
+    const size_t size = before.size() / parts;
+    for (size_t i = 0; i < before.size(); i += size)
+      result.push_back(before.compare(i, size, now.get() + i, size) != 0);
+  }
+  return result;
+}
+
+namespace {
+
+/// What the interface promises of codes, apart from the library's own tables.
+int32_t converted(int code) {
+  static const std::map<int, int32_t> own{{0, 0},   {-2, -3}, {-4, -5},  {-6, -13},
+                                          {-7, -7}, {-8, -6}, {-16, -2}, {-18, -9}};
+  const auto found = own.find(code);
+  return found == own.end() ? -1 : found->second;
+}
+
+int text_number(int code) { return -22 <= code && code <= 0 ? -code : 23; }
+
+struct Call {
+  std::string name;
+  int nth;  ///< of those of that name in the run
+  int code;
+};
+
+struct Seen {
+  std::vector<Call> calls;
+  std::vector<std::string> errors;   ///< lines of the log
+  std::vector<std::string> printed;  ///< lines of standard output
+  int32_t result = 0;
+  std::vector<bool> written;
+};
+
+/// Whether `list`, of names of SDK functions, has the call.
+bool has(const std::string& list, const Call& call) {
+  std::istringstream words(list);
+  for (std::string word; words >> word;)
+    if (word == call.name || word == call.name + '#' + std::to_string(call.nth)) return true;
+  return false;
+}
+
+/// Whether a failure that is about `codes` is about `code`.
+bool is_about(int codes, int code) {
+  return codes == code || (codes == negative && code < 0) || (codes == non_zero && code != 0);
+}
+
+struct Fault {
+  const Call* call;
+  int code;
+};
+
+std::vector<Call> read_journal() {
+  std::vector<Call> calls;
+  std::map<std::string, int> seen;
+  std::istringstream lines(support::journal());
+  for (std::string line; std::getline(lines, line);) {
+    std::string name = line.substr(0, line.find('('));
+    const int nth = ++seen[name];
+    calls.push_back({std::move(name), nth, std::stoi(line.substr(line.rfind(" = ") + 3))});
+  }
+  return calls;
+}
+
+/// A stream in memory, for as long as it lives.
+class Lines {
+ public:
+  ~Lines() {
+    fclose(stream);
+    free(text_);
+  }
+
+  std::vector<std::string> take() {
+    fflush(stream);
+    std::vector<std::string> result;
+    std::istringstream lines(std::string(text_, size_));
+    for (std::string line; std::getline(lines, line);)
+      if (!line.empty()) result.push_back(line);
+    rewind(stream);
+    return result;
+  }
+
+  FILE* const stream = open_memstream(&text_, &size_);
+
+ private:
+  char* text_ = nullptr;
+  size_t size_ = 0;
+};
+
+class Sweep : public testing::TestWithParam<Row> {
+ public:
+  static size_t triples;
+  static std::set<std::string> functions;
+
+ protected:
+  Sweep() {
+    sai_log_default = &log_handle_;
+    log_handle_.file = log_.stream;
+    log_handle_.show_priority = 1;
+    log_handle_.max_level[SAI_LOG_FILE] = SAI_LOG_DEBUGGING;
+  }
+
+  ~Sweep() override {
+    sai_log_default = nullptr;
+    swsdk_power_off();
+  }
+
+  Seen observe(std::optional<Fault> fault) {
+    const Row& row = GetParam();
+    support::start_chip(1, row.ports);
+    row.scene();
+    outputs.clear();
+    if (fault) swsdk_fault_inject(fault->call->name.c_str(), fault->code, fault->call->nth);
+    log_.take();
+    swsdk_journal_clear();
+    swsdk_journal_record(1);
+    FILE* const standard_output = stdout;
+    stdout = printed_.stream;
+    Seen run;
+    run.result = row.call();
+    stdout = standard_output;
+    swsdk_journal_record(0);
+    swsdk_fault_clear();
+    run.calls = read_journal();
+    run.written = outputs.written();
+    run.printed = printed_.take();
+    for (const std::string& line : log_.take())
+      if (const size_t start = line.find(" errors: NONE: "); start != std::string::npos)
+        run.errors.push_back(line.substr(start + sizeof " errors: NONE: " - 1));
+    return run;
+  }
+
+  static const Failure* rule(const Call& call) {
+    static const Failure ends_the_work{};
+    for (const Failure& failure : GetParam().failures)
+      if (is_about(failure.code, call.code) && has(failure.call, call)) return &failure;
+    return call.code < 0 ? &ends_the_work : nullptr;
+  }
+
+  /// The calls are those of the normal run, but for what the rules say of each that answers something else.
+  static void check_calls(const Seen& normal, const Seen& run) {
+    size_t next = 0;  // of the normal run
+    std::vector<std::string> inserted;
+    for (const Call& call : run.calls) {
+      bool differs = true;
+      if (!inserted.empty()) {
+        EXPECT_EQ(call.name, inserted.front());
+        inserted.erase(inserted.begin());
+      } else {
+        ASSERT_LT(next, normal.calls.size()) << call.name << " follows, after all that should";
+        EXPECT_EQ(call.name, normal.calls[next].name);
+        differs = call.code != normal.calls[next].code;
+        ++next;
+      }
+      if (call.code == 0 || !differs) continue;
+      const Failure* const failure = rule(call);
+      if (failure == nullptr) continue;
+      const std::string then = failure->then;
+      const bool ends = then.find_first_of("*>") == std::string::npos;
+      if (ends) inserted.clear();
+      std::istringstream words(then);
+      for (std::string word; words >> word;) {
+        if (word == "-")
+          ++next;
+        else if (word.starts_with('>'))
+          while (next < normal.calls.size() && normal.calls[next].name != word.substr(1)) ++next;
+        else if (word != "*")
+          inserted.push_back(word);
+      }
+      if (ends) next = normal.calls.size();
+    }
+    EXPECT_TRUE(inserted.empty()) << inserted.front() << " should follow";
+    EXPECT_GE(next, normal.calls.size()) << normal.calls[next].name << " should follow";
+  }
+
+  /// Each failure has its lines, and there are no others.
+  static void check_lines(const Seen& normal, const Seen& run) {
+    std::vector<std::string> lines = run.errors;
+    for (const std::string& line : run.printed)
+      if (std::ranges::find(normal.printed, line) == normal.printed.end()) lines.push_back(line);
+    size_t next = 0;
+    for (const Call& call : run.calls) {
+      const Failure* const failure = rule(call);
+      if (failure == nullptr || failure->line == no_line) continue;
+      std::istringstream ends(failure->line);
+      for (std::string end; std::getline(ends, end);) {
+        const int number = text_number(call.code);
+        if (const size_t at = end.find("%s"); at != std::string::npos) end.replace(at, 2, _shr_errmsg[number]);
+        if (const size_t at = end.find("%d"); at != std::string::npos) end.replace(at, 2, std::to_string(number));
+        ASSERT_LT(next, lines.size()) << "no line tells that " << call.name << " failed";
+        EXPECT_TRUE(lines[next].ends_with(end)) << lines[next] << "\nis expected to end with: " << end;
+        ++next;
+      }
+    }
+    EXPECT_EQ(next, lines.size()) << "one line too many: " << lines[next];
+  }
+
+  static void check_result(const Seen& run) {
+    const std::string rule = GetParam().result;
+    int code = run.calls.empty() ? 0 : run.calls.back().code;
+    if (rule == always_0) code = 0;
+    if (rule == zero_or_fail) code = code == 0 ? 0 : -1;
+    if (rule == zero_or_fail_if_negative) code = code < 0 ? -1 : 0;
+    if (rule == failure_or_value && code >= 0) {
+      EXPECT_GE(run.result, 0);
+      return;
+    }
+    for (const Call& call : run.calls)
+      if (has(rule, call)) code = call.code;
+    EXPECT_EQ(run.result, converted(code));
+  }
+
+  /// Whether outputs are written when a result is positive, neither success nor failure, is left open.
+  static void check_outputs(const Seen& run) {
+    const std::string rule = GetParam().outputs;
+    std::vector<bool> expected(run.written.size(), rule == always || run.result >= 0);
+    if (rule == each_by_its_call)
+      for (size_t i = 0; i < expected.size(); ++i) expected[i] = run.calls[i].code == 0;
+    else if (rule != on_success && rule != always) {
+      expected.assign(expected.size(), true);
+      for (const Call& call : run.calls)
+        if (has(rule, call) && call.code < 0) expected.assign(expected.size(), false);
+    }
+    EXPECT_EQ(run.written, expected);
+  }
+
+  Lines log_;
+  Lines printed_;
+
+ private:
+  sai_log_handle log_handle_{};
+};
+
+size_t Sweep::triples = 0;
+std::set<std::string> Sweep::functions;
+
+/// Those that SWEEP_CODES lists in the environment; without it, the SDK's codes, one below them and a positive one.
+std::vector<int> codes_to_try() {
+  std::vector<int> codes;
+  const char* const list = std::getenv("SWEEP_CODES");
+  std::istringstream words(list != nullptr ? list : "");
+  for (int code = 0; words >> code;) codes.push_back(code);
+  if (!codes.empty()) return codes;
+  for (int code = -23; code <= positive; ++code)
+    if (code != 0) codes.push_back(code);
+  return codes;
+}
+
+TEST_P(Sweep, EachCallFailsWithEachCode) {
+  static const std::vector<int> codes = codes_to_try();
+  const Row& row = GetParam();
+  functions.insert(row.name.substr(0, row.name.find(',')));
+  const Seen normal = observe({});
+  check_lines(normal, normal);
+  check_result(normal);
+  check_outputs(normal);
+  ASSERT_GE(normal.result, 0);
+  ASSERT_FALSE(HasFailure()) << "with nothing failing";
+  for (const Call& call : normal.calls) {
+    if (call.nth % row.every != 0) continue;
+    for (const int code : codes) {
+      SCOPED_TRACE(call.name + " number " + std::to_string(call.nth) + " answers " + std::to_string(code));
+      const Seen failing = observe(Fault{&call, code});
+      ++triples;
+      EXPECT_TRUE(std::ranges::any_of(failing.calls, [&](const Call& made) {
+        return made.name == call.name && made.nth == call.nth && made.code == code;
+      })) << "it was not called";
+      check_calls(normal, failing);
+      check_lines(normal, failing);
+      check_result(failing);
+      if (code < 0) check_outputs(failing);
+      if (HasFailure()) {
+        std::string seen;
+        for (const Call& made : failing.calls) seen += made.name + " = " + std::to_string(made.code) + '\n';
+        for (const std::string& line : failing.errors) seen += line + '\n';
+        ADD_FAILURE() << seen;
+        return;
+      }
+    }
+  }
+}
+
+Rows all_rows() {
+  Rows result;
+  for (Rows (*const family)() : {core, port, field, l2, unicast, multicast, vlan, vport})
+    for (Row& row : family()) result.push_back(std::move(row));
+  return result;
+}
+
+std::string name_of(const testing::TestParamInfo<Row>& info) {
+  std::string name = info.param.name;
+  for (char& letter : name)
+    if (!isalnum(letter)) letter = '_';
+  return name;
+}
+
+INSTANTIATE_TEST_SUITE_P(, Sweep, testing::ValuesIn(all_rows()), name_of);
+
+TEST(SweepRows, AreThereForEveryExportedFunction) {
+  std::set<std::string> with_row;
+  for (const Row& row : all_rows()) with_row.insert(row.name.substr(0, row.name.find(',')));
+  const std::set<std::string> exported{
+#include "exported_functions.inc"
+  };
+  EXPECT_EQ(with_row, exported);
+}
+
+class Total : public testing::Environment {
+  void TearDown() override {
+    std::printf("%zu triples of function, call and code, of %zu functions\n", Sweep::triples, Sweep::functions.size());
+  }
+};
+
+const testing::Environment* const total = testing::AddGlobalTestEnvironment(new Total);
+
+}  // namespace
+
+}  // namespace sweep
