@@ -1,6 +1,10 @@
+#include <bcm/knet.h>
 #include <swsdk/frames.h>
 
-#include "api/units.h"
+#include <algorithm>
+#include <iterator>
+
+#include "api/call.h"
 
 namespace {
 
@@ -48,12 +52,29 @@ int swsdk_frame_handle(int unit, swsdk_frame_handler handler, void* user_data) {
 }
 
 int swsdk_frame_send(int unit, int port, const void* data, size_t length) {
-  api::Unit* const attached = api::find_unit(unit);
-  if (attached == nullptr || data == nullptr) return -1;
-  const std::lock_guard guard(attached->lock);
-  if (!attached->initialised || !attached->chip->ports.has(port)) return -1;
-  Handler wire(unit, attached->frame_handler, port);
-  return static_cast<int>(attached->pipeline->receive(port, {static_cast<const uint8_t*>(data), length}, wire));
+  if (data == nullptr) return -1;
+  const auto* const bytes = static_cast<const uint8_t*>(data);
+  const auto receive = [&](const chip::Chip& chip) {
+    if (!chip.ports.has(port)) return -1;
+    api::Unit& attached = *api::find_unit(unit);
+    Handler wire(unit, attached.frame_handler, port);
+    return static_cast<int>(attached.pipeline->receive(port, {bytes, length}, wire));
+  };
+  return api::act(__func__, unit, receive, port, api::bytes(bytes, static_cast<unsigned>(length)), length);
+}
+
+int swsdk_netif_get(int unit, int index, swsdk_netif* netif) {
+  const auto get = [&](const chip::Chip& chip) {
+    const auto& all = chip.network_interfaces.all();
+    if (netif == nullptr || index < 0 || index >= static_cast<int>(all.size())) return -1;
+    const chip::NetworkInterface& found = std::next(all.begin(), index)->second;
+    *netif = {};
+    found.name.copy(netif->name, sizeof netif->name - 1);
+    std::copy(found.mac.begin(), found.mac.end(), netif->mac);
+    netif->keeps_tag = (found.flags & BCM_KNET_NETIF_F_KEEP_RX_TAG) != 0 ? 1 : 0;
+    return 0;
+  };
+  return api::on_chip(unit, get, -1);
 }
 
 const char* swsdk_drop_name(int reason) {

@@ -141,6 +141,22 @@ struct Given<T*> {
   int number;
 };
 
+/// A frame.
+template <>
+struct Given<const void*> {
+  explicit Given(std::string_view text) : bytes(parsed_bytes(text)) {
+    bytes.reserve(1);  // an empty frame is somewhere, too
+  }
+  const void* get() const { return bytes.data(); }
+  std::string c(const std::string& name, CCall& call) const {
+    std::string list;
+    for (const uint8_t byte : bytes) list += (list.empty() ? "" : ", ") + text(byte);
+    call.statements += "  static const unsigned char " + name + "[] = {" + (list.empty() ? "0" : list) + "};\n";
+    return name;
+  }
+  std::vector<uint8_t> bytes;
+};
+
 template <class Returned, class... Args>
 struct Given<Returned (*)(Args...)> {
   using Function = Returned (*)(Args...);

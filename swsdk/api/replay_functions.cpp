@@ -90,6 +90,7 @@ const api::Replayable functions[] = {
     replayable("swsdk_clock_advance", &swsdk_clock_advance),
     replayable("swsdk_clock_step", &swsdk_clock_step),
     replayable("swsdk_counter_set", &swsdk_counter_set),
+    replayable("swsdk_frame_send", &swsdk_frame_send),
     replayable("swsdk_l2_event", &swsdk_l2_event),
     replayable("swsdk_l2_learn", &swsdk_l2_learn),
     replayable("swsdk_l2_lookup", &swsdk_l2_lookup),

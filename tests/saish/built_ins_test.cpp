@@ -348,4 +348,45 @@ TEST_F(ShellBuiltIns, ClassifyRefusesWhatIsNoFrame) {
   EXPECT_NE(help.find("\n  FRAME is {field=value, ...} of in_port, out_port, src_mac, "), std::string::npos) << help;
 }
 
+constexpr const char* hello = "send 1 02:00:00:00:00:01 > 02:00:00:00:00:02 ";
+
+TEST_F(ShellBuiltIns, SendLetsAFrameInAndCaptureShowsWhatLeft) {
+  open_log();
+  run("sai_vlan_create 0 10", "sai_vlan_port_add 0 10 1 1", "sai_vlan_port_add 0 10 2 1", "link 1 up", "link 2 up");
+  EXPECT_EQ(run(hello + std::string("vlan 10/3 ip 10.0.0.1 > 10.0.0.2 udp 5 > 6")), "  passed on\n");
+  EXPECT_EQ(run("capture"),
+            "  2: 02:00:00:00:00:01 > 02:00:00:00:00:02 vlan 10/3 ip 10.0.0.1 > 10.0.0.2 ttl 64 udp 5 > 6\n"
+            "  cpu (destination): 02:00:00:00:00:01 > 02:00:00:00:00:02 vlan 10/3 ip 10.0.0.1 > 10.0.0.2 ttl 64 "
+            "udp 5 > 6\n");
+  EXPECT_EQ(run("capture"), "");
+  EXPECT_EQ(run("send 2 0200000000010200000000038100000a88b50000"), "  passed on\n");
+  EXPECT_EQ(run("capture"), "  1: 02:00:00:00:00:03 > 02:00:00:00:00:01 vlan 10 type 0x88b5\n");
+  EXPECT_EQ(run("send 1 0200"), "  not passed on: malformed\n");
+}
+
+TEST_F(ShellBuiltIns, WhatCaptureShowsCanBeSent) {
+  open_log();
+  run("sai_vlan_create 0 10", "sai_vlan_port_add 0 10 1 1", "sai_vlan_port_add 0 10 2 1", "link 1 up", "link 2 up");
+  for (const std::string frame :
+       {"vlan 10 arp 10.0.0.1 > 10.0.0.2", "vlan 10 vlan 20/7 type 0x1234",
+        "vlan 10 ip 10.0.0.1 > 10.0.0.2 tos 8 ttl 1 tcp 80 > 81", "vlan 10 ip 2001:db8::1 > ff02::1 ttl 255 icmp 135",
+        "vlan 10 ip 10.0.0.1 > 224.0.0.22 ttl 1 igmp 22 239.1.1.1", "vlan 10 ip 10.0.0.1 > 10.0.0.2 ttl 64 protocol 89",
+        "vlan 10 ip 2001:db8::1 > 2001:db8::2 tos 184 ttl 64 udp 1 > 2"}) {
+    ASSERT_EQ(run(hello + frame), "  passed on\n");
+    const std::string shown = run("capture");
+    EXPECT_EQ(shown.substr(0, shown.find('\n')), "  2: 02:00:00:00:00:01 > 02:00:00:00:00:02 " + frame);
+  }
+}
+
+TEST_F(ShellBuiltIns, SendRefusesWhatIsNoFrame) {
+  EXPECT_EQ(refused("send 1 123"), "frame: \"123\" is not pairs of hexadecimal digits");
+  EXPECT_EQ(refused("send 1 02:00:00:00:00:01 02:00:00:00:00:02"), "frame: \"02:00:00:00:00:02\" is not >");
+  EXPECT_EQ(refused("send 1 02:00:00:00:00:01 >"), "frame: it ends where a MAC address should be");
+  EXPECT_EQ(refused(hello + std::string("vlan 4096")), "frame: a tag has a VLAN up to 4095 and a priority up to 7");
+  EXPECT_EQ(refused(hello + std::string("udp 5 > 6")), "frame: \"udp\" is no field, or comes before ip");
+  EXPECT_EQ(refused(hello + std::string("ip 10.0.0.1 > ::1")), "frame: an IPv4 address does not go with an IPv6 one");
+  EXPECT_EQ(refused(hello + std::string("ip 10.0.0.1 > 10.0.0.2 utp 5")), "frame: there is no field \"utp\"");
+  EXPECT_EQ(refused("send 99 00"), "port: unit 0 has no port 99, or is not initialised");
+}
+
 }  // namespace

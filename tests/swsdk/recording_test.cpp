@@ -14,6 +14,7 @@
 #include <gtest/gtest.h>
 #include <swsdk/chip.h>
 #include <swsdk/fault.h>
+#include <swsdk/frames.h>
 #include <unistd.h>
 
 #include <cstring>
@@ -87,6 +88,23 @@ TEST_F(Recording, HoldsCallsFaultsAndActionsInTheirOrder) {
             "action swsdk_phy_register_set(0, 3, -1, 4, 5) = 0\n"
             "action swsdk_l3_host_hit(0, 10.0.0.1, 0x4) = -1\n");
   EXPECT_EQ(replayed(), "0");
+}
+
+TEST_F(Recording, HoldsFramesAndWhatTheyChange) {
+  start();
+  swsdk_link_event(0, 1, 1);
+  const unsigned char frame[] = {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 2, 0, 0, 0, 0, 1, 0x88, 0xB5, 7};
+  EXPECT_GE(swsdk_frame_send(0, 1, frame, sizeof frame), 0);
+  EXPECT_GT(swsdk_frame_send(0, 1, frame, 3), 0);
+  EXPECT_EQ(swsdk_frame_send(0, 99, frame, sizeof frame), -1);
+  EXPECT_EQ(swsdk_l2_lookup(0, 1, &frame[6]), 1);
+  const std::string lines = recorded();
+  const std::string action = "action swsdk_frame_send(0, 1, [ff ff ff ff ff ff 02 00 00 00 00 01 88 b5 07], 15) = ";
+  EXPECT_NE(lines.find(action), std::string::npos) << lines;
+  EXPECT_NE(lines.find("action swsdk_frame_send(0, 1, [ff ff ff], 3) = 1\n"), std::string::npos) << lines;
+  EXPECT_NE(lines.find("07], 15) = -1\n"), std::string::npos) << lines;
+  EXPECT_EQ(replayed(), "0");
+  EXPECT_EQ(swsdk_l2_lookup(0, 1, &frame[6]), 1);
 }
 
 TEST_F(Recording, GoesOnWhenTheChipIsSwitchedOffAndLeavesTheLastTimeOut) {

@@ -4,6 +4,7 @@
 #include <swsdk/chip.h>
 #include <swsdk/fault.h>
 #include <swsdk/field.h>
+#include <swsdk/frames.h>
 
 #include <algorithm>
 #include <charconv>
@@ -12,6 +13,7 @@
 #include <numeric>
 #include <string>
 
+#include "frame_text.h"
 #include "library.h"
 #include "session.h"
 #include "tables.h"
@@ -30,6 +32,7 @@ void help_on(std::string_view name) {
   if (const BuiltIn* built_in = find_built_in(name)) {
     std::printf("%s\n%s\n", built_in->usage, built_in->summary);
     help_on_fields("FRAME", built_in->fields);
+    if (built_in->note != nullptr) std::printf("  %s\n", built_in->note);
   } else if (const Function* function = find_function(name)) {
     std::printf("%s\n%s\nHere: %s\n", function->prototype, function->summary, usage(*function).c_str());
     for (const Parameter& parameter : function->parameters) help_on_fields(parameter.name, parameter.fields);
@@ -258,6 +261,23 @@ void classify(Session& /*session*/, const Words& arguments) {
   std::printf("  %s\n", verdict_text(verdict).c_str());
 }
 
+void capture(Session& session, const Words& /*arguments*/) {
+  for (const std::string& line : session.capture().take()) std::printf("  %s\n", line.c_str());
+}
+
+void send(Session& session, const Words& arguments) {
+  const int port = value<int>("port", arguments[0]);
+  const std::vector<uint8_t> frame = frame_bytes(std::span(arguments).subspan(1));
+  session.capture().watch(0);
+  const int outcome = swsdk_frame_send(0, port, frame.data(), frame.size());
+  if (outcome < 0) throw BadInput("port: unit 0 has no port " + std::to_string(port) + ", or is not initialised");
+  swsdk_events_drain();
+  if (outcome == 0)
+    std::printf("  passed on\n");
+  else
+    std::printf("  not passed on: %s\n", swsdk_drop_name(outcome));
+}
+
 void diff(Session& /*session*/, const Words& arguments) {
   compare_with(arguments[0]);
   std::printf("  no difference\n");
@@ -290,6 +310,16 @@ constexpr BuiltIn table[] = {
      temperature},
     {"classify", "classify ingress|egress FRAME [UNIT]", "Says what the field entries do with a frame.", 2, 3, classify,
      frame_fields},
+    {"send",
+     "send PORT FRAME",
+     "Lets a frame come in at a port, or at 0 from the host, and says whether it was passed on.",
+     2,
+     any_length,
+     send,
+     {},
+     frame_form},
+    {"capture", "capture", "Shows what left the chip since the last time: a line per copy, with its port.", 0, 0,
+     capture},
     {"diff", "diff FILE", "Compares the chip's tables with those that a script would leave in a fresh chip.", 1, 1,
      diff},
     {"source", "source FILE", "Runs a script.", 1, 1, source},

@@ -18,6 +18,7 @@ struct BuiltIn {
   std::size_t most_words;
   void (*run)(Session& session, const Words& arguments);
   std::span<const Field> fields = {};  // of the record among its words, if there is one
+  const char* note = nullptr;          // what help says besides
 };
 
 std::span<const BuiltIn> built_ins();

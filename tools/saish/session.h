@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "capture.h"
 #include "library.h"
 
 namespace saish {
@@ -38,6 +39,9 @@ class Session {
   void follow_journal(bool on);
   void clear_journal();
 
+  /// What leaves the units that frames were sent into.
+  Capture& capture() { return capture_; }
+
   void end() { ended_ = true; }
   bool ended() const { return ended_; }
 
@@ -46,6 +50,7 @@ class Session {
   std::optional<int32_t> call(const Function& function, const Words& arguments);
   void print_news();
 
+  Capture capture_;
   bool ended_ = false;
   bool following_ = false;
   std::size_t journal_shown_ = 0;

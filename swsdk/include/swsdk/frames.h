@@ -64,6 +64,21 @@ int swsdk_frame_handle(int unit, swsdk_frame_handler handler, void* user_data);
  */
 int swsdk_frame_send(int unit, int port, const void* data, size_t length);
 
+/** A network interface of the host that was asked for by `bcm_knet_netif_create`. */
+typedef struct swsdk_netif {
+  char name[16];
+  unsigned char mac[6];
+  int keeps_tag; /**< whether the host gets frames with the tag that they have in swsdk_out */
+} swsdk_netif;
+
+/**
+ * Tells about the network interfaces that connect the host with a unit.
+ *
+ * @param index  0 for the oldest
+ * @return 0, or -1 when there is no such initialised unit or interface, or netif is null
+ */
+int swsdk_netif_get(int unit, int index, swsdk_netif* netif);
+
 /** Names a reason of swsdk_frame_send(), 1 and up, such as "not a member of the vlan"; null past the last. */
 const char* swsdk_drop_name(int reason);
 

@@ -1,0 +1,29 @@
+#!/usr/bin/env bash
+# The request of a real DHCP client: neighbours see it, until sai_dhcp_packet_to_cpu keeps it for the CPU.
+# shellcheck source=tests/end-to-end/watch.sh
+source "$(dirname "$0")/watch.sh"
+command -v udhcpc >/dev/null || skip "udhcpc is not installed"
+
+host client 1
+host neighbour 2
+cat >"$work/switch.sai" <<SAI
+source $basics
+sai_vlan_create 0 10
+sai_vlan_port_add 0 10 1 0
+sai_vlan_port_add 0 10 2 0
+sai_port_untagged_vlan_set 0 1 10
+sai_port_untagged_vlan_set 0 2 10
+SAI
+start_switch "$work/switch.sai"
+watch cpu.log "vlan and udp port 67" tcpdump -i ethv0
+watch neighbour.log "udp port 67" on neighbour tcpdump -Q in -i eth0
+ask() { on client udhcpc -i eth0 -n -q -t 1 -T 1 -s /bin/true >/dev/null 2>&1 || true; }
+
+ask
+expect_seen neighbour.log 'BOOTP/DHCP, Request from 02:00:00:00:01:01'
+tell_switch "sai_dhcp_packet_to_cpu 0 1"
+: >"$work/neighbour.log"
+: >"$work/cpu.log"
+ask
+expect_seen cpu.log 'vlan 10, .*BOOTP/DHCP, Request from 02:00:00:00:01:01'
+expect_unseen neighbour.log DHCP

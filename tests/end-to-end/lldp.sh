@@ -1,0 +1,35 @@
+#!/usr/bin/env bash
+# A real lldpd on a host: the CPU's interface gets its frames after sai_lldp_set, and not before.
+# shellcheck source=tests/end-to-end/watch.sh
+source "$(dirname "$0")/watch.sh"
+command -v lldpd >/dev/null || skip "lldpd is not installed"
+
+host talker 1 10.0.10.1/24
+host neighbour 2 10.0.10.2/24
+cat >"$work/switch.sai" <<SAI
+source $basics
+sai_vlan_create 0 10
+sai_vlan_port_add 0 10 1 0
+sai_vlan_port_add 0 10 2 0
+sai_port_untagged_vlan_set 0 1 10
+sai_port_untagged_vlan_set 0 2 10
+# Copies of flooded frames are no trap: without the CPU in the VLAN it gets what it asked for.
+sai_vlan_port_del 0 10 0
+SAI
+start_switch "$work/switch.sai"
+watch cpu.log "ether[0:4] = 0x0180c200" tcpdump -i ethv0
+watch neighbour.log "ether proto 0x88cc" on neighbour tcpdump -Q in -i eth0
+
+mkdir -p /run/lldpd
+on talker lldpd -d -I eth0 -u "$work/lldpd" >"$work/lldpd.log" 2>&1 &
+wait_for 5 test -S "$work/lldpd" || skip "lldpd does not start here: $(tail -n 1 "$work/lldpd.log")"
+say_hello() { on talker lldpcli -u "$work/lldpd" update >/dev/null; }
+
+say_hello
+expect_seen neighbour.log 'LLDP.*02:00:00:00:01:01'
+expect_unseen cpu.log LLDP
+tell_switch "sai_lldp_set 0"
+: >"$work/neighbour.log"
+say_hello
+expect_seen cpu.log '02:00:00:00:01:01 > 01:80:c2:00:00:0e.*vlan 10,.*LLDP'
+expect_unseen neighbour.log LLDP

@@ -1,0 +1,30 @@
+#!/usr/bin/env bash
+# A mirror port sees what comes in at another, and nothing once the mirror ends.
+# shellcheck source=tests/end-to-end/watch.sh
+source "$(dirname "$0")/watch.sh"
+
+host one 1 10.0.0.1/24
+host two 2 10.0.0.2/24
+host analyzer 3
+cat >"$work/switch.sai" <<SAI
+source $basics
+sai_vlan_create 0 10
+sai_vlan_port_add 0 10 1 0
+sai_vlan_port_add 0 10 2 0
+sai_port_untagged_vlan_set 0 1 10
+sai_port_untagged_vlan_set 0 2 10
+sai_mirror_init 0
+SAI
+start_switch "$work/switch.sai"
+watch analyzer.log icmp on analyzer tcpdump -Q in -i eth0
+
+expect_reached one 10.0.0.2
+expect_unseen analyzer.log ICMP
+tell_switch "sai_mirror_dest_port_set 0 1 3" "sai_mirror_source_port_set 0 1 1 1"
+expect_reached one 10.0.0.2
+expect_seen analyzer.log '10.0.0.1 > 10.0.0.2: ICMP echo request'
+expect_unseen analyzer.log 'echo reply'
+tell_switch "sai_mirror_source_port_unset 0 1 1 1" "sai_mirror_dest_port_unset 0 1 3"
+: >"$work/analyzer.log"
+expect_reached one 10.0.0.2
+expect_unseen analyzer.log ICMP

@@ -1,0 +1,60 @@
+#!/usr/bin/env bash
+# Limits in real time: an ARP storm, and what iperf3 measures behind a port's rate.
+# shellcheck source=tests/end-to-end/watch.sh
+source "$(dirname "$0")/watch.sh"
+command -v iperf3 >/dev/null || skip "iperf3 is not installed"
+
+host sender 1 10.0.0.1/24
+host receiver 2 10.0.0.2/24
+cat >"$work/switch.sai" <<SAI
+source $basics
+sai_vlan_create 0 10
+sai_vlan_port_add 0 10 1 0
+sai_vlan_port_add 0 10 2 0
+sai_port_untagged_vlan_set 0 1 10
+sai_port_untagged_vlan_set 0 2 10
+SAI
+start_switch "$work/switch.sai"
+expect_reached sender 10.0.0.2
+
+# about WANTED GOT: within a tenth.
+about() { [ $(($2 * 10)) -ge $(($1 * 9)) ] && [ $(($2 * 10)) -le $(($1 * 11)) ]; }
+
+cat >"$work/storm.py" <<'PY'
+import socket, time
+link = socket.socket(socket.AF_PACKET, socket.SOCK_RAW)
+link.bind(("eth0", 0))
+frame = bytes.fromhex("ffffffffffff0200000001010806000108000604000102000000010" "10a00000100000000000" "00a000063") + bytes(18)
+begin = time.monotonic()
+for tick in range(200):  # 2000 a second, for two seconds
+    for _ in range(20):
+        link.send(frame)
+    time.sleep(max(0, begin + tick * 0.01 - time.monotonic()))
+PY
+received() { on receiver cat /sys/class/net/eth0/statistics/rx_packets; }
+storm() {
+  local before
+  before=$(received)
+  on sender python3 "$work/storm.py"
+  sleep 0.2
+  echo $(($(received) - before))
+}
+count=$(storm)
+about 4000 "$count" || fail "of a storm of 4000 frames $count came"
+tell_switch "sai_rate_bcast_set 0 1 1 100"
+count=$(storm)
+about 200 "$((count - 100))" || about 200 "$count" || fail "a storm at 100 frames a second let $count through in two seconds"
+echo "an ARP storm of 4000 frames in two seconds, at 100 a second: $count"
+tell_switch "sai_rate_bcast_set 0 1 0 100"
+
+tell_switch "sai_port_rate_ingress_set 0 1 2000 200"
+on receiver iperf3 -s -1 -D --logfile "$work/iperf.log"
+wait_for 5 grep -qs "listening" "$work/iperf.log" || fail "iperf3 does not start"
+on sender iperf3 -c 10.0.0.2 -u -b 6M -l 500 -t 2 -J >"$work/iperf.json" || fail "iperf3: $(cat "$work/iperf.json")"
+rate=$(python3 -c '
+import json, sys
+end = json.load(open(sys.argv[1]))["end"]["sum"]
+frame = (500 + 46) / 500  # headers and checksum count at the port
+print(round(end["bits_per_second"] * (1 - end["lost_percent"] / 100) * frame / 1000))' "$work/iperf.json")
+about 2000 "$rate" || fail "a rate of 2000 kbit/s let $rate through"
+echo "iperf3 behind a rate of 2000 kbit/s: $rate kbit/s with headers"

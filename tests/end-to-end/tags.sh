@@ -1,0 +1,57 @@
+#!/usr/bin/env bash
+# Tags of a trunk, made and seen by hosts: by the kernel's VLAN interfaces, and by scapy.
+# shellcheck source=tests/end-to-end/watch.sh
+source "$(dirname "$0")/watch.sh"
+python3 -c 'import scapy' 2>/dev/null || skip "python3-scapy is not installed"
+
+host access 1 10.0.10.1/24
+host other 2 10.0.20.2/24
+host trunk 3
+for vlan in 10 20; do
+  on trunk ip link add link eth0 name "eth0.$vlan" up type vlan id "$vlan"
+  on trunk ip address add "10.0.$vlan.3/24" dev "eth0.$vlan"
+done
+cat >"$work/switch.sai" <<SAI
+source $basics
+sai_vlan_create 0 10
+sai_vlan_create 0 20
+sai_vlan_port_add 0 10 1 0
+sai_vlan_port_add 0 20 2 0
+sai_vlan_port_add 0 10 3 1
+sai_vlan_port_add 0 20 3 1
+sai_port_untagged_vlan_set 0 1 10
+sai_port_untagged_vlan_set 0 2 20
+SAI
+start_switch "$work/switch.sai"
+
+expect_reached access 10.0.10.3
+expect_reached other 10.0.20.3
+expect_unreached access 10.0.20.3
+
+# Hosts with tags of their own below the trunk's: the outer one is the switch's, the inner one is none of its business.
+watch access.log "udp or vlan" on access tcpdump -i eth0
+watch other.log "udp or vlan" on other tcpdump -i eth0
+watch trunk.log "udp or vlan" on trunk tcpdump -Q in -i eth0
+cat >"$work/send.py" <<'PY'
+import sys
+from scapy.all import Dot1Q, Ether, IP, UDP, sendp
+both = Ether(src="02:00:00:00:01:03", dst="ff:ff:ff:ff:ff:ff")
+frames = {
+    "trunk": [both / Dot1Q(vlan=10) / Dot1Q(vlan=77, prio=5) / IP(dst="10.0.10.255") / UDP(dport=1001),
+              both / Dot1Q(vlan=20, prio=3) / IP(dst="10.0.20.255") / UDP(dport=1002),
+              both / Dot1Q(vlan=30) / IP(dst="10.0.30.255") / UDP(dport=1003),
+              both / Dot1Q(vlan=10) / IP(dst="10.0.10.255") / UDP(dport=1004)],
+    "access": [Ether(src="02:00:00:00:01:01", dst="ff:ff:ff:ff:ff:ff") / IP(dst="10.0.10.255") / UDP(dport=1005)],
+}
+sendp(frames[sys.argv[1]], iface="eth0", verbose=False)
+PY
+on trunk python3 "$work/send.py" trunk
+on access python3 "$work/send.py" access
+
+expect_seen trunk.log 'vlan 10, .*\.1005:'
+expect_seen access.log '\.1004:'
+expect_seen access.log 'vlan 77, p 5, .*\.1001:'
+expect_seen other.log '\.1002:'
+expect_unseen access.log 'vlan 10'
+expect_unseen access.log '\.(1002|1003):'
+expect_unseen other.log 'vlan|\.(1001|1003|1004|1005):'

@@ -1,0 +1,34 @@
+# What the end-to-end tests add to examples/hosts.sh: frames seen where they arrive.
+# shellcheck source=examples/hosts.sh
+source "$(dirname "${BASH_SOURCE[0]}")/../../examples/hosts.sh"
+
+[ -x "$switch" ] || fail "no switch to test"
+basics=$work/basics.sai
+cat >"$basics" <<'SAI'
+open_sai_log switch 0 0 8
+log off
+sai_switch_chip_init 02:00:00:00:00:01
+log errors
+SAI
+
+# watch LOG FILTER COMMAND...: tcpdump by that command, such as: on host tcpdump -i eth0; its lines go into the log.
+watch() {
+  local log=$work/$1 filter=$2
+  shift 2
+  "$@" -l -n -e --immediate-mode "$filter" >"$log" 2>"$log.errors" &
+  wait_for 10 grep -qs "listening on" "$log.errors" || fail "tcpdump does not start: $(cat "$log.errors")"
+}
+
+# seen LOG PATTERN: such a line has come.
+seen() { grep -Eqs -- "$2" "$work/$1"; }
+
+expect_seen() {
+  wait_for 3 seen "$1" "$2" || fail "no '$2' in $1: $(cat "$work/$1")"
+  echo "$1: $(grep -Em 1 -- "$2" "$work/$1")"
+}
+
+# What would be seen has had its time: call it after something later was.
+expect_unseen() {
+  ! seen "$1" "$2" || fail "'$2' in $1: $(cat "$work/$1")"
+  echo "$1: nothing of '$2'"
+}

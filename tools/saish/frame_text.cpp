@@ -1,0 +1,268 @@
+#include "frame_text.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <iterator>
+
+#include "values.h"
+
+namespace saish {
+
+const char frame_form[] =
+    "FRAME is hexadecimal digits, or MAC > MAC, then what it has of: vlan ID[/PRIORITY], svlan ID[/PRIORITY],\n"
+    "  type NUMBER, arp IP > IP, ip IP > IP, tos NUMBER, ttl NUMBER, udp PORT > PORT, tcp PORT > PORT, icmp TYPE,\n"
+    "  igmp TYPE GROUP, protocol NUMBER, length BYTES";
+
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+constexpr std::size_t shortest = 60;  // of Ethernet, without the checksum
+constexpr std::size_t longest = 16384;
+constexpr uint16_t vlan_tag = 0x8100;
+constexpr uint16_t service_tag = 0x88A8;
+constexpr uint16_t arp_type = 0x0806;
+constexpr uint16_t ip4_type = 0x0800;
+constexpr uint16_t ip6_type = 0x86DD;
+constexpr std::size_t ip4_header = 20;
+constexpr std::size_t ip6_header = 40;
+
+unsigned word(std::span<const uint8_t> bytes, std::size_t at) {
+  return at + 2 <= bytes.size() ? static_cast<unsigned>(bytes[at] << 8 | bytes[at + 1]) : 0;
+}
+
+/// The sum of the words of an IPv4 header; with its checksum that of a good one is 0xFFFF.
+unsigned header_sum(std::span<const uint8_t> header) {
+  unsigned sum = 0;
+  for (std::size_t at = 0; at + 1 < header.size(); at += 2) sum += word(header, at);
+  while (sum >> 16 != 0) sum = (sum & 0xFFFF) + (sum >> 16);
+  return sum;
+}
+
+/// Makes a frame of words, from front to back.
+class Builder {
+ public:
+  explicit Builder(std::span<const std::string> words) : words_(words) {}
+
+  Bytes build() {
+    const auto [source, destination] = pair("MAC address", mac);
+    put(destination);
+    put(source);
+    while (!words_.empty()) add(next("field"));
+    frame_.resize(std::max({frame_.size(), length_, shortest}));
+    return frame_;
+  }
+
+ private:
+  static Bytes mac(const std::string& text) {
+    uint8_t bytes[6];
+    read("frame", text, bytes);
+    return {std::begin(bytes), std::end(bytes)};
+  }
+
+  static Bytes ip(const std::string& text) {
+    if (text.find(':') != text.npos) {
+      uint8_t bytes[16];
+      read("frame", text, bytes);
+      return {std::begin(bytes), std::end(bytes)};
+    }
+    const uint32_t address = read_ip4("frame", text);
+    return {static_cast<uint8_t>(address >> 24), static_cast<uint8_t>(address >> 16),
+            static_cast<uint8_t>(address >> 8), static_cast<uint8_t>(address)};
+  }
+
+  template <std::integral T>
+  static T integer(const std::string& text) {
+    T value;
+    read("frame", text, value);
+    return value;
+  }
+
+  std::string next(const char* wanted) {
+    if (words_.empty()) throw BadInput("frame: it ends where a " + std::string(wanted) + " should be");
+    const std::string result = words_.front();
+    words_ = words_.subspan(1);
+    return result;
+  }
+
+  /// "A > B".
+  template <class T>
+  std::pair<T, T> pair(const char* wanted, T (*read_one)(const std::string& word)) {
+    T first = read_one(next(wanted));
+    if (const std::string arrow = next(">"); arrow != ">") throw BadInput("frame: \"" + arrow + "\" is not >");
+    return std::pair(std::move(first), read_one(next(wanted)));
+  }
+
+  void put(const Bytes& bytes) { frame_.insert(frame_.end(), bytes.begin(), bytes.end()); }
+  void put_word(unsigned value) { put({static_cast<uint8_t>(value >> 8), static_cast<uint8_t>(value)}); }
+  void set_word(std::size_t at, unsigned value) {
+    frame_[at] = static_cast<uint8_t>(value >> 8);
+    frame_[at + 1] = static_cast<uint8_t>(value);
+  }
+
+  void add(const std::string& name) {
+    if (name == "length")
+      length_ = std::min(integer<std::size_t>(next("number")), longest);
+    else if (name == "vlan" || name == "svlan")
+      add_tag(name == "vlan" ? vlan_tag : service_tag, next("VLAN"));
+    else if (name == "type")
+      put_word(integer<uint16_t>(next("number")));
+    else if (name == "arp")
+      add_arp();
+    else if (name == "ip")
+      add_ip();
+    else if (ip_at_ == 0)
+      throw BadInput("frame: \"" + name + "\" is no field, or comes before ip");
+    else
+      add_to_ip(name);
+    if (ip_at_ != 0) complete_ip();
+  }
+
+  void add_tag(uint16_t tpid, const std::string& text) {
+    const std::size_t slash = std::min(text.find('/'), text.size());
+    const auto vlan = integer<uint16_t>(text.substr(0, slash));
+    const auto priority = slash == text.size() ? uint16_t{0} : integer<uint16_t>(text.substr(slash + 1));
+    if (vlan > 4095 || priority > 7) throw BadInput("frame: a tag has a VLAN up to 4095 and a priority up to 7");
+    put_word(tpid);
+    put_word(static_cast<unsigned>(priority << 13 | vlan));
+  }
+
+  void add_arp() {
+    const Bytes source(frame_.begin() + 6, frame_.begin() + 12);
+    const auto [sender, target] = pair("IPv4 address", ip);
+    if (sender.size() != 4 || target.size() != 4) throw BadInput("frame: ARP is of IPv4 addresses");
+    put_word(arp_type);
+    put({0, 1, 8, 0, 6, 4, 0, 1});  // a request
+    put(source);
+    put(sender);
+    put(Bytes(6));
+    put(target);
+  }
+
+  void add_ip() {
+    const auto [source, destination] = pair("IP address", ip);
+    if (source.size() != destination.size()) throw BadInput("frame: an IPv4 address does not go with an IPv6 one");
+    is_ip4_ = source.size() == 4;
+    put_word(is_ip4_ ? ip4_type : ip6_type);
+    ip_at_ = frame_.size();
+    put(is_ip4_ ? Bytes{0x45, 0, 0, 0, 0, 0, 0, 0, 64, 253, 0, 0} : Bytes{0x60, 0, 0, 0, 0, 0, 59, 64});
+    put(source);
+    put(destination);
+  }
+
+  void add_to_ip(const std::string& name) {
+    uint8_t& protocol = frame_[ip_at_ + (is_ip4_ ? 9 : 6)];
+    if (name == "ttl") {
+      frame_[ip_at_ + (is_ip4_ ? 8 : 7)] = integer<uint8_t>(next("number"));
+    } else if (name == "tos") {
+      const auto tos = integer<uint8_t>(next("number"));
+      if (is_ip4_)
+        frame_[ip_at_ + 1] = tos;
+      else
+        set_word(ip_at_, 0x6000U | tos << 4U);
+    } else if (name == "protocol") {
+      protocol = integer<uint8_t>(next("number"));
+    } else if (name == "udp" || name == "tcp") {
+      protocol = name == "udp" ? 17 : 6;
+      const auto [source, destination] = pair("port", &integer<uint16_t>);
+      put_word(source);
+      put_word(destination);
+      put(name == "udp" ? Bytes{0, 8, 0, 0} : Bytes{0, 0, 0, 0, 0, 0, 0, 0, 0x50, 2, 0, 0, 0, 0, 0, 0});
+    } else if (name == "icmp") {
+      protocol = is_ip4_ ? 1 : 58;
+      put({integer<uint8_t>(next("number")), 0, 0, 0, 0, 0, 0, 0});
+    } else if (name == "igmp") {
+      protocol = 2;
+      put({integer<uint8_t>(next("number")), 0, 0, 0});
+      put(ip(next("group")));
+    } else {
+      throw BadInput("frame: there is no field \"" + name + '"');
+    }
+  }
+
+  void complete_ip() {
+    const std::size_t length = frame_.size() - ip_at_;
+    if (!is_ip4_) return set_word(ip_at_ + 4, static_cast<unsigned>(length - ip6_header));
+    set_word(ip_at_ + 2, static_cast<unsigned>(length));
+    set_word(ip_at_ + 10, 0);
+    set_word(ip_at_ + 10, 0xFFFF - header_sum(std::span(frame_).subspan(ip_at_, ip4_header)));
+  }
+
+  std::span<const std::string> words_;
+  Bytes frame_;
+  std::size_t length_ = 0;
+  std::size_t ip_at_ = 0;  // 0: there is no IP header
+  bool is_ip4_ = false;
+};
+
+/// The N bytes there as the array that text() takes.
+template <std::size_t N>
+std::string address_text(const uint8_t* at) {
+  uint8_t bytes[N];
+  std::copy_n(at, N, bytes);
+  return text(bytes);
+}
+
+std::string ip4_at(const uint8_t* at) {
+  return ip4_text(static_cast<uint32_t>(at[0]) << 24 | static_cast<uint32_t>(at[1]) << 16 |
+                  static_cast<uint32_t>(at[2]) << 8 | at[3]);
+}
+
+std::string in_ip_text(int protocol, std::span<const uint8_t> inside) {
+  const std::string ports = std::to_string(word(inside, 0)) + " > " + std::to_string(word(inside, 2));
+  const std::string type = inside.empty() ? "" : ' ' + std::to_string(inside[0]);
+  if (protocol == 17) return " udp " + ports;
+  if (protocol == 6) return " tcp " + ports;
+  if (protocol == 1 || protocol == 58) return " icmp" + type;
+  if (protocol == 2 && inside.size() >= 8) return " igmp" + type + ' ' + ip4_at(&inside[4]);
+  return " protocol " + std::to_string(protocol);
+}
+
+std::string ip_packet_text(std::span<const uint8_t> packet, bool is_ip4) {
+  if (packet.size() < (is_ip4 ? ip4_header : ip6_header)) return " ip cut short";
+  const std::size_t header = is_ip4 ? (packet[0] & 0xFU) * 4U : ip6_header;
+  const unsigned tos = is_ip4 ? packet[1] : word(packet, 0) >> 4 & 0xFF;
+  std::string result = " ip " + (is_ip4 ? ip4_at(&packet[12]) + " > " + ip4_at(&packet[16])
+                                        : address_text<16>(&packet[8]) + " > " + address_text<16>(&packet[24]));
+  if (tos != 0) result += " tos " + std::to_string(tos);
+  result += " ttl " + std::to_string(packet[is_ip4 ? 8 : 7]);
+  const std::size_t end = std::min(header, packet.size());
+  result += in_ip_text(packet[is_ip4 ? 9 : 6], packet.subspan(end));
+  return is_ip4 && header_sum(packet.first(end)) != 0xFFFF ? result + " (bad checksum)" : result;
+}
+
+}  // namespace
+
+std::vector<uint8_t> frame_bytes(std::span<const std::string> words) {
+  if (words.size() != 1) return Builder(words).build();
+  const std::string& digits = words[0];
+  const auto is_digit = [](char c) { return std::isxdigit(static_cast<unsigned char>(c)) != 0; };
+  if (digits.size() % 2 != 0 || !std::all_of(digits.begin(), digits.end(), is_digit))
+    throw BadInput("frame: \"" + digits + "\" is not pairs of hexadecimal digits");
+  Bytes frame;
+  for (std::size_t at = 0; at < digits.size(); at += 2)
+    frame.push_back(number<uint8_t>("0x" + digits.substr(at, 2)).value_or(0));
+  return frame;
+}
+
+std::string frame_text(std::span<const uint8_t> frame) {
+  if (frame.size() < 14) return std::to_string(frame.size()) + " bytes";
+  std::string result = address_text<6>(&frame[6]) + " > " + address_text<6>(&frame[0]);
+  std::size_t at = 12;
+  for (; word(frame, at) == vlan_tag || word(frame, at) == service_tag; at += 4) {
+    const unsigned tag = word(frame, at + 2);
+    result += (word(frame, at) == vlan_tag ? " vlan " : " svlan ") + std::to_string(tag & 0xFFF);
+    if (tag >> 13 != 0) result += '/' + std::to_string(tag >> 13);
+  }
+  const unsigned type = word(frame, at);
+  const std::span<const uint8_t> payload = frame.subspan(std::min(at + 2, frame.size()));
+  if (type == ip4_type || type == ip6_type) return result + ip_packet_text(payload, type == ip4_type);
+  if (type == arp_type && payload.size() >= 28)
+    return result + " arp " + ip4_at(&payload[14]) + " > " + ip4_at(&payload[24]);
+  char shown[16];
+  std::snprintf(shown, sizeof shown, " type 0x%04x", type);
+  return result + shown;
+}
+
+}  // namespace saish

@@ -1,0 +1,22 @@
+// Frames as people write them: "02:00:00:00:00:01 > 02:00:00:00:00:02 vlan 10 ip 10.0.0.1 > 10.0.0.2 udp 5 > 6".
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "words.h"
+
+namespace saish {
+
+/// What a frame is made of, for people.
+extern const char frame_form[];
+
+/// The frame that these words are: its bytes as one word of hexadecimal digits, or its fields. Throws BadInput.
+std::vector<uint8_t> frame_bytes(std::span<const std::string> words);
+
+/// A frame by its fields; what stands behind those that have a name is left out.
+std::string frame_text(std::span<const uint8_t> frame);
+
+}  // namespace saish

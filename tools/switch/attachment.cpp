@@ -1,0 +1,16 @@
+#include "attachment.h"
+
+namespace vswitch {
+
+std::unique_ptr<Attachment> attach(const std::string& text) {
+  constexpr std::string_view tap = "tap:";
+  constexpr std::string_view pcap = "pcap:";
+  if (text.starts_with(tap)) return attach_tap(text.substr(tap.size()), nullptr);
+  if (!text.starts_with(pcap)) return attach_interface(text);
+  const std::string files = text.substr(pcap.size());
+  const std::size_t colon = files.find(':');
+  if (colon == files.npos) throw CannotStart('"' + text + "\" is not pcap:IN:OUT; either file can be left out");
+  return attach_pcap(files.substr(0, colon), files.substr(colon + 1));
+}
+
+}  // namespace vswitch

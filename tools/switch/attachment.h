@@ -1,0 +1,55 @@
+// What a port of the chip is plugged into: an interface of the host, or files with frames.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <span>
+#include <stdexcept>
+#include <string>
+
+namespace vswitch {
+
+/// What is wrong with what the user asked for: one line for a person.
+struct CannotStart : std::runtime_error {
+  using runtime_error::runtime_error;
+};
+
+using Bytes = std::span<const uint8_t>;
+using Receiver = std::function<void(Bytes frame)>;
+
+class Attachment {
+ public:
+  Attachment() = default;
+  virtual ~Attachment() = default;
+  Attachment(const Attachment&) = delete;
+  Attachment& operator=(const Attachment&) = delete;
+
+  /// What becomes readable when frames have come; -1 when they need not be waited for.
+  virtual int descriptor() const = 0;
+
+  /// Hands over frames that have come, but not so many that others have to wait. Never blocks.
+  virtual void receive(const Receiver& receiver) = 0;
+
+  /// A frame that cannot be sent is lost, as on a cable.
+  virtual void send(Bytes frame) = 0;
+
+  virtual bool has_link() const = 0;
+
+  /// Whether nothing more will come.
+  virtual bool is_over() const { return false; }
+};
+
+/// How many frames one attachment hands over before the others get their turn.
+constexpr int burst = 64;
+
+/// Plugs in what the text names: IFACE, tap:NAME or pcap:IN:OUT. Throws CannotStart.
+std::unique_ptr<Attachment> attach(const std::string& text);
+
+std::unique_ptr<Attachment> attach_interface(const std::string& name);
+std::unique_ptr<Attachment> attach_pcap(const std::string& input, const std::string& output);
+
+/// A new interface of the host with that name, gone when the attachment is; with no MAC address given it gets any.
+std::unique_ptr<Attachment> attach_tap(const std::string& name, const uint8_t* mac);
+
+}  // namespace vswitch

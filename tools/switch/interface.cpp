@@ -1,0 +1,110 @@
+// An interface that the host has: frames by a raw socket.
+#include <linux/if_packet.h>
+#include <net/ethernet.h>
+#include <net/if.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+
+#include <array>
+#include <cstring>
+#include <vector>
+
+#include "attachment.h"
+#include "checksum.h"
+#include "descriptor.h"
+
+namespace vswitch {
+
+namespace {
+
+constexpr std::size_t most = 65536;
+constexpr std::size_t tag_at = 12;
+constexpr std::size_t tag_size = 4;
+
+class Interface : public Attachment {
+ public:
+  explicit Interface(const std::string& name)
+      : name_(name), socket_(socket(AF_PACKET, SOCK_RAW | SOCK_CLOEXEC | SOCK_NONBLOCK, 0)) {
+    request_for(name);  // refuses what is no name
+    if (socket_.get() < 0) throw CannotStart(system_error("cannot open a raw socket on \"" + name + '"'));
+    const unsigned index = if_nametoindex(name.c_str());
+    if (index == 0) throw CannotStart("there is no interface \"" + name + "\"; ip link shows those that are there");
+    const int interface = static_cast<int>(index);
+    set(PACKET_AUXDATA, 1);
+    set(PACKET_IGNORE_OUTGOING, 1);
+    packet_mreq everything{};
+    everything.mr_ifindex = interface;
+    everything.mr_type = PACKET_MR_PROMISC;
+    set(PACKET_ADD_MEMBERSHIP, everything);
+
+    // Bound last: no frame comes before the settings hold.
+    sockaddr_ll address{};
+    address.sll_family = AF_PACKET;
+    address.sll_protocol = htons(ETH_P_ALL);
+    address.sll_ifindex = interface;
+    if (bind(socket_.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
+      throw CannotStart(system_error("cannot bind to \"" + name + '"'));
+  }
+
+  int descriptor() const override { return socket_.get(); }
+  bool has_link() const override { return vswitch::has_link(socket_.get(), name_); }
+  void send(Bytes frame) override { ::send(socket_.get(), frame.data(), frame.size(), 0); }
+
+  void receive(const Receiver& receiver) override {
+    for (int i = 0; i < burst; ++i) {
+      const Bytes frame = next();
+      if (frame.empty()) return;
+      receiver(frame);
+    }
+  }
+
+ private:
+  template <class Value>
+  void set(int option, const Value& value) {
+    if (setsockopt(socket_.get(), SOL_PACKET, option, &value, sizeof value) != 0)
+      throw CannotStart(system_error("cannot set up the raw socket on \"" + name_ + '"'));
+  }
+
+  /// The next frame as it was on the wire; none when none has come.
+  Bytes next() {
+    alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof(tpacket_auxdata))> control;
+    iovec room{&buffer_[tag_size], most};
+    msghdr message{};
+    message.msg_iov = &room;
+    message.msg_iovlen = 1;
+    message.msg_control = control.data();
+    message.msg_controllen = control.size();
+    const ssize_t length = recvmsg(socket_.get(), &message, 0);
+    if (length < static_cast<ssize_t>(tag_at)) return {};
+    const std::span<uint8_t> frame(&buffer_[tag_size], static_cast<std::size_t>(length));
+
+    tpacket_auxdata told{};
+    for (cmsghdr* header = CMSG_FIRSTHDR(&message); header != nullptr; header = CMSG_NXTHDR(&message, header))
+      if (header->cmsg_level == SOL_PACKET && header->cmsg_type == PACKET_AUXDATA)
+        std::memcpy(&told, CMSG_DATA(header), sizeof told);
+    if ((told.tp_status & TP_STATUS_CSUMNOTREADY) != 0) complete_checksum(frame);
+    return (told.tp_status & TP_STATUS_VLAN_VALID) != 0 ? with_tag(frame, told) : frame;
+  }
+
+  /// The kernel takes a frame's outer tag off and tells it apart: it goes back between addresses and type.
+  Bytes with_tag(Bytes frame, const tpacket_auxdata& told) {
+    std::memmove(buffer_.data(), frame.data(), tag_at);
+    const bool tpid_known = (told.tp_status & TP_STATUS_VLAN_TPID_VALID) != 0;
+    const unsigned tpid = tpid_known ? told.tp_vlan_tpid : ETHERTYPE_VLAN;
+    buffer_[tag_at] = static_cast<uint8_t>(tpid >> 8);
+    buffer_[tag_at + 1] = static_cast<uint8_t>(tpid);
+    buffer_[tag_at + 2] = static_cast<uint8_t>(told.tp_vlan_tci >> 8);
+    buffer_[tag_at + 3] = static_cast<uint8_t>(told.tp_vlan_tci);
+    return {buffer_.data(), frame.size() + tag_size};
+  }
+
+  const std::string name_;
+  const Descriptor socket_;
+  std::vector<uint8_t> buffer_ = std::vector<uint8_t>(tag_size + most);  // frames begin behind the room of a tag
+};
+
+}  // namespace
+
+std::unique_ptr<Attachment> attach_interface(const std::string& name) { return std::make_unique<Interface>(name); }
+
+}  // namespace vswitch

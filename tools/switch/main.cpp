@@ -1,0 +1,79 @@
+// swsdk-switch: the virtual chip between interfaces of the host.
+#include <signal.h>
+#include <sys/signalfd.h>
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "descriptor.h"
+#include "session.h"
+#include "switch.h"
+
+namespace {
+
+constexpr int failed = 1;
+constexpr int bad_start = 2;
+
+/// Becomes readable when the program is to end. The chip's threads, which start later, inherit that the signals wait.
+int end_signals() {
+  sigset_t signals;
+  sigemptyset(&signals);
+  sigaddset(&signals, SIGINT);
+  sigaddset(&signals, SIGTERM);
+  sigprocmask(SIG_BLOCK, &signals, nullptr);
+  return signalfd(-1, &signals, SFD_CLOEXEC);
+}
+
+int tell(const std::exception& error, int code) {
+  std::fflush(stdout);
+  std::fprintf(stderr, "swsdk-switch: %s\n", error.what());
+  return code;
+}
+
+void plug(vswitch::Switch& chip, const std::string& given) {
+  const std::size_t equals = given.find('=');
+  const std::optional<int> port = saish::number<int>(given.substr(0, equals));
+  if (equals == given.npos || !port)
+    throw vswitch::CannotStart('"' + given + "\" is not N=IFACE, N=tap:NAME or N=pcap:IN:OUT");
+  chip.plug(*port, given.substr(equals + 1));
+}
+
+int run(int argc, char** argv) {
+  CLI::App app{
+      "Runs the virtual chip as a switch between interfaces of the host. While it runs, it takes the shell's commands "
+      "from standard input."};
+  std::string config;
+  std::string cpu;
+  std::vector<std::string> ports;
+  app.add_option("CONFIG", config, "script of the shell that sets the chip up")->required();
+  app.add_option("--cpu", cpu, "name of the CPU's network interface, in place of the one that the script asks for");
+  app.add_option("--port", ports, "N=IFACE, N=tap:NAME or N=pcap:IN:OUT: what port N is plugged into")->allow_extra_args(false);
+  app.set_version_flag("--version", "swsdk-switch " SAI_VERSION);
+
+  try {
+    app.parse(argc, argv);
+    const vswitch::Descriptor signals(end_signals());
+    saish::Session session(false);
+    session.run_script(config);
+    vswitch::Switch chip(session, cpu);
+    for (const std::string& port : ports) plug(chip, port);
+    std::printf("The switch is up.\n");
+    std::fflush(stdout);
+    chip.run(signals.get());
+    return 0;
+  } catch (const CLI::Success& help_or_version) {
+    return app.exit(help_or_version);
+  } catch (const CLI::ParseError& error) {
+    return tell(std::runtime_error(std::string(error.what()) + "; --help tells what can be given"), bad_start);
+  } catch (const saish::Unexpected& error) {
+    return tell(error, failed);
+  } catch (const std::runtime_error& error) {
+    return tell(error, bad_start);
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) { return run(argc, argv); }

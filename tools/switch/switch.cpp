@@ -1,0 +1,140 @@
+#include "switch.h"
+
+#include <poll.h>
+#include <swsdk/chip.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+
+namespace vswitch {
+
+namespace {
+
+constexpr int unit = 0;
+constexpr int cpu_port = 0;
+constexpr std::size_t tag_at = 12;
+constexpr std::size_t tag_size = 4;
+
+bool gives_commands(int descriptor) {
+  struct stat status {};
+  return isatty(descriptor) != 0 || (fstat(descriptor, &status) == 0 && S_ISFIFO(status.st_mode));
+}
+
+void receive_at(int port, Bytes frame) { swsdk_frame_send(unit, port, frame.data(), frame.size()); }
+
+}  // namespace
+
+Switch::Switch(saish::Session& session, const std::string& cpu)
+    : session_(session), cpu_(cpu), commands_(gives_commands(STDIN_FILENO)) {
+  session_.capture().pass_to([this](const swsdk_out& out) { transmit(out); });
+  session_.capture().watch(unit);
+  make_host_interfaces();
+}
+
+void Switch::plug(int port, const std::string& what) {
+  const std::string where = "port " + std::to_string(port) + ": ";
+  if (ports_.contains(port)) throw CannotStart(where + "it is plugged in twice");
+  if (swsdk_link_event(unit, port, 0) != 0) throw CannotStart(where + "the chip has no such port");
+  try {
+    ports_[port] = attach(what);
+  } catch (const CannotStart& error) {
+    throw CannotStart(where + error.what());
+  }
+}
+
+/// Those that the chip was asked for since the last time.
+void Switch::make_host_interfaces() {
+  swsdk_netif wanted;
+  while (swsdk_netif_get(unit, static_cast<int>(host_interfaces_.size()), &wanted) == 0) {
+    const bool renamed = host_interfaces_.empty() && !cpu_.empty();
+    host_interfaces_.push_back({attach_tap(renamed ? cpu_ : wanted.name, wanted.mac), wanted.keeps_tag != 0});
+  }
+}
+
+void Switch::transmit(const swsdk_out& out) {
+  if (out.port != cpu_port) {
+    const auto port = ports_.find(out.port);
+    if (port != ports_.end()) port->second->send({out.data, out.length});
+    return;
+  }
+  for (const HostInterface& host : host_interfaces_) {
+    std::vector<uint8_t> frame(out.data, out.data + out.length);
+    if (!host.keeps_tag && frame.size() >= tag_at + tag_size)
+      frame.erase(frame.begin() + tag_at, frame.begin() + tag_at + tag_size);
+    host.attachment->send(frame);
+  }
+}
+
+void Switch::advance_clock() {
+  const auto now = std::chrono::steady_clock::now();
+  swsdk_clock_advance(unit, static_cast<uint64_t>(std::chrono::nanoseconds(now - now_).count()));
+  now_ = now;
+}
+
+void Switch::follow_links() {
+  constexpr std::chrono::milliseconds interval(50);
+  if (now_ - links_seen_ < interval) return;
+  links_seen_ = now_;
+  for (const auto& [port, attachment] : ports_)
+    if (const bool up = attachment->has_link(); up != links_[port]) {
+      links_[port] = up;
+      swsdk_link_event(unit, port, up ? 1 : 0);
+    }
+}
+
+/// Each line is echoed when it has been run, so that who gives commands through a pipe can wait for it.
+void Switch::run_commands() {
+  std::array<char, 4096> text;
+  const ssize_t length = read(STDIN_FILENO, text.data(), text.size());
+  if (length <= 0) commands_ = false;
+  if (length > 0) typed_.append(text.data(), static_cast<std::size_t>(length));
+  for (std::size_t end = 0; !session_.ended() && (end = typed_.find('\n')) != typed_.npos;) {
+    const std::string line = typed_.substr(0, end);
+    typed_.erase(0, end + 1);
+    try {
+      session_.run(line);
+      make_host_interfaces();
+    } catch (const std::runtime_error& error) {
+      std::fflush(stdout);
+      std::fprintf(stderr, "%s\n", error.what());
+    }
+    if (isatty(STDIN_FILENO) == 0) std::printf("%s\n", line.c_str());
+    std::fflush(stdout);
+  }
+}
+
+bool Switch::is_over() const {
+  const auto is_at_end = [](const auto& port) { return port.second->is_over(); };
+  return session_.ended() || (!ports_.empty() && std::all_of(ports_.begin(), ports_.end(), is_at_end));
+}
+
+void Switch::run(int signals) {
+  constexpr int rest = 10;  // milliseconds: how far the chip's clock stays behind at most
+  while (!is_over()) {
+    // Descriptors that are -1 are passed over.
+    std::vector<pollfd> polled{{signals, POLLIN, 0}, {commands_ ? STDIN_FILENO : -1, POLLIN, 0}};
+    bool waits = true;
+    for (const auto& [port, attachment] : ports_) {
+      polled.push_back({attachment->descriptor(), POLLIN, 0});
+      waits = waits && (attachment->descriptor() >= 0 || attachment->is_over());
+    }
+    for (const HostInterface& host : host_interfaces_) polled.push_back({host.attachment->descriptor(), POLLIN, 0});
+    poll(polled.data(), polled.size(), waits ? rest : 0);
+
+    advance_clock();
+    follow_links();
+    if (polled[0].revents != 0) return;
+    auto next = polled.begin() + 2;
+    for (const auto& [port, attachment] : ports_)
+      if (const pollfd& ready = *next++; ready.fd < 0 || ready.revents != 0)
+        attachment->receive([at = port](Bytes frame) { receive_at(at, frame); });
+    for (const HostInterface& host : host_interfaces_)
+      if ((next++)->revents != 0) host.attachment->receive([](Bytes frame) { receive_at(cpu_port, frame); });
+    if (polled[1].revents != 0) run_commands();
+  }
+}
+
+}  // namespace vswitch

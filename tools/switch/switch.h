@@ -1,0 +1,53 @@
+// The chip as a process: ports with what they are plugged into, the host's interfaces, time and commands.
+#pragma once
+
+#include <swsdk/frames.h>
+
+#include <chrono>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "attachment.h"
+#include "session.h"
+
+namespace vswitch {
+
+class Switch {
+ public:
+  /// @param cpu  the name of the host's first interface in place of the one that start-up asked for; empty: that one
+  Switch(saish::Session& session, const std::string& cpu);
+
+  /// Plugs a port in. Throws CannotStart.
+  void plug(int port, const std::string& what);
+
+  /// Passes frames until `signals` becomes readable, a command ends the session, or all ports are files at their end.
+  /// Commands come from standard input, if it is a terminal or a pipe.
+  void run(int signals);
+
+ private:
+  struct HostInterface {
+    std::unique_ptr<Attachment> attachment;
+    bool keeps_tag;
+  };
+
+  void make_host_interfaces();
+  void transmit(const swsdk_out& out);
+  void advance_clock();
+  void follow_links();
+  void run_commands();
+  bool is_over() const;
+
+  saish::Session& session_;
+  const std::string cpu_;
+  std::map<int, std::unique_ptr<Attachment>> ports_;
+  std::map<int, bool> links_;
+  std::vector<HostInterface> host_interfaces_;
+  std::chrono::steady_clock::time_point now_ = std::chrono::steady_clock::now();
+  std::chrono::steady_clock::time_point links_seen_{};
+  bool commands_ = false;  // can still come
+  std::string typed_;      // of a command line that is not complete yet
+};
+
+}  // namespace vswitch
