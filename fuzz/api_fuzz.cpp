@@ -32,8 +32,8 @@ std::array<std::vector<std::string>, std::size(function_table)> sdk_functions_of
 
 const Function* called = nullptr;
 
-bool is_any(std::string_view name, std::initializer_list<std::string_view> names) {
-  return std::find(names.begin(), names.end(), name) != names.end();
+bool is_any(std::string_view name, std::initializer_list<std::string_view> list) {
+  return std::find(list.begin(), list.end(), name) != list.end();
 }
 
 bool contains(std::string_view name, std::string_view part) { return name.find(part) != std::string_view::npos; }
@@ -251,7 +251,7 @@ void run_sequence(Input& input, int most_steps) {
 /// Calls each function on a chip that is up, once with small arguments and once with zeros.
 void learn_sdk_functions() {
   for (const Function& function : function_table)
-    for (const uint8_t small : {0, 3}) {
+    for (const uint8_t small : {uint8_t{0}, uint8_t{3}}) {
       const std::array<uint8_t, 200> bytes = [&] {
         std::array<uint8_t, 200> filled;
         filled.fill(small);
@@ -266,11 +266,11 @@ void learn_sdk_functions() {
       std::string journal(swsdk_journal_read(nullptr, 0), '\0');
       swsdk_journal_read(journal.data(), journal.size() + 1);
       swsdk_power_off();
-      std::set<std::string> names;
+      std::set<std::string> seen;
       for (std::size_t at = 0; at < journal.size(); at = journal.find('\n', at) + 1)
-        names.insert(journal.substr(at, journal.find('(', at) - at));
+        seen.insert(journal.substr(at, journal.find('(', at) - at));
       std::vector<std::string>& known = sdk_functions_of[static_cast<std::size_t>(&function - function_table)];
-      for (const std::string& name : names)
+      for (const std::string& name : seen)
         if (std::find(known.begin(), known.end(), name) == known.end()) known.push_back(name);
     }
 }

@@ -1,9 +1,9 @@
 // Lines of a script on a running virtual chip, and records that are read, shown and read again.
-#include <swsdk/field.h>
-
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
-#include <memory>
+#include <map>
+#include <span>
 
 #include "input.h"
 #include "library.h"
@@ -13,27 +13,33 @@ using fuzz::require;
 
 namespace {
 
-/// What is read is shown in a form that reads the same.
-template <class Record>
-void check_record(const std::string& word) {
-  const auto record = std::make_unique<Record>();
-  saish::read("record", word, *record);
-  const std::string shown = saish::text(*record);
-  const auto again = std::make_unique<Record>();
-  saish::read("record", shown, *again);
-  require(saish::text(*again) == shown, "a record that was shown reads differently");
+/// The records that functions take: each one's fields.
+std::map<const saish::Field*, std::span<const saish::Field>> records() {
+  std::map<const saish::Field*, std::span<const saish::Field>> result;
+  for (const saish::Function& function : saish::functions())
+    for (const saish::Parameter& parameter : function.parameters)
+      if (!parameter.fields.empty()) result[parameter.fields.data()] = parameter.fields;
+  return result;
 }
 
-template <class... Records>
-void check_records(const std::string& word) {
-  const auto check = [&]<class Record>(Record*) {
-    try {
-      check_record<Record>(word);
-    } catch (const saish::BadInput&) {
-      // not such a record
-    }
-  };
-  (check(static_cast<Records*>(nullptr)), ...);
+bool reads(std::span<const saish::Field> fields, const std::string& word, void* record) {
+  try {
+    saish::read_fields(fields, "record", word, record);
+    return true;
+  } catch (const saish::BadInput&) {
+    return false;
+  }
+}
+
+/// What is read is shown in a form that reads the same.
+void check_record(std::span<const saish::Field> fields, const std::string& word) {
+  constexpr std::size_t more_than_any_record = 4096;
+  alignas(std::max_align_t) std::byte record[more_than_any_record]{};
+  alignas(std::max_align_t) std::byte again[more_than_any_record]{};
+  if (!reads(fields, word, record)) return;
+  const std::string shown = saish::fields_text(fields, record);
+  require(reads(fields, shown, again), "a record that was shown does not read");
+  require(saish::fields_text(fields, again) == shown, "a record that was shown reads differently");
 }
 
 /// What a file holds is none of the input's, and some are without end.
@@ -47,10 +53,10 @@ bool reads_a_file(const saish::Words& words) {
 void run_line(saish::Session& session, const std::string& line) {
   try {
     const saish::Words words = saish::words(line);
+    static const auto all_records = records();
     if (words.empty() || reads_a_file(words)) return;
     if (words[0].starts_with('{'))
-      check_records<sai_storm_ctrl, sai_l2_mac_entry_t, sai_l2_learn_limit_t, sai_acl_rule_t, sai_port_stg_state_t,
-                    sai_port_stg_t, sai_vport_t>(words[0]);
+      for (const auto& [ignored, fields] : all_records) check_record(fields, words[0]);
     else
       session.run(line);
   } catch (const saish::BadInput& error) {
