@@ -143,11 +143,10 @@ SAI_API int32_t sai_level_match(const char* text);
 #define SAI_PRINTF __attribute__((format(printf, 1, 2)))
 
 /**
- * Logs a message at level 3, "errors". `errno` stays as it was, here and in the four below.
+ * Logs a message at level 3, "errors"; none without a format. `errno` stays as it was, here and in the four below.
  *
  * @param format  printf format, without a line end
  */
-/** Logs a message at level 3, "errors"; none without a format. `errno` stays as it was, here and in the four below. */
 SAI_API void sai_err(const char* format, ...) SAI_PRINTF;
 
 /**
