@@ -70,7 +70,7 @@ start_switch() {
   mkfifo "$work/commands"
   "$switch" "$1" "${plugs[@]}" "${@:2}" <>"$work/commands" >"$work/switch.log" 2>&1 &
   wait_for 10 grep -qsx "The switch is up." "$work/switch.log" || fail "the switch does not come up"
-  tell_switch "# the links"
+  tell_switch "# by now it has seen the links" >/dev/null
 }
 
 # tell_switch COMMAND...: commands of the shell, one after the other; prints what the switch says.
