@@ -38,6 +38,7 @@ work=/run/example
 mkdir "$work"
 ip link set lo up
 echo 1 >/proc/sys/net/ipv6/conf/default/disable_ipv6
+echo 1 >/proc/sys/net/ipv4/conf/all/arp_ignore # an interface answers for its own addresses alone
 
 # on HOST COMMAND...
 on() { ip netns exec "$@"; }
