@@ -38,6 +38,7 @@ work=/run/example
 mkdir "$work"
 ip link set lo up
 echo 1 >/proc/sys/net/ipv6/conf/default/disable_ipv6
+echo 1 >/proc/sys/net/ipv4/conf/all/arp_ignore # an interface answers for its own addresses alone
 
 # on HOST COMMAND...
 on() { ip netns exec "$@"; }
@@ -70,7 +71,7 @@ start_switch() {
   mkfifo "$work/commands"
   "$switch" "$1" "${plugs[@]}" "${@:2}" <>"$work/commands" >"$work/switch.log" 2>&1 &
   wait_for 10 grep -qsx "The switch is up." "$work/switch.log" || fail "the switch does not come up"
-  tell_switch "# the links"
+  tell_switch "# by now it has seen the links" >/dev/null
 }
 
 # tell_switch COMMAND...: commands of the shell, one after the other; prints what the switch says.

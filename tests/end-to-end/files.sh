@@ -32,7 +32,7 @@ refused() {
   grep -qF -- "$text" "$work/errors" || fail "$*: said $(cat "$work/errors")"
   echo "$(cat "$work/errors")"
 }
-ip link add cable type dummy
+ip link add cable type veth peer name end
 refused 'port 1: there is no interface "nowhere"' "$work/switch.sai" --port 1=nowhere
 refused 'port 1: it is plugged in twice' "$work/switch.sai" --port 1=cable --port 1=tap:other
 refused 'port 99: the chip has no such port' "$work/switch.sai" --port 99=cable

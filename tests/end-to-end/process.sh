@@ -4,6 +4,7 @@
 source "$(dirname "$0")/watch.sh"
 
 host one 1 10.0.0.1/24
+on one ip address add 10.0.1.1/24 dev eth0
 cat >"$work/switch.sai" <<SAI
 source $basics
 sai_vlan_create 0 10
@@ -16,13 +17,13 @@ start_switch "$work/switch.sai" --port 2=tap:t2 --cpu control
 ip link show control | grep -q 02:00:00:00:00:01 || fail "the CPU's interface: $(ip link)"
 ! ip link show ethv0 >/dev/null 2>&1 || fail "--cpu renames the interface"
 
-ip address add 10.0.0.2/24 dev t2
-expect_reached one 10.0.0.2
+ip address add 10.0.1.2/24 dev t2
+expect_reached one 10.0.1.2
 ip link set t2 down
 is_down() { tell_switch "send 2 ffffffffffff02000000000288b5" | grep -q "not passed on: port down"; }
 wait_for 3 is_down || fail "the link of port 2 does not go down with its interface"
 ip link set t2 up
-expect_reached one 10.0.0.2
+expect_reached one 10.0.1.2
 
 # The host by itself: a tag on the CPU's interface is the VLAN.
 ip link add link control name control.10 up type vlan id 10

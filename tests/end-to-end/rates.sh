@@ -24,7 +24,8 @@ cat >"$work/storm.py" <<'PY'
 import socket, time
 link = socket.socket(socket.AF_PACKET, socket.SOCK_RAW)
 link.bind(("eth0", 0))
-frame = bytes.fromhex("ffffffffffff0200000001010806000108000604000102000000010" "10a00000100000000000" "00a000063") + bytes(18)
+frame = bytes.fromhex("ffffffffffff 020000000101 0806 0001 0800 06 04 0001"
+                      "020000000101 0a000001 000000000000 0a000063") + bytes(18)
 begin = time.monotonic()
 for tick in range(200):  # 2000 a second, for two seconds
     for _ in range(20):

@@ -15,7 +15,7 @@ SAI
 watch() {
   local log=$work/$1 filter=$2
   shift 2
-  "$@" -l -n -e --immediate-mode "$filter" >"$log" 2>"$log.errors" &
+  "$@" -l -n -e --immediate-mode "$filter" >>"$log" 2>"$log.errors" &
   wait_for 10 grep -qs "listening on" "$log.errors" || fail "tcpdump does not start: $(cat "$log.errors")"
 }
 

@@ -49,7 +49,8 @@ int run(int argc, char** argv) {
   std::vector<std::string> ports;
   app.add_option("CONFIG", config, "script of the shell that sets the chip up")->required();
   app.add_option("--cpu", cpu, "name of the CPU's network interface, in place of the one that the script asks for");
-  app.add_option("--port", ports, "N=IFACE, N=tap:NAME or N=pcap:IN:OUT: what port N is plugged into")->allow_extra_args(false);
+  app.add_option("--port", ports, "N=IFACE, N=tap:NAME or N=pcap:IN:OUT: what port N is plugged into")
+      ->allow_extra_args(false);
   app.set_version_flag("--version", "swsdk-switch " SAI_VERSION);
 
   try {

@@ -85,7 +85,7 @@ void Switch::follow_links() {
     }
 }
 
-/// Each line is echoed when it has been run, so that who gives commands through a pipe can wait for it.
+/// Each line is echoed first, as in scripts: who gives commands through a pipe sees what is the answer to which.
 void Switch::run_commands() {
   std::array<char, 4096> text;
   const ssize_t length = read(STDIN_FILENO, text.data(), text.size());
@@ -94,6 +94,7 @@ void Switch::run_commands() {
   for (std::size_t end = 0; !session_.ended() && (end = typed_.find('\n')) != typed_.npos;) {
     const std::string line = typed_.substr(0, end);
     typed_.erase(0, end + 1);
+    if (isatty(STDIN_FILENO) == 0) std::printf("%s\n", line.c_str());
     try {
       session_.run(line);
       make_host_interfaces();
@@ -101,7 +102,6 @@ void Switch::run_commands() {
       std::fflush(stdout);
       std::fprintf(stderr, "%s\n", error.what());
     }
-    if (isatty(STDIN_FILENO) == 0) std::printf("%s\n", line.c_str());
     std::fflush(stdout);
   }
 }
