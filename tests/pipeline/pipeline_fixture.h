@@ -17,6 +17,8 @@ class PipelineTest : public testing::Test, private chip::Wire {
   using Drop = chip::Drop;
   using Status = chip::Status;
 
+  static constexpr uint64_t second = 1'000'000'000;  // of the chip's clock
+
   PipelineTest() {
     for (int port = 1; port <= 12; ++port) chip.port_macs.set_partner(port, true);
   }

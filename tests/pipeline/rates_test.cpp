@@ -7,8 +7,6 @@ using chip::RateUnit;
 using support::Bytes;
 using support::Frame;
 
-constexpr uint64_t second = 1'000'000'000;
-
 class Rates : public support::PipelineTest {
  protected:
   Rates() {

@@ -10,8 +10,6 @@ using chip::SwitchControl;
 using support::Bytes;
 using support::Frame;
 
-constexpr uint64_t second = 1'000'000'000;
-
 class Rules : public support::PipelineTest {
  protected:
   Rules() { vlan(10, {0, 1, 2, 3}, {2}); }
