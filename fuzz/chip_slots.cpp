@@ -334,7 +334,7 @@ void fuzz_field_processor(Input& input) {
       const chip::FieldVerdict verdict = fields.classify(stage, frame);
       require(verdict.hits.size() == met.size(), "the frame meets more groups, or fewer");
       int priority = INT_MAX;
-      for (const chip::FieldVerdict::Hit& hit : verdict.hits) {
+      for (const auto& hit : verdict.hits) {
         require(met.contains(hit.group) && met[hit.group] == hit.entry, "the frame meets another entry");
         require(groups.at(hit.group).priority <= priority, "the groups are not in order");
         priority = groups.at(hit.group).priority;
