@@ -10,7 +10,7 @@ sai_vlan_port_add 0 10 1 0
 sai_vlan_port_add 0 10 2 1
 sai_port_untagged_vlan_set 0 1 10
 SAI
-python3 - "$work/in.pcap" <<'PY'
+"$python" - "$work/in.pcap" <<'PY'
 import struct, sys
 frame = bytes.fromhex("0200000000020200000000010800") + bytes(46)
 with open(sys.argv[1], "wb") as file:

@@ -36,7 +36,7 @@ received() { on receiver cat /sys/class/net/eth0/statistics/rx_packets; }
 storm() {
   local before
   before=$(received)
-  on sender python3 "$work/storm.py"
+  on sender "$python" "$work/storm.py"
   sleep 0.2
   echo $(($(received) - before))
 }
@@ -52,7 +52,7 @@ tell_switch "sai_port_rate_ingress_set 0 1 2000 200"
 on receiver iperf3 -s -1 -D --logfile "$work/iperf.log"
 wait_for 5 grep -qs "listening" "$work/iperf.log" || fail "iperf3 does not start"
 on sender iperf3 -c 10.0.0.2 -u -b 6M -l 500 -t 2 -J >"$work/iperf.json" || fail "iperf3: $(cat "$work/iperf.json")"
-rate=$(python3 -c '
+rate=$("$python" -c '
 import json, sys
 end = json.load(open(sys.argv[1]))["end"]["sum"]
 frame = (500 + 46) / 500  # headers and checksum count at the port

@@ -2,7 +2,7 @@
 # Tags of a trunk, made and seen by hosts: by the kernel's VLAN interfaces, and by scapy.
 # shellcheck source=tests/end-to-end/watch.sh
 source "$(dirname "$0")/watch.sh"
-python3 -c 'import scapy' 2>/dev/null || skip "python3-scapy is not installed"
+"$python" -c 'import scapy' 2>/dev/null || skip "python3-scapy is not installed"
 
 host access 1 10.0.10.1/24
 host other 2 10.0.20.2/24
@@ -45,8 +45,8 @@ frames = {
 }
 sendp(frames[sys.argv[1]], iface="eth0", verbose=False)
 PY
-on trunk python3 "$work/send.py" trunk
-on access python3 "$work/send.py" access
+on trunk "$python" "$work/send.py" trunk
+on access "$python" "$work/send.py" access
 
 expect_seen trunk.log 'vlan 10, .*\.1005:'
 expect_seen access.log '\.1004:'

@@ -3,6 +3,7 @@
 source "$(dirname "${BASH_SOURCE[0]}")/../../examples/hosts.sh"
 
 [ -x "$switch" ] || fail "no switch to test"
+python=/usr/bin/python3  # Debian's, for which scapy is packaged
 basics=$work/basics.sai
 cat >"$basics" <<'SAI'
 open_sai_log switch 0 0 8
