@@ -24,7 +24,7 @@ class Tap : public Attachment {
         device_(open("/dev/net/tun", O_RDWR | O_NONBLOCK | O_CLOEXEC)),
         socket_(socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0)) {
     ifreq request = request_for(name);
-    request.ifr_flags = IFF_TAP | IFF_NO_PI | IFF_TUN_EXCL;
+    request.ifr_flags = static_cast<short>(IFF_TAP | IFF_NO_PI | IFF_TUN_EXCL);
     check(device_.get() >= 0 && socket_.get() >= 0 && ioctl(device_.get(), TUNSETIFF, &request) == 0);
     if (mac != nullptr) {
       request = request_for(name);
