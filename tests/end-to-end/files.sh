@@ -12,7 +12,7 @@ sai_port_untagged_vlan_set 0 1 10
 SAI
 "$python" - "$work/in.pcap" <<'PY'
 import struct, sys
-frame = bytes.fromhex("0200000000020200000000010800") + bytes(46)
+frame = bytes.fromhex("02000000000202000000000188b5") + bytes(46)
 with open(sys.argv[1], "wb") as file:
     file.write(struct.pack("<IHHiIII", 0xA1B2C3D4, 2, 4, 0, 0, 65535, 1))
     for second in range(3):

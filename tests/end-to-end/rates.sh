@@ -44,13 +44,14 @@ count=$(storm)
 about 4000 "$count" || fail "of a storm of 4000 frames $count came"
 tell_switch "sai_rate_bcast_set 0 1 1 100"
 count=$(storm)
-about 200 "$((count - 100))" || about 200 "$count" || fail "a storm at 100 frames a second let $count through in two seconds"
-echo "an ARP storm of 4000 frames in two seconds, at 100 a second: $count"
+about 200 "$((count - 100))" || fail "a storm at 100 frames a second let $count through in two seconds"
+echo "an ARP storm of 4000 frames in two seconds, at 100 a second after a burst of 100: $count"
 tell_switch "sai_rate_bcast_set 0 1 0 100"
 
 tell_switch "sai_port_rate_ingress_set 0 1 2000 200"
-on receiver iperf3 -s -1 -D --logfile "$work/iperf.log"
-wait_for 5 grep -qs "listening" "$work/iperf.log" || fail "iperf3 does not start"
+on receiver iperf3 -s -1 >"$work/iperf.log" 2>&1 &
+listens() { on receiver ss -ltn | grep -q :5201; }
+wait_for 5 listens || fail "iperf3 does not start: $(cat "$work/iperf.log")"
 on sender iperf3 -c 10.0.0.2 -u -b 6M -l 500 -t 2 -J >"$work/iperf.json" || fail "iperf3: $(cat "$work/iperf.json")"
 rate=$("$python" -c '
 import json, sys

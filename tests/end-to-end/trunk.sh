@@ -15,7 +15,7 @@ sai_vlan_port_add 0 10 3 1
 sai_vlan_port_add 0 10 4 1
 sai_port_untagged_vlan_set 0 1 10
 sai_trunk_init 0
-sai_trunk_create 0 0
+sai_trunk_create 0 0 0
 # By destination MAC; bit 0 is port 1.
 sai_trunk_set 0 0 10 0xC 2
 SAI
