@@ -48,7 +48,7 @@ about 200 "$((count - 100))" || fail "a storm at 100 frames a second let $count 
 echo "an ARP storm of 4000 frames in two seconds, at 100 a second after a burst of 100: $count"
 tell_switch "sai_rate_bcast_set 0 1 0 100"
 
-tell_switch "sai_port_rate_ingress_set 0 1 2000 200"
+tell_switch "sai_port_rate_ingress_set 0 1 2000 50"
 on receiver iperf3 -s -1 >"$work/iperf.log" 2>&1 &
 listens() { on receiver ss -ltn | grep -q :5201; }
 wait_for 5 listens || fail "iperf3 does not start: $(cat "$work/iperf.log")"
