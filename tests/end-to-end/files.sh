@@ -30,7 +30,7 @@ refused() {
   "$switch" "$@" </dev/null >/dev/null 2>"$work/errors" || code=$?
   [ "$code" -eq 2 ] || fail "$*: exit code $code"
   grep -qF -- "$text" "$work/errors" || fail "$*: said $(cat "$work/errors")"
-  echo "$(cat "$work/errors")"
+  cat "$work/errors"
 }
 ip link add cable type veth peer name end
 refused 'port 1: there is no interface "nowhere"' "$work/switch.sai" --port 1=nowhere

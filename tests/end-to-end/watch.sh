@@ -1,3 +1,4 @@
+# shellcheck shell=bash disable=SC2034  # who includes it uses more of it
 # What the end-to-end tests add to examples/hosts.sh: frames seen where they arrive.
 # shellcheck source=examples/hosts.sh
 source "$(dirname "${BASH_SOURCE[0]}")/../../examples/hosts.sh"
