@@ -3,6 +3,7 @@
 # shellcheck source=examples/hosts.sh
 source "$(dirname "${BASH_SOURCE[0]}")/../../examples/hosts.sh"
 
+setpriv --clear-groups true 2>/dev/null || skip "tcpdump and lldpd change their user, which takes root"
 [ -x "$switch" ] || fail "no switch to test"
 python=/usr/bin/python3  # Debian's, for which scapy is packaged
 basics=$work/basics.sai
