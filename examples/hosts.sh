@@ -1,3 +1,4 @@
+# shellcheck shell=bash disable=SC2034  # who includes it uses more of it
 # Hosts around a virtual switch, each in a network namespace of its own; for scripts that begin with
 #
 #     source hosts.sh
@@ -29,7 +30,8 @@ fi
 
 here=$(cd "$(dirname "$0")" && pwd)
 project=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
-switch=${SWSDK_SWITCH:-$(find "$project/build" -path '*/tools/switch/swsdk-switch' -type f 2>/dev/null | head -n 1)}
+newest=$({ ls -t "$project"/build/*/tools/switch/swsdk-switch 2>/dev/null || true; } | head -n 1)
+switch=${SWSDK_SWITCH:-$newest}
 switch=${switch:-$(command -v swsdk-switch || true)}
 [ -n "$switch" ] || skip "there is no swsdk-switch: build it with scripts/demo"
 
@@ -70,16 +72,15 @@ wait_for() {
 start_switch() {
   mkfifo "$work/commands"
   "$switch" "$1" "${plugs[@]}" "${@:2}" <>"$work/commands" >"$work/switch.log" 2>&1 &
+  switch_pid=$!
   wait_for 10 grep -qsx "The switch is up." "$work/switch.log" || fail "the switch does not come up"
   tell_switch "# by now it has seen the links" >/dev/null
 }
 
 # tell_switch COMMAND...: commands of the shell, one after the other; prints what the switch says.
-marks=0
 tell_switch() {
   local before mark
-  marks=$((marks + 1))
-  mark="# mark $marks"
+  mark="# $EPOCHREALTIME"
   before=$(wc -l <"$work/switch.log")
   printf '%s\n' "$@" "$mark" >"$work/commands"
   wait_for 10 grep -qx "$mark" "$work/switch.log" || fail "the switch does not answer to: $*"

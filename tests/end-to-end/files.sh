@@ -10,9 +10,9 @@ sai_vlan_port_add 0 10 1 0
 sai_vlan_port_add 0 10 2 1
 sai_port_untagged_vlan_set 0 1 10
 SAI
-python3 - "$work/in.pcap" <<'PY'
+"$python" - "$work/in.pcap" <<'PY'
 import struct, sys
-frame = bytes.fromhex("0200000000020200000000010800") + bytes(46)
+frame = bytes.fromhex("02000000000202000000000188b5") + bytes(46)
 with open(sys.argv[1], "wb") as file:
     file.write(struct.pack("<IHHiIII", 0xA1B2C3D4, 2, 4, 0, 0, 65535, 1))
     for second in range(3):
@@ -30,7 +30,7 @@ refused() {
   "$switch" "$@" </dev/null >/dev/null 2>"$work/errors" || code=$?
   [ "$code" -eq 2 ] || fail "$*: exit code $code"
   grep -qF -- "$text" "$work/errors" || fail "$*: said $(cat "$work/errors")"
-  echo "$(cat "$work/errors")"
+  cat "$work/errors"
 }
 ip link add cable type veth peer name end
 refused 'port 1: there is no interface "nowhere"' "$work/switch.sai" --port 1=nowhere

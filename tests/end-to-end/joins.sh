@@ -22,7 +22,7 @@ watch neighbour.log "igmp or ip6" on neighbour tcpdump -v -Q in -i eth0
 
 # join NUMBER: groups 239.1.1.NUMBER and ff05::NUMBER, until the host ends.
 join() {
-  on joiner python3 - "$1" <<'PY' &
+  on joiner "$python" - "$1" <<'PY' &
 import socket, struct, sys, time
 index = socket.if_nametoindex("eth0")
 ip4 = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)

@@ -26,15 +26,20 @@ ip link set t2 up
 expect_reached one 10.0.1.2
 
 # The host by itself: a tag on the CPU's interface is the VLAN.
-ip link add link control name control.10 up type vlan id 10
-ip address add 10.0.0.100/24 dev control.10
-ip link set t2 down
-expect_reached one 10.0.0.100
+watch cpu.log "vlan 10 and arp[6:2] = 2" tcpdump -Q in -i control
+"$python" - <<'PY'
+import socket
+link = socket.socket(socket.AF_PACKET, socket.SOCK_RAW)
+link.bind(("control", 0))
+link.send(bytes.fromhex("ffffffffffff 020000000001 8100 000a 0806 0001 0800 06 04 0001"
+                        "020000000001 0a000064 000000000000 0a000001") + bytes(18))
+PY
+expect_seen cpu.log 'vlan 10, .*Reply 10.0.0.1 is-at 02:00:00:00:01:01'
 
 for signal in TERM INT; do
-  kill -"$signal" %1
+  kill -"$signal" "$switch_pid"
   code=0
-  wait %1 || code=$?
+  wait "$switch_pid" || code=$?
   [ "$code" -eq 0 ] || fail "SIG$signal: exit code $code"
   ! ip link show t2 >/dev/null 2>&1 || fail "SIG$signal left t2 behind"
   ! ip link show control >/dev/null 2>&1 || fail "SIG$signal left the CPU's interface behind"

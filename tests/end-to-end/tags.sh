@@ -1,16 +1,12 @@
 #!/usr/bin/env bash
-# Tags of a trunk, made and seen by hosts: by the kernel's VLAN interfaces, and by scapy.
+# Tags of a trunk: to another switch, which has the hosts behind it, and from scapy.
 # shellcheck source=tests/end-to-end/watch.sh
 source "$(dirname "$0")/watch.sh"
-python3 -c 'import scapy' 2>/dev/null || skip "python3-scapy is not installed"
+"$python" -c 'import scapy' 2>/dev/null || skip "python3-scapy is not installed"
 
 host access 1 10.0.10.1/24
 host other 2 10.0.20.2/24
 host trunk 3
-for vlan in 10 20; do
-  on trunk ip link add link eth0 name "eth0.$vlan" up type vlan id "$vlan"
-  on trunk ip address add "10.0.$vlan.3/24" dev "eth0.$vlan"
-done
 cat >"$work/switch.sai" <<SAI
 source $basics
 sai_vlan_create 0 10
@@ -23,6 +19,22 @@ sai_port_untagged_vlan_set 0 1 10
 sai_port_untagged_vlan_set 0 2 20
 SAI
 start_switch "$work/switch.sai"
+
+cat >"$work/second.sai" <<SAI
+source $basics
+sai_vlan_create 0 10
+sai_vlan_create 0 20
+sai_vlan_port_add 0 10 1 1
+sai_vlan_port_add 0 20 1 1
+sai_vlan_port_add 0 10 2 0
+sai_vlan_port_add 0 20 3 0
+sai_port_untagged_vlan_set 0 2 10
+sai_port_untagged_vlan_set 0 3 20
+SAI
+on trunk "$switch" "$work/second.sai" --port 1=eth0 --port 2=tap:t10 --port 3=tap:t20 </dev/null >"$work/second.log" 2>&1 &
+wait_for 10 grep -qsx "The switch is up." "$work/second.log" || fail "the second switch: $(cat "$work/second.log")"
+on trunk ip address add 10.0.10.3/24 dev t10
+on trunk ip address add 10.0.20.3/24 dev t20
 
 expect_reached access 10.0.10.3
 expect_reached other 10.0.20.3
@@ -45,8 +57,8 @@ frames = {
 }
 sendp(frames[sys.argv[1]], iface="eth0", verbose=False)
 PY
-on trunk python3 "$work/send.py" trunk
-on access python3 "$work/send.py" access
+on trunk "$python" "$work/send.py" trunk
+on access "$python" "$work/send.py" access
 
 expect_seen trunk.log 'vlan 10, .*\.1005:'
 expect_seen access.log '\.1004:'

@@ -1,8 +1,11 @@
+# shellcheck shell=bash disable=SC2034  # who includes it uses more of it
 # What the end-to-end tests add to examples/hosts.sh: frames seen where they arrive.
 # shellcheck source=examples/hosts.sh
 source "$(dirname "${BASH_SOURCE[0]}")/../../examples/hosts.sh"
 
+setpriv --clear-groups true 2>/dev/null || skip "tcpdump and lldpd change their user, which takes root"
 [ -x "$switch" ] || fail "no switch to test"
+python=/usr/bin/python3  # Debian's, for which scapy is packaged
 basics=$work/basics.sai
 cat >"$basics" <<'SAI'
 open_sai_log switch 0 0 8
@@ -31,4 +34,22 @@ expect_seen() {
 expect_unseen() {
   ! seen "$1" "$2" || fail "'$2' in $1: $(cat "$work/$1")"
   echo "$1: nothing of '$2'"
+}
+
+# about WANTED GOT: within a tenth.
+about() { [ $(($2 * 10)) -ge $(($1 * 9)) ] && [ $(($2 * 10)) -le $(($1 * 11)) ]; }
+
+listens() { on "$1" ss -ltn | grep -q :5201; }
+
+# iperf_rate SENDER RECEIVER ADDRESS: what comes of 6000 kbit/s, in kbit/s, with the headers and the checksum that count
+# at a port.
+iperf_rate() {
+  command -v iperf3 >/dev/null || fail "iperf3 is not installed"
+  on "$2" iperf3 -s -1 >"$work/iperf.log" 2>&1 &
+  wait_for 5 listens "$2" || fail "iperf3 does not start: $(cat "$work/iperf.log")"
+  on "$1" iperf3 -c "$3" -u -b 6M -l 500 -t 2 -J >"$work/iperf.json" || fail "iperf3: $(cat "$work/iperf.json")"
+  "$python" -c '
+import json, sys
+end = json.load(open(sys.argv[1]))["end"]["sum"]
+print(round(end["bits_per_second"] * (1 - end["lost_percent"] / 100) * (500 + 46) / 500 / 1000))' "$work/iperf.json"
 }

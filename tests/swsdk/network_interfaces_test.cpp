@@ -1,6 +1,7 @@
 // The host's network interfaces.
 #include <bcm/error.h>
 #include <bcm/knet.h>
+#include <swsdk/frames.h>
 #include <swsdk/journal.h>
 
 #include <cstring>
@@ -71,6 +72,27 @@ TEST_F(NetworkInterfaces, RefuseTypesThatTheChipDoesNotHave) {
 TEST_F(NetworkInterfaces, AnswerFullAfter128) {
   for (int id = 1; id <= 128; ++id) ASSERT_EQ(create(netif("")), id);
   EXPECT_EQ(create(netif("")), BCM_E_FULL);
+}
+
+TEST_F(NetworkInterfaces, AreToldToWhoPassesFrames) {
+  swsdk_netif told{};
+  EXPECT_EQ(swsdk_netif_get(0, 0, &told), -1);
+  create(netif("ethv0"));
+  bcm_knet_netif_t tagged = netif("sixteen letters!");
+  tagged.flags = BCM_KNET_NETIF_F_KEEP_RX_TAG;
+  tagged.mac_addr[5] = 0xAB;
+  create(tagged);
+  ASSERT_EQ(swsdk_netif_get(0, 0, &told), 0);
+  EXPECT_STREQ(told.name, "ethv0");
+  EXPECT_EQ(told.keeps_tag, 0);
+  ASSERT_EQ(swsdk_netif_get(0, 1, &told), 0);
+  EXPECT_STREQ(told.name, "sixteen letters");
+  EXPECT_EQ(told.mac[5], 0xAB);
+  EXPECT_EQ(told.keeps_tag, 1);
+  EXPECT_EQ(swsdk_netif_get(0, 2, &told), -1);
+  EXPECT_EQ(swsdk_netif_get(0, -1, &told), -1);
+  EXPECT_EQ(swsdk_netif_get(1, 0, &told), -1);
+  EXPECT_EQ(swsdk_netif_get(0, 0, nullptr), -1);
 }
 
 }  // namespace

@@ -160,7 +160,7 @@ class Builder {
       if (is_ip4_)
         frame_[ip_at_ + 1] = tos;
       else
-        set_word(ip_at_, 0x6000U | tos << 4U);
+        set_word(ip_at_, 0x6000U | static_cast<unsigned>(tos) << 4);
     } else if (name == "protocol") {
       protocol = integer<uint8_t>(next("number"));
     } else if (name == "udp" || name == "tcp") {

@@ -17,13 +17,13 @@ extern "C" {
 #endif
 
 /** Why the CPU gets a frame; several bits can be set. */
-#define SWSDK_CPU_L2_CACHE 0x1u    /**< an entry of the L2 cache */
-#define SWSDK_CPU_PROTOCOL 0x2u    /**< ARP, DHCP, neighbour discovery or reserved multicast, by a switch control */
-#define SWSDK_CPU_L3_MISS 0x4u     /**< the router knows no way */
-#define SWSDK_CPU_L3_ERROR 0x8u    /**< the router cannot pass it on */
-#define SWSDK_CPU_FIELD 0x10u      /**< an entry of the field processor */
-#define SWSDK_CPU_LEARNING 0x20u   /**< its source was unknown, or one too many */
-#define SWSDK_CPU_MAC_ENTRY 0x40u  /**< an entry of the MAC table */
+#define SWSDK_CPU_L2_CACHE 0x1u     /**< an entry of the L2 cache */
+#define SWSDK_CPU_PROTOCOL 0x2u     /**< ARP, DHCP, neighbour discovery or reserved multicast, by a switch control */
+#define SWSDK_CPU_L3_MISS 0x4u      /**< the router knows no way */
+#define SWSDK_CPU_L3_ERROR 0x8u     /**< the router cannot pass it on */
+#define SWSDK_CPU_FIELD 0x10u       /**< an entry of the field processor */
+#define SWSDK_CPU_LEARNING 0x20u    /**< its source was unknown, or one too many */
+#define SWSDK_CPU_MAC_ENTRY 0x40u   /**< an entry of the MAC table */
 #define SWSDK_CPU_DESTINATION 0x80u /**< it is for the CPU, or flooded to it */
 
 /** A frame that leaves the chip. */
