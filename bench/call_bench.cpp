@@ -21,15 +21,12 @@ constexpr double median_limit = 2;
 
 int failures = 0;
 
-template <class... Args>
-[[gnu::always_inline]] inline void make(int (*function)(Args...)) {
-  if (bench::invoke(function) < 0) [[unlikely]]
+template <class Result, class... Args>
+[[gnu::always_inline]] inline void make(Result (*function)(Args...)) {
+  if constexpr (std::is_void_v<Result>)
+    bench::invoke(function);
+  else if (static_cast<int>(bench::invoke(function)) < 0) [[unlikely]]
     ++failures;
-}
-
-template <class... Args>
-[[gnu::always_inline]] inline void make(void (*function)(Args...)) {
-  bench::invoke(function);
 }
 
 template <auto... functions>
