@@ -2,19 +2,12 @@
 #pragma once
 
 #include <functional>
-#include <string>
 #include <vector>
 
 namespace bench {
 
 /// Does some work so many times.
 using Repeat = std::function<void(int times)>;
-
-/// Keeps the compiler from leaving out what makes `value`.
-template <class T>
-inline void keep(const T& value) {
-  asm volatile("" : : "g"(value) : "memory");
-}
 
 /// The nanoseconds that each work takes once. All are measured in turn, in rounds of microseconds, and the quickest
 /// round of each counts: on a machine that others use too, that one was not disturbed.
