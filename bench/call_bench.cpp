@@ -1,117 +1,138 @@
-// Each function of the library against the SDK calls that it makes, made directly. Goal: at most 1.10 times.
+// Each function of the library against the SDK calls that it makes, made directly, on an SDK that does nothing; with
+// debug lines off, and on to a file.
 //
-// Both sides run on an SDK that does nothing. Which calls a function makes is found by running this program once more
-// on an SDK that prints the name of every call; so each function of sai.h is measured, without a list to keep up.
-#include <dlfcn.h>
-#include <sai.h>
-#include <soc/drv.h>
-
-#include <array>
+// Both sides are what a compiler makes of an application: calls by name, through the application's procedure linkage
+// table, with arguments that only the moment of the call knows, and a look at each result. Which calls a function makes
+// comes from recorder.cpp; so each function of sai.h is measured, without a list to keep up.
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
-#include <map>
-#include <memory>
-#include <sstream>
-#include <string>
-#include <type_traits>
-#include <vector>
+#include <string_view>
 
+#include "core/sdk.h"
+#include "invoke.h"
 #include "ratios.h"
 
 namespace {
 
-// Volatile: neither side may know its arguments when it is compiled.
-volatile int number = 1;
+constexpr double median_goal = 1.05;
+constexpr double worst_goal = 1.25;
+/// Above this something is broken: one call frame over an empty function is 1.5 to 2 times that function.
+constexpr double median_limit = 2;
 
-/// What every pointer points to. Zeros are a good record, address, name and bitmap to an SDK that does nothing.
-alignas(64) std::array<char, 65536> memory;
+int failures = 0;
 
-template <class T>
-T argument() {
-  if constexpr (std::is_pointer_v<T> && std::is_function_v<std::remove_pointer_t<T>>)
-    return nullptr;
-  else if constexpr (std::is_pointer_v<T>)
-    return reinterpret_cast<T>(memory.data());
-  else if constexpr (std::is_integral_v<T>)
-    return static_cast<T>(number);
-  else {
-    T record;
-    static_assert(sizeof record % sizeof number == 0 && std::is_trivially_copyable_v<T>);
-    for (std::size_t i = 0; i < sizeof record; i += sizeof number) {
-      const int word = number;
-      std::memcpy(reinterpret_cast<char*>(&record) + i, &word, sizeof word);
-    }
-    return record;
-  }
+template <class Result, class... Args>
+[[gnu::always_inline]] inline void make(Result (*function)(Args...)) {
+  if constexpr (std::is_void_v<Result>)
+    bench::invoke(function);
+  else if (static_cast<int>(bench::invoke(function)) < 0) [[unlikely]]
+    ++failures;
 }
 
-template <class... Args>
-void invoke(int32_t (*function)(Args...)) {
-  benchmark::DoNotOptimize(function(argument<Args>()...));
+template <auto... functions>
+void repeat(int times) {
+  for (; times > 0; --times) (make(functions), ...);
 }
 
-template <class... Args>
-void invoke(void (*function)(Args...)) {
-  function(argument<Args>()...);
-}
-
-struct Function {
+struct Row {
   const char* name;
-  void (*call)();
+  int calls;
+  void (*library)(int times);
+  void (*direct)(int times);
 };
 
-constexpr Function functions[] = {
-#include "functions.inc"
-};
-
-using SdkCall = int (*)(...);
-
-/// Makes the calls behind one call of its own, as the library does.
-[[gnu::noinline]] void replay(const std::vector<SdkCall>& calls) {
-  for (const SdkCall call : calls) benchmark::DoNotOptimize(call(number, number, number, number));
+template <auto function, auto... sdk_calls>
+constexpr Row row(const char* name) {
+  return {name, sizeof...(sdk_calls), repeat<function>, repeat<sdk_calls...>};
 }
 
-/// The SDK calls of each function that makes some, as the recording run of this program prints them.
-std::map<std::string, std::vector<SdkCall>> recorded(const char* self) {
-  const std::string command = std::string("LD_LIBRARY_PATH=" RECORDING_SDK " ") + self + " --record";
-  const std::unique_ptr<FILE, int (*)(FILE*)> output(popen(command.c_str(), "r"), pclose);
-  std::map<std::string, std::vector<SdkCall>> result;
-  std::string function;
-  for (char line[256]; output != nullptr && std::fgets(line, sizeof line, output.get()) != nullptr;) {
-    std::istringstream words(line);
-    std::string kind;
-    std::string name;
-    words >> kind >> name;
-    if (kind == "function") function = name;
-    if (kind != "call") continue;
-    if (void* const symbol = dlsym(RTLD_DEFAULT, name.c_str()))
-      result[function].push_back(reinterpret_cast<SdkCall>(symbol));
+constexpr Row rows[] = {
+#include "rows.inc"
+};
+
+/// The ratios of those functions that make so many SDK calls.
+struct Group {
+  const char* name;
+  int least;
+  int most;
+};
+
+constexpr Group groups[] = {{"one SDK call", 1, 1}, {"two or three", 2, 3}, {"more", 4, 1 << 20}, {"all", 1, 1 << 20}};
+
+struct Measured {
+  const Row* row;
+  bool fails;
+  double library;
+  double direct;
+  double loud;
+
+  double ratio() const { return library / direct; }
+  double loud_ratio() const { return loud / direct; }
+};
+
+std::vector<Measured> measure() {
+  std::vector<Measured> result;
+  for (const Row& row : rows) {
+    if (row.calls == 0) continue;
+    if (std::string_view(row.name).ends_with("stat_show")) continue;  // printing takes much longer than its calls
+    failures = 0;
+    row.library(1);
+    const bool fails = failures != 0;
+    const std::vector<double> off = bench::nanoseconds({row.library, row.direct});
+    sai_log_set_level(nullptr, SAI_LOG_FILE, SAI_LOG_DEBUGGING);
+    const std::vector<double> on = bench::nanoseconds({row.library});
+    sai_log_set_level(nullptr, SAI_LOG_FILE, SAI_LOG_OFF);
+    std::rewind(sai_log_default->file);
+    result.push_back({&row, fails, off[0], off[1], on[0]});
   }
   return result;
+}
+
+/// Prints the line of one group.
+void print(const Group& group, const std::vector<Measured>& all) {
+  std::vector<double> off;
+  std::vector<double> added;
+  std::vector<double> on;
+  const Measured* worst = nullptr;
+  for (const Measured& one : all) {
+    if (one.fails || one.row->calls < group.least || one.row->calls > group.most) continue;
+    off.push_back(one.ratio());
+    on.push_back(one.loud_ratio());
+    added.push_back(one.library - one.direct);
+    if (worst == nullptr || one.ratio() > worst->ratio()) worst = &one;
+  }
+  if (worst == nullptr) return;
+  std::printf("%-24s %9zu %8.2f %8.2f %8.2f %8.2f  %s\n", group.name, off.size(), bench::median(off), worst->ratio(),
+              bench::median(added), bench::median(on), worst->row->name);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
   sai_log_default = open_sai_log("call_bench", 0, 0, 0);
-  if (argc > 1 && std::string(argv[1]) == "--record") {
-    std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
-    for (const Function& function : functions) {
-      std::printf("function %s\n", function.name);
-      function.call();
-    }
-    return EXIT_SUCCESS;
+  sai_log_default->file = std::tmpfile();
+  if (sai_log_default->file == nullptr) return EXIT_FAILURE;
+
+  const std::vector<Measured> all = measure();
+  if (argc > 1 && std::string_view(argv[1]) == "--each") {
+    std::printf("%-36s %5s %10s %10s %8s %10s %8s\n", "", "calls", "library ns", "direct ns", "ratio", "debug ns",
+                "ratio");
+    for (const Measured& one : all)
+      std::printf("%-36s %5d %10.2f %10.2f %8.2f %10.2f %8.2f%s\n", one.row->name, one.row->calls, one.library,
+                  one.direct, one.ratio(), one.loud, one.loud_ratio(), one.fails ? "  fails" : "");
   }
-  const std::map<std::string, std::vector<SdkCall>> calls = recorded(argv[0]);
-  for (const Function& function : functions) {
-    const auto found = calls.find(function.name);
-    if (found == calls.end()) {
-      std::printf("%s makes no SDK call with these arguments\n", function.name);
-      continue;
-    }
-    if (std::string(function.name).ends_with("_show")) continue;  // it prints, which takes much longer than its calls
-    bench::compare(function.name, function.call, [sdk_calls = found->second] { replay(sdk_calls); });
-  }
-  return bench::run(argc, argv);
+
+  std::printf("%-24s %9s %8s %8s %8s %8s\n", "functions that make", "functions", "median", "worst", "ns more", "debug");
+  for (const Group& group : groups) print(group, all);
+
+  std::vector<double> ratios;
+  for (const Measured& one : all)
+    if (!one.fails) ratios.push_back(one.ratio());
+  const double median = bench::median(ratios);
+  std::size_t above = 0;
+  for (const double ratio : ratios) above += ratio > worst_goal ? 1 : 0;
+  std::printf("median %.2f of %.2f: %s; above %.2f: %zu functions of %zu; %zu fail here and are left out\n", median,
+              median_goal, median <= median_goal ? "met" : "missed", worst_goal, above, ratios.size(),
+              all.size() - ratios.size());
+  return median <= median_limit ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -1,51 +1,51 @@
 #include "ratios.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <map>
-#include <vector>
+#include <ctime>
+#include <limits>
 
 namespace {
 
-/// Keeps the median of each benchmark and prints nothing meanwhile.
-class Medians : public benchmark::BenchmarkReporter {
- public:
-  bool ReportContext(const Context&) override { return true; }
+constexpr int rounds = 400;
+constexpr double round_ns = 5000;
 
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const Run& run : runs)
-      if (run.aggregate_name == "median") medians[run.run_name.function_name] = run.GetAdjustedCPUTime();
-  }
+double measure(const bench::Repeat& work, int times) {
+  timespec start{};
+  timespec end{};
+  clock_gettime(CLOCK_MONOTONIC, &start);
+  work(times);
+  clock_gettime(CLOCK_MONOTONIC, &end);
+  return static_cast<double>(end.tv_sec - start.tv_sec) * 1e9 + static_cast<double>(end.tv_nsec - start.tv_nsec);
+}
 
-  std::map<std::string, double> medians;
-};
+/// How often the work is done in a round.
+int times_of(const bench::Repeat& work) {
+  int times = 1;
+  // The best of some: what happened to be slow once must not make the rounds short.
+  const auto best = [&] {
+    double ns = measure(work, times);
+    for (int i = 0; i < 5; ++i) ns = std::min(ns, measure(work, times));
+    return ns;
+  };
+  while (best() < round_ns) times *= 2;
+  return times;
+}
 
 }  // namespace
 
-int bench::run(int argc, char** argv) {
-  // Defaults that the command line may overrule: short rounds in random order, so that noise meets both sides alike.
-  std::vector<char*> arguments(argv, argv + argc);
-  std::string defaults[] = {"--benchmark_repetitions=15", "--benchmark_enable_random_interleaving=true",
-                            "--benchmark_min_time=0.02", "--benchmark_report_aggregates_only=true"};
-  for (std::string& option : defaults) arguments.insert(arguments.begin() + 1, option.data());
-  int count = static_cast<int>(arguments.size());
-  benchmark::Initialize(&count, arguments.data());
+std::vector<double> bench::nanoseconds(const std::vector<Repeat>& works) {
+  std::vector<int> times;
+  times.reserve(works.size());
+  for (const Repeat& work : works) times.push_back(times_of(work));
+  std::vector<double> best(works.size(), std::numeric_limits<double>::infinity());
+  for (int round = 0; round < rounds; ++round)
+    for (std::size_t i = 0; i < works.size(); ++i) best[i] = std::min(best[i], measure(works[i], times[i]) / times[i]);
+  return best;
+}
 
-  Medians reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
-
-  std::vector<double> ratios;
-  std::printf("%-32s %12s %12s %8s\n", "", "library ns", "direct ns", "ratio");
-  for (const auto& [name, library] : reporter.medians) {
-    constexpr std::string_view suffix = "/library";
-    if (!name.ends_with(suffix)) continue;
-    const std::string pair = name.substr(0, name.size() - suffix.size());
-    const double direct = reporter.medians[pair + "/direct"];
-    ratios.push_back(library / direct);
-    std::printf("%-32s %12.1f %12.1f %8.2f\n", pair.c_str(), library, direct, library / direct);
-  }
-  if (ratios.empty()) return 1;
-  std::sort(ratios.begin(), ratios.end());
-  std::printf("median ratio %.2f, worst %.2f\n", ratios[ratios.size() / 2], ratios.back());
-  return 0;
+double bench::median(std::vector<double> values) {
+  if (values.empty()) return 0;
+  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+  std::nth_element(values.begin(), middle, values.end());
+  return *middle;
 }

@@ -1,25 +1,19 @@
-// Pairs of benchmarks that are measured side by side in one run, of which the ratio is what counts.
+// Pairs that are measured side by side, of which the ratio is what counts.
 #pragma once
 
-#include <benchmark/benchmark.h>
-
-#include <string>
+#include <functional>
+#include <vector>
 
 namespace bench {
 
-/// Registers a pair: what the library does, and the same work done without it.
-template <class Library, class Direct>
-void compare(const std::string& name, Library library, Direct direct) {
-  const auto loop = [](auto work) {
-    return [work](benchmark::State& state) {
-      for (auto _ : state) work();
-    };
-  };
-  benchmark::RegisterBenchmark((name + "/library").c_str(), loop(library));
-  benchmark::RegisterBenchmark((name + "/direct").c_str(), loop(direct));
-}
+/// Does some work so many times.
+using Repeat = std::function<void(int times)>;
 
-/// Runs all pairs several times in turn and prints the medians, the ratio of each pair, and the median and worst ratio.
-int run(int argc, char** argv);
+/// The nanoseconds that each work takes once. All are measured in turn, in rounds of microseconds, and the quickest
+/// round of each counts: on a machine that others use too, that one was not disturbed.
+std::vector<double> nanoseconds(const std::vector<Repeat>& works);
+
+/// Of all, the middle one; 0 of none.
+double median(std::vector<double> values);
 
 }  // namespace bench

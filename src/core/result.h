@@ -16,12 +16,26 @@ namespace sai {
 /// every path that asks for it: a successful call carries none of it.
 [[gnu::cold]] const char* error_text(int rv);
 
+/// What is left to do for a call that failed, out of line: a successful one keeps the arguments for it and nothing
+/// else.
+template <class... Args>
+[[gnu::cold, gnu::noinline]] void log_failure(int rv, const char* format, Args... args) {
+  sai_err(format, args..., error_text(rv));
+}
+
+/// The library code of `rv`, which is not 0, and logs when it is a failure. One call, which result() ends with.
+template <class... Args>
+[[gnu::cold, gnu::noinline]] int32_t code_of(int rv, const char* format, Args... args) {
+  if (rv < 0) log_failure(rv, format, args...);
+  return sdk_to_sai(rv);
+}
+
 /// True when `rv` is an SDK failure; then logs `format`, whose last conversion takes the SDK's text for `rv`.
 template <class... Args>
 bool failed(int rv, Format<std::type_identity_t<Args>..., const char*> format, Args... args) {
   if (rv >= 0) [[likely]]
     return false;
-  sai_err(format.text(), args..., error_text(rv));
+  log_failure(rv, format.text(), args...);
   return true;
 }
 
@@ -30,8 +44,7 @@ template <class... Args>
 [[nodiscard]] int32_t result(int rv, Format<std::type_identity_t<Args>..., const char*> format, Args... args) {
   if (rv == SAI_E_NONE) [[likely]]
     return SAI_E_NONE;
-  failed<Args...>(rv, format, args...);
-  return sdk_to_sai(rv);
+  return code_of(rv, format.text(), args...);
 }
 
 }  // namespace sai

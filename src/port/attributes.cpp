@@ -19,14 +19,18 @@ namespace {
 
 constexpr int own_module = 0;
 
+[[gnu::cold, gnu::noinline]] void log_showing_output(const char* format, int port, const int32_t* output) {
+  char bytes[sizeof *output + 1] = {};
+  if (output != nullptr) __builtin_memcpy(bytes, output, sizeof *output);
+  sai_err(format, port, output != nullptr ? bytes : "(null)");
+}
+
 /// The result of a getter whose failure shows the output's own bytes, up to the first zero, where the SDK's text
 /// belongs. Meant: the text is one argument too many.
 int32_t result_showing_output(int rv, Format<int, const char*> format, int port, const int32_t* output) {
-  if (rv < 0) {
-    char bytes[sizeof *output + 1] = {};
-    if (output != nullptr) __builtin_memcpy(bytes, output, sizeof *output);
-    sai_err(format.text(), port, output != nullptr ? bytes : "(null)");
-  }
+  if (rv == BCM_E_NONE) [[likely]]
+    return SAI_E_NONE;
+  if (rv < 0) log_showing_output(format.text(), port, output);
   return sdk_to_sai(rv);
 }
 

@@ -31,13 +31,13 @@ bcm_vlan_ip_t subnet(const bcm_ip6_t& ip6, int prefix) {
 }
 
 /// Adds the subnet with what its frames get.
-int add(int unit, bcm_vlan_ip_t entry, bcm_vlan_t vid, int prio) {
+int add(int unit, bcm_vlan_ip_t&& entry, bcm_vlan_t vid, int prio) {
   entry.vid = vid;
   entry.prio = prio;
   return bcm_vlan_ip_add(unit, &entry);
 }
 
-int remove(int unit, bcm_vlan_ip_t entry) { return bcm_vlan_ip_delete(unit, &entry); }
+int remove(int unit, bcm_vlan_ip_t&& entry) { return bcm_vlan_ip_delete(unit, &entry); }
 
 }  // namespace
 
