@@ -2,7 +2,7 @@
 # usage: install.sh BUILD_DIR EXAMPLES_DIR
 # An installed copy serves a program by pkg-config and by its CMake package.
 set -euo pipefail
-build=$1 examples=$2
+build=$1 examples=$2 emulator=${EMULATOR-}
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
@@ -10,7 +10,7 @@ cmake --install "$build" --prefix "$work/usr" >/dev/null
 libraries=$(dirname "$(find "$work/usr" -name libsai.so)")
 export PKG_CONFIG_PATH=$libraries/pkgconfig LD_LIBRARY_PATH=$libraries
 for file in "$libraries/libsai.so" "$libraries/libswsdk.so" "$work/usr/bin/saish"; do
-  if readelf --dynamic "$file" | grep -E '\((RPATH|RUNPATH)\)'; then
+  if "${READELF:-readelf}" --dynamic "$file" | grep -E '\((RPATH|RUNPATH)\)'; then
     echo "$file: an installed file has no run path"
     exit 1
   fi
@@ -18,9 +18,9 @@ done
 
 # The .pc file names the prefix that the build was configured for; the copy is elsewhere.
 pkg_config=(pkg-config --define-variable=prefix="$work/usr")
-cc -std=c99 -Wall -Wextra -Werror -o "$work/vlans" "$examples/vlans.c" $("${pkg_config[@]}" --cflags --libs sai)
-"$work/vlans" >"$work/vlans.out"
-"$work/usr/bin/saish" "$examples/vlans.sai" >"$work/saish.out"
+"${CC:-cc}" -std=c99 -Wall -Wextra -Werror -o "$work/vlans" "$examples/vlans.c" $("${pkg_config[@]}" --cflags --libs sai)
+$emulator "$work/vlans" >"$work/vlans.out"
+$emulator "$work/usr/bin/saish" "$examples/vlans.sai" >"$work/saish.out"
 
 PYTHONPATH=$work/usr/lib/python3/dist-packages python3 -B -c '
 import sai_virtual
@@ -36,4 +36,4 @@ target_link_libraries(vlans PRIVATE sai::sai)
 CMAKE
 cmake -S "$work/consumer" -B "$work/consumer/build" -DCMAKE_PREFIX_PATH="$work/usr" >/dev/null
 cmake --build "$work/consumer/build" >/dev/null
-"$work/consumer/build/vlans" >/dev/null
+$emulator "$work/consumer/build/vlans" >/dev/null
