@@ -23,6 +23,8 @@ make_deb() {
   chmod -R u=rwX,go=rX "$folder"
   (cd "$folder" && find usr -type f -print0 | sort -z | xargs -0 md5sum >DEBIAN/md5sums)
   dpkg-gencontrol -P"$folder" "$@"
+  # dpkg-deb takes younger files back to that time, and leaves older ones as a checkout made them.
+  find "$folder" -exec touch --no-dereference --date="@$SOURCE_DATE_EPOCH" {} +
   dpkg-deb --root-owner-group --threads-max=1 -Zxz --build "$folder" "$output" >/dev/null
 }
 
@@ -50,6 +52,7 @@ for package in "${packages[@]}"; do
     mkdir -p "$(dirname "$debug")"
     "$DEB_HOST_GNU_TYPE-objcopy" --only-keep-debug --compress-debug-sections "$file" "$debug"
     "$DEB_HOST_GNU_TYPE-strip" --strip-unneeded --remove-section=.comment --remove-section=.note "$file"
+    chmod a-x "$debug"
     "$DEB_HOST_GNU_TYPE-objcopy" --add-gnu-debuglink="$debug" "$file"
     build_ids+=("$build_id")
   done
@@ -58,6 +61,7 @@ for package in "${packages[@]}"; do
     # Nothing is to depend on the virtual chip for its libswsdk.so, which has no version to depend on.
     dpkg-shlibdeps -Slibsai1 -Sswsdk-virtual --ignore-missing-info -T"$package.substvars" "${files[@]}" 2>shlibdeps.log ||
       { cat shlibdeps.log >&2; exit 1; }
+    echo "activate-noawait ldconfig" >"$package/DEBIAN/triggers"
     # As debhelper makes them, so that Debian's tools know them.
     mkdir -p "$package-dbgsym/DEBIAN" "$package-dbgsym/usr/share/doc"
     ln -s "$package" "$package-dbgsym/usr/share/doc/$package-dbgsym"
@@ -65,8 +69,5 @@ for package in "${packages[@]}"; do
       -UConflicts -DPackage="$package-dbgsym" -DDepends="$package (= $version)" -DSection=debug \
       -DDescription="debug symbols for $package" -DAuto-Built-Package=debug-symbols -DBuild-Ids="${build_ids[*]}"
   fi
-  # What a library's users look up at its installation is the linker's own list.
-  [ ! -e "$package/usr/lib" ] || [ -z "$(find "$package/usr/lib" -name '*.so')" ] ||
-    echo "activate-noawait ldconfig" >"$package/DEBIAN/triggers"
   make_deb "$package" -p"$package" -T"$package.substvars"
 done
