@@ -22,14 +22,7 @@ cc -std=c99 -Wall -Wextra -Werror -o "$work/vlans" "$examples/vlans.c" $("${pkg_
 "$work/vlans" >"$work/vlans.out"
 "$work/usr/bin/saish" "$examples/vlans.sai" >"$work/saish.out"
 
-mkdir "$work/consumer"
-cat >"$work/consumer/CMakeLists.txt" <<CMAKE
-cmake_minimum_required(VERSION 3.25)
-project(consumer LANGUAGES C)
-find_package(sai REQUIRED)
-add_executable(vlans "$examples/vlans.c")
-target_link_libraries(vlans PRIVATE sai::sai)
-CMAKE
-cmake -S "$work/consumer" -B "$work/consumer/build" -DCMAKE_PREFIX_PATH="$work/usr" >/dev/null
-cmake --build "$work/consumer/build" >/dev/null
-"$work/consumer/build/vlans" >/dev/null
+cmake -S "$(dirname "$0")/consumer" -B "$work/consumer" -DCMAKE_PREFIX_PATH="$work/usr" \
+  -DEXAMPLE="$examples/vlans.c" >/dev/null
+cmake --build "$work/consumer" >/dev/null
+"$work/consumer/consumer" >/dev/null

@@ -48,7 +48,7 @@ examples=$root/usr/share/doc/libsai-dev/examples
 for file in "$libraries/libsai.so" "$libraries/libswsdk.so" "$root/usr/bin/saish"; do
   readelf --sections --wide "$file" | grep -qE ' \.(symtab|debug_info)' && fail "$file is not stripped"
   build_id=$(readelf --notes "$file" | sed -n 's/.*Build ID: //p')
-  readelf --sections --wide "$root/usr/lib/debug/.build-id/${build_id:0:2}/${build_id:2}.debug" |
+  readelf --sections --wide "$root/usr/lib/debug/.build-id/${build_id:0:2}/${build_id:2}.debug" 2>/dev/null |
     grep -q ' \.debug_info' || fail "$file: its debug file has no debug information"
   readelf --dynamic "$file" | grep -E '\((RPATH|RUNPATH)\)' && fail "$file has a run path"
 done
@@ -57,28 +57,20 @@ grep -rl "$PWD" "$root/usr" && fail "the files above name the folder that they w
 # build NAME FLAG...: the C example against the installed packages, by pkg-config and by the CMake package.
 export PKG_CONFIG_LIBDIR=$libraries/pkgconfig PKG_CONFIG_SYSROOT_DIR=$root
 export PKG_CONFIG_ALLOW_SYSTEM_CFLAGS=1 PKG_CONFIG_ALLOW_SYSTEM_LIBS=1
-mkdir "$work/consumer"
-cat >"$work/consumer/CMakeLists.txt" <<CMAKE
-cmake_minimum_required(VERSION 3.25)
-project(consumer LANGUAGES C)
-find_package(sai 0.1 REQUIRED)
-add_executable(vlans "$examples/vlans.c")
-target_link_libraries(vlans PRIVATE sai::sai)
-CMAKE
 build() {
   local name=$1
   shift
   # shellcheck disable=SC2046  # words
   "$DEB_HOST_GNU_TYPE-gcc" -std=c99 -Wall -Wextra -Werror "$@" -o "$work/$name-pkg-config" "$examples/vlans.c" \
     $(pkg-config --cflags --libs sai)
-  "${cmake[@]}" -S "$work/consumer" -B "$work/$name" -Dsai_DIR="$libraries/cmake/sai" -DCMAKE_C_FLAGS="$*" \
-    -DCMAKE_SKIP_RPATH=ON >/dev/null
+  "${cmake[@]}" -S tests/project/consumer -B "$work/$name" -Dsai_DIR="$libraries/cmake/sai" \
+    -DEXAMPLE="$examples/vlans.c" -DCMAKE_C_FLAGS="$*" -DCMAKE_SKIP_RPATH=ON >/dev/null
   cmake --build "$work/$name" >/dev/null
 }
 
 export LD_LIBRARY_PATH=$libraries
 build virtual
-for program in "$work/virtual-pkg-config" "$work/virtual/vlans"; do
+for program in "$work/virtual-pkg-config" "$work/virtual/consumer"; do
   "${run[@]}" "$program" >"$work/out"
   grep -q 'bcm_vlan_create(0, 10) = 0' "$work/out" || fail "$program printed: $(cat "$work/out")"
 done
@@ -89,11 +81,11 @@ mkdir "$work/vendor"
 cp -r "$root/usr/include" "$libraries/libswsdk.so" "$work/vendor"
 rm "$work/vendor/include/sai.h"
 dpkg --remove swsdk-virtual-dbgsym swsdk-virtual
-"${run[@]}" "$work/virtual/vlans" >/dev/null 2>"$work/err" && fail "a program ran without any Chip SDK"
+"${run[@]}" "$work/virtual/consumer" >/dev/null 2>"$work/err" && fail "a program ran without any Chip SDK"
 grep -q 'libswsdk.so: cannot open' "$work/err" || fail "without a Chip SDK, a program said: $(cat "$work/err")"
 export LD_LIBRARY_PATH=$libraries:$work/vendor
 build vendor -I"$work/vendor/include" -L"$work/vendor"
-for program in "$work/vendor-pkg-config" "$work/vendor/vlans"; do "${run[@]}" "$program" >/dev/null; done
+for program in "$work/vendor-pkg-config" "$work/vendor/consumer"; do "${run[@]}" "$program" >/dev/null; done
 
 echo "== $architecture: the same again"
 unset LD_LIBRARY_PATH ${!PKG_CONFIG_*}
