@@ -4,7 +4,7 @@
 set -euo pipefail
 saish=$1 library=$2
 
-functions=$(nm --dynamic --defined-only "$library" | awk '$2 == "T" {print $3}' | sed 's/@.*//' | sort)
+functions=$("${NM:-nm}" --dynamic --defined-only "$library" | awk '$2 == "T" {print $3}' | sed 's/@.*//' | sort)
 [ "$(wc -w <<<"$functions")" -ge 20 ] || { echo "$library: too few functions found; is it still read rightly?"; exit 1; }
 commands=$("$saish" -c help | sed '1,/^Functions of the library/d' | awk '{print $1}' | sort)
 diff <(echo "$functions") <(echo "$commands") || { echo "< exported but no command; > command but not exported"; exit 1; }

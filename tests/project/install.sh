@@ -2,7 +2,7 @@
 # usage: install.sh BUILD_DIR EXAMPLES_DIR
 # An installed copy serves a program by pkg-config and by its CMake package.
 set -euo pipefail
-build=$1 examples=$2
+build=$1 examples=$2 emulator=${EMULATOR-}
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
@@ -10,7 +10,7 @@ cmake --install "$build" --prefix "$work/usr" >/dev/null
 libraries=$(dirname "$(find "$work/usr" -name libsai.so)")
 export PKG_CONFIG_PATH=$libraries/pkgconfig LD_LIBRARY_PATH=$libraries
 for file in "$libraries/libsai.so" "$libraries/libswsdk.so" "$work/usr/bin/saish"; do
-  if readelf --dynamic "$file" | grep -E '\((RPATH|RUNPATH)\)'; then
+  if "${READELF:-readelf}" --dynamic "$file" | grep -E '\((RPATH|RUNPATH)\)'; then
     echo "$file: an installed file has no run path"
     exit 1
   fi
@@ -18,11 +18,11 @@ done
 
 # The .pc file names the prefix that the build was configured for; the copy is elsewhere.
 pkg_config=(pkg-config --define-variable=prefix="$work/usr")
-cc -std=c99 -Wall -Wextra -Werror -o "$work/vlans" "$examples/vlans.c" $("${pkg_config[@]}" --cflags --libs sai)
-"$work/vlans" >"$work/vlans.out"
-"$work/usr/bin/saish" "$examples/vlans.sai" >"$work/saish.out"
+"${CC:-cc}" -std=c99 -Wall -Wextra -Werror -o "$work/vlans" "$examples/vlans.c" $("${pkg_config[@]}" --cflags --libs sai)
+$emulator "$work/vlans" >"$work/vlans.out"
+$emulator "$work/usr/bin/saish" "$examples/vlans.sai" >"$work/saish.out"
 
 cmake -S "$(dirname "$0")/consumer" -B "$work/consumer" -DCMAKE_PREFIX_PATH="$work/usr" \
   -DEXAMPLE="$examples/vlans.c" >/dev/null
 cmake --build "$work/consumer" >/dev/null
-"$work/consumer/consumer" >/dev/null
+$emulator "$work/consumer/consumer" >/dev/null

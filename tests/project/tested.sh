@@ -4,7 +4,7 @@
 set -euo pipefail
 library=$1 tests=$2
 
-names=$(nm --dynamic --defined-only "$library" | awk '{print $3}' | sed 's/@.*//')
+names=$("${NM:-nm}" --dynamic --defined-only "$library" | awk '{print $3}' | sed 's/@.*//')
 [ "$(wc -w <<<"$names")" -ge 200 ] || { echo "$library: too few names found; is it still read rightly?"; exit 1; }
 missing=$(for name in $names; do
   grep --recursive --quiet --word-regexp --include='*.cpp' -e "$name" \
