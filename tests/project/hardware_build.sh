@@ -7,9 +7,11 @@ source=$1 library=$2
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
-cp -r "$source/swsdk/include" "$work/vendor"
-rm -r "$work/vendor/swsdk"
-cmake -S "$source" -B "$work/build" -DSWSDK_INCLUDE_DIR="$work/vendor" -DSWSDK_LIBRARY="$library" >/dev/null
+# In two folders, as vendors' trees often are.
+mkdir "$work/vendor" "$work/system"
+cp -r "$source"/swsdk/include/{bcm,shared} "$work/vendor"
+cp -r "$source"/swsdk/include/{appl,soc} "$work/system"
+cmake -S "$source" -B "$work/build" -DSWSDK_INCLUDE_DIR="$work/vendor;$work/system" -DSWSDK_LIBRARY="$library" >/dev/null
 cmake --build "$work/build" >/dev/null
 "${READELF:-readelf}" --dynamic "$work/build/src/libsai.so" | grep -q 'NEEDED.*libswsdk.so'
 cmake --install "$work/build" --prefix "$work/usr" >/dev/null
