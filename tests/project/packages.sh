@@ -25,16 +25,17 @@ fail() {
 scripts/package --arch "$architecture"
 packages=$PWD/build/packages
 deb() { echo "$packages/$1_"*"_$architecture.deb"; }
-[ "$(ls "$packages" | grep -c "_$architecture.deb$")" -eq 5 ] || fail "not five packages: $(ls "$packages")"
+debs=("$packages"/*_"$architecture".deb)
+[ ${#debs[@]} -eq 5 ] || fail "not five packages: ${debs[*]}"
 
 echo "== $architecture: lintian"
-lintian --display-info --show-overrides --fail-on error,warning,info "$packages"/*_"$architecture".deb
+lintian --display-info --show-overrides --fail-on error,warning,info "${debs[@]}"
 
 echo "== $architecture: install"
 root=$work/root
 mkdir -p "$root/var/lib/dpkg/info" "$root/var/lib/dpkg/updates"
 # Of what ours depend on, there is what this machine has.
-for package in "$packages"/*_"$architecture".deb; do dpkg-deb --field "$package" Depends; done |
+for package in "${debs[@]}"; do dpkg-deb --field "$package" Depends; done |
   tr ',' '\n' | awk '{print $1}' | grep -Ev '^(libsai|swsdk)' | sort -u |
   sed "s/\$/:$architecture/" | xargs dpkg-query --status >"$root/var/lib/dpkg/status"
 printf '%s\n' "$DEB_BUILD_ARCH" "$architecture" | uniq >"$root/var/lib/dpkg/arch"
@@ -88,12 +89,12 @@ build vendor -I"$work/vendor/include" -L"$work/vendor"
 for program in "$work/vendor-pkg-config" "$work/vendor/consumer"; do "${run[@]}" "$program" >/dev/null; done
 
 echo "== $architecture: the same again"
-unset LD_LIBRARY_PATH ${!PKG_CONFIG_*}
+unset LD_LIBRARY_PATH "${!PKG_CONFIG_@}"
 mkdir "$work/elsewhere"
 git ls-files -z --cached --others --exclude-standard | xargs -0 cp --parents -t "$work/elsewhere"
 (umask 077 && TZ=Pacific/Chatham LC_ALL=C HOME=$work CCACHE_DISABLE=1 "$work/elsewhere/scripts/package" \
   --arch "$architecture")
-for package in "$packages"/*_"$architecture".deb; do
+for package in "${debs[@]}"; do
   cmp "$package" "$work/elsewhere/build/packages/$(basename "$package")"
 done
 echo "== $architecture: the packages are sound"
