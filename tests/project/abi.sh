@@ -14,12 +14,16 @@ abidw --exported-interfaces-only --drop-undefined-syms --no-elf-needed --no-arch
 functions=$(grep -c '<function-decl ' abi || true)
 [ "$functions" -ge 200 ] || { echo "$library: $functions functions are described; has it debug information?"; exit 1; }
 
-mkdir debian
-cp "$packaging/control" "$packaging/changelog" debian
-symbols=(dpkg-gensymbols -plibsai1 -P. -e"$library" -I"$packaging/libsai1.symbols")
+"${NM:-nm}" --dynamic --defined-only "$library" | awk '{print $3}' | sort >names
+
 if [ "${3:-}" = --update ]; then
   cp abi "$packaging/libsai1.abi"
-  "${symbols[@]}" -t -O"$packaging/libsai1.symbols" >/dev/null
+  mkdir debian
+  cp "$packaging/control" "$packaging/changelog" debian
+  dpkg-gensymbols -plibsai1 -P. -e"$library" -I"$packaging/libsai1.symbols" -t -Osymbols >/dev/null
+  # A name that went before its first version was out leaves nothing behind; dpkg-gensymbols would keep it.
+  awk 'NR == FNR {exported[$1]; next} !/^ / || substr($1, 1, index($1, "@") - 1) in exported' names symbols \
+    >"$packaging/libsai1.symbols"
   exit 0
 fi
 
@@ -27,7 +31,7 @@ fi
 printf '[suppress_type]\n  name = _IO_FILE\n' >suppressions
 same=yes
 abidiff --suppressions suppressions "$packaging/libsai1.abi" abi || same=no
-"${symbols[@]}" -c4 -Onew.symbols || same=no
+sed -n 's/^ \(.*\)@.*/\1/p' "$packaging/libsai1.symbols" | diff - names || same=no
 [ $same = no ] || exit 0
 echo "The binary interface of libsai.so is not the kept one. If that is meant, see CONTRIBUTING.md."
 exit 1

@@ -30,6 +30,7 @@ debs=("$packages"/*_"$architecture".deb)
 
 echo "== $architecture: lintian"
 lintian --display-info --show-overrides --fail-on error,warning,info "${debs[@]}"
+tests/project/abi.sh "build/package-$architecture/src/libsai.so" packaging
 
 echo "== $architecture: install"
 root=$work/root
