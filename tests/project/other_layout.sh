@@ -19,8 +19,10 @@ headers() {
 headers vendor 1
 headers guarded 0
 
-flags="-O0 -I$work/guarded"
-cmake -S "$source" -B "$work/chip" -G Ninja -DCMAKE_C_FLAGS="$flags" -DCMAKE_CXX_FLAGS="$flags" >/dev/null
+# Before the project's own headers, in every target.
+echo "include_directories(\"$work/guarded\")" >"$work/guarded.cmake"
+cmake -S "$source" -B "$work/chip" -G Ninja -DCMAKE_PROJECT_sai_INCLUDE="$work/guarded.cmake" \
+  -DCMAKE_C_FLAGS=-O0 -DCMAKE_CXX_FLAGS=-O0 >/dev/null
 cmake --build "$work/chip" --target "$@"
 cmake -S "$source" -B "$work/library" -G Ninja -DCMAKE_COMPILE_WARNING_AS_ERROR=ON \
   -DSWSDK_INCLUDE_DIR="$work/vendor" -DSWSDK_LIBRARY="$work/chip/swsdk/libswsdk.so" >/dev/null
