@@ -50,7 +50,7 @@ for package in "${packages[@]}"; do
     build_id=$(readelf --notes "$file" | sed -n 's/.*Build ID: //p')
     debug=$package-dbgsym/usr/lib/debug/.build-id/${build_id:0:2}/${build_id:2}.debug
     mkdir -p "$(dirname "$debug")"
-    "$DEB_HOST_GNU_TYPE-objcopy" --only-keep-debug --compress-debug-sections "$file" "$debug"
+    "$DEB_HOST_GNU_TYPE-objcopy" --only-keep-debug "$file" "$debug"
     "$DEB_HOST_GNU_TYPE-strip" --strip-unneeded --remove-section=.comment --remove-section=.note "$file"
     chmod a-x "$debug"
     "$DEB_HOST_GNU_TYPE-objcopy" --add-gnu-debuglink="$debug" "$file"
