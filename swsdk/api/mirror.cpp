@@ -25,7 +25,10 @@ int bcm_mirror_destination_get(int unit, bcm_gport_t mirror_dest_id, bcm_mirror_
   return Call(__func__, unit, mirror_dest_id, out(mirror_dest)).answer([&](const Chip& chip) {
     int gport = 0;
     const Status status = chip.mirrors.find(mirror_dest_id, gport);
-    if (status == Status::ok) *mirror_dest = {.mirror_dest_id = mirror_dest_id, .flags = 0, .gport = gport};
+    if (status != Status::ok) return status;
+    bcm_mirror_destination_t_init(mirror_dest);
+    mirror_dest->mirror_dest_id = mirror_dest_id;
+    mirror_dest->gport = gport;
     return status;
   });
 }

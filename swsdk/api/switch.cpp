@@ -82,9 +82,13 @@ int bcm_switch_temperature_monitor_get(int unit, int temperature_max,
       .answer([&](Chip& chip) {
         if (temperature_max < 0) return chip::Status::bad_parameter;
         *temperature_count = 0;
-        for (const chip::Temperature& reading : chip.temperature_sensors.all())
-          if (*temperature_count < temperature_max)
-            temperature_array[(*temperature_count)++] = {.curr = reading.current, .peak = reading.peak};
+        for (const chip::Temperature& reading : chip.temperature_sensors.all()) {
+          if (*temperature_count == temperature_max) break;
+          bcm_switch_temperature_monitor_t& monitor = temperature_array[(*temperature_count)++];
+          bcm_switch_temperature_monitor_t_init(&monitor);
+          monitor.curr = reading.current;
+          monitor.peak = reading.peak;
+        }
         return chip::Status::ok;
       });
 }

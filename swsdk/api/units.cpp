@@ -35,7 +35,11 @@ std::array<uint32, SOC_MAX_NUM_DEVICES> l3_modules;
 int attached_units = 0;  // soc_ndev is the application's to read; this one decides
 
 soc_port_set_t port_set(const chip::PortSet& ports) {
-  return {.min = ports.lowest(), .max = ports.highest(), .bitmap = api::bitmap(ports)};
+  soc_port_set_t set{};
+  set.min = ports.lowest();
+  set.max = ports.highest();
+  set.bitmap = api::bitmap(ports);
+  return set;
 }
 
 void attach(std::size_t unit) {

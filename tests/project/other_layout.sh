@@ -18,6 +18,8 @@ headers() {
 }
 headers vendor 1
 headers guarded 0
+[ "$(grep --recursive 'added_0' "$work/vendor" | wc -l)" -ge 20 ] ||
+  { echo "too few records found; are the headers still read rightly?"; exit 1; }
 
 # Before the project's own headers, in every target.
 echo "include_directories(\"$work/guarded\")" >"$work/guarded.cmake"
@@ -27,6 +29,8 @@ cmake --build "$work/chip" --target "$@"
 cmake -S "$source" -B "$work/library" -G Ninja -DCMAKE_COMPILE_WARNING_AS_ERROR=ON \
   -DSWSDK_INCLUDE_DIR="$work/vendor" -DSWSDK_LIBRARY="$work/chip/swsdk/libswsdk.so" >/dev/null
 cmake --build "$work/library"
+export LD_LIBRARY_PATH=$work/library/src
 for program in "$@"; do
-  LD_LIBRARY_PATH=$work/library/src "$work/chip/tests/$program" --gtest_brief=1
+  ldd "$work/chip/tests/$program" | grep --quiet --fixed-strings "$work/library/src/libsai.so"
+  "$work/chip/tests/$program" --gtest_brief=1
 done

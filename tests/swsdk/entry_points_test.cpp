@@ -6,6 +6,7 @@
 #include <swsdk/fault.h>
 #include <swsdk/journal.h>
 
+#include <array>
 #include <set>
 #include <string>
 
@@ -31,13 +32,20 @@ const std::set<std::string> without_result = {"soc_linkscan_pause", "soc_linksca
 
 bool is_initialiser(const std::string& name) { return name.ends_with("_t_init"); }
 
-/// Calls a function of any signature with a unit and zeros; the calling convention leaves what is too much alone, and
-/// records by value are read from the caller's own stack.
+/// These take records by value, which are read from the caller's own stack, or on Arm where an argument points to.
+const std::set<std::string> with_records = {"bcm_field_group_create", "bcm_field_qualify_InPorts",
+                                            "bcm_port_egress_set",    "bcm_vlan_control_vlan_set",
+                                            "bcm_vlan_port_add",      "bcm_vlan_port_remove"};
+
+/// Calls a function of any signature with a unit and zeros; the calling convention leaves what is too much alone.
 int call(const char* name, int unit) {
+  static std::array<char, 1024> zeros;
   using Any = int (*)(int, void*, void*, void*, void*, void*, void*, void*);
   const auto function = reinterpret_cast<Any>(dlsym(RTLD_DEFAULT, name));
   if (function == nullptr) throw std::runtime_error(std::string(name) + " is missing");
-  return function(unit, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+  zeros = {};
+  void* const zero = with_records.contains(name) ? zeros.data() : nullptr;
+  return function(unit, zero, zero, zero, zero, zero, zero, zero);
 }
 
 class EntryPoints : public testing::Test {
