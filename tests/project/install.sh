@@ -26,14 +26,7 @@ PYTHONPATH=$work/usr/lib/python3/dist-packages python3 -B -c '
 import sai_virtual
 assert sai_virtual.sai_level_match("debugging") == sai_virtual.SAI_LOG_DEBUGGING'
 
-mkdir "$work/consumer"
-cat >"$work/consumer/CMakeLists.txt" <<CMAKE
-cmake_minimum_required(VERSION 3.25)
-project(consumer LANGUAGES C)
-find_package(sai REQUIRED)
-add_executable(vlans "$examples/vlans.c")
-target_link_libraries(vlans PRIVATE sai::sai)
-CMAKE
-cmake -S "$work/consumer" -B "$work/consumer/build" -DCMAKE_PREFIX_PATH="$work/usr" >/dev/null
-cmake --build "$work/consumer/build" >/dev/null
-$emulator "$work/consumer/build/vlans" >/dev/null
+cmake -S "$(dirname "$0")/consumer" -B "$work/consumer" -DCMAKE_PREFIX_PATH="$work/usr" \
+  -DEXAMPLE="$examples/vlans.c" >/dev/null
+cmake --build "$work/consumer" >/dev/null
+$emulator "$work/consumer/consumer" >/dev/null

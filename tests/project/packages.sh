@@ -1,0 +1,101 @@
+#!/usr/bin/env bash
+# usage: packages.sh ARCHITECTURE, as root
+# Builds the Debian packages of an architecture. Lintian finds nothing in them, they install, each alone where that is
+# meant, they serve a program, and a second build in another place gives the same bytes.
+set -euo pipefail
+cd "$(dirname "$0")/../.."
+architecture=$1
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+eval "$(dpkg-architecture --host-arch "$architecture" --force --print-set 2>/dev/null)"
+SOURCE_DATE_EPOCH=$(git log -1 --format=%ct)
+export SOURCE_DATE_EPOCH
+run=()
+cmake=(cmake)
+if [ "$architecture" != "$DEB_BUILD_ARCH" ]; then
+  run=("qemu-$DEB_HOST_GNU_CPU")
+  cmake+=(--toolchain "$PWD/cmake/$DEB_HOST_GNU_TYPE.cmake")
+fi
+
+fail() {
+  echo "$1" >&2
+  exit 1
+}
+
+scripts/package --arch "$architecture"
+packages=$PWD/build/packages
+deb() { echo "$packages/$1_"*"_$architecture.deb"; }
+debs=("$packages"/*_"$architecture".deb)
+[ ${#debs[@]} -eq 5 ] || fail "not five packages: ${debs[*]}"
+
+echo "== $architecture: lintian"
+lintian --display-info --fail-on error,warning,info "${debs[@]}"
+tests/project/abi.sh "build/package-$architecture/src/libsai.so" packaging
+
+echo "== $architecture: install"
+root=$work/root
+mkdir -p "$root/var/lib/dpkg/info" "$root/var/lib/dpkg/updates"
+# Of what ours depend on, there is what this machine has.
+for package in "${debs[@]}"; do dpkg-deb --field "$package" Depends; done |
+  tr ',' '\n' | awk '{print $1}' | grep -Ev '^(libsai|swsdk)' | sort -u |
+  sed "s/\$/:$architecture/" | xargs dpkg-query --status >"$root/var/lib/dpkg/status"
+printf '%s\n' "$DEB_BUILD_ARCH" "$architecture" | uniq >"$root/var/lib/dpkg/arch"
+dpkg() { command dpkg --root="$root" "$@" >"$work/dpkg.log" 2>&1 || fail "dpkg $*: $(cat "$work/dpkg.log")"; }
+dpkg --install "$(deb libsai1)"
+dpkg --install "$(deb swsdk-virtual)"
+dpkg --install "$(deb libsai-dev)" "$(deb libsai1-dbgsym)" "$(deb swsdk-virtual-dbgsym)"
+libraries=$root/usr/lib/$DEB_HOST_MULTIARCH
+examples=$root/usr/share/doc/libsai-dev/examples
+
+for file in "$libraries/libsai.so" "$libraries/libswsdk.so" "$root/usr/bin/saish"; do
+  readelf --sections --wide "$file" | grep -qE ' \.(symtab|debug_info)' && fail "$file is not stripped"
+  build_id=$(readelf --notes "$file" | sed -n 's/.*Build ID: //p')
+  readelf --sections --wide "$root/usr/lib/debug/.build-id/${build_id:0:2}/${build_id:2}.debug" 2>/dev/null |
+    grep -q ' \.debug_info' || fail "$file: its debug file has no debug information"
+  readelf --dynamic "$file" | grep -E '\((RPATH|RUNPATH)\)' && fail "$file has a run path"
+done
+grep -rl "$PWD" "$root/usr" && fail "the files above name the folder that they were built in"
+
+# build NAME FLAG...: the C example against the installed packages, by pkg-config and by the CMake package.
+export PKG_CONFIG_LIBDIR=$libraries/pkgconfig PKG_CONFIG_SYSROOT_DIR=$root
+export PKG_CONFIG_ALLOW_SYSTEM_CFLAGS=1 PKG_CONFIG_ALLOW_SYSTEM_LIBS=1
+build() {
+  local name=$1
+  shift
+  # shellcheck disable=SC2046  # words
+  "$DEB_HOST_GNU_TYPE-gcc" -std=c99 -Wall -Wextra -Werror "$@" -o "$work/$name-pkg-config" "$examples/vlans.c" \
+    $(pkg-config --cflags --libs sai)
+  "${cmake[@]}" -S tests/project/consumer -B "$work/$name" -Dsai_DIR="$libraries/cmake/sai" \
+    -DEXAMPLE="$examples/vlans.c" -DCMAKE_C_FLAGS="$*" -DCMAKE_SKIP_RPATH=ON >/dev/null
+  cmake --build "$work/$name" >/dev/null
+}
+
+export LD_LIBRARY_PATH=$libraries
+build virtual
+for program in "$work/virtual-pkg-config" "$work/virtual/consumer"; do
+  "${run[@]}" "$program" >"$work/out"
+  grep -q 'bcm_vlan_create(0, 10) = 0' "$work/out" || fail "$program printed: $(cat "$work/out")"
+done
+"${run[@]}" "$root/usr/bin/saish" "$examples/vlans.sai" >/dev/null
+
+# A vendor's SDK in place of the virtual chip, in folders of its own.
+mkdir "$work/vendor"
+cp -r "$root/usr/include" "$libraries/libswsdk.so" "$work/vendor"
+rm "$work/vendor/include/sai.h"
+dpkg --remove swsdk-virtual-dbgsym swsdk-virtual
+"${run[@]}" "$work/virtual/consumer" >/dev/null 2>"$work/err" && fail "a program ran without any Chip SDK"
+grep -q 'libswsdk.so: cannot open' "$work/err" || fail "without a Chip SDK, a program said: $(cat "$work/err")"
+export LD_LIBRARY_PATH=$libraries:$work/vendor
+build vendor -I"$work/vendor/include" -L"$work/vendor"
+for program in "$work/vendor-pkg-config" "$work/vendor/consumer"; do "${run[@]}" "$program" >/dev/null; done
+
+echo "== $architecture: the same again"
+unset LD_LIBRARY_PATH "${!PKG_CONFIG_@}"
+mkdir "$work/elsewhere"
+git ls-files -z --cached --others --exclude-standard | xargs -0 cp --parents -t "$work/elsewhere"
+(umask 077 && TZ=Pacific/Chatham LC_ALL=C HOME=$work CCACHE_DISABLE=1 "$work/elsewhere/scripts/package" \
+  --arch "$architecture")
+for package in "${debs[@]}"; do
+  cmp "$package" "$work/elsewhere/build/packages/$(basename "$package")"
+done
+echo "== $architecture: the packages are sound"
