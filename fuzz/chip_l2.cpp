@@ -102,8 +102,10 @@ void fuzz_mac_table(Input& input) {
       }));
       if ((flags & chip::MacTable::silently) == 0) expected_removed += count;
     } else if (operation == 7) {
-      table.hit(entry, &Entry::destination_hit);
-      if (present) found->second.destination_hit = true;
+      if (present) {
+        table.hit(*table.find(key.first, key.second), &Entry::destination_hit);
+        found->second.destination_hit = true;
+      }
     } else if (operation == 8) {
       const int seconds = input.near(0, 100);
       const bool good = seconds >= 0 && seconds <= chip::MacTable::longest_age_time;

@@ -41,7 +41,7 @@ TEST_F(ShellBuiltIns, HelpOnAFunctionShowsItsPrototypeItsSentenceAndItsForm) {
             "Here: sai_unit_get\n");
   EXPECT_EQ(run("help sai_err"),
             "void sai_err(const char* format, ...)\n"
-            "Logs a message at level 3, \"errors\".\n"
+            "Logs a message at level 3, \"errors\"; none without a format.\n"
             "Here: sai_err format\n");
 }
 
