@@ -102,6 +102,12 @@ TEST_F(Meters, CountFramesInBitsWithTheirChecksumOrByNumber) {
   EXPECT_EQ(frames(second, {RateUnit::packets, 10, 20}), 10);
 }
 
+TEST_F(Meters, CountAShortFrameAsItIsOnTheWire) {
+  const PortRate rate{RateUnit::kilobits, 1, 1};
+  EXPECT_TRUE(meters.take_frame(Kind::port_egress, 1, 0, rate, 14));
+  EXPECT_FALSE(meters.take_frame(Kind::port_egress, 1, 0, rate, 60)) << "488 of 512 bits are left";
+}
+
 TEST_F(Meters, LetOneLongestFramePassAtOnceWithoutABurst) {
   EXPECT_TRUE(meters.take_frame(Kind::port_egress, 1, 0, {RateUnit::kilobits, 1, 0}, 9216));
   EXPECT_FALSE(meters.take_frame(Kind::port_egress, 1, 0, {RateUnit::kilobits, 1, 0}, 60));

@@ -1,6 +1,7 @@
 // What passes per second: token buckets that fill as the chip's clock goes.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -35,10 +36,11 @@ class Meters {
   std::array<std::vector<Bucket>, kinds> buckets_;  // by number
 };
 
-/// What a frame takes out of a bucket of bits, its checksum with it.
+/// What a frame, checksum not counted, takes out of a bucket of bits: what it is on the wire.
 constexpr uint64_t bits_of(std::size_t bytes) {
-  constexpr uint64_t checksum = 4;
-  return (bytes + checksum) * 8;
+  constexpr std::size_t checksum = 4;
+  constexpr std::size_t shortest = 64;  // less is padded
+  return std::max(bytes + checksum, shortest) * 8;
 }
 
 }  // namespace chip
