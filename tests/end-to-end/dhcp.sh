@@ -19,11 +19,9 @@ watch cpu.log "vlan and udp port 67" tcpdump -i ethv0
 watch neighbour.log "udp port 67" on neighbour tcpdump -Q in -i eth0
 ask() { on client udhcpc -i eth0 -n -q -t 1 -T 1 -s /bin/true >/dev/null 2>&1 || true; }
 
-ask
-expect_seen neighbour.log 'BOOTP/DHCP, Request from 02:00:00:00:01:01'
+expect_seen neighbour.log 'BOOTP/DHCP, Request from 02:00:00:00:01:01' ask
 tell_switch "sai_dhcp_packet_to_cpu 0 1"
 : >"$work/neighbour.log"
 : >"$work/cpu.log"
-ask
-expect_seen cpu.log 'vlan 10, .*BOOTP/DHCP, Request from 02:00:00:00:01:01'
+expect_seen cpu.log 'vlan 10, .*BOOTP/DHCP, Request from 02:00:00:00:01:01' ask
 expect_unseen neighbour.log DHCP

@@ -14,13 +14,13 @@ sai_port_untagged_vlan_set 0 1 10
 sai_port_untagged_vlan_set 0 2 10
 SAI
 start_switch "$work/switch.sai" --port 2=tap:t2 --cpu control
-ip link show control | grep -q 02:00:00:00:00:01 || fail "the CPU's interface: $(ip link)"
+grep -q 02:00:00:00:00:01 <<<"$(ip link show control)" || fail "the CPU's interface: $(ip link)"
 ! ip link show ethv0 >/dev/null 2>&1 || fail "--cpu renames the interface"
 
 ip address add 10.0.1.2/24 dev t2
 expect_reached one 10.0.1.2
 ip link set t2 down
-is_down() { tell_switch "send 2 ffffffffffff02000000000288b5" | grep -q "not passed on: port down"; }
+is_down() { grep -q "not passed on: port down" <<<"$(tell_switch "send 2 ffffffffffff02000000000288b5")"; }
 wait_for 3 is_down || fail "the link of port 2 does not go down with its interface"
 ip link set t2 up
 expect_reached one 10.0.1.2

@@ -42,7 +42,7 @@ wait_for 3 all_arrived 100 || fail "of 8, $(arrived one.log 100) and $(arrived t
 echo "both up: $(arrived one.log 100) and $(arrived two.log 100)"
 
 on one ip link set eth0 down
-is_down() { tell_switch "send 3 ffffffffffff02000000000388b5" | grep -q "not passed on: port down"; }
+is_down() { grep -q "not passed on: port down" <<<"$(tell_switch "send 3 ffffffffffff02000000000388b5")"; }
 wait_for 3 is_down || fail "the link of port 3 does not go down with its interface"
 send_to_all 200
 wait_for 3 all_arrived 200 || fail "of 8, $(arrived one.log 200) and $(arrived two.log 200) came"

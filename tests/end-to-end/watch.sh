@@ -25,9 +25,14 @@ watch() {
 # seen LOG PATTERN: such a line has come.
 seen() { grep -Eqs -- "$2" "$work/$1"; }
 
+# expect_seen LOG PATTERN [COMMAND...]: such a line comes, after as many runs of the command as it takes.
 expect_seen() {
-  wait_for 3 seen "$1" "$2" || fail "no '$2' in $1: $(cat "$work/$1")"
+  wait_for 10 seen_after "$@" || fail "no '$2' in $1: $(cat "$work/$1")"
   echo "$1: $(grep -Em 1 -- "$2" "$work/$1")"
+}
+seen_after() {
+  [ $# -eq 2 ] || "${@:3}"
+  seen "$1" "$2"
 }
 
 # What would be seen has had its time: call it after something later was.
@@ -39,7 +44,7 @@ expect_unseen() {
 # about WANTED GOT: within a tenth.
 about() { [ $(($2 * 10)) -ge $(($1 * 9)) ] && [ $(($2 * 10)) -le $(($1 * 11)) ]; }
 
-listens() { on "$1" ss -ltn | grep -q :5201; }
+listens() { grep -q :5201 <<<"$(on "$1" ss -ltn)"; }
 
 # iperf_rate SENDER RECEIVER ADDRESS: what comes of 6000 kbit/s, in kbit/s, with the headers and the checksum that count
 # at a port.

@@ -19,7 +19,7 @@ for file in "$@"; do
   grep -q 'RWE' <<<"$headers" && fail "$file" "has memory that is writable and executable: $stack"
   grep -q 'TEXTREL' <<<"$dynamic" && fail "$file" "relocates its code"
   grep -qx '__stack_chk_fail' <<<"$undefined" || fail "$file" "does not guard its stack"
-  grep -v '__stack_chk' <<<"$undefined" | grep -q '_chk$' || fail "$file" "calls libc without its checks"
+  grep -q '_chk$' <<<"$undefined" || fail "$file" "calls libc without its checks"
   for call in vfprintf vsyslog; do
     grep -qx "$call" <<<"$undefined" && fail "$file" "calls $call, not __${call}_chk"
   done

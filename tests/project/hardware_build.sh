@@ -13,7 +13,7 @@ cp -r "$source"/swsdk/include/{bcm,shared} "$work/vendor"
 cp -r "$source"/swsdk/include/{appl,soc} "$work/system"
 cmake -S "$source" -B "$work/build" -DSWSDK_INCLUDE_DIR="$work/vendor;$work/system" -DSWSDK_LIBRARY="$library" >/dev/null
 cmake --build "$work/build" >/dev/null
-"${READELF:-readelf}" --dynamic "$work/build/src/libsai.so" | grep -q 'NEEDED.*libswsdk.so'
+grep -q 'NEEDED.*libswsdk.so' <<<"$("${READELF:-readelf}" --dynamic "$work/build/src/libsai.so")"
 cmake --install "$work/build" --prefix "$work/usr" >/dev/null
 printf '#include <sai.h>\nint main(void) { return sai_unit_get(); }\n' >"$work/program.c"
 cmake -S "$(dirname "$0")/consumer" -B "$work/consumer" -DCMAKE_PREFIX_PATH="$work/usr" \

@@ -14,5 +14,5 @@ soname=$(sed -n 's/.*(SONAME).*\[\(.*\)\]/\1/p' <<<"$dynamic")
 needed=$(sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' <<<"$dynamic" | sort | xargs)
 [ "$needed" = "libc.so.6 libswsdk.so" ] || fail "$1" "needs $needed, not libc.so.6 and libswsdk.so alone"
 grep -q '(RPATH)' <<<"$dynamic" && fail "$1" "has a run path that overrules LD_LIBRARY_PATH"
-"${NM:-nm}" "$1" | grep -q '_GLOBAL__sub_I_' && fail "$1" "runs a static constructor"
+grep -q '_GLOBAL__sub_I_' <<<"$("${NM:-nm}" "$1")" && fail "$1" "runs a static constructor"
 exit 0

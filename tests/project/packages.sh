@@ -48,10 +48,11 @@ libraries=$root/usr/lib/$DEB_HOST_MULTIARCH
 examples=$root/usr/share/doc/libsai-dev/examples
 
 for file in "$libraries/libsai.so" "$libraries/libswsdk.so" "$root/usr/bin/saish"; do
-  readelf --sections --wide "$file" | grep -qE ' \.(symtab|debug_info)' && fail "$file is not stripped"
+  grep -qE ' \.(symtab|debug_info)' <<<"$(readelf --sections --wide "$file")" && fail "$file is not stripped"
   build_id=$(readelf --notes "$file" | sed -n 's/.*Build ID: //p')
-  readelf --sections --wide "$root/usr/lib/debug/.build-id/${build_id:0:2}/${build_id:2}.debug" 2>/dev/null |
-    grep -q ' \.debug_info' || fail "$file: its debug file has no debug information"
+  debug=$root/usr/lib/debug/.build-id/${build_id:0:2}/${build_id:2}.debug
+  grep -q ' \.debug_info' <<<"$(readelf --sections --wide "$debug" 2>/dev/null)" ||
+    fail "$file: its debug file has no debug information"
   readelf --dynamic "$file" | grep -E '\((RPATH|RUNPATH)\)' && fail "$file has a run path"
 done
 grep -rl "$PWD" "$root/usr" && fail "the files above name the folder that they were built in"
