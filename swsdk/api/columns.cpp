@@ -22,8 +22,11 @@ std::string api::columns(const std::vector<Row>& rows) {
 
 std::string api::flag_names(uint32_t flags, std::initializer_list<std::pair<uint32_t, const char*>> names) {
   std::string result;
-  for (const auto& [flag, name] : names)
-    if (flags & flag) result += (result.empty() ? "" : ",") + std::string(name);
+  for (const auto& [flag, name] : names) {
+    if (!(flags & flag)) continue;
+    if (!result.empty()) result += ',';
+    result += name;
+  }
   return result.empty() ? "-" : result;
 }
 
