@@ -47,6 +47,11 @@ Frame make_frame(uint32_t from, const chip::Mac& to, uint32_t to_ip) {
     frame[30 + static_cast<std::size_t>(i)] = static_cast<uint8_t>((0x0A000000U + from) >> (24 - 8 * i));
     frame[34 + static_cast<std::size_t>(i)] = static_cast<uint8_t>(to_ip >> (24 - 8 * i));
   }
+  unsigned sum = 0;
+  for (std::size_t at = 18; at < 38; at += 2) sum += static_cast<unsigned>(frame[at] << 8 | frame[at + 1]);
+  const unsigned checksum = ~((sum & 0xFFFF) + (sum >> 16));
+  frame[28] = static_cast<uint8_t>(checksum >> 8);
+  frame[29] = static_cast<uint8_t>(checksum);
   return frame;
 }
 
@@ -155,7 +160,7 @@ struct Scene {
   void add_routes() {
     int interface = 0;
     chip->unicast_routing = true;
-    chip->l3_interfaces.create({.mac = router, .vlan = vlan}, interface);
+    chip->l3_interfaces.create({.flags = chip::L3Interface::in_mac_table, .mac = router, .vlan = vlan}, interface);
     for (const uint32_t host : hosts) {
       int egress = 0;
       chip->egress_objects.create({.interface = interface, .mac = mac(host), .vlan = vlan, .port = port_of(host)},
