@@ -75,6 +75,7 @@ class FieldHits {
     int entry;
   };
 
+  FieldHits() {}  // NOLINT(modernize-use-equals-default): what is not counted need not be 0, for each frame
   void add(const Hit& hit) { hits_[count_++] = hit; }
   std::size_t size() const { return count_; }
   bool empty() const { return count_ == 0; }
@@ -82,7 +83,7 @@ class FieldHits {
   const Hit* end() const { return begin() + count_; }
 
  private:
-  std::array<Hit, capacity> hits_{};
+  std::array<Hit, capacity> hits_;
   std::size_t count_ = 0;
 };
 

@@ -31,10 +31,13 @@ MacEntry entry_of(const Chip& chip, const Source& source) {
 }  // namespace
 
 Learned learn(Chip& chip, const Source& source) {
+  return learn(chip, source, chip.mac_table.find(source.vlan, source.mac));
+}
+
+Learned learn(Chip& chip, const Source& source, const MacEntry* present) {
   if (is_multicast(source.mac)) return Learned::multicast;
   if (!learns(chip, source.vlan, source.port)) return Learned::not_learning;
   const MacEntry seen = entry_of(chip, source);
-  const MacEntry* const present = chip.mac_table.find(seen.vlan, seen.mac);
   if (present != nullptr && present->same_place(seen)) {
     chip.mac_table.hit(*present, &MacEntry::source_hit);
     return Learned::present;

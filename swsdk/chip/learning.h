@@ -26,6 +26,8 @@ enum class Learned {
 inline bool is_in_place(Learned learned) { return learned == Learned::present || learned == Learned::added; }
 
 Learned learn(Chip& chip, const Source& source);
+/// The same, by who has looked up already what the table has of the source: `present`, or null.
+Learned learn(Chip& chip, const Source& source, const MacEntry* present);
 
 /// What a limit that keeps a source out has done with its frames: actions of LearnLimit.
 uint32_t actions_beyond_limit(const Chip& chip, const Source& source);

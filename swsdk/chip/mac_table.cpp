@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "chip/gports.h"
+#include "chip/hash.h"
 
 namespace chip {
 
@@ -17,9 +18,18 @@ std::vector<MacScope> scopes_of(const MacEntry& entry) {
   return result;
 }
 
+namespace {
+
+/// What tells an entry from others; never 0.
+uint64_t key_of(int vlan, const Mac& mac) {
+  constexpr uint64_t used = uint64_t{1} << 63;
+  return used | static_cast<uint64_t>(vlan) << 48 | number_of(mac);
+}
+
+}  // namespace
+
 int MacTable::bucket_of(int vlan, const Mac& mac) {
-  auto key = static_cast<uint64_t>(vlan);
-  for (const uint8_t byte : mac) key = key << 8 | byte;
+  const uint64_t key = static_cast<uint64_t>(vlan) << 48 | number_of(mac);
   constexpr uint64_t spread = 0x9E3779B97F4A7C15;  // an odd number without a pattern carries every bit upwards
   static_assert(buckets == 1 << 13);
   return static_cast<int>((key * spread) >> (64 - 13));
@@ -39,7 +49,7 @@ Status MacTable::add(const MacEntry& entry) {
   std::size_t slot = slot_of(entry.vlan, entry.mac);
   if (slot != none)
     take_out(slots_[slot], false);
-  else if (slot = free_slot(bucket_of(entry.vlan, entry.mac)); slot == none)
+  else if (slot = slot_in(bucket_of(entry.vlan, entry.mac), 0); slot == none)
     return Status::full;
   put_in(slots_[slot], entry);
   return Status::ok;
@@ -90,7 +100,7 @@ std::vector<MacEntry> MacTable::all() const {
   std::vector<MacEntry> result;
   result.reserve(static_cast<std::size_t>(size_));
   for (const Slot& slot : slots_)
-    if (slot.used) result.push_back(slot.entry);
+    if (slot.key != 0) result.push_back(slot.entry);
   return result;
 }
 
@@ -98,33 +108,26 @@ bool MacTable::is_place(const MacEntry& entry) const {
   return entry.is(MacEntry::on_trunk) || ports_.has(entry.port) || gport::kind(entry.port) == gport::virtual_port;
 }
 
-/// The first slot of the bucket that `condition` holds for, or none.
-template <class Condition>
-std::size_t MacTable::slot_in(int bucket, Condition condition) const {
+std::size_t MacTable::slot_of(int vlan, const Mac& mac) const {
+  return slot_in(bucket_of(vlan, mac), key_of(vlan, mac));
+}
+
+std::size_t MacTable::slot_in(int bucket, uint64_t key) const {
   const std::size_t first = static_cast<std::size_t>(bucket) * ways;
   for (std::size_t i = first; i < first + ways; ++i)
-    if (condition(slots_[i])) return i;
+    if (slots_[i].key == key) return i;
   return none;
 }
 
-std::size_t MacTable::slot_of(int vlan, const Mac& mac) const {
-  return slot_in(bucket_of(vlan, mac),
-                 [&](const Slot& slot) { return slot.used && slot.entry.vlan == vlan && slot.entry.mac == mac; });
-}
-
-std::size_t MacTable::free_slot(int bucket) const {
-  return slot_in(bucket, [](const Slot& slot) { return !slot.used; });
-}
-
 void MacTable::put_in(Slot& slot, const MacEntry& entry) {
-  slot = {true, entry};
+  slot = {key_of(entry.vlan, entry.mac), entry};
   ++size_;
   count(entry, 1);
   if (observer_) observer_(Change::added, entry);
 }
 
 void MacTable::take_out(Slot& slot, bool silent) {
-  slot.used = false;
+  slot.key = 0;
   --size_;
   count(slot.entry, -1);
   if (observer_ && !silent) observer_(Change::removed, slot.entry);
@@ -137,7 +140,7 @@ void MacTable::count(const MacEntry& entry, int change) {
 
 void MacTable::age() {
   for (Slot& slot : slots_) {
-    if (!slot.used || slot.entry.is(MacEntry::fixed)) continue;
+    if (slot.key == 0 || slot.entry.is(MacEntry::fixed)) continue;
     if (!slot.entry.source_hit && !slot.entry.destination_hit) take_out(slot, false);
     slot.entry.source_hit = slot.entry.destination_hit = false;
   }

@@ -88,7 +88,7 @@ class MacTable {
   Status remove_if(uint32_t flags, Matches matches) {
     if ((flags & ~(fixed_too | pending_too | silently)) != 0) return Status::bad_parameter;
     for (Slot& slot : slots_)
-      if (slot.used && matches(slot.entry) && (!slot.entry.is(MacEntry::fixed) || flags & fixed_too))
+      if (slot.key != 0 && matches(slot.entry) && (!slot.entry.is(MacEntry::fixed) || flags & fixed_too))
         take_out(slot, flags & silently);
     return Status::ok;
   }
@@ -115,7 +115,7 @@ class MacTable {
 
  private:
   struct Slot {
-    bool used = false;
+    uint64_t key = 0;  // of its entry; 0: it is free
     MacEntry entry;
   };
   struct ScopeHash {
@@ -126,10 +126,9 @@ class MacTable {
 
   static constexpr std::size_t none = capacity;
 
-  template <class Condition>
-  std::size_t slot_in(int bucket, Condition condition) const;
+  /// The bucket's slot that has the key, 0 for the first free one, or none.
+  std::size_t slot_in(int bucket, uint64_t key) const;
   std::size_t slot_of(int vlan, const Mac& mac) const;
-  std::size_t free_slot(int bucket) const;
   void put_in(Slot& slot, const MacEntry& entry);
   void take_out(Slot& slot, bool silent);
   void count(const MacEntry& entry, int change);

@@ -1,5 +1,7 @@
 #include "chip/trunks.h"
 
+#include <algorithm>
+
 namespace chip {
 
 void Trunks::reset() {
@@ -9,7 +11,7 @@ void Trunks::reset() {
 
 void Trunks::detach() {
   trunks_.clear();
-  trunk_of_.clear();
+  trunk_of_.fill(none);
   attached_ = false;
 }
 
@@ -22,7 +24,7 @@ Status Trunks::create(uint32_t flags, int& id) {
 
 Status Trunks::destroy(int id) {
   if (!attached_) return Status::not_initialised;
-  std::erase_if(trunk_of_, [&](const auto& port) { return port.second == id; });
+  std::replace(trunk_of_.begin(), trunk_of_.end(), id, none);
   return trunks_.remove(id);
 }
 
@@ -34,8 +36,8 @@ Status Trunks::set(int id, int criterion, const std::vector<int>& members) {
     if (!ports_.has(port)) return Status::bad_port;
     if (trunk_of(port).value_or(id) != id) return Status::exists;
   }
-  std::erase_if(trunk_of_, [&](const auto& port) { return port.second == id; });
-  for (const int port : members) trunk_of_[port] = id;
+  std::replace(trunk_of_.begin(), trunk_of_.end(), id, none);
+  for (const int port : members) trunk_of_[static_cast<std::size_t>(port)] = id;
   *trunks_.find(id) = {criterion, members};
   return Status::ok;
 }
@@ -51,11 +53,6 @@ Status Trunks::check(int id) const {
   if (!attached_) return Status::not_initialised;
   if (!trunks_.is_valid(id)) return Status::bad_parameter;
   return trunks_.find(id) == nullptr ? Status::not_found : Status::ok;
-}
-
-std::optional<int> Trunks::trunk_of(int port) const {
-  const auto found = trunk_of_.find(port);
-  return found == trunk_of_.end() ? std::nullopt : std::optional(found->second);
 }
 
 }  // namespace chip

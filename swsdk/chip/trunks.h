@@ -1,6 +1,7 @@
 // Trunks: ports that carry traffic together, as one.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <vector>
@@ -21,7 +22,7 @@ class Trunks {
   static constexpr std::size_t most_members = 8;
   static constexpr int highest_criterion = 6;  // 0: the chip's own choice
 
-  explicit Trunks(const Ports& ports) : ports_(ports) {}
+  explicit Trunks(const Ports& ports) : ports_(ports) { trunk_of_.fill(none); }
 
   /// No trunks, but ready to have some.
   void reset();
@@ -39,16 +40,21 @@ class Trunks {
   /// Whether the id is within the table and there is such a trunk.
   Status check(int id) const;
   /// The trunk that the port is in.
-  std::optional<int> trunk_of(int port) const;
+  std::optional<int> trunk_of(int port) const {
+    const bool is_in_one = port >= 0 && port < PortSet::capacity && trunk_of_[static_cast<std::size_t>(port)] != none;
+    return is_in_one ? std::optional(trunk_of_[static_cast<std::size_t>(port)]) : std::nullopt;
+  }
 
   const std::map<int, Trunk>& all() const { return trunks_.all(); }
 
  private:
   static bool is_criterion(int criterion) { return criterion >= 0 && criterion <= highest_criterion; }
 
+  static constexpr int none = -1;
+
   const Ports& ports_;
   Slots<Trunk> trunks_{0, capacity};
-  std::map<int, int> trunk_of_;  // by port
+  std::array<int, PortSet::capacity> trunk_of_;  // by port
   bool attached_ = true;
 };
 

@@ -10,7 +10,6 @@ namespace {
 void mirror(Passage& frame, int port, uint32_t direction, const EgressHeader& header, std::span<const uint8_t> bytes,
             Wire& wire) {
   const Mirrors& mirrors = frame.chip.mirrors;
-  if (mirrors.mode() == Mirrors::Mode::off) return;
   for (const auto& [source, flags] : mirrors.sources()) {
     const auto& [mirrored, destination] = source;
     int gport = 0;
@@ -26,6 +25,7 @@ void mirror(Passage& frame, int port, uint32_t direction, const EgressHeader& he
 }  // namespace
 
 void mirror_ingress(Passage& frame, Wire& wire) {
+  if (frame.chip.mirrors.mode() == Mirrors::Mode::off) return;
   const Packet& packet = frame.packet;
   EgressHeader header;
   header.destination = packet.fields.destination_mac;
@@ -36,6 +36,7 @@ void mirror_ingress(Passage& frame, Wire& wire) {
 }
 
 void mirror_egress(Passage& frame, int port, const EgressHeader& header, std::span<const uint8_t> bytes, Wire& wire) {
+  if (frame.chip.mirrors.mode() == Mirrors::Mode::off) return;
   mirror(frame, port, Mirrors::egress, header, bytes, wire);
 }
 

@@ -143,7 +143,6 @@ bool parse_ether_type(Reader& reader, Packet& packet) {
 
 bool parse(int port, std::span<const uint8_t> frame, Packet& packet) {
   constexpr std::size_t addresses = 12;
-  packet = Packet();
   packet.bytes = frame;
   packet.port = packet.source = port;
   FrameFields& fields = packet.fields;
