@@ -214,7 +214,7 @@ Made call(Returned (*function)(Args...), const Parameters& parameters, Input& in
 inline Made call(void (*function)(const char*, ...), const Parameters& parameters, Input& input, Prepare prepare) {
   const Argument<const char*> text(parameters[0], input);
   prepare(input);
-  function("%s", text.get());
+  function("%s", text.get() != nullptr ? text.get() : "");
   return {};
 }
 
