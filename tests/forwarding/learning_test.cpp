@@ -95,7 +95,7 @@ TEST_F(Learning, ALimitHoldsOnceLimitsAreHeeded) {
 }
 
 TEST_F(Learning, ALimitOfAVlanIsForItsAddressesAlone) {
-  vlan(20, {1, 3});
+  vlan(20, {1, 2, 3});
   EXPECT_EQ(sai_l2_mac_learn_limit_enable(0), SAI_E_NONE);
   EXPECT_TRUE(learns(8));
   limit(BCM_L2_LEARN_LIMIT_VLAN, 2);  // that of port 1 is the other one
@@ -105,7 +105,7 @@ TEST_F(Learning, ALimitOfAVlanIsForItsAddressesAlone) {
 }
 
 TEST_F(Learning, ALimitOfTheSystemIsForAllAddresses) {
-  vlan(20, {1, 3});
+  vlan(20, {1, 2, 3});
   EXPECT_EQ(sai_l2_mac_learn_limit_enable(0), SAI_E_NONE);
   EXPECT_TRUE(learns(8));
   limit(BCM_L2_LEARN_LIMIT_SYSTEM, 2);

@@ -48,11 +48,11 @@ TEST_F(StartUp, KeepsUnknownDestinationsFromTheCpu) {
 
 TEST_F(StartUp, CopiesArpToTheCpu) {
   EXPECT_EQ(before_and_after(1, Frame(1, 2).tag(10).arp(true, "10.0.0.1", "10.0.0.2")),
-            "2: 01>02 [10] arp reply 10.0.0.1>10.0.0.2\n"
-            "cpu 0x80: 01>02 [10] arp reply 10.0.0.1>10.0.0.2\n"
+            "2: 01>02 [10] arp 10.0.0.1>10.0.0.2\n"
+            "cpu 0x80: 01>02 [10] arp 10.0.0.1>10.0.0.2\n"
             "then\n"
-            "2: 01>02 [10] arp reply 10.0.0.1>10.0.0.2\n"
-            "cpu 0x2: 01>02 [10] arp reply 10.0.0.1>10.0.0.2\n");
+            "2: 01>02 [10] arp 10.0.0.1>10.0.0.2\n"
+            "cpu 0x2: 01>02 [10] arp 10.0.0.1>10.0.0.2\n");
 }
 
 TEST_F(StartUp, KeepsSlowProtocolsForTheCpu) {
