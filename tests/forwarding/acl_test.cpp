@@ -30,7 +30,7 @@ class Acl : public support::ForwardingTest {
   /// Where a frame from port 1 to port 2 goes: "passed", "stopped" or "dropped: ...".
   std::string fate(const Bytes& frame) {
     const std::string copies = send(1, frame);
-    if (copies.find("2: ") != std::string::npos) return "passed";
+    if (('\n' + copies).find("\n2: ") != std::string::npos) return "passed";
     return copies.substr(0, 7) == "dropped" ? copies : "stopped";
   }
 
@@ -149,6 +149,7 @@ TEST_F(Acl, AnL2RuleDeniesADestinationOnTheWayOut) {
   std::copy_n(plain.begin(), 6, rule.dst_mac);
   std::fill_n(rule.dst_mac_mask, 6, uint8_t{0xFF});
   int32_t entry = 0;
+  EXPECT_EQ(fate(plain), "passed");
   EXPECT_EQ(sai_acl_l2_entry_install(0, 2, SAI_ACL_EGRESS, group(sai_efp_l2_group_create), &rule, &entry), 0);
   EXPECT_EQ(send(1, plain), "");
   EXPECT_EQ(fate(Frame(1, 8).tag(10).type(0x9000)), "passed");
@@ -180,6 +181,18 @@ TEST_F(Acl, AnIp4RuleDeniesOnTheWayOut) {
   EXPECT_EQ(sai_acl_ext_l3_entry_install(0, 2, SAI_ACL_EGRESS, out, &rule, &entry), 0);
   EXPECT_EQ(send(1, udp), "");
   EXPECT_EQ(fate(Frame(1, 9).tag(10).ip("10.0.0.1", "10.0.0.8").udp(5, 6)), "passed");
+}
+
+TEST_F(Acl, EveryKindOfIp4RuleDeniesOnTheWayOut) {
+  const int32_t out = group(sai_efp_mac_ipv4_group_create);
+  for (const auto install : {sai_acl_std_l3_entry_install, sai_acl_ext_l3_entry_install, sai_acl_l2_l3_entry_install}) {
+    const sai_acl_rule_t rule = deny();
+    int32_t entry = 0;
+    EXPECT_EQ(fate(udp), "passed");
+    EXPECT_EQ(install(0, 2, SAI_ACL_EGRESS, out, &rule, &entry), 0);
+    EXPECT_EQ(send(1, udp), "");
+    EXPECT_EQ(sai_fp_entry_destroy(0, entry), 0);
+  }
 }
 
 TEST_F(Acl, AnIp6RuleDeniesOnTheWayOut) {

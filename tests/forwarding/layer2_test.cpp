@@ -253,9 +253,11 @@ TEST_F(Layer2, ASpanningTreeGroupBlocksItsVlansAlone) {
   EXPECT_EQ(sai_stg_vlan_del(0, group, 10), SAI_E_NONE);
   EXPECT_EQ(send_to(9), flooded);
   EXPECT_EQ(sai_stg_vlan_add(0, group, 10), SAI_E_NONE);
+  EXPECT_EQ(send_to(9), "2: 01>09 [10] 9000\n");
   EXPECT_EQ(sai_stg_vlan_del_all(0, group), SAI_E_NONE);
   EXPECT_EQ(send_to(9), flooded);
   EXPECT_EQ(sai_stg_vlan_add(0, group, 10), SAI_E_NONE);
+  EXPECT_EQ(send_to(9), "2: 01>09 [10] 9000\n");
   EXPECT_EQ(sai_stg_destroy(0, group), SAI_E_NONE);
   EXPECT_EQ(send_to(9), flooded);
 }
@@ -286,6 +288,7 @@ TEST_F(Layer2, TheDefaultGroupTakesNewVlansAndClearingTakesAllBack) {
   EXPECT_EQ(send(1, Frame(1, 9).tag(30).type(0x9000)), "3: 01>09 [30] 9000\n");
   EXPECT_EQ(sai_stg_create(0, group), SAI_E_NONE);
   EXPECT_EQ(sai_stg_vlan_add(0, group, 30), SAI_E_NONE);
+  EXPECT_EQ(send(1, Frame(1, 9).tag(30).type(0x9000)), "dropped: spanning tree\n");
   EXPECT_EQ(sai_stg_clear(0), SAI_E_NONE);
   EXPECT_EQ(send(1, Frame(1, 9).tag(30).type(0x9000)), "3: 01>09 [30] 9000\n");
 }
