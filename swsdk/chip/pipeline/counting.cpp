@@ -58,7 +58,15 @@ constexpr int ether_octets = 36;
 constexpr int ether_frames = 37;
 constexpr int too_long_frames = 52;
 
-constexpr int ip6_forwarded = 70;
+/// By IpEvent.
+struct IpCounter {
+  int ip4, ip6;
+};
+constexpr int no_counter = -1;
+constexpr IpCounter ip_counters[] = {
+    {12, 66}, {13, 67}, {15, 69}, {14, no_counter}, {82, 82}, {83, 83}, {84, 84},
+};
+constexpr int ip6_forwarded = 70;  // where packets leave, unlike that of IPv4
 constexpr int ip6_multicast_received = 72;
 constexpr int ip6_multicast_sent = 73;
 
@@ -137,33 +145,11 @@ void count_sent(Counters& counters, int port, const EgressHeader& header, std::s
   count(counters.of(port), sent, header.destination, length, tags);
 }
 
-// Those of IPv4 are of the port where a packet came in; the chip counts IPv6 packets that go on where they leave.
 void count_ip(Counters& counters, const Packet& packet, IpEvent event) {
-  constexpr int none = -1;
-  struct Numbers {
-    int ip4, ip6;
-  };
-  const Numbers numbers = [&]() -> Numbers {
-    switch (event) {
-      case IpEvent::received:
-        return {12, 66};
-      case IpEvent::header_error:
-        return {13, 67};
-      case IpEvent::forwarded:
-        return {14, none};
-      case IpEvent::discarded:
-        return {15, 69};
-      case IpEvent::group_bridged:
-        return {82, 82};
-      case IpEvent::group_routed:
-        return {83, 83};
-      case IpEvent::group_dropped:
-        return {84, 84};
-    }
-    return {none, none};
-  }();
-  const int number = packet.is_ip4() ? numbers.ip4 : packet.is_ip6() ? numbers.ip6 : none;
-  if (number != none) ++counter(counters, packet.port, number);
+  if (!packet.is_ip4() && !packet.is_ip6()) return;
+  const IpCounter& numbers = ip_counters[static_cast<std::size_t>(event)];
+  const int number = packet.is_ip4() ? numbers.ip4 : numbers.ip6;
+  if (number != no_counter) ++counter(counters, packet.port, number);
 }
 
 void count_sent_ip(Counters& counters, int port, const Packet& packet, bool routed) {
