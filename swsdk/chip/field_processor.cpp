@@ -222,6 +222,7 @@ Status FieldProcessor::detach_policer(int entry, int level) {
       if (attached == FieldRule::no_policer) return Status::not_found;
       policers_.detach(attached);
       attached = FieldRule::no_policer;
+      if (found.installed) found.installed->policers[index] = FieldRule::no_policer;
       return Status::ok;
     });
   });

@@ -141,6 +141,7 @@ class FieldProcessor {
   Status remove(int entry);
 
   Status attach_policer(int entry, int level, int policer);
+  /// In force at once: a meter that another entry may get next is no longer this one's.
   Status detach_policer(int entry, int level);
   Status policer(int entry, int level, int& policer) const;
   /// Detaches all policers everywhere.

@@ -41,10 +41,10 @@ struct FrameFields {
   int out_port = 0;  // known at the egress stage
   Mac source_mac{};
   Mac destination_mac{};
-  int vlan_format = 0;     // tags on arrival: 0 none, 1 outer, 2 inner, 3 both
+  int vlan_format = 0;     // tags, on arrival or when it is to leave: 0 none, 1 outer, 2 inner, 3 both
   uint16_t outer_tag = 0;  // priority, CFI and the frame's VLAN, given by the chip when the frame came without
   uint16_t inner_tag = 0;
-  uint16_t ether_type = 0;
+  uint16_t ether_type = 0;  // 0 where a length stands in its place, but for SNAP
   uint32_t source_ip = 0;
   uint32_t destination_ip = 0;
   Ip6 source_ip6{};

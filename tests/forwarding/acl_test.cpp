@@ -30,7 +30,7 @@ class Acl : public support::ForwardingTest {
   /// Where a frame from port 1 to port 2 goes: "passed", "stopped" or "dropped: ...".
   std::string fate(const Bytes& frame) {
     const std::string copies = send(1, frame);
-    if (copies.find("2: ") != std::string::npos) return "passed";
+    if (('\n' + copies).find("\n2: ") != std::string::npos) return "passed";
     return copies.substr(0, 7) == "dropped" ? copies : "stopped";
   }
 
@@ -128,6 +128,20 @@ TEST_F(Acl, TheCpuHearsArpThatARuleDenies) {
             "cpu 0x2: 01>all [10] arp 10.0.0.1>10.0.0.2\n" + dropped);
 }
 
+TEST_F(Acl, AnEtherTypeIsNoneOfWhatStandsBehindALength) {
+  const Bytes arp = Frame(1, 9).tag(10).arp(false, "10.0.0.1", "10.0.0.9");
+  const Bytes access_points = Frame(1, 9).tag(10).type(3).bytes({0x08, 0x06, 3});
+  EXPECT_EQ(send(1, arp).substr(0, 6), "2: 01>");
+  EXPECT_EQ(fate(access_points), "passed");
+  sai_acl_rule_t rule = deny();
+  rule.ether_type = 0x0806;
+  rule.ether_type_mask = 0xFFFF;
+  int32_t entry = 0;
+  EXPECT_EQ(sai_acl_l2_entry_install(0, 1, SAI_ACL_INGRESS, group(sai_ifp_l2_group_create), &rule, &entry), 0);
+  EXPECT_EQ(send(1, arp), "cpu 0x2: 01>09 [10] arp 10.0.0.1>10.0.0.9\n" + dropped);
+  EXPECT_EQ(fate(access_points), "passed");
+}
+
 // --------------------------------------------------------------------------------------------------- way out ----
 
 TEST_F(Acl, AnL2RuleDeniesADestinationOnTheWayOut) {
@@ -135,11 +149,27 @@ TEST_F(Acl, AnL2RuleDeniesADestinationOnTheWayOut) {
   std::copy_n(plain.begin(), 6, rule.dst_mac);
   std::fill_n(rule.dst_mac_mask, 6, uint8_t{0xFF});
   int32_t entry = 0;
+  EXPECT_EQ(fate(plain), "passed");
   EXPECT_EQ(sai_acl_l2_entry_install(0, 2, SAI_ACL_EGRESS, group(sai_efp_l2_group_create), &rule, &entry), 0);
   EXPECT_EQ(send(1, plain), "");
   EXPECT_EQ(fate(Frame(1, 8).tag(10).type(0x9000)), "passed");
   EXPECT_EQ(sai_vlan_port_add(0, 10, 3, 1), 0);
   EXPECT_EQ(send(1, plain), "3: 01>09 [10] 9000\n") << "the copies for other ports leave";
+}
+
+TEST_F(Acl, WhatIsDeniedOnTheWayOutCountsAsDiscarded) {
+  constexpr std::size_t out_discards = 13;
+  const auto discarded = [] {
+    uint64_t values[18];
+    EXPECT_EQ(sai_port_mib_read(0, 2, values), 0);
+    return values[out_discards];
+  };
+  sai_acl_rule_t rule = deny();
+  int32_t entry = 0;
+  EXPECT_EQ(sai_acl_l2_entry_install(0, 2, SAI_ACL_EGRESS, group(sai_efp_l2_group_create), &rule, &entry), 0);
+  const uint64_t before = discarded();
+  send(1, plain);
+  EXPECT_EQ(discarded(), before + 1);
 }
 
 TEST_F(Acl, AnIp4RuleDeniesOnTheWayOut) {
@@ -151,6 +181,18 @@ TEST_F(Acl, AnIp4RuleDeniesOnTheWayOut) {
   EXPECT_EQ(sai_acl_ext_l3_entry_install(0, 2, SAI_ACL_EGRESS, out, &rule, &entry), 0);
   EXPECT_EQ(send(1, udp), "");
   EXPECT_EQ(fate(Frame(1, 9).tag(10).ip("10.0.0.1", "10.0.0.8").udp(5, 6)), "passed");
+}
+
+TEST_F(Acl, EveryKindOfIp4RuleDeniesOnTheWayOut) {
+  const int32_t out = group(sai_efp_mac_ipv4_group_create);
+  for (const auto install : {sai_acl_std_l3_entry_install, sai_acl_ext_l3_entry_install, sai_acl_l2_l3_entry_install}) {
+    const sai_acl_rule_t rule = deny();
+    int32_t entry = 0;
+    EXPECT_EQ(fate(udp), "passed");
+    EXPECT_EQ(install(0, 2, SAI_ACL_EGRESS, out, &rule, &entry), 0);
+    EXPECT_EQ(send(1, udp), "");
+    EXPECT_EQ(sai_fp_entry_destroy(0, entry), 0);
+  }
 }
 
 TEST_F(Acl, AnIp6RuleDeniesOnTheWayOut) {

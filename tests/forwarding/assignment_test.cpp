@@ -50,6 +50,7 @@ TEST_F(AssignedVlans, AMacAddressHasItsVlanOnPortsThatAreSwitchedToThat) {
 TEST_F(AssignedVlans, AMacAddressLosesItsVlan) {
   EXPECT_EQ(sai_port_mac_vlan_set(0, 1, 1), 0);
   EXPECT_EQ(sai_vlan_mac_add(0, source.data(), 10, 5), 0);
+  EXPECT_EQ(tag_of(plain), "[10p5]");
   EXPECT_EQ(sai_vlan_mac_del(0, source.data()), 0);
   EXPECT_EQ(tag_of(plain), "none");
   EXPECT_EQ(sai_vlan_mac_add(0, source.data(), 20, 0), 0);

@@ -18,13 +18,17 @@ class ForwardingTest : public testing::Test {
  protected:
   ForwardingTest() {
     start_chip();
-    static constexpr uint8_t system_mac[6] = {0x02, 0, 0, 0, 0, 0xC0};
-    EXPECT_EQ(sai_switch_chip_init(system_mac), SAI_E_NONE);
+    EXPECT_EQ(sai_switch_chip_init(mac(0xC0).data()), SAI_E_NONE);
+    connect();
+  }
+  ~ForwardingTest() override { swsdk_power_off(); }
+
+  /// Brings all links up, and takes the frames that leave.
+  void connect() {
     for (int port = 1; port <= 12; ++port) swsdk_link_event(0, port, 1);
     swsdk_events_drain();
     EXPECT_EQ(swsdk_frame_handle(0, take, &out_), 0);
   }
-  ~ForwardingTest() override { swsdk_power_off(); }
 
   /// Makes a VLAN with members: the library's CPU port is tagged, as are the ports unless they are in `untagged`.
   static void vlan(uint16_t id, std::initializer_list<uint16_t> tagged, std::initializer_list<uint16_t> untagged = {}) {

@@ -1,6 +1,8 @@
 // The MAC table, trunks, mirrors and spanning-tree groups as frames see them.
 #include <bcm/l2.h>
 
+#include <algorithm>
+
 #include "forwarding_fixture.h"
 
 namespace {
@@ -58,6 +60,7 @@ TEST_F(Layer2, EveryWayToDeleteMakesFramesFloodAgain) {
   del(entry(9), 0);
   EXPECT_EQ(send_to(9), flooded);
   send_to(1, 9, 3);
+  EXPECT_EQ(send_to(9), to_3);
   EXPECT_EQ(sai_l2_mac_init(0), SAI_E_NONE);
   EXPECT_EQ(send_to(9), flooded);
 }
@@ -125,7 +128,6 @@ TEST_F(Layer2, TheApplicationHearsOfAddressesThatFramesBring) {
 
 TEST_F(Layer2, ATrunkIsOnePort) {
   int32_t trunk = 0;
-  EXPECT_EQ(sai_trunk_init(0), SAI_E_NONE);
   EXPECT_EQ(sai_trunk_create(0, 0, &trunk), SAI_E_NONE);
   EXPECT_EQ(send_to(9), flooded);
   EXPECT_EQ(sai_trunk_set(0, trunk, 9, ports_3_and_4, 2), SAI_E_NONE);
@@ -141,6 +143,33 @@ TEST_F(Layer2, ATrunkIsOnePort) {
   EXPECT_EQ(sai_trunk_destroy(0, trunk), SAI_E_NONE);
   swsdk_link_event(0, 4, 1);
   EXPECT_EQ(send_to(9), flooded);
+}
+
+TEST_F(Layer2, AddressesOfATrunkAreDeletedByItsNumber) {
+  int32_t trunk = 0;
+  EXPECT_EQ(sai_trunk_create(0, 0, &trunk), SAI_E_NONE);
+  EXPECT_EQ(sai_trunk_set(0, trunk, 9, ports_3_and_4, 2), SAI_E_NONE);
+  const auto copies = [&] {
+    const std::string out = send_to(9);
+    return std::count(out.begin(), out.end(), '\n');
+  };
+  send_to(1, 9, 4);
+  EXPECT_EQ(copies(), 1);
+  sai_l2_mac_entry_t deleted = entry(0);
+  deleted.trunk = trunk;
+  del(deleted, SAI_L2_DELETE_BY_TRUNK);
+  EXPECT_EQ(copies(), 2);
+}
+
+TEST_F(Layer2, TrunksEndWithTheirModule) {
+  for (const auto end : {sai_trunk_init, sai_trunk_detach}) {
+    int32_t trunk = 0;
+    EXPECT_EQ(sai_trunk_create(0, 0, &trunk), SAI_E_NONE);
+    EXPECT_EQ(sai_trunk_set(0, trunk, 9, ports_3_and_4, 2), SAI_E_NONE);
+    EXPECT_NE(send_to(9), flooded);
+    EXPECT_EQ(end(0), SAI_E_NONE);
+    EXPECT_EQ(send_to(9), flooded);
+  }
 }
 
 TEST_F(Layer2, TheHashOfATrunkDecidesWhatGoesTogether) {
@@ -177,8 +206,37 @@ TEST_F(Layer2, AMirrorSeesTheSidesOfItsSource) {
   EXPECT_EQ(sai_mirror_source_port_unset(0, 1, 1, SAI_MIRROR_INGRESS), SAI_E_NONE);
   EXPECT_EQ(send_to(9), to_3);
   EXPECT_EQ(sai_mirror_source_port_unset(0, 1, 1, SAI_MIRROR_EGRESS), SAI_E_NONE);
-  EXPECT_EQ(sai_mirror_dest_port_unset(0, 1, 8), SAI_E_NONE);
   EXPECT_EQ(send_to(1, 9, 3), "1: 09>01 [10] 9000\n");
+}
+
+TEST_F(Layer2, AMirrorMovesToAnotherPortAndEnds) {
+  add(9, 3, SAI_L2_MAC_STATIC);
+  const auto mirror_port_1 = [] { return sai_mirror_source_port_set(0, 1, 1, SAI_MIRROR_INGRESS); };
+  EXPECT_EQ(sai_mirror_init(0), SAI_E_NONE);
+  EXPECT_EQ(sai_mirror_dest_port_set(0, 1, 8), SAI_E_NONE);
+  EXPECT_EQ(mirror_port_1(), SAI_E_NONE);
+  EXPECT_EQ(sai_mirror_dest_port_set(0, 1, 7), SAI_E_NONE);
+  EXPECT_EQ(send_to(9), "7: 01>09 [10] 9000\n" + to_3);
+  EXPECT_NE(sai_mirror_dest_port_unset(0, 1, 7), SAI_E_NONE) << "it has a source";
+  EXPECT_EQ(send_to(9), "7: 01>09 [10] 9000\n" + to_3);
+  EXPECT_EQ(sai_mirror_source_port_unset(0, 1, 1, SAI_MIRROR_INGRESS), SAI_E_NONE);
+  EXPECT_EQ(sai_mirror_dest_port_unset(0, 1, 7), SAI_E_NONE);
+  EXPECT_EQ(mirror_port_1(), SAI_E_NOT_FOUND);
+  EXPECT_EQ(send_to(9), to_3);
+}
+
+TEST_F(Layer2, MirrorsEndWhenTheyAreInitialised) {
+  add(9, 3, SAI_L2_MAC_STATIC);
+  EXPECT_EQ(sai_mirror_dest_port_set(0, 1, 8), SAI_E_NONE);
+  EXPECT_EQ(sai_mirror_source_port_set(0, 1, 1, SAI_MIRROR_INGRESS), SAI_E_NONE);
+  EXPECT_EQ(send_to(9), to_3) << "nothing is mirrored before";
+  EXPECT_EQ(sai_mirror_init(0), SAI_E_NONE);
+  EXPECT_EQ(send_to(9), to_3);
+  EXPECT_EQ(sai_mirror_dest_port_set(0, 1, 8), SAI_E_NONE);
+  EXPECT_EQ(sai_mirror_source_port_set(0, 1, 1, SAI_MIRROR_INGRESS), SAI_E_NONE);
+  EXPECT_EQ(send_to(9), "8: 01>09 [10] 9000\n" + to_3);
+  EXPECT_EQ(sai_mirror_init(0), SAI_E_NONE);
+  EXPECT_EQ(send_to(9), to_3);
 }
 
 TEST_F(Layer2, ASpanningTreeGroupBlocksItsVlansAlone) {
@@ -195,11 +253,29 @@ TEST_F(Layer2, ASpanningTreeGroupBlocksItsVlansAlone) {
   EXPECT_EQ(sai_stg_vlan_del(0, group, 10), SAI_E_NONE);
   EXPECT_EQ(send_to(9), flooded);
   EXPECT_EQ(sai_stg_vlan_add(0, group, 10), SAI_E_NONE);
+  EXPECT_EQ(send_to(9), "2: 01>09 [10] 9000\n");
   EXPECT_EQ(sai_stg_vlan_del_all(0, group), SAI_E_NONE);
   EXPECT_EQ(send_to(9), flooded);
   EXPECT_EQ(sai_stg_vlan_add(0, group, 10), SAI_E_NONE);
+  EXPECT_EQ(send_to(9), "2: 01>09 [10] 9000\n");
   EXPECT_EQ(sai_stg_destroy(0, group), SAI_E_NONE);
   EXPECT_EQ(send_to(9), flooded);
+}
+
+TEST_F(Layer2, TheStateOfAPortSaysWhetherItForwardsAndLearns) {
+  constexpr int group = 1;  // that of VLANs of which nobody says otherwise
+  const struct {
+    uint32_t state;
+    bool learns;
+    bool forwards;
+  } states[] = {{0, false, false}, {1, false, false}, {2, false, false}, {3, true, false}, {4, true, true}};
+  for (const auto& [state, learns, forwards] : states) {
+    EXPECT_EQ(sai_port_stg_stp_set(0, group, {3, state}), SAI_E_NONE);
+    EXPECT_EQ(send_to(1, 9, 3) == "dropped: spanning tree\n", !forwards) << state;
+    EXPECT_EQ(sai_port_stg_stp_set(0, group, {3, 4}), SAI_E_NONE);
+    EXPECT_EQ(send_to(9), learns ? to_3 : flooded) << state;
+    del(entry(9), SAI_L2_DELETE_BY_MAC);
+  }
 }
 
 TEST_F(Layer2, TheDefaultGroupTakesNewVlansAndClearingTakesAllBack) {
@@ -212,6 +288,7 @@ TEST_F(Layer2, TheDefaultGroupTakesNewVlansAndClearingTakesAllBack) {
   EXPECT_EQ(send(1, Frame(1, 9).tag(30).type(0x9000)), "3: 01>09 [30] 9000\n");
   EXPECT_EQ(sai_stg_create(0, group), SAI_E_NONE);
   EXPECT_EQ(sai_stg_vlan_add(0, group, 30), SAI_E_NONE);
+  EXPECT_EQ(send(1, Frame(1, 9).tag(30).type(0x9000)), "dropped: spanning tree\n");
   EXPECT_EQ(sai_stg_clear(0), SAI_E_NONE);
   EXPECT_EQ(send(1, Frame(1, 9).tag(30).type(0x9000)), "3: 01>09 [30] 9000\n");
 }

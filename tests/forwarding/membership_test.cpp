@@ -33,6 +33,7 @@ TEST_F(Membership, AVlanIsGoneOnceItIsDestroyed) {
 TEST_F(Membership, AllVlansButTheDefaultOneAreDestroyedAtOnce) {
   vlan(10, {1, 2});
   vlan(20, {1, 2});
+  EXPECT_EQ(send(1, in_10), "2: 01>02 [10] 9000\n");
   EXPECT_EQ(sai_vlan_destroy_all(0), 0);
   EXPECT_EQ(send(1, in_10), unknown);
   EXPECT_EQ(send(1, Frame(1, 2).tag(20).type(0x9000)), unknown);

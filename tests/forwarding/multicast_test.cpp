@@ -58,6 +58,7 @@ TEST_F(Groups, ReachTheirMembersInTheVlansInWhichTheyReported) {
 TEST_F(Groups, LeaveOutAMemberThatLeftAndEndWithTheLast) {
   EXPECT_EQ(add(2, 10), SAI_E_NONE);
   EXPECT_EQ(add(4, 20), SAI_E_NONE);
+  EXPECT_EQ(from_source().substr(0, 2), "2:");
   EXPECT_EQ(remove(2, 10), SAI_E_NONE);
   EXPECT_EQ(from_source(), "4: e0>01:00:5e:01:01:01 [20] 10.0.0.1>225.1.1.1 ttl 63 udp 5>6\n");
   EXPECT_EQ(remove(4, 20), SAI_E_NONE);
@@ -66,11 +67,13 @@ TEST_F(Groups, LeaveOutAMemberThatLeftAndEndWithTheLast) {
 
 TEST_F(Groups, EndWhenTheyAreDestroyed) {
   EXPECT_EQ(add(2, 10), SAI_E_NONE);
+  EXPECT_NE(from_source(), flooded);
   EXPECT_EQ(sai_multicast_destroy(0, 10, group), SAI_E_NONE);
   EXPECT_EQ(from_source(), flooded);
 }
 
 TEST_F(Groups, HaveTwoTagsAtPort8WhereTheyAreAddedAsRoutes) {
+  EXPECT_EQ(from_source(), flooded);
   EXPECT_EQ(sai_ipmc_add(0, 10, 20, 4, group, router_mac.data()), SAI_E_NONE);
   EXPECT_EQ(sai_ipmc_add(0, 10, 30, 8, group, router_mac.data()), SAI_E_NONE);
   EXPECT_EQ(from_source(2),
@@ -96,6 +99,7 @@ TEST_F(Groups, OfIp6ReachTheirMembersOfOneSource) {
 TEST_F(Groups, OfIp6LeaveOutAMemberThatLeftAndEndWithTheLast) {
   EXPECT_EQ(add6(2, 10), SAI_E_NONE);
   EXPECT_EQ(add6(4, 20), SAI_E_NONE);
+  EXPECT_NE(from_source6().find("\n4:"), std::string::npos);
   EXPECT_EQ(remove6(4, 20), SAI_E_NONE);
   EXPECT_EQ(from_source6(), "2: e0>33:33:00:00:00:01 [10] 2001::1>ff05::1 ttl 63 udp 5>6\n");
   EXPECT_EQ(remove6(2, 10), SAI_E_NONE);
@@ -104,6 +108,7 @@ TEST_F(Groups, OfIp6LeaveOutAMemberThatLeftAndEndWithTheLast) {
 
 TEST_F(Groups, OfIp6EndWhenTheyAreDestroyed) {
   EXPECT_EQ(add6(2, 10), SAI_E_NONE);
+  EXPECT_NE(from_source6(), flooded6);
   EXPECT_EQ(sai_ipv6_multicast_destroy(0, 10, group6.data(), source6.data()), SAI_E_NONE);
   EXPECT_EQ(from_source6(), flooded6);
 }

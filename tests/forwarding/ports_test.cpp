@@ -39,6 +39,15 @@ TEST_F(Ports, LearningDecidesWhatBecomesOfUnknownSources) {
   EXPECT_EQ(send_from(1), from_1);
 }
 
+TEST_F(Ports, APortThatDoesNotLearnStillForwards) {
+  EXPECT_EQ(sai_port_learn_set(0, 3, 0x4), SAI_E_NONE);
+  EXPECT_EQ(send_from(3, 9), "1: 09>09 [10] 9000\n2: 09>09 [10] 9000\n");
+  EXPECT_EQ(send_from(1), from_1);
+  EXPECT_EQ(sai_port_learn_set(0, 3, 0x1), SAI_E_NONE);
+  EXPECT_EQ(send_from(3, 9), "dropped: unknown source\n") << "learned from, and known next time";
+  EXPECT_EQ(send_from(1), "3: 01>09 [10] 9000\n");
+}
+
 TEST_F(Ports, AnIsolatedPortReachesAllButItsTargets) {
   EXPECT_EQ(sai_port_isolate_set(0, 1, 3), SAI_E_NONE);
   EXPECT_EQ(send_from(1), "2: 01>09 [10] 9000\n");
@@ -73,6 +82,21 @@ TEST_F(Ports, TheCountersCountFrames) {
   EXPECT_EQ(sai_port_stat_clean(0, 2), SAI_E_NONE);
   EXPECT_EQ(sai_port_mib_read(0, 2, values), SAI_E_NONE);
   EXPECT_EQ(values[10], 0U);
+  EXPECT_EQ(sai_stat_clean(0), SAI_E_NONE);
+  EXPECT_EQ(sai_port_mib_read(0, 1, values), SAI_E_NONE);
+  EXPECT_EQ(values[1], 0U);
+}
+
+TEST_F(Ports, TheCountersThatAreShownCountFrames) {
+  const auto shown = [] {
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(sai_port_stat_show(0, 1), SAI_E_NONE);
+    return testing::internal::GetCapturedStdout();
+  };
+  EXPECT_EQ(sai_port_stat_clean(0, 1), SAI_E_NONE);
+  EXPECT_NE(shown().find("       0\tsnmpIfInUcastPkts (stat 1)\r\n"), std::string::npos);
+  send_from(1);
+  EXPECT_NE(shown().find("       1\tsnmpIfInUcastPkts (stat 1)\r\n"), std::string::npos);
 }
 
 TEST_F(Ports, StartUpKeepsUnknownFloodsFromTheCpu) {

@@ -45,6 +45,7 @@ TEST_F(Rates, TheIngressRateOfAPortLetsItsBurstInAndThenItsRate) {
 }
 
 TEST_F(Rates, TheEgressRateOfAPortLetsItsKilobitsOut) {
+  EXPECT_EQ(passing(broadcast), 20);
   EXPECT_EQ(sai_port_rate_egress_set(0, 2, 2, 3), 0);
   EXPECT_EQ(passing(broadcast), 5);
   EXPECT_EQ(passing(broadcast, "3: "), 20) << "other ports have their own";
@@ -58,6 +59,7 @@ TEST_F(Rates, TheEgressRateOfAPortLetsItsKilobitsOut) {
 }
 
 TEST_F(Rates, TheEgressRateOfAPortLetsItsPacketsOut) {
+  EXPECT_EQ(passing(broadcast), 20);
   EXPECT_EQ(sai_port_rate_egress_pps_set(0, 2, 4, 6), 0);
   EXPECT_EQ(passing(broadcast), 6);
   pause(second);
@@ -96,6 +98,7 @@ TEST_F(Rates, APortTakesFramesUpToItsLength) {
 // ---------------------------------------------------------------------------------------------------- storms ----
 
 TEST_F(Rates, StormControlLetsEachKindPassAtItsRate) {
+  EXPECT_EQ(passing(broadcast), 20);
   EXPECT_EQ(sai_rate_bcast_set(0, 1, 1, 3), 0);
   EXPECT_EQ(passing(broadcast), 3);
   EXPECT_EQ(passing(multicast), 20);

@@ -13,7 +13,9 @@ constexpr char by_port_4[] = "4: e0>44 [20] 10.0.0.1>40.1.2.3 ttl 63 udp 5>6\n";
 
 TEST_F(SubnetRoutes, LeadToTheirNextHopUntilTheyAreDeleted) {
   EXPECT_EQ(send(1, packet("40.1.2.3")), unknown);
-  EXPECT_EQ(subnet("40.1.0.0", "255.255.0.0", 3, 0x33), SAI_E_NONE);
+  EXPECT_EQ(sai_l3_subnet_route_create(0, ip4("40.1.0.0"), ip4("255.255.0.0"), ip4("20.0.0.254"), router_mac.data(),
+                                       support::mac(0x33).data(), 3, 20, 0),
+            SAI_E_NONE);
   EXPECT_EQ(send(1, packet("40.1.2.3")), by_port_3);
   EXPECT_EQ(sai_l3_subnet_route_delete(0, ip4("40.1.0.0"), ip4("255.255.0.0"), 0), SAI_E_NONE);
   EXPECT_EQ(send(1, packet("40.1.2.3")), unknown);

@@ -40,6 +40,7 @@ TEST_F(TranslatedVlans, TranslateBothWays) {
 
 TEST_F(TranslatedVlans, AreDeletedBothWays) {
   EXPECT_EQ(sai_vlan_translate_add(0, customers, 5, 3, 10, 6), 0);
+  EXPECT_EQ(inwards(customer(5)) + outwards(answer().tag(10)), "[10p6][5p3]");
   EXPECT_EQ(sai_vlan_translate_delete(0, customers, 5, 10), 0);
   EXPECT_EQ(inwards(customer(5)), unknown);
   EXPECT_EQ(outwards(answer().tag(10)), "[10]");
@@ -74,12 +75,14 @@ TEST_F(TranslatedVlans, ATagInFrontComesOffAgain) {
 
 TEST_F(TranslatedVlans, ATagInFrontIsNoMoreOnceItIsDeleted) {
   EXPECT_EQ(sai_vlan_dtag_add(0, customers, 5, 3, 10, 6), 0);
+  EXPECT_EQ(inwards(customer(5)) + outwards(answer().tag(10).tag(5)), "[10p6 5][5p3]");
   EXPECT_EQ(sai_vlan_dtag_delete(0, customers, 5, 10), 0);
   EXPECT_EQ(inwards(customer(5)), unknown);
   EXPECT_EQ(outwards(answer().tag(10).tag(5)), "[10 5]");
 }
 
 TEST_F(TranslatedVlans, ATagInFrontOfARangeComesOffAgain) {
+  EXPECT_EQ(inwards(customer(100)), unknown);
   EXPECT_EQ(sai_vlan_dtag_range_add(0, customers, 100, 199, 7, 10, 6), 0);
   for (const int tag : {100, 150, 199}) {
     EXPECT_EQ(inwards(customer(tag, 1)), "[10p6 " + std::to_string(tag) + "p1]");
@@ -91,6 +94,7 @@ TEST_F(TranslatedVlans, ATagInFrontOfARangeComesOffAgain) {
 
 TEST_F(TranslatedVlans, ATagInFrontOfARangeIsNoMoreOnceItIsDeleted) {
   EXPECT_EQ(sai_vlan_dtag_range_add(0, customers, 100, 199, 7, 10, 6), 0);
+  EXPECT_EQ(inwards(customer(150)) + outwards(answer().tag(10).tag(150)), "[10p6 150][150]");
   EXPECT_EQ(sai_vlan_dtag_range_delete(0, customers, 100, 199, 10), 0);
   EXPECT_EQ(inwards(customer(150)), unknown);
   EXPECT_EQ(outwards(answer().tag(10).tag(150)), "[10 150]");

@@ -145,6 +145,15 @@ TEST_F(Traps, IgmpGoesToTheCpuAlone) {
   EXPECT_EQ(ways(2, report), "1 9 ");
 }
 
+TEST_F(Traps, TheGroupForMldHoldsRulesOfPortsAndProtocols) {
+  const Bytes report = Frame(1, 2).tag(10).ip("10.0.0.1", "239.1.1.1", 1).igmp(0x16, "239.1.1.1");
+  int32_t entry = 0;
+  const int32_t mld = group(sai_fp_mld_group_create);
+  EXPECT_EQ(ways(1, report), "2 9 ");
+  EXPECT_EQ(sai_fp_igmp_packet_to_cpu(0, 1, mld, &entry), 0);
+  EXPECT_EQ(ways(1, report), for_the_cpu_alone);
+}
+
 TEST_F(Traps, MldGoesToTheCpuAlone) {
   const auto message = [](int type) {
     return Frame(support::mac(1), {0x33, 0x33, 0, 0, 0, 0x16})
@@ -179,6 +188,7 @@ TEST_F(Traps, BroadcastArpGoesToTheCpuAlone) {
 
 TEST_F(Traps, BroadcastArpGoesToOnePortAndAsACopyToTheCpu) {
   const Bytes request = Frame(1, 0xFF).tag(10).arp(false, "10.0.0.1", "10.0.0.2");
+  EXPECT_EQ(ways(1, request), "2 9 cpu 0x82 ");
   int32_t entry = 0;
   EXPECT_EQ(sai_fp_arp_packet_port_qualify_set(0, 1, group(sai_system_ipv4_fp_create), &entry, 2), 0);
   EXPECT_EQ(send(1, request), "2: 01>all [10p7] arp 10.0.0.1>10.0.0.2\ncpu 0x2: 01>all [10p7] arp 10.0.0.1>10.0.0.2\n");
@@ -233,7 +243,7 @@ TEST_F(Policers, HoldAVlanOnItsWayOutOfAPortToItsRate) {
   EXPECT_EQ(peak_burst, 320U);
 }
 
-TEST_F(Policers, LetEverythingPassOnceTheyAreDetachedAndTheEntryIsGone) {
+TEST_F(Policers, MeterNothingOnceTheyAreDetached) {
   const int32_t vport = group(sai_fp_vport_group_create);
   int32_t entry = 0;
   int32_t policer = 0;
@@ -241,9 +251,22 @@ TEST_F(Policers, LetEverythingPassOnceTheyAreDetachedAndTheEntryIsGone) {
   EXPECT_EQ(sai_vport_fp_policer_set(0, entry, &policer, 8, 8, 64, 64), 0);
   EXPECT_EQ(sai_fp_vport_qualify_action(0, vport, entry), 0);
   EXPECT_EQ(passing(), 1);
+  EXPECT_NE(sai_vport_fp_policer_destroy(0, policer), 0) << "it is attached";
+  EXPECT_EQ(passing(), 0);
   EXPECT_EQ(sai_fp_entry_policer_detach(0, entry), 0);
+  EXPECT_EQ(passing(), 20);
   EXPECT_EQ(sai_vport_fp_policer_destroy(0, policer), 0);
   EXPECT_EQ(passing(), 20);
+}
+
+TEST_F(Policers, MeterNothingOnceTheirEntryIsDestroyed) {
+  const int32_t vport = group(sai_fp_vport_group_create);
+  int32_t entry = 0;
+  int32_t policer = 0;
+  EXPECT_EQ(sai_fp_vport_qualify_set(0, 2, vport, &entry, 10), 0);
+  EXPECT_EQ(sai_vport_fp_policer_set(0, entry, &policer, 8, 8, 64, 64), 0);
+  EXPECT_EQ(sai_fp_vport_qualify_action(0, vport, entry), 0);
+  EXPECT_EQ(passing(), 1);
   EXPECT_EQ(sai_fp_entry_destroy(0, entry), 0);
   EXPECT_EQ(passing(), 20);
 }

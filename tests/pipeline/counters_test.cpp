@@ -69,6 +69,27 @@ TEST_F(Counting, FramesThatAreTooLongAreErrorsOnTheWayInAndDiscardedOnTheWayOut)
   EXPECT_EQ(counter(2, 9), 1U);
 }
 
+TEST_F(Counting, CopiesThatRulesDropOnTheWayOutAreDiscarded) {
+  chip::FieldProcessor& rules = chip.field_processor;
+  int group = 0;
+  int entry = 0;
+  rules.create_group({chip::FieldProcessor::egress_stage}, 0, group);
+  rules.enable_group(group, true);
+  rules.create_entry(group, entry);
+  rules.add_action(entry, static_cast<int>(chip::FieldAction::drop), 0, 0);
+  EXPECT_EQ(rules.install(entry), Status::ok);
+  EXPECT_EQ(send(1, Frame(1, 2).tag(10).type(0x9000)), "");
+  EXPECT_EQ(counters(2), "9:1 ");
+}
+
+TEST_F(Counting, Ip6MulticastCountsBothWays) {
+  const Bytes frame = Frame(support::mac(1), {0x33, 0x33, 0, 0, 0, 1}).tag(10).ip("2001::1", "ff05::1").udp(5, 6);
+  send(1, frame);
+  EXPECT_EQ(counter(1, 72), 1U);
+  EXPECT_EQ(counter(2, 73), 1U);
+  EXPECT_EQ(counter(2, 70), 0U) << "it is not routed";
+}
+
 TEST_F(Counting, AMirrorSeesWhatComesInAsItCame) {
   int id = 1;
   chip.mirrors.set_mode(1);

@@ -57,6 +57,26 @@ TEST_F(Multicast, ReachesTheMembersInTheirVlansInsteadOfTheFlood) {
   EXPECT_EQ(send(1, packet()), flooded);
 }
 
+TEST_F(Multicast, IsCountedAsBridgedRoutedOrDropped) {
+  const auto counts = [&] {
+    std::string text;
+    for (const int counter : {12, 82, 83, 84}) {
+      uint64_t value = 0;
+      chip.counters.get(1, counter, value);
+      text += std::to_string(value) + ' ';
+    }
+    return text;
+  };
+  send(1, packet());
+  EXPECT_EQ(counts(), "1 0 0 1 ") << "there is no member";
+  member(2, within);
+  send(1, packet());
+  EXPECT_EQ(counts(), "2 1 0 1 ");
+  member(4, beyond);
+  send(1, packet());
+  EXPECT_EQ(counts(), "3 1 1 1 ");
+}
+
 TEST_F(Multicast, IsRoutedWithinItsVlanWhenTheChipIsToldSo) {
   member(2, within);
   set(SwitchControl::ipmc_same_vlan_l3_route);

@@ -77,7 +77,9 @@ TEST(Parse, KnowsHowTheProtocolStandsInTheFrame) {
   EXPECT_EQ(snap.fields.ether_type, 0x809B);
   const Packet llc = parsed(Frame(1, 2).type(3).bytes({0x42, 0x42, 3}));
   EXPECT_EQ(llc.framing, Framing::llc);
-  EXPECT_EQ(llc.fields.ether_type, 0x4242);
+  EXPECT_EQ(llc.access_points, 0x4242);
+  const Packet no_ip = parsed(Frame(1, 2).type(3).bytes({0x08, 0x00, 3}));
+  EXPECT_EQ(no_ip.fields.ether_type, 0) << "access points that look like a type are none";
 }
 
 TEST(Parse, DoesNotBelieveLengthsBeyondTheFrame) {

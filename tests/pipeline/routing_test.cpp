@@ -58,6 +58,27 @@ TEST_F(Routing, GivesAPacketTheAddressesAndTheVlanOfItsNextHop) {
   EXPECT_EQ(send(1, packet("20.0.0.3")), "3: e0>33 [20] 10.0.0.1>20.0.0.3 ttl 63 udp 5>6\n");
 }
 
+TEST_F(Routing, ShowsRulesOnTheWayOutWhatItMade) {
+  constexpr auto ttl = chip::FieldQualifier::ttl;
+  constexpr auto format = chip::FieldQualifier::vlan_format;
+  chip::FieldProcessor& rules = chip.field_processor;
+  int group = 0;
+  int entry = 0;
+  rules.create_group({chip::FieldProcessor::egress_stage, static_cast<int>(ttl), static_cast<int>(format)}, 0, group);
+  rules.enable_group(group, true);
+  rules.create_entry(group, entry);
+  EXPECT_EQ(rules.qualify(entry, ttl, {63, 0xFF}), Status::ok);
+  EXPECT_EQ(rules.qualify(entry, format, {1, 3}), Status::ok);
+  rules.add_action(entry, static_cast<int>(chip::FieldAction::drop), 0, 0);
+  EXPECT_EQ(rules.install(entry), Status::ok);
+
+  host("20.0.0.3", {.interface = out, .next_hop = mac(0x33), .port = 3});
+  chip.port_forwarding.set_untagged_vlan(1, 10);
+  const auto untagged = [](int hops) { return Frame(1, router).ip("10.0.0.1", "20.0.0.3", hops).udp(5, 6); };
+  EXPECT_EQ(send(1, untagged(63)), "3: e0>33 [20] 10.0.0.1>20.0.0.3 ttl 62 udp 5>6\n");
+  EXPECT_EQ(send(1, untagged(64)), "");
+}
+
 TEST_F(Routing, SendsAPacketBackOutOfItsPort) {
   host("10.0.0.9", {.interface = interface({.mac = mac(0xE1), .vlan = 10}), .next_hop = mac(0x99), .port = 1});
   EXPECT_EQ(send(1, packet("10.0.0.9")), "1: e1>99 [10] 10.0.0.1>10.0.0.9 ttl 63 udp 5>6\n");

@@ -28,7 +28,8 @@ int vlan_of_protocol(const Chip& chip, const Packet& packet) {
   const int frame = packet.framing == Framing::ethernet2 ? ProtocolVlans::ethernet2
                     : packet.framing == Framing::snap    ? ProtocolVlans::snap
                                                          : ProtocolVlans::llc;
-  return chip.protocol_vlans.find({packet.port, frame, packet.fields.ether_type});
+  const uint16_t protocol = packet.framing == Framing::llc ? packet.access_points : packet.fields.ether_type;
+  return chip.protocol_vlans.find({packet.port, frame, protocol});
 }
 
 /// Gives the frame its outer tag, and the priority that goes with it.

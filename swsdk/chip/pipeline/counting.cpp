@@ -58,6 +58,18 @@ constexpr int ether_octets = 36;
 constexpr int ether_frames = 37;
 constexpr int too_long_frames = 52;
 
+/// By IpEvent.
+struct IpCounter {
+  int ip4, ip6;
+};
+constexpr int no_counter = -1;
+constexpr IpCounter ip_counters[] = {
+    {12, 66}, {13, 67}, {15, 69}, {14, no_counter}, {82, 82}, {83, 83}, {84, 84},
+};
+constexpr int ip6_forwarded = 70;  // where packets leave, unlike that of IPv4
+constexpr int ip6_multicast_received = 72;
+constexpr int ip6_multicast_sent = 73;
+
 constexpr std::size_t checksum = 4;
 constexpr std::size_t shortest = 64;
 
@@ -71,6 +83,10 @@ template <std::size_t Count>
 std::size_t size_of(const std::size_t (&bounds)[Count], std::size_t length) {
   const auto* const bound = std::find_if(bounds, bounds + Count - 1, [&](std::size_t most) { return length <= most; });
   return static_cast<std::size_t>(bound - bounds);
+}
+
+uint64_t& counter(Counters& counters, int port, int number) {
+  return counters.of(port)[static_cast<std::size_t>(number)];
 }
 
 void count(Counters::Values& values, const Direction& to, const Mac& destination, std::size_t bytes, int tags) {
@@ -105,6 +121,7 @@ void count(Counters::Values& values, const Direction& to, const Mac& destination
 
 void count_received(Counters& counters, const Packet& packet) {
   constexpr int both = 3;
+  if (packet.is_ip6() && packet.is_multicast()) ++counter(counters, packet.port, ip6_multicast_received);
   const int format = packet.fields.vlan_format;
   const int tags = format == both ? 2 : format != 0 ? 1 : 0;
   count(counters.of(packet.port), received, packet.fields.destination_mac, packet.bytes.size(), tags);
@@ -126,6 +143,19 @@ void count_discarded(Counters& counters, const Packet& packet, Drop reason) {
 void count_sent(Counters& counters, int port, const EgressHeader& header, std::size_t length) {
   const int tags = (header.outer_tag ? 1 : 0) + (header.inner_tag ? 1 : 0);
   count(counters.of(port), sent, header.destination, length, tags);
+}
+
+void count_ip(Counters& counters, const Packet& packet, IpEvent event) {
+  if (!packet.is_ip4() && !packet.is_ip6()) return;
+  const IpCounter& numbers = ip_counters[static_cast<std::size_t>(event)];
+  const int number = packet.is_ip4() ? numbers.ip4 : numbers.ip6;
+  if (number != no_counter) ++counter(counters, packet.port, number);
+}
+
+void count_sent_ip(Counters& counters, int port, const Packet& packet, bool routed) {
+  if (!packet.is_ip6()) return;
+  if (routed) ++counter(counters, port, ip6_forwarded);
+  if (packet.is_multicast()) ++counter(counters, port, ip6_multicast_sent);
 }
 
 void count_not_sent(Counters& counters, int port, NotSent reason) {

@@ -18,8 +18,14 @@ void count_discarded(Counters& counters, const Packet& packet, Drop reason);
 /// A frame that left a port.
 void count_sent(Counters& counters, int port, const EgressHeader& header, std::size_t length);
 
+/// What becomes of an IP packet for the router, or of one that a multicast route takes.
+enum class IpEvent { received, header_error, discarded, forwarded, group_bridged, group_routed, group_dropped };
+void count_ip(Counters& counters, const Packet& packet, IpEvent event);
+/// An IP packet that left a port.
+void count_sent_ip(Counters& counters, int port, const Packet& packet, bool routed);
+
 /// Why one did not leave.
-enum class NotSent { rate, too_long };
+enum class NotSent { rate, too_long, field_rule };
 void count_not_sent(Counters& counters, int port, NotSent reason);
 
 }  // namespace chip

@@ -1,4 +1,5 @@
 #include "chip/chip.h"
+#include "chip/pipeline/counting.h"
 #include "chip/pipeline/stages.h"
 
 namespace chip {
@@ -12,9 +13,14 @@ bool apply_egress_rules(Passage& frame, const Copy& copy, const EgressHeader& he
   fields.destination_mac = header.destination;
   fields.outer_tag = header.outer_tag.value_or(0);
   fields.inner_tag = header.inner_tag.value_or(0);
+  const bool outer_tagged = frame.packet.outer_tagged || header.routed;  // an interface gives a tag
+  fields.vlan_format = (outer_tagged ? 1 : 0) | (header.inner_tag ? 2 : 0);
+  if (header.routed) --fields.ttl;
   const FieldVerdict verdict = rules.classify(FieldStage::egress, fields);
   const bool red = is_red(frame, verdict, frame.packet.bytes.size());
-  return !verdict.dropped && !(red && verdict.red_dropped);
+  const bool passes = !verdict.dropped && !(red && verdict.red_dropped);
+  if (!passes) count_not_sent(frame.chip.counters, copy.port, NotSent::field_rule);
+  return passes;
 }
 
 }  // namespace chip

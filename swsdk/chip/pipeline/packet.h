@@ -82,6 +82,7 @@ struct Packet {
   bool outer_tagged = false;  // it came with an outer tag, be it of priority alone
   bool inner_tagged = false;  // it has an inner tag now
   Framing framing = Framing::ethernet2;
+  uint16_t access_points = 0;     // LLC: the two service access points; there is no ether type then
   std::size_t ether_type_at = 0;  // where the ether type stands, or the length
   std::size_t payload_at = 0;     // where IP or ARP begins
   bool igmp = false;              // an IGMP message; the type is in the ICMP type
@@ -93,13 +94,9 @@ struct Packet {
   void set_vlan(int vlan) { fields.outer_tag = with_vlan(fields.outer_tag, vlan); }
   bool is_multicast() const { return (fields.destination_mac[0] & 1) != 0; }
   bool is_broadcast() const { return fields.destination_mac == Mac{0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}; }
-  bool is_ip4() const { return has_type(0x0800); }
-  bool is_ip6() const { return has_type(0x86DD); }
-  bool is_arp() const { return has_type(0x0806); }
-
- private:
-  // Service access points are no ether type, even if they look like one.
-  bool has_type(uint16_t type) const { return framing != Framing::llc && fields.ether_type == type; }
+  bool is_ip4() const { return fields.ether_type == 0x0800; }
+  bool is_ip6() const { return fields.ether_type == 0x86DD; }
+  bool is_arp() const { return fields.ether_type == 0x0806; }
 };
 
 /// One copy of a frame on its way out.

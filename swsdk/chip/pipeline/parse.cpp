@@ -132,8 +132,8 @@ bool parse_ether_type(Reader& reader, Packet& packet) {
     if (type < llc || !reader.has(type)) return false;
     const bool is_snap = type >= snap && reader.word(0) == 0xAAAA && reader.byte(2) == 0x03;
     packet.framing = is_snap ? Framing::snap : Framing::llc;
-    if (is_snap) packet.fields.ether_type = reader.word(6);
-    if (!is_snap) packet.fields.ether_type = reader.word(0);  // the two service access points
+    packet.fields.ether_type = is_snap ? reader.word(6) : 0;
+    packet.access_points = is_snap ? 0 : reader.word(0);
     reader.skip(is_snap ? snap : llc);
   }
   return true;
@@ -172,7 +172,6 @@ bool parse(int port, std::span<const uint8_t> frame, Packet& packet) {
 
   if (!parse_ether_type(reader, packet)) return false;
   packet.payload_at = reader.at();
-  if (packet.framing == Framing::llc) return true;
   if (packet.is_ip4()) return parse_ip4(reader, packet);
   if (packet.is_ip6()) return parse_ip6(reader, packet);
   if (packet.is_arp()) return parse_arp(reader, packet);

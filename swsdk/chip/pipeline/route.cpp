@@ -1,5 +1,6 @@
 #include "chip/chip.h"
 #include "chip/gports.h"
+#include "chip/pipeline/counting.h"
 #include "chip/pipeline/router.h"
 #include "chip/pipeline/stages.h"
 #include "chip/pipeline/trunk_member.h"
@@ -14,6 +15,12 @@ void give_up(Passage& frame, SwitchControl control, uint32_t reason) {
   frame.chip.switch_controls.get_port(frame.packet.port, static_cast<int>(control), to_cpu);
   if (to_cpu == 0) return frame.stop(Drop::router);
   frame.cpu_reasons |= reason;
+}
+
+/// Nobody knows the way.
+void miss(Passage& frame, SwitchControl control) {
+  give_up(frame, control, cpu_reason::l3_miss);
+  if (frame.drop == Drop::router) count_ip(frame.chip.counters, frame.packet, IpEvent::discarded);
 }
 
 bool is_right_checksum(std::span<const uint8_t> header) {
@@ -77,8 +84,9 @@ void route_ip4(Passage& frame, int vrf) {
     return;
   }
   if (!can_pass_on(frame.packet)) return refuse(frame);
-  if (entry == nullptr) return give_up(frame, SwitchControl::ip4_l3_destination_miss_to_cpu, cpu_reason::l3_miss);
+  if (entry == nullptr) return miss(frame, SwitchControl::ip4_l3_destination_miss_to_cpu);
   send_to(frame, next_hop_of(frame.chip, *entry));
+  count_ip(frame.chip.counters, frame.packet, frame.copies.empty() ? IpEvent::discarded : IpEvent::forwarded);
 }
 
 }  // namespace
@@ -94,19 +102,25 @@ bool can_pass_on(const Packet& packet) {
          (packet.is_multicast() || is_of_host(fields.destination_ip));
 }
 
-void refuse(Passage& frame) { give_up(frame, SwitchControl::non_ip_l3_error_to_cpu, cpu_reason::l3_error); }
+void refuse(Passage& frame) {
+  give_up(frame, SwitchControl::non_ip_l3_error_to_cpu, cpu_reason::l3_error);
+  count_ip(frame.chip.counters, frame.packet, IpEvent::header_error);
+}
 
 bool route(Passage& frame) {
   const Chip& chip = frame.chip;
   const Packet& packet = frame.packet;
   const L3Interface* const interface = chip.l3_interfaces.find_station(packet.vlan(), packet.fields.destination_mac);
   if (interface == nullptr) return false;
-  if (!chip.unicast_routing)
+  if (!chip.unicast_routing) {
     frame.copies.push_back({.port = Ports::cpu});  // where the MAC table has the interface's address
-  else if (packet.is_ip4())
+    return true;
+  }
+  count_ip(frame.chip.counters, packet, IpEvent::received);
+  if (packet.is_ip4())
     route_ip4(frame, interface->vrf);
   else if (packet.is_ip6() && can_pass_on(packet))
-    give_up(frame, SwitchControl::ip6_l3_destination_miss_to_cpu, cpu_reason::l3_miss);  // there are no IPv6 routes
+    miss(frame, SwitchControl::ip6_l3_destination_miss_to_cpu);  // there are no IPv6 routes
   else
     refuse(frame);
   return true;

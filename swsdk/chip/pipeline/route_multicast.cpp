@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "chip/chip.h"
+#include "chip/pipeline/counting.h"
 #include "chip/pipeline/router.h"
 #include "chip/pipeline/stages.h"
 #include "chip/pipeline/trunk_member.h"
@@ -82,6 +83,12 @@ void replicate(Passage& frame, const MulticastGroup& group) {
     if (!trunk || std::none_of(frame.copies.begin(), frame.copies.end(), is_same)) frame.copies.push_back(copy);
   }
   if (refused && frame.copies.empty()) refuse(frame);
+  const auto is_routed = [](const Copy& copy) { return copy.l3_interface != 0; };
+  const bool routed = std::any_of(frame.copies.begin(), frame.copies.end(), is_routed);
+  count_ip(frame.chip.counters, packet,
+           frame.copies.empty() ? IpEvent::group_dropped
+           : routed             ? IpEvent::group_routed
+                                : IpEvent::group_bridged);
 }
 
 }  // namespace
@@ -93,9 +100,11 @@ bool route_multicast(Passage& frame) {
     return false;
   const MulticastRoute* const route = look_up(chip, packet);
   if (route == nullptr) return false;
-  if ((route->flags & MulticastRoute::from_any_port) == 0 && route->port != packet.port)
+  count_ip(frame.chip.counters, packet, IpEvent::received);
+  if ((route->flags & MulticastRoute::from_any_port) == 0 && route->port != packet.port) {
     frame.stop(Drop::router);
-  else if (const MulticastGroup* const group = chip.multicast_groups.find(route->group))
+    count_ip(frame.chip.counters, packet, IpEvent::group_dropped);
+  } else if (const MulticastGroup* const group = chip.multicast_groups.find(route->group))
     replicate(frame, *group);
   return true;
 }

@@ -46,6 +46,7 @@ void send_copy(Passage& frame, const Copy& copy, Wire& wire) {
     return count_not_sent(chip.counters, copy.port, NotSent::too_long);
   if (!is_within_shape(frame, copy.port, bytes.size())) return count_not_sent(chip.counters, copy.port, NotSent::rate);
   count_sent(chip.counters, copy.port, header, bytes.size());
+  count_sent_ip(chip.counters, copy.port, frame.packet, header.routed);
   mirror_egress(frame, copy.port, header, bytes, wire);
   if (mac->loopback == Loopback::none)
     wire.transmit(copy.port, bytes);

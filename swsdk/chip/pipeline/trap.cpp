@@ -42,7 +42,6 @@ bool is_neighbour_discovery(const Packet& packet) {
 /// What the controls of the port say about protocols.
 void obey_controls(Passage& frame) {
   const Packet& packet = frame.packet;
-  if (packet.framing == Framing::llc) return;
   const auto says = [&](SwitchControl control) {
     int value = 0;
     frame.chip.switch_controls.get_port(packet.port, static_cast<int>(control), value);
