@@ -21,7 +21,10 @@ as_itself() { on guarded ping -n -q -c 1 -W 1 -I 10.0.0.1 10.0.0.2 >/dev/null ||
 spoofed() { on guarded ping -n -q -c 1 -W 1 -I 10.0.0.66 10.0.0.2 >/dev/null || true; }
 
 expect_seen neighbour.log '10.0.0.66 > 10.0.0.2: ICMP echo request' spoofed
-tell_switch "sai_ipsg_init 0" "sai_ipsg_verify_config 1 10 0 1 0" "sai_ipsg_parameter_config 1 10.0.0.1 255.255.255.255 10 0 1 0"
+tell_switch "sai_ipsg_init 0" "sai_ipsg_verify_config 1 10 0 1 0" \
+  "sai_ipsg_parameter_config 1 10.0.0.1 255.255.255.255 10 0 1 0"
+expect_seen sent.log '10.0.0.1 > ' as_itself # behind the last one of before
+expect_seen neighbour.log '10.0.0.1 > ' as_itself
 : >"$work/sent.log"
 : >"$work/neighbour.log"
 expect_seen sent.log '10.0.0.66 > 10.0.0.2: ICMP echo request' spoofed
