@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <cstring>
 #include <iterator>
+#include <map>
 #include <set>
 
 #include "calls.h"
@@ -19,8 +20,6 @@ extern "C" int sdk_main(int argc, char** argv);
 
 namespace fuzz {
 
-#include "functions.inc"
-
 namespace {
 
 constexpr const char* sdk_functions[] = {
@@ -28,97 +27,15 @@ constexpr const char* sdk_functions[] = {
 };
 
 /// The SDK functions that each function of the library was seen to call, so that faults meet it.
-std::array<std::vector<std::string>, std::size(function_table)> sdk_functions_of;
+std::map<const Function*, std::vector<std::string>> sdk_functions_of;
 
 const Function* called = nullptr;
-
-bool is_any(std::string_view name, std::initializer_list<std::string_view> list) {
-  return std::find(list.begin(), list.end(), name) != list.end();
-}
-
-bool contains(std::string_view name, std::string_view part) { return name.find(part) != std::string_view::npos; }
-
-}  // namespace
-
-int number_for(std::string_view name, Input& input) {
-  constexpr int virtual_port = 17 << 26;
-  constexpr int network = 0x0A000000;
-  constexpr auto multicast = static_cast<int>(0xE1000000);
-  if (name == "unit") return input.any<uint8_t>() < 250 ? 0 : input.near(0, 16);
-  if (name.ends_with("port")) return input.near(0, 12);
-  if (name == "vport_id") return virtual_port | input.near(0, 5);
-  if (contains(name, "vlan") || contains(name, "vid") || contains(name, "inner_")) return input.near(1, 20);
-  if (name == "ip_protocol" || name == "tos_value") return input.near(0, 63);
-  if (name.ends_with("mask")) {
-    const int length = input.near(0, 32);
-    return length > 0 && length <= 32 ? static_cast<int>(~0U << (32 - length)) : length;
-  }
-  if (is_any(name, {"ip", "src_ip", "dst_ip", "subnet", "nexthop_ip"})) return network | input.near(0, 15);
-  if (name == "group") return input.flag() ? input.near(0, 12) : multicast | input.near(1, 4);
-  if (is_any(name, {"enable", "tagged", "dtag", "disable"})) return input.near(0, 1);
-  if (name == "flags") return input.near(0, 199);
-  if (name == "member_bitmap") return input.any<int32_t>();
-  if (name == "command") return input.near(36995, 37012);
-  if (name == "rv") return input.near(-20, 1);
-  if (is_any(name, {"rate", "burst", "value", "seconds"})) return input.any<int32_t>();
-  return input.near(0, 9);
-}
-
-std::string text_for(std::string_view name, Input& input) {
-  constexpr const char* lines[] = {"help", "led 0 auto on", "led 1 stop", "led 0 start", "led 0 load /dev/null", "led"};
-  if (name == "command" && input.flag()) return lines[input.from(0, static_cast<int>(std::size(lines)) - 1)];
-  return input.text(100);
-}
-
-std::size_t mac_entries() {
-  int32_t most = 0;
-  int32_t present = 0;
-  return sai_l2_info(0, &most, &present) == SAI_E_NONE ? static_cast<std::size_t>(present) : 0;
-}
-
-namespace {
-
-void open_and_close(Input& input, Prepare prepare) {
-  const int module = input.from(0, 1);
-  const auto options = input.any<int32_t>();
-  const auto facility = input.any<int32_t>();
-  prepare(input);
-  sai_log_handle* const log = open_sai_log("another", module, options, facility);
-  log->file = std::fopen("/dev/null", "w");
-  log->file_name = strdup("/dev/null");
-  close_sai_log(log);
-}
-
-}  // namespace
-
-Made call(sai_log_handle* (*)(const char*, int32_t, int32_t, int32_t), const Parameters& /*parameters*/, Input& input,
-          Prepare prepare) {
-  open_and_close(input, prepare);
-  return {};
-}
-
-Made call(void (*)(sai_log_handle*), const Parameters& /*parameters*/, Input& input, Prepare prepare) {
-  open_and_close(input, prepare);
-  return {};
-}
-
-Made call(void (*set_level)(sai_log_handle*, int32_t, int32_t), const Parameters& /*parameters*/, Input& input,
-          Prepare prepare) {
-  sai_log_handle* const log = input.flag() ? sai_log_default : nullptr;
-  const int destination = input.from(SAI_LOG_SYSLOG, SAI_LOG_FILE);
-  const int level = input.near(SAI_LOG_OFF, SAI_LOG_DEBUGGING);
-  prepare(input);
-  if (sai_log_default != nullptr) set_level(log, destination, level);
-  return {};
-}
-
-namespace {
 
 /// Up to two faults, mostly of what the function is going to call.
 void inject_faults(Input& input) {
   const auto kind = input.any<uint8_t>();
   for (int faults = kind < 160 ? 0 : kind < 240 ? 1 : 2; faults > 0; --faults) {
-    const std::vector<std::string>& usual = sdk_functions_of[static_cast<std::size_t>(called - function_table)];
+    const std::vector<std::string>& usual = sdk_functions_of[called];
     const auto number = input.any<uint16_t>();
     const bool any = usual.empty() || (number & 0x8000) != 0;
     const std::string name = any ? sdk_functions[number % std::size(sdk_functions)] : usual[number % usual.size()];
@@ -133,13 +50,11 @@ bool is_documented(const Function& function, int32_t result) {
   if (name == "sai_level_match") return result >= -1 && result <= SAI_LOG_DEBUGGING;
   if (function.result == Result::number) return result >= 0;
   if (name.ends_with("_hit_get") && result == 1) return true;
-  return result == 0 || std::any_of(std::begin(names), std::end(names), [&](const Name& code) {
-           return code.name.starts_with("SAI_E_") && code.value == result;
-         });
+  return result == 0 || is_code(result);
 }
 
 void call_function(Input& input) {
-  called = &function_table[input.from(0, static_cast<int>(std::size(function_table)) - 1)];
+  called = &any_function(input);
   const Made result = called->run(called->parameters, input, inject_faults);
   swsdk_fault_clear();
   if (result && !is_documented(*called, *result)) {
@@ -250,7 +165,7 @@ void run_sequence(Input& input, int most_steps) {
 
 /// Calls each function on a chip that is up, once with small arguments and once with zeros.
 void learn_sdk_functions() {
-  for (const Function& function : function_table)
+  for (const Function& function : functions())
     for (const uint8_t small : {uint8_t{0}, uint8_t{3}}) {
       const std::array<uint8_t, 200> bytes = [&] {
         std::array<uint8_t, 200> filled;
@@ -269,7 +184,7 @@ void learn_sdk_functions() {
       std::set<std::string> seen;
       for (std::size_t at = 0; at < journal.size(); at = journal.find('\n', at) + 1)
         seen.insert(journal.substr(at, journal.find('(', at) - at));
-      std::vector<std::string>& known = sdk_functions_of[static_cast<std::size_t>(&function - function_table)];
+      std::vector<std::string>& known = sdk_functions_of[&function];
       for (const std::string& name : seen)
         if (std::find(known.begin(), known.end(), name) == known.end()) known.push_back(name);
     }

@@ -245,4 +245,11 @@ struct Function {
   Made (*run)(const Parameters& parameters, Input& input, Prepare prepare);
 };
 
+/// All functions of sai.h.
+std::span<const Function> functions();
+const Function& any_function(Input& input);
+
+/// Whether sai.h has an error code of that value.
+bool is_code(int32_t result);
+
 }  // namespace fuzz

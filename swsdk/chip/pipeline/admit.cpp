@@ -9,6 +9,8 @@ void admit(Passage& frame) {
   if (mac != nullptr) {  // the CPU port has none
     if (!mac->link()) return frame.stop(Drop::port_down);
     if (!mac->takes(packet.bytes.size(), packet.outer_tagged)) return frame.stop(Drop::too_long);
+  } else if (packet.bytes.size() > PortMacs::highest_frame_max) {
+    return frame.stop(Drop::too_long);
   }
   const auto rate = frame.chip.port_rates.ingress().find(packet.port);
   if (rate != frame.chip.port_rates.ingress().end() &&

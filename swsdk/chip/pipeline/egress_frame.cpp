@@ -26,9 +26,9 @@ class Writer {
     put(tpid);
     put(*tag);
   }
-  /// Makes it as long as a frame has to be, without its checksum.
+  /// Makes it as long as a frame has to be.
   void pad() {
-    constexpr std::size_t shortest = 60;
+    constexpr std::size_t shortest = EgressFrame::shortest;
     if (at_ >= shortest) return;
     std::fill_n(room_.begin() + static_cast<std::ptrdiff_t>(at_), shortest - at_, uint8_t{0});
     at_ = shortest;

@@ -25,6 +25,9 @@ struct EgressHeader {
 /// Room for one frame that leaves.
 class EgressFrame {
  public:
+  /// How long a frame has to be, without its checksum.
+  static constexpr std::size_t shortest = 60;
+
   /// Writes a header and what stands behind the packet's own tags; the bytes stay until the next call.
   std::span<uint8_t> write(const EgressHeader& header, const Packet& packet);
 

@@ -1,6 +1,8 @@
+#include <algorithm>
+#include <array>
+
 #include "chip/chip.h"
 #include "chip/gports.h"
-#include "chip/pipeline/counting.h"
 #include "chip/pipeline/stages.h"
 
 namespace chip {
@@ -17,8 +19,7 @@ void mirror(Passage& frame, int port, uint32_t direction, const EgressHeader& he
     const int to = gport::port_of(gport);
     const PortMac* const mac = frame.chip.port_macs.find(to);
     if (mac == nullptr || !mac->link()) continue;
-    count_sent(frame.chip.counters, to, header, bytes.size());
-    wire.transmit(to, bytes);
+    if (lets_out(frame, to, header, bytes)) leave(frame, to, header, bytes, wire);
   }
 }
 
@@ -32,7 +33,10 @@ void mirror_ingress(Passage& frame, Wire& wire) {
   header.source = packet.fields.source_mac;
   if (packet.outer_tagged) header.outer_tag = packet.fields.outer_tag;
   if (packet.inner_tagged) header.inner_tag = packet.fields.inner_tag;
-  mirror(frame, packet.port, Mirrors::ingress, header, packet.bytes, wire);
+  std::array<uint8_t, EgressFrame::shortest> padded{};
+  const bool is_short = packet.bytes.size() < padded.size();
+  if (is_short) std::copy(packet.bytes.begin(), packet.bytes.end(), padded.begin());
+  mirror(frame, packet.port, Mirrors::ingress, header, is_short ? padded : packet.bytes, wire);
 }
 
 void mirror_egress(Passage& frame, int port, const EgressHeader& header, std::span<const uint8_t> bytes, Wire& wire) {

@@ -7,7 +7,7 @@ namespace chip {
 namespace {
 
 /// Whether the copy may leave in its VLAN.
-bool lets_out(const Chip& chip, const Copy& copy, int id) {
+bool is_in_vlan(const Chip& chip, const Copy& copy, int id) {
   const Vlan* const vlan = chip.vlans.find(id);
   if (vlan == nullptr) return false;
   const bool is_member =
@@ -30,7 +30,7 @@ void send_copy(Passage& frame, const Copy& copy, Wire& wire) {
   Chip& chip = frame.chip;
   EgressHeader header = header_of(frame.packet);
   if (copy.l3_interface != 0 && !rewrite_routed(frame, copy, header)) return;
-  if (!lets_out(chip, copy, header.vlan())) return;
+  if (!is_in_vlan(chip, copy, header.vlan())) return;
   if (copy.port == Ports::cpu) {
     frame.cpu_reasons |= cpu_reason::destination;
     return;
@@ -42,16 +42,28 @@ void send_copy(Passage& frame, const Copy& copy, Wire& wire) {
 
   EgressFrame out;
   const std::span<const uint8_t> bytes = out.write(header, frame.packet);
-  if (!mac->takes(bytes.size(), header.outer_tag.has_value()))
-    return count_not_sent(chip.counters, copy.port, NotSent::too_long);
-  if (!is_within_shape(frame, copy.port, bytes.size())) return count_not_sent(chip.counters, copy.port, NotSent::rate);
-  count_sent(chip.counters, copy.port, header, bytes.size());
+  if (!lets_out(frame, copy.port, header, bytes)) return;
   count_sent_ip(chip.counters, copy.port, frame.packet, header.routed);
   mirror_egress(frame, copy.port, header, bytes, wire);
-  if (mac->loopback == Loopback::none)
-    wire.transmit(copy.port, bytes);
+  leave(frame, copy.port, header, bytes, wire);
+}
+
+bool lets_out(Passage& frame, int port, const EgressHeader& header, std::span<const uint8_t> bytes) {
+  const auto refuse = [&](NotSent reason) {
+    count_not_sent(frame.chip.counters, port, reason);
+    return false;
+  };
+  if (!frame.chip.port_macs.find(port)->takes(bytes.size(), header.outer_tag.has_value()))
+    return refuse(NotSent::too_long);
+  return is_within_shape(frame, port, bytes.size()) || refuse(NotSent::rate);
+}
+
+void leave(Passage& frame, int port, const EgressHeader& header, std::span<const uint8_t> bytes, Wire& wire) {
+  count_sent(frame.chip.counters, port, header, bytes.size());
+  if (frame.chip.port_macs.find(port)->loopback == Loopback::none)
+    wire.transmit(port, bytes);
   else
-    frame.looped.push_back({copy.port, {bytes.begin(), bytes.end()}});
+    frame.looped.push_back({port, {bytes.begin(), bytes.end()}});
 }
 
 void send_to_cpu(Passage& frame, Wire& wire) {

@@ -47,6 +47,10 @@ void make_egress_tags(Passage& frame, const Copy& copy, EgressHeader& header);
 bool is_red(Passage& frame, const FieldVerdict& verdict, std::size_t length);
 /// Whether the port's rate lets the copy out.
 bool is_within_shape(Passage& frame, int port, std::size_t length);
+/// Whether the port lets the bytes out: they are not too long, and within its rate.
+bool lets_out(Passage& frame, int port, const EgressHeader& header, std::span<const uint8_t> bytes);
+/// Lets them out. What leaves a port that is looped back comes in there again.
+void leave(Passage& frame, int port, const EgressHeader& header, std::span<const uint8_t> bytes, Wire& wire);
 
 /// Sends the CPU its copy.
 void send_to_cpu(Passage& frame, Wire& wire);

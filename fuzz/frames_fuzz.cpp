@@ -1,0 +1,243 @@
+// Frames through a switch that is set up in many ways: what leaves is a frame that came in, where it may leave, and
+// every frame is counted.
+#include <bcm/port.h>
+#include <bcm/stat.h>
+#include <swsdk/chip.h>
+#include <swsdk/frames.h>
+#include <syslog.h>
+
+#include <array>
+#include <cstring>
+#include <map>
+#include <numeric>
+
+#include "calls.h"
+#include "frames.h"
+
+extern "C" int sdk_main(int argc, char** argv);
+
+namespace fuzz {
+
+namespace {
+
+using support::Bytes;
+
+constexpr int ports = front_ports;
+constexpr std::size_t addresses = 12;
+constexpr std::size_t tag = 4;
+constexpr std::size_t checksum = 4;
+constexpr std::size_t shortest = 60;
+
+bool is_port(int port) { return port >= 0 && port <= ports; }
+
+unsigned word(const Bytes& bytes, std::size_t at) {
+  return at + 2 <= bytes.size() ? static_cast<unsigned>(bytes[at] << 8 | bytes[at + 1]) : 0;
+}
+
+struct Out {
+  int port;
+  uint32_t cpu;
+  Bytes bytes;
+};
+std::vector<Out> outs;
+
+void take(int unit, const swsdk_out* out, void* in_port) {
+  require(unit == 0 && (out->cpu != 0) == (out->port == 0), "a copy leaves that is not for where it leaves");
+  outs.push_back({out->port, out->cpu, {out->data, out->data + out->length}});
+  if (in_port != nullptr) require(out->in_port == *static_cast<int*>(in_port), "a copy came in elsewhere");
+}
+
+/// What a port has counted.
+struct Counted {
+  uint64_t in = 0;
+  uint64_t out = 0;
+  uint64_t dropped = 0;
+};
+std::array<Counted, ports + 1> counted() {
+  std::array<Counted, ports + 1> result;
+  for (int port = 0; port <= ports; ++port) {
+    std::array<bcm_stat_val_t, 8> counters{
+        snmpIfHCInUcastPkts,      snmpIfHCInMulticastPkts,   snmpIfHCInBroadcastPkts, snmpIfHCOutUcastPkts,
+        snmpIfHCOutMulticastPkts, snmpIfHCOutBroadcastPckts, snmpIfInDiscards,        snmpIfInErrors};
+    std::array<uint64, 8> values{};
+    require(bcm_stat_multi_get(0, port, counters.size(), counters.data(), values.data()) == 0, "a port does not count");
+    result[static_cast<std::size_t>(port)] = {values[0] + values[1] + values[2], values[3] + values[4] + values[5],
+                                              values[6] + values[7]};
+  }
+  return result;
+}
+
+std::vector<long long> dropped() {
+  std::vector<long long> result{0};
+  for (int reason = 1; swsdk_drop_name(reason) != nullptr; ++reason) result.push_back(swsdk_drops(0, reason));
+  return result;
+}
+
+bool is_dropped_for(int result, const char* reason) {
+  return result > 0 && std::strcmp(swsdk_drop_name(result), reason) == 0;
+}
+
+/// Where the ether type of a frame stands, behind the tags that the chip knows.
+std::size_t ether_type_at(const Bytes& frame) {
+  std::size_t at = addresses;
+  for (int tags = 0; tags < 2; ++tags, at += tag)
+    if (const unsigned type = word(frame, at); type != 0x8100 && type != 0x88A8 && type != 0x9100) break;
+  return at;
+}
+
+/// Whether a copy says what the frame said, whatever became of addresses and tags, and of the time to live.
+bool is_copy(const Bytes& copy, const Bytes& frame) {
+  const std::size_t from = ether_type_at(frame);
+  const std::size_t length = frame.size() - from;
+  for (std::size_t at = addresses; at <= addresses + 2 * tag; at += tag) {
+    if (at > addresses && word(copy, at - tag) != 0x8100) return false;
+    if (copy.size() != std::max(at + length, shortest)) continue;
+    Bytes payload(copy.begin() + static_cast<std::ptrdiff_t>(at), copy.end());
+    Bytes expected(frame.begin() + static_cast<std::ptrdiff_t>(from), frame.end());
+    expected.resize(payload.size());
+    if (payload == expected) return true;
+    const std::size_t ip = word(expected, 0) < 0x600 ? 10 : 2;  // behind what says that it is SNAP
+    const bool is_ip6 = expected[ip] >> 4 == 6;
+    --expected[ip + (is_ip6 ? 7 : 8)];
+    if (!is_ip6)
+      std::copy_n(payload.begin() + static_cast<std::ptrdiff_t>(ip) + 10, 2,
+                  expected.begin() + static_cast<std::ptrdiff_t>(ip) + 10);
+    if (payload == expected) return true;
+  }
+  return false;
+}
+
+void check_copy(const Out& out, int in_port, const Bytes& frame, const Allowed& allowed) {
+  require(is_port(out.port), "a copy leaves where there is no port");
+  require(out.port != in_port || allowed.hairpin, "a copy goes back");
+  int longest = longest_frame + 2 * static_cast<int>(tag);
+  if (out.port == 0) {
+    require(word(out.bytes, addresses) == 0x8100, "the CPU does not see the VLAN");
+  } else {
+    int up = 0;
+    require(bcm_port_link_status_get(0, out.port, &up) == 0 && up != 0, "a copy leaves where nobody is");
+    longest = allowed.longest[static_cast<std::size_t>(out.port)] + static_cast<int>(tag - checksum);
+  }
+  require(out.bytes.size() >= shortest, "a copy is too short");
+  require(static_cast<int>(out.bytes.size()) <= longest, "a copy is too long");
+  Bytes padded = frame;
+  padded.resize(std::max(frame.size(), shortest));
+  // What a loop brings in again can lose another tag.
+  require(allowed.loop || out.bytes == padded || is_copy(out.bytes, frame), "a copy says something else");
+}
+
+/// Each frame is counted where it came in, and each copy where it left.
+void check_counters(int in_port, int result, const std::array<Counted, ports + 1>& before) {
+  const std::array<Counted, ports + 1> after = counted();
+  const bool heard = !is_dropped_for(result, "port down");
+  const bool lost = result > 0 && heard && !is_dropped_for(result, "trapped to the cpu");
+  std::array<uint64_t, ports + 1> left{};
+  for (const Out& out : outs) ++left[static_cast<std::size_t>(out.port)];
+  for (std::size_t port = 0; port <= ports; ++port) {
+    const bool is_in = static_cast<int>(port) == in_port;
+    require(after[port].in - before[port].in == (is_in && heard ? 1 : 0), "other frames came in than are counted");
+    require(after[port].out - before[port].out == left[port], "other copies left than are counted");
+    require(after[port].dropped - before[port].dropped == (is_in && lost ? 1 : 0), "a drop is counted otherwise");
+  }
+}
+
+/// A frame that is nowhere else than in its own block, so that a sanitizer sees who reads past its end.
+int send(int port, const Bytes& frame) {
+  const std::unique_ptr<uint8_t[]> own(new uint8_t[frame.size()]);
+  std::copy(frame.begin(), frame.end(), own.get());
+  outs.clear();
+  return swsdk_frame_send(0, port, own.get(), frame.size());
+}
+
+void pass_frame(Input& input, const Allowed& allowed) {
+  int port = input.near(0, 6);
+  const Bytes frame = frame_from(input);
+  const auto before = counted();
+  const std::vector<long long> drops_before = dropped();
+  swsdk_frame_handle(0, take, &port);
+  if (allowed.loop) swsdk_frame_handle(0, take, nullptr);
+  const int result = send(port, frame);
+  require((result == -1) == !is_port(port), "a frame came in where there is no port, or none where there is one");
+  if (result == -1) require(outs.empty(), "copies leave of a frame that did not come in");
+
+  // A pass through the chip makes mirrored copies of what comes in, and of each copy that goes out.
+  constexpr std::size_t passes = 17;
+  constexpr std::size_t mirrors = 4;
+  const std::size_t places = static_cast<std::size_t>(1 + ports + allowed.members);
+  const std::size_t most = mirrors + 1 + places * (1 + mirrors);
+  require(outs.size() <= (allowed.loop ? passes : 1) * most, "there are too many copies");
+  for (const Out& out : outs) check_copy(out, port, frame, allowed);
+
+  std::vector<long long> drops = dropped();
+  for (std::size_t i = 0; i < drops.size(); ++i) drops[i] -= drops_before[i];
+  const long long all = std::accumulate(drops.begin(), drops.end(), 0LL);
+  if (result > 0) require(drops[static_cast<std::size_t>(result)] >= 1, "a drop is not counted");
+  if (is_dropped_for(result, "malformed") || is_dropped_for(result, "port down") || is_dropped_for(result, "too long"))
+    require(outs.empty(), "copies leave of a frame that was not let in");
+  if (allowed.loop) return;
+  require(all == (result > 0 ? 1 : 0), "a drop is not counted once");
+  check_counters(port, result, before);
+}
+
+void call_function(Input& input, Allowed& allowed) {
+  const Function& function = any_function(input);
+  const std::string_view name = function.name;
+  constexpr std::string_view ways_back[] = {"vport_create", "host_route_create", "subnet_route_create",
+                                            "egress_add",   "ipmc_add",          "mirror_source_port",
+                                            "loopback_set", "arp_packet_port"};
+  for (const std::string_view way : ways_back) allowed.hairpin |= name.find(way) != std::string_view::npos;
+  allowed.loop |= name.find("loopback_set") != std::string_view::npos;
+  if (name.ends_with("frame_max_set") || name.ends_with("chip_init")) allowed.longest = Allowed().longest;
+  ++allowed.members;
+  function.run(function.parameters, input, [](Input&) {});
+}
+
+void happen(Input& input) {
+  uint8_t mac[6];
+  switch (input.from(0, 3)) {
+    case 0:
+      swsdk_link_event(0, number_for("port", input), input.flag());
+      break;
+    case 1:
+      swsdk_clock_step(0, input.from(0, 400));
+      break;
+    case 2:
+      swsdk_clock_advance(0, input.any<uint32_t>());
+      break;
+    default:
+      fill("mac", input, mac);
+      swsdk_l2_learn(0, number_for("vlan", input), mac, number_for("port", input), 0);
+  }
+}
+
+}  // namespace
+
+}  // namespace fuzz
+
+extern "C" {
+
+int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  constexpr int most_steps = 60;
+  constexpr uint8_t mac[6] = {0, 0x11, 0x22, 0x33, 0x44, 0x55};
+  fuzz::Input input(data, size);
+  sai_log_default = open_sai_log("fuzz", 0, 0, LOG_USER);
+  for (int32_t& level : sai_log_default->max_level) level = SAI_LOG_OFF;
+  sdk_main(0, nullptr);
+  sai_switch_chip_init(mac);
+  fuzz::Allowed allowed = fuzz::set_up(input);
+  for (int step = 0; step < most_steps && !input.is_empty(); ++step) {
+    const auto kind = input.any<uint8_t>();
+    if (kind < 64)
+      fuzz::call_function(input, allowed);
+    else if (kind < 80)
+      fuzz::happen(input);
+    else
+      fuzz::pass_frame(input, allowed);
+  }
+  swsdk_events_drain();
+  swsdk_power_off();
+  close_sai_log(sai_log_default);
+  sai_log_default = nullptr;
+  return 0;
+}
+}
