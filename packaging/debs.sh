@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
 # usage: debs.sh STAGING VERSION OUTPUT
 # Makes a Debian package of each folder in STAGING, and one with the debug symbols of its files. The architecture is
-# DEB_HOST_ARCH, or this machine's. What is packed carries the time SOURCE_DATE_EPOCH, or that of the last commit.
+# DEB_HOST_ARCH, or this machine's. What is packed carries the time SOURCE_DATE_EPOCH, which scripts/package sets.
 set -euo pipefail
 staging=$1 version=$2 output=$(realpath "$3")
 packaging=$(cd "$(dirname "$0")" && pwd)
-export LC_ALL=C.UTF-8 SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(git -C "$packaging" log -1 --format=%ct)}
+export LC_ALL=C.UTF-8
 eval "$(dpkg-architecture --print-set 2>/dev/null)"
 umask 022
 

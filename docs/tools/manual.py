@@ -190,7 +190,7 @@ class Reference:
                 lines.pop()
             for entry in named:
                 lines += [".TP", f".BR {entry.name} (3)", sentence(first_sentence(entry.comment.text[0]))]
-        return lines + [".SH SEE ALSO", ".BR saish (1)"]
+        return lines + [".SH SEE ALSO", ".BR saish (1),", ".BR swsdk\\-switch (1)"]
 
 
 def main(arguments):
@@ -203,8 +203,9 @@ def main(arguments):
     NAMES.update(name for name, entry in reference.entries.items() if entry.kind != "type")
     pages = {f"man3/{name}.3": reference.page(reference.entries[name], version) for name in sorted(NAMES)}
     pages["man7/sai.7"] = reference.overview(version)
-    shell = (ROOT / "docs/saish.1").read_text().replace("@DATE@", date()).replace("@VERSION@", version)
-    pages["man1/saish.1"] = shell.splitlines()
+    for command in (ROOT / "docs").glob("*.1"):
+        page = command.read_text().replace("@DATE@", date()).replace("@VERSION@", version)
+        pages[f"man1/{command.name}"] = page.splitlines()
     if reference.problems:
         print("\n".join(reference.problems), file=sys.stderr)
         return 1

@@ -9,9 +9,9 @@ fail() {
   exit 1
 }
 for file in "$@"; do
-  headers=$(readelf --program-headers --wide "$file")
-  dynamic=$(readelf --dynamic --wide "$file")
-  undefined=$(nm --dynamic --undefined-only "$file" | awk '{print $2}' | sed 's/@.*//')
+  headers=$("${READELF:-readelf}" --program-headers --wide "$file")
+  dynamic=$("${READELF:-readelf}" --dynamic --wide "$file")
+  undefined=$("${NM:-nm}" --dynamic --undefined-only "$file" | awk '{print $2}' | sed 's/@.*//')
 
   grep -q 'GNU_RELRO' <<<"$headers" || fail "$file" "is writable where it is relocated"
   grep -Eq '\(BIND_NOW\)|\(FLAGS\).*BIND_NOW|\(FLAGS_1\).*NOW' <<<"$dynamic" || fail "$file" "binds at the first call"

@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
-# usage: manual.sh LIBRARY SAISH MAN_DIR
-# Every exported name has a manual page, every command of the shell is in saish(1), and no page has a fault.
+# usage: manual.sh LIBRARY SAISH SWSDK_SWITCH MAN_DIR
+# Every exported name has a manual page, every command of the shell is in saish(1), every option of a program is in its
+# page, and no page has a fault.
 set -euo pipefail
-library=$1 saish=$2 pages=$3
+library=$1 saish=$2 switch=$3 pages=$4
 
 names=$(nm --dynamic --defined-only "$library" | awk '{print $3}' | sed 's/@.*//')
 [ "$(wc -w <<<"$names")" -ge 200 ] || { echo "$library: too few names found; is it still read rightly?"; exit 1; }
@@ -17,6 +18,15 @@ commands=$("$saish" -c help | sed '/^Functions of the library/,$d; 1d; /^$/d' | 
 [ "$(wc -w <<<"$commands")" -ge 10 ] || { echo "$saish: too few commands found; is its help still read rightly?"; exit 1; }
 for command in $commands; do
   grep -Eq "^\.(B|BI|BR) $command( |\$)" "$pages/man1/saish.1" || { echo "saish(1) does not tell of $command"; exit 1; }
+done
+
+for program in "$saish" "$switch"; do
+  options=$("$program" --help | grep -Eo -- '^ +-[^ ]+' | tr -d ' ' | tr ',' '\n')
+  [ "$(wc -w <<<"$options")" -ge 5 ] || { echo "$program: too few options found; is its help still read rightly?"; exit 1; }
+  for option in $options; do
+    grep -Eq "^\.[BIR]+ .*${option//-/\\\\-}\>" "$pages/man1/$(basename "$program").1" ||
+      { echo "the page of $program does not tell of $option"; exit 1; }
+  done
 done
 
 mandoc -T lint -W warning "$pages"/man?/*

@@ -38,7 +38,7 @@ mkdir -p "$root/var/lib/dpkg/info" "$root/var/lib/dpkg/updates"
 # Of what ours depend on, there is what this machine has.
 for package in "${debs[@]}"; do dpkg-deb --field "$package" Depends; done |
   tr ',' '\n' | awk '{print $1}' | grep -Ev '^(libsai|swsdk)' | sort -u |
-  sed "s/\$/:$architecture/" | xargs dpkg-query --status >"$root/var/lib/dpkg/status"
+  sed "/:any\$/! s/\$/:$architecture/; s/:any\$//" | xargs dpkg-query --status >"$root/var/lib/dpkg/status"
 printf '%s\n' "$DEB_BUILD_ARCH" "$architecture" | uniq >"$root/var/lib/dpkg/arch"
 dpkg() { command dpkg --root="$root" "$@" >"$work/dpkg.log" 2>&1 || fail "dpkg $*: $(cat "$work/dpkg.log")"; }
 dpkg --install "$(deb libsai1)"
@@ -47,7 +47,27 @@ dpkg --install "$(deb libsai-dev)" "$(deb libsai1-dbgsym)" "$(deb swsdk-virtual-
 libraries=$root/usr/lib/$DEB_HOST_MULTIARCH
 examples=$root/usr/share/doc/libsai-dev/examples
 
-for file in "$libraries/libsai.so" "$libraries/libswsdk.so" "$root/usr/bin/saish"; do
+while read -r package file; do
+  owner=$(command dpkg --root="$root" --search "$file") || fail "no package has $file"
+  [[ "$owner" =~ ^$package(:.*)?:\  ]] || fail "$file should be in $package, not $owner"
+done <<end
+libsai1 /usr/lib/$DEB_HOST_MULTIARCH/libsai.so
+libsai-dev /usr/include/sai.h
+libsai-dev /usr/lib/$DEB_HOST_MULTIARCH/pkgconfig/sai.pc
+libsai-dev /usr/lib/$DEB_HOST_MULTIARCH/cmake/sai/sai-config.cmake
+libsai-dev /usr/share/doc/libsai-dev/messages.md
+libsai-dev /usr/share/man/man3/sai_vlan_create.3.gz
+libsai-dev /usr/share/man/man7/sai.7.gz
+swsdk-virtual /usr/bin/saish
+swsdk-virtual /usr/bin/swsdk-switch
+swsdk-virtual /usr/include/bcm/vlan.h
+swsdk-virtual /usr/include/swsdk/journal.h
+swsdk-virtual /usr/lib/$DEB_HOST_MULTIARCH/libswsdk.so
+swsdk-virtual /usr/lib/python3/dist-packages/sai_virtual/__init__.py
+swsdk-virtual /usr/share/man/man1/saish.1.gz
+swsdk-virtual /usr/share/man/man1/swsdk-switch.1.gz
+end
+for file in "$libraries/libsai.so" "$libraries/libswsdk.so" "$root/usr/bin/saish" "$root/usr/bin/swsdk-switch"; do
   grep -qE ' \.(symtab|debug_info)' <<<"$(readelf --sections --wide "$file")" && fail "$file is not stripped"
   build_id=$(readelf --notes "$file" | sed -n 's/.*Build ID: //p')
   debug=$root/usr/lib/debug/.build-id/${build_id:0:2}/${build_id:2}.debug
@@ -78,6 +98,18 @@ for program in "$work/virtual-pkg-config" "$work/virtual/consumer"; do
   grep -q 'bcm_vlan_create(0, 10) = 0' "$work/out" || fail "$program printed: $(cat "$work/out")"
 done
 "${run[@]}" "$root/usr/bin/saish" "$examples/vlans.sai" >/dev/null
+"${run[@]}" "$root/usr/bin/swsdk-switch" "$examples/vlans.sai" --port "1=pcap::$work/sent.pcap" >/dev/null
+[ -s "$work/sent.pcap" ] || fail "swsdk-switch wrote no file of frames"
+if [ ${#run[@]} -eq 0 ]; then
+  PYTHONPATH=$root/usr/lib/python3/dist-packages python3 -B -c '
+import sai_virtual as sai
+with sai.Chip(), sai.Journal() as journal:
+    sai.sai_vlan_create(0, 10)
+assert journal.lines()[0] == "bcm_vlan_create(0, 10) = 0", journal.lines()'
+  status=0
+  PATH=$root/usr/bin:$PATH "$examples/two-vlans/run" >"$work/out" 2>&1 || status=$?
+  [ $status -eq 0 ] || [ $status -eq 77 ] || fail "examples/two-vlans/run printed: $(cat "$work/out")"
+fi
 
 # A vendor's SDK in place of the virtual chip, in folders of its own.
 mkdir "$work/vendor"
