@@ -13,6 +13,7 @@ constexpr int longest_frame = 9216;
 
 /// What a frame may do because of what was configured before it.
 struct Allowed {
+  bool mirror = false;   // leave a monitor's port, whatever becomes of it otherwise
   bool hairpin = false;  // leave where it came in: routed, redirected, mirrored, or between virtual ports
   bool loop = false;     // leave a looped-back port, and so come in again
   int members = 0;       // one call makes one place more to which it may go, at most

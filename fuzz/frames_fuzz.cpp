@@ -172,9 +172,12 @@ void pass_frame(Input& input, const Allowed& allowed) {
   for (std::size_t i = 0; i < drops.size(); ++i) drops[i] -= drops_before[i];
   const long long all = std::accumulate(drops.begin(), drops.end(), 0LL);
   if (result > 0) require(drops[static_cast<std::size_t>(result)] >= 1, "a drop is not counted");
-  if (is_dropped_for(result, "malformed") || is_dropped_for(result, "port down") || is_dropped_for(result, "too long"))
-    require(outs.empty(), "copies leave of a frame that was not let in");
+  for (const char* reason : {"malformed", "port down", "too long", "port rate"})
+    require(outs.empty() || !is_dropped_for(result, reason), "copies leave of a frame that was not let in");
   if (allowed.loop) return;
+  const bool is_too_much = is_dropped_for(result, "policer") || is_dropped_for(result, "storm control");
+  if (result > 0 && !allowed.mirror)
+    for (const Out& out : outs) require(out.port == 0 && !is_too_much, "copies leave of a frame that was dropped");
   require(all == (result > 0 ? 1 : 0), "a drop is not counted once");
   check_counters(port, result, before);
 }
@@ -186,6 +189,7 @@ void call_function(Input& input, Allowed& allowed) {
                                             "egress_add",   "ipmc_add",          "mirror_source_port",
                                             "loopback_set", "arp_packet_port"};
   for (const std::string_view way : ways_back) allowed.hairpin |= name.find(way) != std::string_view::npos;
+  allowed.mirror |= name.find("mirror_source_port") != std::string_view::npos;
   allowed.loop |= name.find("loopback_set") != std::string_view::npos;
   if (name.ends_with("frame_max_set") || name.ends_with("chip_init")) allowed.longest = Allowed().longest;
   ++allowed.members;

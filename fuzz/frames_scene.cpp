@@ -123,25 +123,26 @@ Allowed set_up(Input& input) {
   bridge_vlans();
   constexpr struct {
     void (*step)();
-    bool hairpin, loop;
+    bool mirror, hairpin, loop;
     int members;
   } steps[] = {
-      {use_virtual_ports, true, false, 4},
-      {route, true, false, 0},
-      {route_multicast, true, false, 8},
-      {translate, false, false, 0},
-      {assign_vlans, false, false, 0},
-      {bundle_ports, false, false, 0},
-      {mirror, true, false, 0},
-      {make_rules, true, false, 0},
-      {limit_rates, false, false, 0},
-      {loop_back, true, true, 0},
+      {use_virtual_ports, false, true, false, 4},
+      {route, false, true, false, 0},
+      {route_multicast, false, true, false, 8},
+      {translate, false, false, false, 0},
+      {assign_vlans, false, false, false, 0},
+      {bundle_ports, false, false, false, 0},
+      {mirror, true, true, false, 0},
+      {make_rules, false, true, false, 0},
+      {limit_rates, false, false, false, 0},
+      {loop_back, false, true, true, 0},
   };
   if ((chosen & 0x8000) != 0) sai_port_frame_max_set(0, 3, allowed.longest[3] = 1518);
   unsigned bit = 1;
   for (const auto& step : steps) {
     if ((chosen & bit) != 0) {
       step.step();
+      allowed.mirror |= step.mirror;
       allowed.hairpin |= step.hairpin;
       allowed.loop |= step.loop;
       allowed.members += step.members;
