@@ -31,6 +31,6 @@ cmake -S "$source" -B "$work/library" -G Ninja -DCMAKE_COMPILE_WARNING_AS_ERROR=
 cmake --build "$work/library"
 export LD_LIBRARY_PATH=$work/library/src
 for program in "$@"; do
-  ldd "$work/chip/tests/$program" | grep --quiet --fixed-strings "$work/library/src/libsai.so"
+  grep --quiet --fixed-strings "$work/library/src/libsai.so" <<<"$(ldd "$work/chip/tests/$program")"
   "$work/chip/tests/$program" --gtest_brief=1
 done
