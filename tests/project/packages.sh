@@ -48,7 +48,7 @@ libraries=$root/usr/lib/$DEB_HOST_MULTIARCH
 examples=$root/usr/share/doc/libsai-dev/examples
 
 while read -r package file; do
-  owner=$(command dpkg --root="$root" --search "$file") || fail "no package has $file"
+  owner=$(command dpkg --root="$root" --search "$file" 2>/dev/null) || fail "no package has $file"
   [[ "$owner" =~ ^$package(:.*)?:\  ]] || fail "$file should be in $package, not $owner"
 done <<end
 libsai1 /usr/lib/$DEB_HOST_MULTIARCH/libsai.so
@@ -105,7 +105,7 @@ if [ ${#run[@]} -eq 0 ]; then
 import sai_virtual as sai
 with sai.Chip(), sai.Journal() as journal:
     sai.sai_vlan_create(0, 10)
-assert journal.lines()[0] == "bcm_vlan_create(0, 10) = 0", journal.lines()'
+    assert journal.lines()[0] == "bcm_vlan_create(0, 10) = 0", journal.lines()'
   status=0
   PATH=$root/usr/bin:$PATH "$examples/two-vlans/run" >"$work/out" 2>&1 || status=$?
   [ $status -eq 0 ] || [ $status -eq 77 ] || fail "examples/two-vlans/run printed: $(cat "$work/out")"
