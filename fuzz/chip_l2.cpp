@@ -240,10 +240,9 @@ void fuzz_mirrors(Input& input) {
       const int port = input.near(0, ethernet_ports);
       const int gport = input.any<uint8_t>() < 8 ? port : chip::gport::of_port(port & 0x7FF);
       const bool with_id = (flags & 2) != 0;
-      const bool is_port_gport = gport != port && is_port(port & 0x7FF);
       const bool replaces = with_id && present && (flags & 1) != 0;
       const Status expected = flags > 3 || flags == 1                 ? Status::bad_parameter
-                              : !is_port_gport                        ? Status::bad_port
+                              : !is_port_gport(gport)                 ? Status::bad_port
                               : with_id && id >> 26 != 15             ? Status::bad_id
                               : with_id && present && !replaces       ? Status::exists
                               : destinations.size() == 4 && !replaces ? Status::full

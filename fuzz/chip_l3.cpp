@@ -251,8 +251,9 @@ void fuzz_virtual_ports(Input& input) {
   while (!input.is_empty()) {
     Virtual wanted;
     wanted.criteria = input.near(Virtual::match_port_vlan, Virtual::match_port_vlan_stacked);
-    const int port = input.near(0, ethernet_ports);
-    wanted.port = is_port(port) && input.flag() ? chip::gport::of_port(port) : port;
+    const int named = input.near(0, ethernet_ports);
+    wanted.port = is_port(named) && input.flag() ? chip::gport::of_port(named) : named;
+    const int port = is_port_gport(wanted.port) ? wanted.port & 0x7FF : wanted.port;
     wanted.match_vlan = static_cast<uint16_t>(input.near(1, 3));
     wanted.match_inner_vlan = static_cast<uint16_t>(input.near(1, 3));
     wanted.egress_vlan = static_cast<uint16_t>(input.near(0, 3));
