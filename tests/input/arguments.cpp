@@ -1,13 +1,8 @@
 #include "input/arguments.h"
 
-#include <algorithm>
-
-#if defined(__SANITIZE_ADDRESS__)
 #include <sanitizer/asan_interface.h>
-#else
-#define ASAN_POISON_MEMORY_REGION(address, size) static_cast<void>(address)
-#define ASAN_UNPOISON_MEMORY_REGION(address, size) static_cast<void>(address)
-#endif
+
+#include <algorithm>
 
 namespace input {
 

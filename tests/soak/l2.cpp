@@ -49,8 +49,8 @@ class Layer2 : public soak::Family {
   void tear_down() override {
     must("sai_l2_mac_age_time_set", sai_l2_mac_age_time_set(unit, 300));
     must("sai_l2_dst_hit_enable_set", sai_l2_dst_hit_enable_set(unit, 0));
-    for (const uint32_t flags : {BCM_L2_LEARN_LIMIT_SYSTEM, BCM_L2_LEARN_LIMIT_VLAN, BCM_L2_LEARN_LIMIT_PORT})
-      set_limit(flags, unlimited);
+    for (const int flags : {BCM_L2_LEARN_LIMIT_SYSTEM, BCM_L2_LEARN_LIMIT_VLAN, BCM_L2_LEARN_LIMIT_PORT})
+      set_limit(static_cast<uint32_t>(flags), unlimited);
     must("sai_l2_mac_learn_limit_disable", sai_l2_mac_learn_limit_disable(unit));
     while (!trunks_.empty()) drop_trunk(trunks_.begin()->first);
     for (const auto& [key, mode] : sources_)

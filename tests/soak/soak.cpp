@@ -27,7 +27,7 @@ using Clock = std::chrono::steady_clock;
 constexpr std::size_t heap_slack = 128 * 1024;
 constexpr std::size_t resident_slack = 4 * 1024 * 1024;
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef SANITIZED
 constexpr bool own_allocator = false;  // theirs keeps what was freed; one of them tells of leaks itself
 #else
 constexpr bool own_allocator = true;

@@ -9,7 +9,7 @@
 #include <cstdio>
 #include <utility>
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef SANITIZED
 constexpr bool own_allocator = false;
 #else
 constexpr bool own_allocator = true;
@@ -70,7 +70,7 @@ void vsyslog(int priority, const char* format, va_list args) {
 /// What vsyslog becomes when libc's checks are compiled in.
 void __vsyslog_chk(int priority, int /*flag*/, const char* format, va_list args) { vsyslog(priority, format, args); }
 
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#ifndef SANITIZED
 void* __libc_calloc(size_t count, size_t size);
 
 void* calloc(size_t count, size_t size) {

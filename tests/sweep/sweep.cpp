@@ -22,8 +22,8 @@ Outputs outputs;
 
 void* Outputs::add(const void* before, size_t size, size_t parts) {
   const size_t all = size * parts;
-  Output& output =
-      outputs_.emplace_back(std::string(static_cast<const char*>(before), all), std::make_unique<char[]>(all), parts);
+  outputs_.push_back({std::string(static_cast<const char*>(before), all), std::make_unique<char[]>(all), parts});
+  const Output& output = outputs_.back();
   std::copy_n(output.before.data(), all, output.now.get());
   return output.now.get();
 }

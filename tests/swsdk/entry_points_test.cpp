@@ -35,20 +35,26 @@ const std::set<std::string> without_result = {"soc_linkscan_pause", "soc_linksca
 
 bool is_initialiser(const std::string& name) { return name.ends_with("_t_init"); }
 
-/// These take records by value, which are read from the caller's own stack, or on Arm where an argument points to.
+/// These take records by value, which are on the stack, or on Arm where an argument points to.
 const std::set<std::string> with_records = {"bcm_field_group_create", "bcm_field_qualify_InPorts",
                                             "bcm_port_egress_set",    "bcm_vlan_control_vlan_set",
                                             "bcm_vlan_port_add",      "bcm_vlan_port_remove"};
 
+struct Records {
+  std::array<char, 1024> bytes;
+};
+
 /// Calls a function of any signature with a unit and zeros; the calling convention leaves what is too much alone.
 int call(const char* name, int unit) {
-  static std::array<char, 1024> zeros;
+  void* const symbol = dlsym(RTLD_DEFAULT, name);
+  if (symbol == nullptr) throw std::runtime_error(std::string(name) + " is missing");
+  if (with_records.contains(name)) {
+    Records zeros{};
+    using WithRecords = int (*)(int, void*, void*, void*, void*, void*, Records);
+    return reinterpret_cast<WithRecords>(symbol)(unit, &zeros, &zeros, &zeros, &zeros, &zeros, zeros);
+  }
   using Any = int (*)(int, void*, void*, void*, void*, void*, void*, void*);
-  const auto function = reinterpret_cast<Any>(dlsym(RTLD_DEFAULT, name));
-  if (function == nullptr) throw std::runtime_error(std::string(name) + " is missing");
-  zeros = {};
-  void* const zero = with_records.contains(name) ? zeros.data() : nullptr;
-  return function(unit, zero, zero, zero, zero, zero, zero, zero);
+  return reinterpret_cast<Any>(symbol)(unit, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
 }
 
 class EntryPoints : public testing::Test {
