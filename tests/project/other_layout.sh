@@ -21,10 +21,10 @@ headers guarded 0
 [ "$(grep --recursive 'added_0' "$work/vendor" | wc -l)" -ge 20 ] ||
   { echo "too few records found; are the headers still read rightly?"; exit 1; }
 
-# Before the project's own headers, in every target.
+# Before the project's own headers, in every target. The chip is built with the compiler that takes less time.
 echo "include_directories(\"$work/guarded\")" >"$work/guarded.cmake"
 cmake -S "$source" -B "$work/chip" -G Ninja -DCMAKE_PROJECT_sai_INCLUDE="$work/guarded.cmake" \
-  -DCMAKE_C_FLAGS=-O0 -DCMAKE_CXX_FLAGS=-O0 >/dev/null
+  -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_C_FLAGS=-O0 -DCMAKE_CXX_FLAGS=-O0 >/dev/null
 cmake --build "$work/chip" --target "$@"
 cmake -S "$source" -B "$work/library" -G Ninja -DCMAKE_COMPILE_WARNING_AS_ERROR=ON \
   -DSWSDK_INCLUDE_DIR="$work/vendor" -DSWSDK_LIBRARY="$work/chip/swsdk/libswsdk.so" >/dev/null
