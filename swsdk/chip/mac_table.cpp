@@ -20,19 +20,21 @@ std::vector<MacScope> scopes_of(const MacEntry& entry) {
 
 namespace {
 
+/// Both in one number.
+uint64_t bits_of(int vlan, const Mac& mac) { return static_cast<uint64_t>(vlan) << 48 | number_of(mac); }
+
 /// What tells an entry from others; never 0.
 uint64_t key_of(int vlan, const Mac& mac) {
   constexpr uint64_t used = uint64_t{1} << 63;
-  return used | static_cast<uint64_t>(vlan) << 48 | number_of(mac);
+  return used | bits_of(vlan, mac);
 }
 
 }  // namespace
 
 int MacTable::bucket_of(int vlan, const Mac& mac) {
-  const uint64_t key = static_cast<uint64_t>(vlan) << 48 | number_of(mac);
   constexpr uint64_t spread = 0x9E3779B97F4A7C15;  // an odd number without a pattern carries every bit upwards
   static_assert(buckets == 1 << 13);
-  return static_cast<int>((key * spread) >> (64 - 13));
+  return static_cast<int>((bits_of(vlan, mac) * spread) >> (64 - 13));
 }
 
 void MacTable::reset() {

@@ -6,15 +6,7 @@ command -v udhcpc >/dev/null || skip "udhcpc is not installed"
 
 host client 1
 host neighbour 2
-cat >"$work/switch.sai" <<SAI
-source $basics
-sai_vlan_create 0 10
-sai_vlan_port_add 0 10 1 0
-sai_vlan_port_add 0 10 2 0
-sai_port_untagged_vlan_set 0 1 10
-sai_port_untagged_vlan_set 0 2 10
-SAI
-start_switch "$work/switch.sai"
+start_switch "$lan"
 watch cpu.log "vlan and udp port 67" tcpdump -i ethv0
 watch neighbour.log "udp port 67" on neighbour tcpdump -Q in -i eth0
 ask() { on client udhcpc -i eth0 -n -q -t 1 -T 1 -s /bin/true >/dev/null 2>&1 || true; }

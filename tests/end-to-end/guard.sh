@@ -6,15 +6,7 @@ source "$(dirname "$0")/watch.sh"
 host guarded 1 10.0.0.1/24
 host neighbour 2 10.0.0.2/24
 on guarded ip address add 10.0.0.66/24 dev eth0
-cat >"$work/switch.sai" <<SAI
-source $basics
-sai_vlan_create 0 10
-sai_vlan_port_add 0 10 1 0
-sai_vlan_port_add 0 10 2 0
-sai_port_untagged_vlan_set 0 1 10
-sai_port_untagged_vlan_set 0 2 10
-SAI
-start_switch "$work/switch.sai"
+start_switch "$lan"
 watch sent.log icmp on guarded tcpdump -Q out -i eth0
 watch neighbour.log icmp on neighbour tcpdump -Q in -i eth0
 as_itself() { on guarded ping -n -q -c 1 -W 1 -I 10.0.0.1 10.0.0.2 >/dev/null || true; }

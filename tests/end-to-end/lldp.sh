@@ -7,12 +7,7 @@ command -v lldpd >/dev/null || skip "lldpd is not installed"
 host talker 1 10.0.10.1/24
 host neighbour 2 10.0.10.2/24
 cat >"$work/switch.sai" <<SAI
-source $basics
-sai_vlan_create 0 10
-sai_vlan_port_add 0 10 1 0
-sai_vlan_port_add 0 10 2 0
-sai_port_untagged_vlan_set 0 1 10
-sai_port_untagged_vlan_set 0 2 10
+source $lan
 # Outside the VLAN, the CPU gets no copies of what is flooded.
 sai_vlan_port_remove 0 10 0
 SAI

@@ -7,12 +7,7 @@ host one 1 10.0.0.1/24
 host two 2 10.0.0.2/24
 host analyzer 3
 cat >"$work/switch.sai" <<SAI
-source $basics
-sai_vlan_create 0 10
-sai_vlan_port_add 0 10 1 0
-sai_vlan_port_add 0 10 2 0
-sai_port_untagged_vlan_set 0 1 10
-sai_port_untagged_vlan_set 0 2 10
+source $lan
 sai_mirror_init 0
 SAI
 start_switch "$work/switch.sai"

@@ -5,15 +5,7 @@ source "$(dirname "$0")/watch.sh"
 
 host one 1 10.0.0.1/24
 on one ip address add 10.0.1.1/24 dev eth0
-cat >"$work/switch.sai" <<SAI
-source $basics
-sai_vlan_create 0 10
-sai_vlan_port_add 0 10 1 0
-sai_vlan_port_add 0 10 2 0
-sai_port_untagged_vlan_set 0 1 10
-sai_port_untagged_vlan_set 0 2 10
-SAI
-start_switch "$work/switch.sai" --port 2=tap:t2 --cpu control
+start_switch "$lan" --port 2=tap:t2 --cpu control
 grep -q 02:00:00:00:00:01 <<<"$(ip link show control)" || fail "the CPU's interface: $(ip link)"
 ! ip link show ethv0 >/dev/null 2>&1 || fail "--cpu renames the interface"
 
@@ -45,5 +37,5 @@ for signal in TERM INT; do
   ! ip link show control >/dev/null 2>&1 || fail "SIG$signal left the CPU's interface behind"
   echo "SIG$signal ends it, and what it made is gone"
   rm "$work/commands"
-  [ "$signal" = INT ] || start_switch "$work/switch.sai" --port 2=tap:t2 --cpu control
+  [ "$signal" = INT ] || start_switch "$lan" --port 2=tap:t2 --cpu control
 done

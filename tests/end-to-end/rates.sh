@@ -5,15 +5,7 @@ source "$(dirname "$0")/watch.sh"
 
 host sender 1 10.0.0.1/24
 host receiver 2 10.0.0.2/24
-cat >"$work/switch.sai" <<SAI
-source $basics
-sai_vlan_create 0 10
-sai_vlan_port_add 0 10 1 0
-sai_vlan_port_add 0 10 2 0
-sai_port_untagged_vlan_set 0 1 10
-sai_port_untagged_vlan_set 0 2 10
-SAI
-start_switch "$work/switch.sai"
+start_switch "$lan"
 expect_reached sender 10.0.0.2
 
 cat >"$work/storm.py" <<'PY'

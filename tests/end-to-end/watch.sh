@@ -13,6 +13,16 @@ log off
 sai_switch_chip_init 02:00:00:00:00:01
 log errors
 SAI
+# The hosts at ports 1 and 2 are in VLAN 10 and see no tags.
+lan=$work/lan.sai
+cat >"$lan" <<SAI
+source $basics
+sai_vlan_create 0 10
+sai_vlan_port_add 0 10 1 0
+sai_vlan_port_add 0 10 2 0
+sai_port_untagged_vlan_set 0 1 10
+sai_port_untagged_vlan_set 0 2 10
+SAI
 
 # watch LOG FILTER COMMAND...: tcpdump by that command, such as: on host tcpdump -i eth0; its lines go into the log.
 watch() {

@@ -216,13 +216,22 @@ class Policers : public Traps {
     for (int i = 0; i < 20; ++i) count += send(1, frame).substr(0, 2) == "2:" ? 1 : 0;
     return count;
   }
+
+  /// Lets 64 bytes of VLAN 10 out of port 2, and no more until time passes.
+  void hold() {
+    const int32_t vport = group(sai_fp_vport_group_create);
+    EXPECT_EQ(sai_fp_vport_qualify_set(0, 2, vport, &entry, 10), 0);
+    EXPECT_EQ(sai_vport_fp_policer_set(0, entry, &policer, 8, 8, 64, 64), 0);
+    EXPECT_EQ(sai_fp_vport_qualify_action(0, vport, entry), 0);
+  }
+
+  int32_t entry = 0;
+  int32_t policer = 0;
 };
 
 TEST_F(Policers, HoldAVlanOnItsWayOutOfAPortToItsRate) {
   vlan(20, {1, 2});
   const int32_t vport = group(sai_fp_vport_group_create);
-  int32_t entry = 0;
-  int32_t policer = 0;
   EXPECT_EQ(sai_fp_vport_qualify_set(0, 2, vport, &entry, 10), 0);
   EXPECT_EQ(sai_vport_fp_policer_set(0, entry, &policer, 8, 16, 64, 320), 0);
   EXPECT_EQ(passing(), 20) << "it is not installed yet";
@@ -244,12 +253,7 @@ TEST_F(Policers, HoldAVlanOnItsWayOutOfAPortToItsRate) {
 }
 
 TEST_F(Policers, MeterNothingOnceTheyAreDetached) {
-  const int32_t vport = group(sai_fp_vport_group_create);
-  int32_t entry = 0;
-  int32_t policer = 0;
-  EXPECT_EQ(sai_fp_vport_qualify_set(0, 2, vport, &entry, 10), 0);
-  EXPECT_EQ(sai_vport_fp_policer_set(0, entry, &policer, 8, 8, 64, 64), 0);
-  EXPECT_EQ(sai_fp_vport_qualify_action(0, vport, entry), 0);
+  hold();
   EXPECT_EQ(passing(), 1);
   EXPECT_NE(sai_vport_fp_policer_destroy(0, policer), 0) << "it is attached";
   EXPECT_EQ(passing(), 0);
@@ -260,12 +264,7 @@ TEST_F(Policers, MeterNothingOnceTheyAreDetached) {
 }
 
 TEST_F(Policers, MeterNothingOnceTheirEntryIsDestroyed) {
-  const int32_t vport = group(sai_fp_vport_group_create);
-  int32_t entry = 0;
-  int32_t policer = 0;
-  EXPECT_EQ(sai_fp_vport_qualify_set(0, 2, vport, &entry, 10), 0);
-  EXPECT_EQ(sai_vport_fp_policer_set(0, entry, &policer, 8, 8, 64, 64), 0);
-  EXPECT_EQ(sai_fp_vport_qualify_action(0, vport, entry), 0);
+  hold();
   EXPECT_EQ(passing(), 1);
   EXPECT_EQ(sai_fp_entry_destroy(0, entry), 0);
   EXPECT_EQ(passing(), 20);

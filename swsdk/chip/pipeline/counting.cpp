@@ -64,7 +64,13 @@ struct IpCounter {
 };
 constexpr int no_counter = -1;
 constexpr IpCounter ip_counters[] = {
-    {12, 66}, {13, 67}, {15, 69}, {14, no_counter}, {82, 82}, {83, 83}, {84, 84},
+    {12, 66},          // received
+    {13, 67},          // header_error
+    {15, 69},          // discarded
+    {14, no_counter},  // forwarded
+    {82, 82},          // group_bridged
+    {83, 83},          // group_routed
+    {84, 84},          // group_dropped
 };
 constexpr int ip6_forwarded = 70;  // where packets leave, unlike that of IPv4
 constexpr int ip6_multicast_received = 72;
