@@ -51,8 +51,8 @@ void add_transport(Frame& frame, Input& input) {
       frame.udp(input.from(0, 99), input.near(0, 99));
       break;
     case 1: {  // DHCP, of both families
-      constexpr int ports[] = {67, 68, 546, 547};
-      frame.udp(ports[input.from(0, 3)], ports[input.from(0, 3)]);
+      constexpr int dhcp_ports[] = {67, 68, 546, 547};
+      frame.udp(dhcp_ports[input.from(0, 3)], dhcp_ports[input.from(0, 3)]);
       break;
     }
     case 2:

@@ -72,3 +72,16 @@ std::string api::quoted(std::string_view string) {
   }
   return result + '"';
 }
+
+std::string api::record_text(std::span<const Field> fields, const void* record) {
+  std::string result = "{";
+  for (const Field& field : fields) {
+    const auto* const bytes = static_cast<const char*>(field.in(record));
+    if (std::all_of(bytes, bytes + field.size, [](char byte) { return byte == 0; })) continue;
+    if (result.size() > 1) result += ", ";
+    result += field.name;
+    result += '=';
+    result += field.type->text(bytes, field.show);
+  }
+  return result + '}';
+}

@@ -7,9 +7,9 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <span>
 #include <string>
 #include <string_view>
-#include <tuple>
 #include <type_traits>
 
 #include "api/records.h"
@@ -160,8 +160,9 @@ inline std::string text(char* string) { return text(static_cast<const char*>(str
 
 template <class T>
 std::string items_text(const T* items, int count);
-template <class Record>
-std::string record_text(const Record& record);
+
+/// The fields of a record that are not 0: "{vid=10, flags=0x1}".
+std::string record_text(std::span<const Field> fields, const void* record);
 
 /// A value behind a pointer or in a record: an address, a name, a bitmap, a list, a record, or a plain value.
 template <class T>
@@ -177,30 +178,13 @@ std::string value_text(const T& value, Show show = Show::plain) {
   else if constexpr (std::is_same_v<T, bcm_pbmp_t>)
     return chip::text(ports(value));
   else if constexpr (requires { fields(&value); })
-    return record_text(value);
+    return record_text(fields(&value), &value);
   else if constexpr (std::is_integral_v<T>)
     return show == Show::hex   ? text(hex(static_cast<uint32_t>(value)))
            : show == Show::ip4 ? text(ip4(static_cast<uint32_t>(value)))
                                : text(value);
   else
     return text(value);
-}
-
-/// The fields of a record that differ from their initial value: "{vid=10, flags=0x1}".
-template <class Record>
-std::string record_text(const Record& record) {
-  static const Record initial{};
-  std::string result = "{";
-  const auto add = [&](const auto& field) {
-    const auto& value = record.*field.where;
-    if (std::memcmp(&value, &(initial.*field.where), sizeof value) == 0) return;
-    if (result.size() > 1) result += ", ";
-    result += field.name;
-    result += '=';
-    result += value_text(value, field.show);
-  };
-  std::apply([&](const auto&... field) { (add(field), ...); }, fields(&record));
-  return result + '}';
 }
 
 template <class T>

@@ -52,8 +52,8 @@ std::string c_assignment(const std::string& place, const T& value) {
     for (int port = 0; port < BCM_PBMP_PORT_MAX; ++port)
       if (BCM_PBMP_MEMBER(value, port)) result += "  BCM_PBMP_PORT_ADD(" + place + ", " + std::to_string(port) + ");\n";
   } else if constexpr (requires { fields(&value); }) {
-    const auto add = [&](const auto& field) { result += c_assignment(place + '.' + field.name, value.*field.where); };
-    std::apply([&](const auto&... field) { (add(field), ...); }, fields(&value));
+    for (const Field& field : fields(&value))
+      result += field.type->c_assignment(place + '.' + field.name, field.in(&value));
   } else if (value != T{}) {
     result = "  " + place + " = " + text(value) + (std::is_unsigned_v<T> ? "U;\n" : ";\n");
   }

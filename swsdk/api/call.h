@@ -21,33 +21,37 @@ namespace api {
 inline int code(chip::Status status) { return static_cast<int>(status); }
 inline int code(int rv) { return rv; }
 
-/// "function(arguments) = rv".
-inline std::string line(const char* function, int rv, std::initializer_list<std::string> arguments) {
-  std::string result = function;
-  const char* separator = "(";
-  for (const std::string& argument : arguments) {
-    result += separator + argument;
-    separator = ", ";
-  }
-  if (arguments.size() == 0) result += '(';
-  return result + ") = " + std::to_string(rv);
-}
+/// An argument of any type, as the lines that tell of the call show it.
+class Argument {
+ public:
+  template <class T>
+  Argument(const T& argument) : argument_(&argument), shown_(&shown_as<T>) {}  // NOLINT(google-explicit-constructor)
 
-/// Writes that line into the journal and the recording, where somebody wants them.
-template <class... Args>
-void record(Kind kind, const char* function, int rv, const Args&... args) {
-  if (journal_is_recording() && kind != Kind::action) journal_add(line(function, rv, {shown(args, rv)...}));
-  // A fault leaves the outputs alone, whatever its code.
-  if (is_recording())
-    add_to_recording(kind, line(function, rv, {shown_in_recording(args, kind == Kind::fault ? -1 : rv)...}));
-}
+  /// For the journal or for the recording, of a call that answered `rv`.
+  std::string shown(bool in_recording, int rv) const { return shown_(argument_, in_recording, rv); }
+
+ private:
+  template <class T>
+  static std::string shown_as(const void* argument, bool in_recording, int rv) {
+    const T& value = *static_cast<const T*>(argument);
+    return in_recording ? shown_in_recording(value, rv) : api::shown(value, rv);
+  }
+
+  const void* argument_;
+  std::string (*shown_)(const void* argument, bool in_recording, int rv);
+};
+
+using Arguments = std::initializer_list<Argument>;
+
+/// Writes "function(arguments) = rv" into the journal and the recording, where somebody wants it.
+void record(Kind kind, const char* function, int rv, Arguments arguments);
 
 /// Lets the control interface do something to a unit's chip: what the body answers, or -1 when the unit is not up.
 template <class Body, class... Args>
 int act(const char* function, int unit, Body body, const Args&... args) {
   const auto recorded_body = [&](chip::Chip& chip) {
     const int rv = body(chip);
-    record(Kind::action, function, rv, unit, args...);
+    record(Kind::action, function, rv, {unit, args...});
     return rv;
   };
   return on_chip(unit, recorded_body, -1);
@@ -55,6 +59,17 @@ int act(const char* function, int unit, Body body, const Args&... args) {
 
 /// The control interface's answer.
 inline int zero_if_ok(chip::Status status) { return status == chip::Status::ok ? 0 : -1; }
+
+/// The way of a call to its unit's chip, which is locked while this lives; without a chip it is refused.
+struct Entrance {
+  chip::Chip* chip = nullptr;
+  std::unique_lock<std::recursive_mutex> guard;
+  int refusal = BCM_E_NONE;
+  Kind kind = Kind::call;
+};
+
+/// Checks the unit, takes its lock, asks for a fault and whether the unit is up.
+Entrance enter(const char* function, int unit, bool lacks_argument);
 
 /// A call on a unit with its arguments, which make its journal line; a null pointer where one of them needs something
 /// is refused.
@@ -67,28 +82,22 @@ class Call {
   /// lock, so that it may call back; what it makes is the answer then.
   template <class Body, class... After>
   int answer(Body body, After... after) const {
-    Unit* const attached = find_unit(unit_);
-    if (attached == nullptr) return recorded(BCM_E_UNIT);
-    std::unique_lock guard(attached->lock);
-    if (const std::optional<int> fault = next_fault(function_)) return recorded(*fault, Kind::fault);
-    if (!attached->initialised) return recorded(BCM_E_INIT);
-    if (lacks_something()) return recorded(BCM_E_PARAM);
-    int rv = code(body(*attached->chip));
-    if constexpr (sizeof...(After) > 0) {
-      guard.unlock();
-      if (rv >= 0) rv = (code(after()), ...);
+    Entrance entrance = enter(function_, unit_, lacks_argument());
+    int rv = entrance.refusal;
+    if (entrance.chip != nullptr) {
+      rv = code(body(*entrance.chip));
+      if constexpr (sizeof...(After) > 0) {
+        entrance.guard.unlock();
+        if (rv >= 0) rv = (code(after()), ...);
+      }
     }
-    return recorded(rv);
+    std::apply([&](const auto&... args) { record(entrance.kind, function_, rv, {unit_, args...}); }, args_);
+    return rv;
   }
 
  private:
-  bool lacks_something() const {
+  bool lacks_argument() const {
     return std::apply([](const auto&... args) { return (is_missing(args) || ...); }, args_);
-  }
-
-  int recorded(int rv, Kind kind = Kind::call) const {
-    std::apply([&](const auto&... args) { record(kind, function_, rv, unit_, args...); }, args_);
-    return rv;
   }
 
   const char* const function_;
@@ -101,7 +110,7 @@ template <class Body, class... Args>
 int call_without_unit(const char* function, Body body, const Args&... args) {
   const std::optional<int> fault = next_fault(function);
   const int rv = fault ? *fault : code(body());
-  record(fault ? Kind::fault : Kind::call, function, rv, args...);
+  record(fault ? Kind::fault : Kind::call, function, rv, {args...});
   return rv;
 }
 

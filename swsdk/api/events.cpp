@@ -172,7 +172,7 @@ int swsdk_l2_event(int unit, int operation, int vid, const unsigned char* mac, i
   std::memcpy(address.mac, mac, sizeof address.mac);
   address.vid = static_cast<bcm_vlan_t>(vid);
   address.port = port;
-  api::record(api::Kind::action, __func__, 0, unit, operation, vid, api::mac(mac), port);
+  api::record(api::Kind::action, __func__, 0, {unit, operation, vid, api::mac(mac), port});
   post_l2(unit, operation, address);
   return 0;
 }

@@ -18,8 +18,8 @@ struct Fault {
   int calls_to_go;  // 1: the next call fails; SWSDK_FAULT_EVERY_CALL: all do
 };
 
-std::mutex lock;
-std::map<std::string, Fault, std::less<>> faults;  // guarded by `lock`
+std::mutex faults_lock;
+std::map<std::string, Fault, std::less<>> faults;  // guarded by `faults_lock`
 std::atomic<bool> any_fault = false;               // so that a call without faults takes no lock
 
 /// Whether this library exports an SDK function of that name that calls are made of.
@@ -43,7 +43,7 @@ bool is_entry_point(std::string_view name) {
 
 std::optional<int> api::next_fault(const char* function) {
   if (!any_fault) return std::nullopt;
-  const std::lock_guard guard(lock);
+  const std::lock_guard guard(faults_lock);
   const auto found = faults.find(function);
   if (found == faults.end()) return std::nullopt;
   Fault& fault = found->second;
@@ -57,14 +57,14 @@ std::optional<int> api::next_fault(const char* function) {
 
 int swsdk_fault_inject(const char* function, int code, int nth) {
   if (function == nullptr || nth < 0 || !is_entry_point(function)) return -1;
-  const std::lock_guard guard(lock);
+  const std::lock_guard guard(faults_lock);
   faults.insert_or_assign(function, Fault{.code = code, .calls_to_go = nth});
   any_fault = true;
   return 0;
 }
 
 void swsdk_fault_clear() {
-  const std::lock_guard guard(lock);
+  const std::lock_guard guard(faults_lock);
   faults.clear();
   any_fault = false;
 }

@@ -69,12 +69,19 @@ int parsed_pointer(std::string_view text, const char* what);
 /// How many items the text of an array is for: "[1, 2]", or "&[1] of 16" of one that the call fills.
 std::size_t parsed_room(std::string_view text);
 
+/// An argument of any type.
+struct AnyGiven {
+  virtual ~AnyGiven() = default;
+  /// The expression that is passed in C; `name` is for what has to be made before.
+  virtual std::string c(const std::string& name, CCall& call) const = 0;
+};
+
 /// A plain value or a record by value.
 template <class T>
-struct Given {
+struct Given : AnyGiven {
   explicit Given(std::string_view text) { parse_value(text, value); }
   T get() const { return value; }
-  std::string c(const std::string& name, CCall& call) const {
+  std::string c(const std::string& name, CCall& call) const override {
     if constexpr (!std::is_class_v<T>) return text(value) + (std::is_unsigned_v<T> ? "U" : "");
     call.statements += "  " + c_type<T>() + ' ' + name + " = {0};\n" + c_assignment(name, value);
     return name;
@@ -84,7 +91,7 @@ struct Given {
 
 /// What the call reads, writes or both: one value or an array.
 template <class T>
-struct Given<T*> {
+struct Given<T*> : AnyGiven {
   using Item = std::remove_const_t<T>;
   explicit Given(std::string_view text) {
     if (text == "NULL") return;
@@ -103,7 +110,7 @@ struct Given<T*> {
     }
   }
   T* get() const { return items.get(); }
-  std::string c(const std::string& name, CCall& call) const {
+  std::string c(const std::string& name, CCall& call) const override {
     if (items == nullptr) return "NULL";
     call.statements += "  " + c_type<Item>() + ' ' + name + '[' + std::to_string(count) + "] = {0};\n";
     for (std::size_t i = 0; i < count; ++i)
@@ -115,10 +122,10 @@ struct Given<T*> {
 };
 
 template <>
-struct Given<char*> {
+struct Given<char*> : AnyGiven {
   explicit Given(std::string_view text) : null(text == "NULL"), characters(null ? "" : parsed_quoted(text)) {}
   char* get() { return null ? nullptr : characters.data(); }
-  std::string c(const std::string& name, CCall& call) const {
+  std::string c(const std::string& name, CCall& call) const override {
     if (null) return "NULL";
     call.statements += "  char " + name + "[] = " + c_string(characters) + ";\n";
     return name;
@@ -130,12 +137,12 @@ struct Given<char*> {
 /// A pointer that nobody follows: its number stands for it.
 template <class T>
 requires std::is_void_v<T> || std::is_pointer_v<T>
-struct Given<T*> {
+struct Given<T*> : AnyGiven {
   explicit Given(std::string_view text) : number(parsed_pointer(text, "pointer")) {
     if (number > 0) set_pointer_number("pointer", get(), number);
   }
   T* get() const { return reinterpret_cast<T*>(static_cast<uintptr_t>(number)); }
-  std::string c(const std::string& /*name*/, CCall& /*call*/) const {
+  std::string c(const std::string& /*name*/, CCall& /*call*/) const override {
     return number == 0 ? "NULL" : "(" + c_type<T*>() + ')' + std::to_string(number);
   }
   int number;
@@ -143,12 +150,12 @@ struct Given<T*> {
 
 /// A frame.
 template <>
-struct Given<const void*> {
+struct Given<const void*> : AnyGiven {
   explicit Given(std::string_view text) : bytes(parsed_bytes(text)) {
     bytes.reserve(1);  // an empty frame is somewhere, too
   }
   const void* get() const { return bytes.data(); }
-  std::string c(const std::string& name, CCall& call) const {
+  std::string c(const std::string& name, CCall& call) const override {
     std::string list;
     for (const uint8_t byte : bytes) list += (list.empty() ? "" : ", ") + text(byte);
     call.statements += "  static const unsigned char " + name + "[] = {" + (list.empty() ? "0" : list) + "};\n";
@@ -158,13 +165,13 @@ struct Given<const void*> {
 };
 
 template <class Returned, class... Args>
-struct Given<Returned (*)(Args...)> {
+struct Given<Returned (*)(Args...)> : AnyGiven {
   using Function = Returned (*)(Args...);
   explicit Given(std::string_view text) : number(parsed_pointer(text, "callback")) {
     if (number > 0) set_pointer_number("callback", reinterpret_cast<const void*>(get()), number);
   }
   Function get() const { return number == 0 ? nullptr : Callbacks<Function>::numbered(number); }
-  std::string c(const std::string& /*name*/, CCall& call) const {
+  std::string c(const std::string& /*name*/, CCall& call) const override {
     if (number == 0) return "NULL";
     const std::string name = "callback_" + std::to_string(number);
     call.definitions.push_back(Callbacks<Function>::c_definition(name));
@@ -174,14 +181,14 @@ struct Given<Returned (*)(Args...)> {
 };
 
 template <>
-struct Given<kcom_msg_t*> {
+struct Given<kcom_msg_t*> : AnyGiven {
   explicit Given(std::string_view text)
       : null(text == "NULL"), bytes(null ? std::vector<uint8_t>() : parsed_bytes(text)) {
     if (bytes.size() > sizeof message) throw Unreadable(text, "command that fits");
     std::copy(bytes.begin(), bytes.end(), message.bytes);
   }
   kcom_msg_t* get() { return null ? nullptr : &message; }
-  std::string c(const std::string& name, CCall& call) const {
+  std::string c(const std::string& name, CCall& call) const override {
     if (null) return "NULL";
     call.statements += "  kcom_msg_t " + name + " = {{0}};\n" + c_assignment(name + ".bytes", message.bytes);
     return '&' + name;

@@ -10,15 +10,15 @@
 namespace {
 
 std::atomic<bool> recording = false;
-std::mutex lock;
-std::string lines;  // guarded by `lock`
+std::mutex lines_lock;
+std::string lines;  // guarded by `lines_lock`
 
 }  // namespace
 
 bool api::journal_is_recording() { return recording.load(std::memory_order_relaxed); }
 
 void api::journal_add(std::string_view line) {
-  const std::lock_guard guard(lock);
+  const std::lock_guard guard(lines_lock);
   lines += line;
   lines += '\n';
 }
@@ -37,13 +37,13 @@ void swsdk_journal_record(int on) { recording = on != 0; }
 int swsdk_journal_recording() { return api::journal_is_recording(); }
 
 void swsdk_journal_clear() {
-  const std::lock_guard guard(lock);
+  const std::lock_guard guard(lines_lock);
   lines.clear();
 }
 
 size_t swsdk_journal_read(char* buffer, size_t size) { return swsdk_journal_read_from(0, buffer, size); }
 
 size_t swsdk_journal_read_from(size_t position, char* buffer, size_t size) {
-  const std::lock_guard guard(lock);
+  const std::lock_guard guard(lines_lock);
   return api::copy_out(std::string_view(lines).substr(std::min(position, lines.size())), buffer, size);
 }

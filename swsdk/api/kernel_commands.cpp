@@ -14,13 +14,13 @@ namespace {
 
 constexpr std::size_t kept = 64;
 
-std::mutex lock;
+std::mutex commands_lock;
 std::deque<std::vector<uint8_t>> commands;  // the newest first
 
 }  // namespace
 
 void api::forget_kernel_commands() {
-  const std::lock_guard guard(lock);
+  const std::lock_guard guard(commands_lock);
   commands.clear();
 }
 
@@ -29,7 +29,7 @@ int soc_knet_cmd_req(kcom_msg_t* kmsg, unsigned int len, unsigned int buf_size) 
   const auto send = [&] {
     if (bytes == nullptr || len < sizeof(kcom_msg_hdr_t) || len > sizeof(kcom_msg_t) || buf_size < len)
       return chip::Status::bad_parameter;
-    const std::lock_guard guard(lock);
+    const std::lock_guard guard(commands_lock);
     commands.emplace_front(bytes, bytes + len);
     if (commands.size() > kept) commands.pop_back();
     return chip::Status::ok;
@@ -39,7 +39,7 @@ int soc_knet_cmd_req(kcom_msg_t* kmsg, unsigned int len, unsigned int buf_size) 
 }
 
 size_t swsdk_kernel_command(int index, void* buffer, size_t size) {
-  const std::lock_guard guard(lock);
+  const std::lock_guard guard(commands_lock);
   if (index < 0 || static_cast<std::size_t>(index) >= commands.size()) return 0;
   const std::vector<uint8_t>& command = commands[static_cast<std::size_t>(index)];
   if (size > 0) std::memcpy(buffer, command.data(), std::min(size, command.size()));

@@ -2,6 +2,9 @@
 
 #include <arpa/inet.h>
 
+#include <algorithm>
+#include <charconv>
+
 namespace {
 
 template <class T>
@@ -102,4 +105,15 @@ chip::PortSet api::parsed_ports(std::string_view text) {
     for (int port = first; port <= last; ++port) result.add(port);
   }
   return result;
+}
+
+void api::parse_record(std::string_view text, std::span<const Field> fields, void* record) {
+  for (const std::string_view item : items(text, '{', '}')) {
+    const std::size_t equals = item.find('=');
+    if (equals == item.npos) throw Unreadable(item, "field with a value");
+    const std::string_view name = item.substr(0, equals);
+    const auto field = std::find_if(fields.begin(), fields.end(), [&](const Field& one) { return one.name == name; });
+    if (field == fields.end()) throw Unreadable(name, "field of this record");
+    field->type->parse(item.substr(equals + 1), field->in(record));
+  }
 }

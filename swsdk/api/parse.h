@@ -1,12 +1,11 @@
 // Values from the text that arguments.h makes of them, by the same descriptions of records.
 #pragma once
 
-#include <charconv>
 #include <cstdint>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <string_view>
-#include <tuple>
 #include <type_traits>
 #include <vector>
 
@@ -34,8 +33,9 @@ chip::PortSet parsed_ports(std::string_view text);
 
 template <class T>
 void parse_items(std::string_view text, T* values, std::size_t room);
-template <class Record>
-void parse_record(std::string_view text, Record& record);
+
+/// Writes the fields that the text names.
+void parse_record(std::string_view text, std::span<const Field> fields, void* record);
 
 template <class T>
 void parse_value(std::string_view text, T& value) {
@@ -52,30 +52,13 @@ void parse_value(std::string_view text, T& value) {
   } else if constexpr (std::is_same_v<T, bcm_pbmp_t>) {
     value = bitmap(parsed_ports(text));
   } else if constexpr (requires { fields(&value); }) {
-    parse_record(text, value);
+    parse_record(text, fields(&value), &value);
   } else {
     const uint64_t number = parsed_number(text);
     value = static_cast<T>(number);
     // Signed flags are shown as unsigned ones.
     const bool same_bits = text.starts_with("0x") && sizeof value == 4 && number <= UINT32_MAX;
     if (!same_bits && static_cast<uint64_t>(value) != number) throw Unreadable(text, "number that fits");
-  }
-}
-
-/// Writes the fields that the text names.
-template <class Record>
-void parse_record(std::string_view text, Record& record) {
-  for (const std::string_view item : items(text, '{', '}')) {
-    const std::size_t equals = item.find('=');
-    if (equals == item.npos) throw Unreadable(item, "field with a value");
-    bool known = false;
-    const auto parse = [&](const auto& field) {
-      if (item.substr(0, equals) != field.name) return;
-      parse_value(item.substr(equals + 1), record.*field.where);
-      known = true;
-    };
-    std::apply([&](const auto&... field) { (parse(field), ...); }, fields(&record));
-    if (!known) throw Unreadable(item.substr(0, equals), "field of this record");
   }
 }
 

@@ -92,12 +92,28 @@ bool read_recording(const char* path, swsdk_line_t tell, void* data, Take take) 
   return true;
 }
 
+/// The arguments that the texts are.
+api::AllGiven all_given(const api::Replayable& function, const api::Texts& texts) {
+  const auto& parameters = function.parameters;
+  if (texts.size() != parameters.size())
+    throw Unreadable(std::to_string(texts.size()) + " arguments in place of " + std::to_string(parameters.size()));
+  api::AllGiven arguments;
+  for (std::size_t i = 0; i < texts.size(); ++i) {
+    try {
+      arguments.push_back(parameters[i](texts[i]));
+    } catch (const Unreadable& error) {
+      throw Unreadable("argument " + std::to_string(i + 1) + ": " + error.what());
+    }
+  }
+  return arguments;
+}
+
 /// Makes the call again and tells the line that a recording of it has now.
 std::string repeated(const Line& line) {
   api::callback_answer = std::min(line.result, 0);
   if (line.kind == Kind::fault) swsdk_fault_inject(line.function->name, line.result, 1);
   api::take_captured();
-  line.function->repeat(line.function->function, line.arguments);
+  line.function->call(line.function->function, all_given(*line.function, line.arguments));
   swsdk_events_drain();
   return api::take_captured();
 }
@@ -154,6 +170,20 @@ constexpr const char* c_end[] = {"    {0, 0, 0, 0}};",
                                  "  return 0;",
                                  "}"};
 
+/// The call in C, as the body of a function that returns what the call does, or 0.
+api::CCall as_c(const api::Replayable& function, const api::Texts& texts) {
+  api::CCall call;
+  std::string list;
+  int index = 0;
+  for (const std::unique_ptr<api::AnyGiven>& argument : all_given(function, texts)) {
+    list += (index > 0 ? ", " : "") + argument->c("a" + std::to_string(index), call);
+    ++index;
+  }
+  const std::string made = function.name + ('(' + list + ");\n");
+  call.statements += function.returns_nothing ? "  " + made + "  return 0;\n" : "  return " + made;
+  return call;
+}
+
 /// A text that does not end the comment that it is in.
 std::string in_comment(std::string_view text) {
   std::string result(text);
@@ -192,7 +222,7 @@ int swsdk_replay_as_c(const char* path, swsdk_line_t write, swsdk_line_t tell, v
   for (const char* const text : c_beginning) write(text, data);
   const bool readable = read_recording(path, tell, data, [&](const Line& line, int number, const auto& /*say*/) {
     const char* const name = line.function->name;
-    const api::CCall call = line.function->as_c(name, line.arguments);
+    const api::CCall call = as_c(*line.function, line.arguments);
     const std::string result = std::to_string(line.result);
     const std::string step = "line_" + std::to_string(number);
     std::string before;

@@ -1,6 +1,8 @@
 // The functions that a recording can call, by name, and what a call of each needs.
 #pragma once
 
+#include <memory>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -9,13 +11,18 @@
 namespace api {
 
 using Texts = std::vector<std::string_view>;
+using AllGiven = std::vector<std::unique_ptr<AnyGiven>>;
 
-/// A function of any signature, and what its signature makes of the arguments' texts. Both throw Unreadable.
+/// Reads the text of an argument; throws Unreadable.
+using Parameter = std::unique_ptr<AnyGiven> (*)(std::string_view text);
+
+/// A function of any signature, and how it is called with arguments that its parameters have read.
 struct Replayable {
   const char* name;
   void (*function)();
-  void (*repeat)(void (*function)(), const Texts& arguments);
-  CCall (*as_c)(const char* name, const Texts& arguments);
+  std::span<const Parameter> parameters;
+  void (*call)(void (*function)(), const AllGiven& arguments);
+  bool returns_nothing;
 };
 
 /// The function of that name, or null.

@@ -13,9 +13,8 @@
 #include <swsdk/chip.h>
 #include <swsdk/frames.h>
 
+#include <array>
 #include <map>
-#include <string>
-#include <tuple>
 
 #include "api/replay.h"
 
@@ -28,55 +27,26 @@ int bcm_esw_vlan_ip6_mcast_flood_set(int unit, bcm_vlan_t vlan, int mode);
 
 namespace {
 
-using api::CCall;
-using api::Given;
-using api::Texts;
-
 template <class T>
-Given<T> given(const Texts& texts, std::size_t index) {
-  try {
-    return Given<T>(texts[index]);
-  } catch (const api::Unreadable& error) {
-    throw api::Unreadable("argument " + std::to_string(index + 1) + ": " + error.what());
-  }
+std::unique_ptr<api::AnyGiven> given(std::string_view text) {
+  return std::make_unique<api::Given<T>>(text);
 }
 
 template <class... Args>
-std::tuple<Given<Args>...> all_given(const Texts& texts) {
-  if (texts.size() != sizeof...(Args))
-    throw api::Unreadable(std::to_string(texts.size()) + " arguments in place of " + std::to_string(sizeof...(Args)));
-  return [&]<std::size_t... i>(std::index_sequence<i...>) {
-    return std::tuple<Given<Args>...>{given<Args>(texts, i)...};
+constexpr std::array<api::Parameter, sizeof...(Args)> parameters = {&given<Args>...};
+
+template <class Returned, class... Args>
+void call(void (*function)(), const api::AllGiven& arguments) {
+  [&]<std::size_t... i>(std::index_sequence<i...>) {
+    reinterpret_cast<Returned (*)(Args...)>(function)(static_cast<api::Given<Args>&>(*arguments[i]).get()...);
   }
   (std::index_sequence_for<Args...>());
 }
 
 template <class Returned, class... Args>
-void repeat(void (*function)(), const Texts& texts) {
-  auto arguments = all_given<Args...>(texts);
-  std::apply([&](auto&... argument) { reinterpret_cast<Returned (*)(Args...)>(function)(argument.get()...); },
-             arguments);
-}
-
-template <class Returned, class... Args>
-CCall as_c(const char* name, const Texts& texts) {
-  const auto arguments = all_given<Args...>(texts);
-  CCall call;
-  std::string list;
-  int index = 0;
-  const auto add = [&](const auto& argument) {
-    list += (index > 0 ? ", " : "") + argument.c("a" + std::to_string(index), call);
-    ++index;
-  };
-  std::apply([&](const auto&... argument) { (add(argument), ...); }, arguments);
-  const std::string made = name + ('(' + list + ");\n");
-  call.statements += std::is_void_v<Returned> ? "  " + made + "  return 0;\n" : "  return " + made;
-  return call;
-}
-
-template <class Returned, class... Args>
 api::Replayable replayable(const char* name, Returned (*function)(Args...)) {
-  return {name, reinterpret_cast<void (*)()>(function), &repeat<Returned, Args...>, &as_c<Returned, Args...>};
+  return {name, reinterpret_cast<void (*)()>(function), parameters<Args...>, &call<Returned, Args...>,
+          std::is_void_v<Returned>};
 }
 
 const api::Replayable functions[] = {

@@ -18,7 +18,7 @@ std::string vlans_text(int outer, int inner) {
   return outer == 0 ? "-" : to_string(outer) + (inner == 0 ? "" : ":" + to_string(inner));
 }
 
-std::string port_text(int port) {
+std::string gport_text(int port) {
   using namespace chip::gport;
   if (kind(port) == virtual_port) return "virtual port " + to_string(number(port));
   return kind(port) == trunk ? "trunk " + to_string(number(port)) : to_string(port_of(port));
@@ -70,7 +70,7 @@ std::string api::show_egress_objects(const chip::Chip& chip) {
   std::vector<Row> rows{{"egress", "interface", "MAC", "VLAN", "port", "used by"}};
   for (const auto& [id, object] : chip.egress_objects.all())
     rows.push_back({to_string(id), to_string(object.interface), mac_text(object.mac), vlans_text(object.vlan, 0),
-                    port_text(object.port), to_string(chip.hosts.uses(id) + chip.routes.uses(id))});
+                    gport_text(object.port), to_string(chip.hosts.uses(id) + chip.routes.uses(id))});
   return columns(rows);
 }
 
@@ -78,7 +78,7 @@ std::string api::show_hosts(const chip::Chip& chip) {
   std::vector<Row> rows{{"host", "VRF", "by", "MAC", "port", "flags", "hit"}};
   for (const auto& [key, host] : chip.hosts.all())
     rows.push_back({text(ip4(key.address)), to_string(key.vrf), target_text(host.interface), mac_text(host.next_hop),
-                    port_text(host.port), flag_names(host.flags, {{BCM_L3_L2TOCPU, "to-cpu"}}), hit_text(host.hit)});
+                    gport_text(host.port), flag_names(host.flags, {{BCM_L3_L2TOCPU, "to-cpu"}}), hit_text(host.hit)});
   return columns(rows);
 }
 
@@ -88,7 +88,7 @@ std::string api::show_routes(const chip::Chip& chip) {
   for (const auto& [key, route] : chip.routes.all())
     rows.push_back({text(ip4(key.subnet)) + "/" + to_string(key.length), to_string(key.vrf),
                     target_text(route.interface), text(ip4(route.next_hop_ip)), mac_text(route.next_hop),
-                    port_text(route.port), flag_names(route.flags, {{BCM_L3_DEFIP_CPU, "to-cpu"}, {local, "local"}}),
+                    gport_text(route.port), flag_names(route.flags, {{BCM_L3_DEFIP_CPU, "to-cpu"}, {local, "local"}}),
                     hit_text(route.hit)});
   return columns(rows);
 }
@@ -126,7 +126,7 @@ std::string api::show_virtual_ports(const chip::Chip& chip) {
   std::vector<Row> rows{{"virtual port", "port", "match", "becomes", "in VLANs", "network groups", "flags"}};
   for (const auto& [number, virtual_port] : chip.virtual_ports.all()) {
     const bool stacked = virtual_port.criteria == chip::VirtualPort::match_port_vlan_stacked;
-    rows.push_back({to_string(number), port_text(virtual_port.port),
+    rows.push_back({to_string(number), gport_text(virtual_port.port),
                     vlans_text(virtual_port.match_vlan, stacked ? virtual_port.match_inner_vlan : 0),
                     vlans_text(virtual_port.egress_vlan, virtual_port.egress_inner_vlan),
                     members.contains(number) ? members[number] : "-",

@@ -106,7 +106,7 @@ int swsdk_board_set(const swsdk_board* board) {
                     board->ports < chip::PortSet::capacity && board->chip_type >= 0;
   if (!fits || attached_units > 0) return -1;
   present_board = *board;
-  api::record(api::Kind::action, __func__, 0, api::in(board));
+  api::record(api::Kind::action, __func__, 0, {api::in(board)});
   return 0;
 }
 

@@ -58,10 +58,7 @@ bool has_qualifier(FieldStage stage, FieldQualifier qualifier) {
 }
 
 FieldValue field_of(const FrameFields& frame, FieldQualifier qualifier) {
-  constexpr int tcp = 6;
-  constexpr int udp = 17;
-  constexpr int icmp = 1;
-  constexpr int icmp6 = 58;
+  using namespace ip_protocol;
   const bool is_ip4 = frame.ether_type == 0x0800;
   const bool is_ip6 = frame.ether_type == 0x86DD;
   const bool is_ip = is_ip4 || is_ip6;

@@ -7,6 +7,19 @@
 
 namespace chip {
 
+/// Numbers of IP protocols and of IPv6 extension headers.
+namespace ip_protocol {
+constexpr int hop_by_hop = 0;
+constexpr int icmp = 1;
+constexpr int igmp = 2;
+constexpr int tcp = 6;
+constexpr int udp = 17;
+constexpr int routing_header = 43;
+constexpr int fragment_header = 44;
+constexpr int icmp6 = 58;
+constexpr int destination_options = 60;
+}  // namespace ip_protocol
+
 enum class FieldStage { ingress, egress };
 
 /// The qualifiers that the chip has, by number. ToS and next header are other names of two of them.

@@ -20,7 +20,7 @@ constexpr uint16_t arp = 0x0806;
 constexpr uint8_t tcp = 6;
 constexpr uint8_t udp = 17;
 
-constexpr chip::Mac mac{0x02, 0x34, 0x56, 0x78, 0x9A, 0xBC};
+constexpr chip::Mac some_mac{0x02, 0x34, 0x56, 0x78, 0x9A, 0xBC};
 constexpr chip::Mac other_mac{0x02, 0x34, 0x56, 0x78, 0x9A, 0xBD};
 constexpr chip::Ip6 address{0x20, 0x01, 0x0D, 0xB8, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0x01};
 constexpr chip::Ip6 far_address{0xA0, 0x01, 0x0D, 0xB8, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0x01};
@@ -56,11 +56,11 @@ const Field fields[] = {
      address,
      {.ether_type = ip6, .destination_ip6 = address},
      {.ether_type = ip6, .destination_ip6 = near_address}},
-    {"a source MAC address", FieldQualifier::source_mac, mac, {.source_mac = mac}, {.source_mac = other_mac}},
+    {"a source MAC address", FieldQualifier::source_mac, some_mac, {.source_mac = some_mac}, {.source_mac = other_mac}},
     {"a destination MAC address",
      FieldQualifier::destination_mac,
-     mac,
-     {.destination_mac = mac},
+     some_mac,
+     {.destination_mac = some_mac},
      {.destination_mac = other_mac}},
     {"an IPv4 source address",
      FieldQualifier::source_ip,

@@ -21,7 +21,7 @@ namespace {
 
 constexpr bcm_mac_t router = {0x00, 0x11, 0x22, 0x33, 0x44, 0x55};
 constexpr bcm_mac_t next_hop = {0x00, 0xAA, 0xBB, 0xCC, 0xDD, 0xEE};
-constexpr bcm_ip_t address = 0x0A000001;
+constexpr bcm_ip_t host_address = 0x0A000001;
 
 bcm_l3_intf_t interface_of(bcm_vlan_t vlan) {
   bcm_l3_intf_t result;
@@ -80,7 +80,7 @@ class L3Calls : public support::ChipTest {
 
   /// The flags of a host that was found so.
   static uint32 host_flags(uint32 wanted) {
-    bcm_l3_host_t host = host_of(address);
+    bcm_l3_host_t host = host_of(host_address);
     host.l3a_flags = wanted;
     EXPECT_EQ(bcm_l3_host_find(0, &host), BCM_E_NONE);
     return host.l3a_flags;
@@ -183,7 +183,7 @@ TEST_F(L3Calls, RefuseAnEgressObjectThatLeadsNowhere) {
 TEST_F(L3Calls, KeepAnEgressObjectThatIsInUse) {
   set_egress_mode(1);
   const int id = make_egress(make_interface(10));
-  bcm_l3_host_t host = host_of(address, id);
+  bcm_l3_host_t host = host_of(host_address, id);
   bcm_l3_route_t route = route_of(0x0A000000, 0xFF000000, id);
   EXPECT_EQ(bcm_l3_host_add(0, &host), BCM_E_NONE);
   EXPECT_EQ(bcm_l3_route_add(0, &route), BCM_E_NONE);
@@ -196,12 +196,12 @@ TEST_F(L3Calls, KeepAnEgressObjectThatIsInUse) {
 
 TEST_F(L3Calls, FindAHostAsItWasAdded) {
   const int interface = make_interface(10);
-  bcm_l3_host_t host = host_of(address, interface);
+  bcm_l3_host_t host = host_of(host_address, interface);
   host.l3a_flags = BCM_L3_L2TOCPU | BCM_L3_REPLACE;
   EXPECT_EQ(bcm_l3_host_add(0, &host), BCM_E_NONE);
   bcm_l3_host_t found;
   bcm_l3_host_t_init(&found);
-  found.l3a_ip_addr = address;
+  found.l3a_ip_addr = host_address;
   EXPECT_EQ(bcm_l3_host_find(0, &found), BCM_E_NONE);
   EXPECT_EQ(found.l3a_flags, static_cast<uint32>(BCM_L3_L2TOCPU));
   EXPECT_EQ(found.l3a_intf, interface);
@@ -212,7 +212,7 @@ TEST_F(L3Calls, FindAHostAsItWasAdded) {
 TEST_F(L3Calls, ReplaceAHostOrRouteOnDemand) {
   const int first = make_interface(10);
   const int second = make_interface(11);
-  bcm_l3_host_t host = host_of(address, first);
+  bcm_l3_host_t host = host_of(host_address, first);
   bcm_l3_route_t route = route_of(0x0A000000, 0xFF000000, first);
   ASSERT_EQ(bcm_l3_host_add(0, &host), BCM_E_NONE);
   ASSERT_EQ(bcm_l3_route_add(0, &route), BCM_E_NONE);
@@ -230,7 +230,7 @@ TEST_F(L3Calls, ReplaceAHostOrRouteOnDemand) {
 }
 
 TEST_F(L3Calls, RefuseHostsAndRoutesThatLeadNowhere) {
-  bcm_l3_host_t host = host_of(address, 1);
+  bcm_l3_host_t host = host_of(host_address, 1);
   bcm_l3_route_t route = route_of(0x0A000000, 0xFF000000, 1);
   EXPECT_EQ(bcm_l3_host_add(0, &host), BCM_E_NOT_FOUND);
   EXPECT_EQ(bcm_l3_route_add(0, &route), BCM_E_NOT_FOUND);
@@ -262,7 +262,7 @@ TEST_F(L3Calls, FindARouteAsItWasAdded) {
 }
 
 TEST_F(L3Calls, DoNotModelIp6) {
-  bcm_l3_host_t host = host_of(address, make_interface(10));
+  bcm_l3_host_t host = host_of(host_address, make_interface(10));
   host.l3a_ip6_addr[0] = 0xFE;
   EXPECT_EQ(bcm_l3_host_add(0, &host), BCM_E_UNAVAIL);
   bcm_l3_route_t route = route_of(0, 0, 1);
@@ -271,16 +271,16 @@ TEST_F(L3Calls, DoNotModelIp6) {
 }
 
 TEST_F(L3Calls, ReadAndClearTheHitsOfAHost) {
-  bcm_l3_host_t host = host_of(address, make_interface(10));
-  EXPECT_EQ(swsdk_l3_host_hit(0, address, BCM_L3_HIT), -1);
+  bcm_l3_host_t host = host_of(host_address, make_interface(10));
+  EXPECT_EQ(swsdk_l3_host_hit(0, host_address, BCM_L3_HIT), -1);
   ASSERT_EQ(bcm_l3_host_add(0, &host), BCM_E_NONE);
   EXPECT_EQ(host_flags(0), 0U);
-  EXPECT_EQ(swsdk_l3_host_hit(0, address, 0x8), 0);
+  EXPECT_EQ(swsdk_l3_host_hit(0, host_address, 0x8), 0);
   EXPECT_EQ(host_flags(0), 0x8U);
-  EXPECT_EQ(swsdk_l3_host_hit(0, address, 0x4), 0);
+  EXPECT_EQ(swsdk_l3_host_hit(0, host_address, 0x4), 0);
   EXPECT_EQ(host_flags(BCM_L3_HIT_CLEAR), static_cast<uint32>(BCM_L3_HIT));
   EXPECT_EQ(host_flags(0), 0U);
-  EXPECT_EQ(swsdk_l3_host_hit(1, address, BCM_L3_HIT), -1);
+  EXPECT_EQ(swsdk_l3_host_hit(1, host_address, BCM_L3_HIT), -1);
 }
 
 TEST_F(L3Calls, ReadAndClearTheHitsOfARoute) {
@@ -308,9 +308,9 @@ TEST_F(L3Calls, FillTheirTablesForPeople) {
   set_egress_mode(1);
   const int interface = make_interface(10);
   const int id = make_egress(interface);
-  bcm_l3_host_t host = host_of(address, id);
+  bcm_l3_host_t host = host_of(host_address, id);
   bcm_l3_host_add(0, &host);
-  swsdk_l3_host_hit(0, address, 0x8);
+  swsdk_l3_host_hit(0, host_address, 0x8);
   bcm_l3_route_t route = route_of(0, 0, interface);
   route.l3a_flags = BCM_L3_DEFIP_CPU;
   route.l3a_nexthop_ip = 0x0A000002;

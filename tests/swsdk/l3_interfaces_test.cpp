@@ -7,7 +7,7 @@ namespace {
 using chip::L3Interface;
 using chip::Status;
 
-constexpr chip::Mac router{0x00, 0x11, 0x22, 0x33, 0x44, 0x55};
+constexpr chip::Mac router_mac{0x00, 0x11, 0x22, 0x33, 0x44, 0x55};
 constexpr chip::Mac other_router{0x00, 0x11, 0x22, 0x33, 0x44, 0x66};
 
 class L3Interfaces : public testing::Test {
@@ -23,41 +23,41 @@ class L3Interfaces : public testing::Test {
 };
 
 TEST_F(L3Interfaces, KeepWhatTheyWereMadeOf) {
-  const int made = create({.flags = 0x20, .mac = router, .vlan = 10, .ttl = 2});
+  const int made = create({.flags = 0x20, .mac = router_mac, .vlan = 10, .ttl = 2});
   EXPECT_EQ(made, 1);
   const L3Interface* const found = interfaces.find(made);
   ASSERT_NE(found, nullptr);
   EXPECT_EQ(found->flags, 0x20U);
-  EXPECT_EQ(found->mac, router);
+  EXPECT_EQ(found->mac, router_mac);
   EXPECT_EQ(found->vlan, 10);
   EXPECT_EQ(found->ttl, 2);
 }
 
 TEST_F(L3Interfaces, AreFoundByTheirAddressAndVlansWhateverElseTheyHold) {
-  const int plain = create({.flags = 0x20, .mac = router, .vlan = 10});
-  const int tagged_twice = create({.mac = router, .vlan = 10, .inner_vlan = 5});
-  const int of_other_vrf = create({.vrf = 1, .mac = router, .vlan = 10});
+  const int plain = create({.flags = 0x20, .mac = router_mac, .vlan = 10});
+  const int tagged_twice = create({.mac = router_mac, .vlan = 10, .inner_vlan = 5});
+  const int of_other_vrf = create({.vrf = 1, .mac = router_mac, .vlan = 10});
   const int of_other_mac = create({.mac = other_router, .vlan = 10});
-  EXPECT_EQ(interfaces.find_same({.flags = 0x820, .mac = router, .vlan = 10, .ttl = 2}, id), Status::ok);
+  EXPECT_EQ(interfaces.find_same({.flags = 0x820, .mac = router_mac, .vlan = 10, .ttl = 2}, id), Status::ok);
   EXPECT_EQ(id, plain);
-  EXPECT_EQ(interfaces.find_same({.mac = router, .vlan = 10, .inner_vlan = 5}, id), Status::ok);
+  EXPECT_EQ(interfaces.find_same({.mac = router_mac, .vlan = 10, .inner_vlan = 5}, id), Status::ok);
   EXPECT_EQ(id, tagged_twice);
-  EXPECT_EQ(interfaces.find_same({.vrf = 1, .mac = router, .vlan = 10}, id), Status::ok);
+  EXPECT_EQ(interfaces.find_same({.vrf = 1, .mac = router_mac, .vlan = 10}, id), Status::ok);
   EXPECT_EQ(id, of_other_vrf);
   EXPECT_EQ(interfaces.find_same({.mac = other_router, .vlan = 10}, id), Status::ok);
   EXPECT_EQ(id, of_other_mac);
-  EXPECT_EQ(interfaces.find_same({.mac = router, .vlan = 11}, id), Status::not_found);
+  EXPECT_EQ(interfaces.find_same({.mac = router_mac, .vlan = 11}, id), Status::not_found);
 }
 
 TEST_F(L3Interfaces, AreRefusedASecondTime) {
-  create({.mac = router, .vlan = 10});
-  EXPECT_EQ(interfaces.create({.flags = 0x820, .mac = router, .vlan = 10}, id), Status::exists);
+  create({.mac = router_mac, .vlan = 10});
+  EXPECT_EQ(interfaces.create({.flags = 0x820, .mac = router_mac, .vlan = 10}, id), Status::exists);
   EXPECT_EQ(interfaces.all().size(), 1U);
 }
 
 TEST_F(L3Interfaces, AreFoundByVlanTheLowestIdFirst) {
-  create({.mac = router, .vlan = 9});
-  const int first = create({.mac = router, .vlan = 10});
+  create({.mac = router_mac, .vlan = 9});
+  const int first = create({.mac = router_mac, .vlan = 10});
   const int second = create({.mac = other_router, .vlan = 10});
   EXPECT_EQ(interfaces.find_by_vlan(10, id), Status::ok);
   EXPECT_EQ(id, first);
@@ -71,28 +71,28 @@ TEST_F(L3Interfaces, AreFoundByVlanTheLowestIdFirst) {
 }
 
 TEST_F(L3Interfaces, AreFoundByTheFramesThatAreSentToThemIfTheyAreInTheMacTable) {
-  create({.mac = router, .vlan = 10});
-  EXPECT_EQ(interfaces.find_station(10, router), nullptr);
-  const int first = create({.flags = 0x20, .mac = router, .vlan = 10, .inner_vlan = 5});
-  const int second = create({.flags = 0x820, .mac = router, .vlan = 10, .inner_vlan = 6});
-  EXPECT_EQ(interfaces.find_station(10, router), interfaces.find(first));
-  EXPECT_EQ(interfaces.find_station(11, router), nullptr);
+  create({.mac = router_mac, .vlan = 10});
+  EXPECT_EQ(interfaces.find_station(10, router_mac), nullptr);
+  const int first = create({.flags = 0x20, .mac = router_mac, .vlan = 10, .inner_vlan = 5});
+  const int second = create({.flags = 0x820, .mac = router_mac, .vlan = 10, .inner_vlan = 6});
+  EXPECT_EQ(interfaces.find_station(10, router_mac), interfaces.find(first));
+  EXPECT_EQ(interfaces.find_station(11, router_mac), nullptr);
   EXPECT_EQ(interfaces.find_station(10, other_router), nullptr);
   EXPECT_EQ(interfaces.remove(first), Status::ok);
-  EXPECT_EQ(interfaces.find_station(10, router), interfaces.find(second));
+  EXPECT_EQ(interfaces.find_station(10, router_mac), interfaces.find(second));
   EXPECT_EQ(interfaces.remove(second), Status::ok);
-  EXPECT_EQ(interfaces.find_station(10, router), nullptr);
-  create({.flags = 0x20, .mac = router, .vlan = 12});
+  EXPECT_EQ(interfaces.find_station(10, router_mac), nullptr);
+  create({.flags = 0x20, .mac = router_mac, .vlan = 12});
   interfaces.clear();
-  EXPECT_EQ(interfaces.find_station(12, router), nullptr);
+  EXPECT_EQ(interfaces.find_station(12, router_mac), nullptr);
 }
 
 TEST_F(L3Interfaces, RefuseVlansThatThereAreNone) {
-  EXPECT_EQ(interfaces.create({.mac = router, .vlan = 0}, id), Status::bad_parameter);
-  EXPECT_EQ(interfaces.create({.mac = router, .vlan = 4096}, id), Status::bad_parameter);
-  EXPECT_EQ(interfaces.create({.mac = router, .vlan = 10, .inner_vlan = 4096}, id), Status::bad_parameter);
+  EXPECT_EQ(interfaces.create({.mac = router_mac, .vlan = 0}, id), Status::bad_parameter);
+  EXPECT_EQ(interfaces.create({.mac = router_mac, .vlan = 4096}, id), Status::bad_parameter);
+  EXPECT_EQ(interfaces.create({.mac = router_mac, .vlan = 10, .inner_vlan = 4096}, id), Status::bad_parameter);
   EXPECT_TRUE(interfaces.all().empty());
-  create({.mac = router, .vlan = 4095, .inner_vlan = 4095});
+  create({.mac = router_mac, .vlan = 4095, .inner_vlan = 4095});
 }
 
 TEST_F(L3Interfaces, ThatAreAbsentAnswerNotFound) {
@@ -104,11 +104,13 @@ TEST_F(L3Interfaces, ThatAreAbsentAnswerNotFound) {
 
 TEST_F(L3Interfaces, AreFullAtTheirCapacity) {
   for (int i = 0; i < chip::L3Interfaces::capacity; ++i)
-    create({.mac = router, .vlan = static_cast<uint16_t>(1 + i % 4095), .inner_vlan = static_cast<uint16_t>(i / 4095)});
+    create({.mac = router_mac,
+            .vlan = static_cast<uint16_t>(1 + i % 4095),
+            .inner_vlan = static_cast<uint16_t>(i / 4095)});
   EXPECT_EQ(interfaces.create({.mac = other_router, .vlan = 1}, id), Status::full);
   EXPECT_EQ(interfaces.find_same({.mac = other_router, .vlan = 1}, id), Status::not_found);
   interfaces.clear();
-  EXPECT_EQ(create({.mac = router, .vlan = 1}), 1);
+  EXPECT_EQ(create({.mac = router_mac, .vlan = 1}), 1);
   EXPECT_EQ(interfaces.find_by_vlan(2, id), Status::not_found);
 }
 

@@ -290,7 +290,7 @@ void quit(Session& session, const Words& /*arguments*/) { session.end(); }
 /// Only for help: the session itself runs the command behind it.
 void expect(Session& /*session*/, const Words& /*arguments*/) {}
 
-constexpr BuiltIn table[] = {
+constexpr BuiltIn all_built_ins[] = {
     {"help", "help [NAME]", "Lists the commands, or tells about one.", 0, 1, help},
     {"show", "show TABLE [UNIT]", "Shows one of the chip's tables.", 1, 2, show},
     {"journal", "journal on|off|show|clear", "Shows the SDK calls of each command, or of all since the last clear.", 1,
@@ -328,10 +328,10 @@ constexpr BuiltIn table[] = {
 
 }  // namespace
 
-std::span<const BuiltIn> built_ins() { return table; }
+std::span<const BuiltIn> built_ins() { return all_built_ins; }
 
 const BuiltIn* find_built_in(std::string_view name) {
-  for (const BuiltIn& built_in : table)
+  for (const BuiltIn& built_in : all_built_ins)
     if (name == built_in.name) return &built_in;
   return nullptr;
 }

@@ -1,6 +1,7 @@
 // What a port of the chip is plugged into: an interface of the host, or files with frames.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -42,6 +43,10 @@ class Attachment {
 
 /// How many frames one attachment hands over before the others get their turn.
 constexpr int burst = 64;
+
+/// The outer tag of a frame: behind the addresses.
+constexpr std::size_t tag_at = 12;
+constexpr std::size_t tag_size = 4;
 
 /// Plugs in what the text names: IFACE, tap:NAME or pcap:IN:OUT. Throws CannotStart.
 std::unique_ptr<Attachment> attach(const std::string& text);

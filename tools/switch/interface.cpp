@@ -18,8 +18,6 @@ namespace vswitch {
 namespace {
 
 constexpr std::size_t most = 65536;
-constexpr std::size_t tag_at = 12;
-constexpr std::size_t tag_size = 4;
 
 class Interface : public Attachment {
  public:

@@ -15,8 +15,6 @@ namespace {
 
 constexpr int unit = 0;
 constexpr int cpu_port = 0;
-constexpr std::size_t tag_at = 12;
-constexpr std::size_t tag_size = 4;
 
 bool gives_commands(int descriptor) {
   struct stat status {};

@@ -28,10 +28,9 @@ class Writer {
   }
   /// Makes it as long as a frame has to be.
   void pad() {
-    constexpr std::size_t shortest = EgressFrame::shortest;
-    if (at_ >= shortest) return;
-    std::fill_n(room_.begin() + static_cast<std::ptrdiff_t>(at_), shortest - at_, uint8_t{0});
-    at_ = shortest;
+    if (at_ >= EgressFrame::shortest) return;
+    std::fill_n(room_.begin() + static_cast<std::ptrdiff_t>(at_), EgressFrame::shortest - at_, uint8_t{0});
+    at_ = EgressFrame::shortest;
   }
   std::span<uint8_t> written() const { return room_.first(at_); }
 

@@ -9,16 +9,6 @@ namespace {
 constexpr uint16_t tpids[] = {0x8100, 0x88A8, 0x9100};
 constexpr uint16_t lowest_ether_type = 0x600;  // below, it is a length
 
-constexpr int hop_by_hop = 0;
-constexpr int icmp = 1;
-constexpr int igmp = 2;
-constexpr int tcp = 6;
-constexpr int udp = 17;
-constexpr int routing_header = 43;
-constexpr int fragment_header = 44;
-constexpr int icmp6 = 58;
-constexpr int destination_options = 60;
-
 /// Reads a frame from front to back, never past its end.
 class Reader {
  public:
@@ -50,15 +40,16 @@ bool is_tpid(uint16_t type) { return std::find(std::begin(tpids), std::end(tpids
 bool parse_l4(Reader& reader, Packet& packet) {
   FrameFields& fields = packet.fields;
   const int protocol = fields.ip_protocol;
-  if (protocol == tcp || protocol == udp) {
-    if (!reader.has(protocol == tcp ? 20 : 8)) return false;
+  if (protocol == ip_protocol::tcp || protocol == ip_protocol::udp) {
+    if (!reader.has(protocol == ip_protocol::tcp ? 20 : 8)) return false;
     fields.l4_source_port = reader.word(0);
     fields.l4_destination_port = reader.word(2);
-  } else if ((packet.is_ip4() && (protocol == icmp || protocol == igmp)) || (packet.is_ip6() && protocol == icmp6)) {
-    if (!reader.has(protocol == icmp6 ? 4 : 8)) return false;
+  } else if ((packet.is_ip4() && (protocol == ip_protocol::icmp || protocol == ip_protocol::igmp)) ||
+             (packet.is_ip6() && protocol == ip_protocol::icmp6)) {
+    if (!reader.has(protocol == ip_protocol::icmp6 ? 4 : 8)) return false;
     fields.icmp_type = reader.byte(0);
     fields.icmp_code = reader.byte(1);
-    packet.igmp = packet.is_ip4() && protocol == igmp;
+    packet.igmp = packet.is_ip4() && protocol == ip_protocol::igmp;
   }
   return true;
 }
@@ -96,11 +87,11 @@ bool parse_ip6(Reader& reader, Packet& packet) {
   reader.limit(header + payload);
   reader.skip(header);
   // What the packet carries stands behind the extension headers.
-  while (fields.ip_protocol == hop_by_hop || fields.ip_protocol == routing_header ||
-         fields.ip_protocol == destination_options || fields.ip_protocol == fragment_header) {
+  while (fields.ip_protocol == ip_protocol::hop_by_hop || fields.ip_protocol == ip_protocol::routing_header ||
+         fields.ip_protocol == ip_protocol::destination_options || fields.ip_protocol == ip_protocol::fragment_header) {
     constexpr std::size_t unit = 8;
     if (!reader.has(unit)) return false;
-    const bool is_fragment = fields.ip_protocol == fragment_header;
+    const bool is_fragment = fields.ip_protocol == ip_protocol::fragment_header;
     const bool is_first = !is_fragment || reader.word(2) >> 3 == 0;
     const std::size_t length = is_fragment ? unit : (reader.byte(1) + 1U) * unit;
     if (!reader.has(length)) return false;

@@ -17,11 +17,10 @@ bool is_routable(const Packet& packet) {
     return fields.destination_ip >> 28 == 0xE && fields.destination_ip >> 8 != 0xE00000 && !packet.igmp;
   if (!packet.is_ip6() || fields.destination_ip6[0] != 0xFF) return false;
   constexpr int link_local = 2;
-  constexpr int icmp = 58;
   constexpr int listener_messages[] = {130, 131, 132, 143};
   const bool tells_of_groups =
-      fields.ip_protocol == icmp && std::find(std::begin(listener_messages), std::end(listener_messages),
-                                              fields.icmp_type) != std::end(listener_messages);
+      fields.ip_protocol == ip_protocol::icmp6 && std::find(std::begin(listener_messages), std::end(listener_messages),
+                                                            fields.icmp_type) != std::end(listener_messages);
   return (fields.destination_ip6[1] & 0xF) > link_local && !tells_of_groups;
 }
 

@@ -25,18 +25,16 @@ bool is_arp_request(const Packet& packet) {
 }
 
 bool is_dhcp(const Packet& packet) {
-  constexpr int udp = 17;
   const int port = packet.fields.l4_destination_port;
-  if (packet.fields.ip_protocol != udp) return false;
+  if (packet.fields.ip_protocol != ip_protocol::udp) return false;
   return packet.is_ip4() ? port == 67 || port == 68 : packet.is_ip6() && (port == 546 || port == 547);
 }
 
 bool is_neighbour_discovery(const Packet& packet) {
-  constexpr int icmp6 = 58;
   constexpr int router_solicitation = 133;
   constexpr int redirect = 137;
   const int type = packet.fields.icmp_type;
-  return packet.fields.ip_protocol == icmp6 && type >= router_solicitation && type <= redirect;
+  return packet.fields.ip_protocol == ip_protocol::icmp6 && type >= router_solicitation && type <= redirect;
 }
 
 /// What the controls of the port say about protocols.
