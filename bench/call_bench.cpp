@@ -10,6 +10,7 @@
 
 #include "core/sdk.h"
 #include "invoke.h"
+#include "median.h"
 #include "ratios.h"
 
 namespace {

@@ -14,7 +14,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <limits>
 
 #include "scale.h"
@@ -139,21 +138,15 @@ constexpr Table tables[] = {
     {"policers", 2040, add_policer, [](int i) { return bcm_policer_destroy(unit, id(i)); }},
 };
 
-double nanoseconds() {
-  timespec time{};
-  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-  return static_cast<double>(time.tv_sec) * 1e9 + static_cast<double>(time.tv_nsec);
-}
-
 /// What each of the entries from `first` to before `last` took.
 double measure(const Table& table, int (*work)(int i), int first, int last) {
-  const double start = nanoseconds();
+  const double start = bench::thread_nanoseconds();
   for (int i = first; i < last; ++i) {
     const int rv = work(i);
     if (rv != BCM_E_NONE) std::fprintf(stderr, "%s, entry %d: %d\n", table.name, i, rv);
     bench::need(rv == BCM_E_NONE, table.name);
   }
-  return (nanoseconds() - start) / (last - first);
+  return (bench::thread_nanoseconds() - start) / (last - first);
 }
 
 /// @return the growth

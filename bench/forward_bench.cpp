@@ -13,6 +13,7 @@
 #include "chip/chip.h"
 #include "chip/hash.h"
 #include "chip/pipeline/pipeline.h"
+#include "median.h"
 
 namespace {
 
@@ -185,11 +186,6 @@ double measure(const Scene& scene, Pass pass) {
   return passed.count() / frames_per_run;
 }
 
-double median(std::vector<double> values) {
-  std::nth_element(values.begin(), values.begin() + runs / 2, values.end());
-  return values[runs / 2];
-}
-
 /// Measures a setting and the bare loop in turn, prints a line and tells the cost of a frame.
 double run(const Setting& setting, bool& good) {
   Scene scene(setting);
@@ -205,10 +201,10 @@ double run(const Setting& setting, bool& good) {
     times.push_back(
         measure(scene, [&](std::size_t at) { pipeline.receive(scene.in_ports[at], scene.frames[at], memory); }));
   }
-  const double time = median(times);
-  const double share = median(bare_times) / time;
+  const double time = bench::median(times);
+  const double share = bench::median(bare_times) / time;
   std::printf("%-36s %7.2f M frames/s   1/%-4.0f of the bare loop's %.0f M\n", setting.name, 1e3 / time, 1 / share,
-              1e3 / median(bare_times));
+              1e3 / bench::median(bare_times));
   if (memory.count() != frames_per_run * runs) {
     std::printf("  of %zu frames %zu came out\n", frames_per_run * runs, memory.count());
     good = false;

@@ -42,10 +42,3 @@ std::vector<double> bench::nanoseconds(const std::vector<Repeat>& works) {
     for (std::size_t i = 0; i < works.size(); ++i) best[i] = std::min(best[i], measure(works[i], times[i]) / times[i]);
   return best;
 }
-
-double bench::median(std::vector<double> values) {
-  if (values.empty()) return 0;
-  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-  std::nth_element(values.begin(), middle, values.end());
-  return *middle;
-}

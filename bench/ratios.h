@@ -13,7 +13,4 @@ using Repeat = std::function<void(int times)>;
 /// round of each counts: on a machine that others use too, that one was not disturbed.
 std::vector<double> nanoseconds(const std::vector<Repeat>& works);
 
-/// Of all, the middle one; 0 of none.
-double median(std::vector<double> values);
-
 }  // namespace bench

@@ -13,24 +13,13 @@ extern "C" {
 int sdk_main(int argc, char** argv);
 }
 
+#include "median.h"
+
 namespace {
 
 constexpr double bound = 1.5;
 constexpr int runs = 3;
 constexpr int rounds = 9;
-
-/// Of this thread alone: what others do to the machine counts as little as can be.
-double nanoseconds() {
-  timespec time{};
-  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-  return static_cast<double>(time.tv_sec) * 1e9 + static_cast<double>(time.tv_nsec);
-}
-
-double median(std::vector<double> values) {
-  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-  std::nth_element(values.begin(), middle, values.end());
-  return *middle;
-}
 
 /// The nanoseconds per entry of one step at one size, by round.
 struct Costs {
@@ -45,9 +34,9 @@ void measure(const std::vector<bench::Step>& steps, bench::Work bench::Step::*si
   std::vector<double> spent(steps.size());
   for (std::size_t first = 0; first < all; first += count)
     for (std::size_t i = 0; i < steps.size(); ++i) {
-      const double start = nanoseconds();
+      const double start = bench::thread_nanoseconds();
       bench::need((steps[i].*side)({first, count}), steps[i].name);
-      spent[i] += nanoseconds() - start;
+      spent[i] += bench::thread_nanoseconds() - start;
     }
   for (std::size_t i = 0; i < steps.size(); ++i) (costs[i].*cost).push_back(spent[i] / static_cast<double>(all));
 }
@@ -63,8 +52,8 @@ double print(const std::vector<std::size_t>& sizes, const std::vector<bench::Ste
   for (std::size_t step = 0; step < steps.size(); ++step) {
     double cheapest = 0;
     for (std::size_t size = 0; size < sizes.size(); ++size) {
-      const double library = median(costs[size][step].library);
-      const double direct = median(costs[size][step].direct);
+      const double library = bench::median(costs[size][step].library);
+      const double direct = bench::median(costs[size][step].direct);
       const double ratio = library / direct;
       cheapest = size == 0 ? library : std::min(cheapest, library);
       const double growth = library / cheapest;
@@ -79,6 +68,12 @@ double print(const std::vector<std::size_t>& sizes, const std::vector<bench::Ste
 }
 
 }  // namespace
+
+double bench::thread_nanoseconds() {
+  timespec time{};
+  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+  return static_cast<double>(time.tv_sec) * 1e9 + static_cast<double>(time.tv_nsec);
+}
 
 void bench::need(bool good, const char* what) {
   if (good) return;
