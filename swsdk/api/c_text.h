@@ -43,7 +43,7 @@ std::string c_assignment(const std::string& place, const T& value) {
   std::string result;
   if constexpr (std::is_array_v<T> && sizeof(std::remove_extent_t<T>) == 1) {
     const std::string_view bytes(reinterpret_cast<const char*>(value), sizeof value);
-    if (bytes.find_first_not_of('\0') != bytes.npos)
+    if (bytes.find_first_not_of('\0') != std::string_view::npos)
       result = "  memcpy(" + place + ", " + c_string(bytes) + ", " + std::to_string(bytes.size()) + ");\n";
   } else if constexpr (std::is_array_v<T>) {
     for (std::size_t i = 0; i < std::extent_v<T>; ++i)

@@ -17,7 +17,7 @@ std::size_t api::parsed_room(std::string_view text) {
   constexpr std::size_t most = 1 << 20;
   constexpr std::string_view of = " of ";
   std::size_t room = 1;
-  if (const std::size_t found = text.rfind(of); text.starts_with('&') && found != text.npos) {
+  if (const std::size_t found = text.rfind(of); text.starts_with('&') && found != std::string_view::npos) {
     int count = 0;
     parse_value(text.substr(found + of.size()), count);
     room = count < 0 ? 0 : static_cast<std::size_t>(count);

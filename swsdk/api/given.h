@@ -101,7 +101,7 @@ struct Given<T*> : AnyGiven {
     text = text.substr(0, text.find(" -> &"));
     if constexpr (std::is_same_v<Item, uint8_t>) {
       const std::vector<uint8_t> bytes =
-          text.size() == 17 && text.find("::") == text.npos ? parsed_mac(text) : parsed_ip6(text);
+          text.size() == 17 && text.find("::") == std::string_view::npos ? parsed_mac(text) : parsed_ip6(text);
       std::copy(bytes.begin(), bytes.end(), items.get());
     } else if (text.starts_with('[')) {
       parse_items(text, items.get(), count);
@@ -141,7 +141,9 @@ struct Given<T*> : AnyGiven {
   explicit Given(std::string_view text) : number(parsed_pointer(text, "pointer")) {
     if (number > 0) set_pointer_number("pointer", get(), number);
   }
-  T* get() const { return reinterpret_cast<T*>(static_cast<uintptr_t>(number)); }
+  T* get() const {
+    return reinterpret_cast<T*>(static_cast<uintptr_t>(number));  // NOLINT(performance-no-int-to-ptr): it is no address
+  }
   std::string c(const std::string& /*name*/, CCall& /*call*/) const override {
     return number == 0 ? "NULL" : "(" + c_type<T*>() + ')' + std::to_string(number);
   }

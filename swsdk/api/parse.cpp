@@ -62,7 +62,7 @@ std::vector<std::string_view> api::items(std::string_view text, char open, char 
 uint64_t api::parsed_number(std::string_view text) {
   if (text.starts_with("0x")) return number<uint64_t>(text.substr(2), 16, text);
   if (text.starts_with('-')) return static_cast<uint64_t>(number<int64_t>(text, 10, text));
-  if (text.find('.') == text.npos) return number<uint64_t>(text, 10, text);
+  if (text.find('.') == std::string_view::npos) return number<uint64_t>(text, 10, text);
   in_addr address;
   if (inet_pton(AF_INET, std::string(text).c_str(), &address) != 1) throw Unreadable(text, "IPv4 address");
   return ntohl(address.s_addr);
@@ -100,7 +100,7 @@ chip::PortSet api::parsed_ports(std::string_view text) {
   for (const std::string_view item : items(text, '{', '}')) {
     const std::size_t dash = item.find('-');
     const int first = number<int>(item.substr(0, dash), 10, text);
-    const int last = dash == item.npos ? first : number<int>(item.substr(dash + 1), 10, text);
+    const int last = dash == std::string_view::npos ? first : number<int>(item.substr(dash + 1), 10, text);
     if (first < 0 || last >= chip::PortSet::capacity) throw Unreadable(text, "set of ports");
     for (int port = first; port <= last; ++port) result.add(port);
   }
@@ -110,7 +110,7 @@ chip::PortSet api::parsed_ports(std::string_view text) {
 void api::parse_record(std::string_view text, std::span<const Field> fields, void* record) {
   for (const std::string_view item : items(text, '{', '}')) {
     const std::size_t equals = item.find('=');
-    if (equals == item.npos) throw Unreadable(item, "field with a value");
+    if (equals == std::string_view::npos) throw Unreadable(item, "field with a value");
     const std::string_view name = item.substr(0, equals);
     const auto field = std::find_if(fields.begin(), fields.end(), [&](const Field& one) { return one.name == name; });
     if (field == fields.end()) throw Unreadable(name, "field of this record");

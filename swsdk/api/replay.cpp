@@ -42,7 +42,7 @@ std::optional<Line> parsed_line(std::string_view text, const std::function<void(
   text.remove_prefix(std::min(word.size() + 1, text.size()));
   const std::size_t open = text.find('(');
   const std::size_t close = text.rfind(") = ");
-  if (open == text.npos || close == text.npos || close < open)
+  if (open == std::string_view::npos || close == std::string_view::npos || close < open)
     throw Unreadable(text, "call such as bcm_vlan_create(0, 10) = 0");
   const std::string_view name = text.substr(0, open);
   const api::Replayable* const function = api::find_replayable(name);
@@ -187,7 +187,8 @@ api::CCall as_c(const api::Replayable& function, const api::Texts& texts) {
 /// A text that does not end the comment that it is in.
 std::string in_comment(std::string_view text) {
   std::string result(text);
-  for (std::size_t found = 0; (found = result.find("*/", found)) != result.npos;) result.insert(found + 1, 1, ' ');
+  for (std::size_t found = 0; (found = result.find("*/", found)) != std::string::npos;)
+    result.insert(found + 1, 1, ' ');
   return result;
 }
 

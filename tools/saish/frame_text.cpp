@@ -62,7 +62,7 @@ class Builder {
   }
 
   static Bytes ip(const std::string& text) {
-    if (text.find(':') != text.npos) {
+    if (text.find(':') != std::string::npos) {
       uint8_t bytes[16];
       read("frame", text, bytes);
       return {std::begin(bytes), std::end(bytes)};
@@ -221,7 +221,7 @@ std::string in_ip_text(int protocol, std::span<const uint8_t> inside) {
 
 std::string ip_packet_text(std::span<const uint8_t> packet, bool is_ip4) {
   if (packet.size() < (is_ip4 ? ip4_header : ip6_header)) return " ip cut short";
-  const std::size_t header = is_ip4 ? (packet[0] & 0xFU) * 4U : ip6_header;
+  const std::size_t header = is_ip4 ? std::size_t{4} * (packet[0] & 0xFU) : ip6_header;
   const unsigned tos = is_ip4 ? packet[1] : word(packet, 0) >> 4 & 0xFF;
   std::string result = " ip " + (is_ip4 ? ip4_at(&packet[12]) + " > " + ip4_at(&packet[16])
                                         : address_text<16>(&packet[8]) + " > " + address_text<16>(&packet[24]));
@@ -248,7 +248,7 @@ std::vector<uint8_t> frame_bytes(std::span<const std::string> words) {
 
 std::string frame_text(std::span<const uint8_t> frame) {
   if (frame.size() < 14) return std::to_string(frame.size()) + " bytes";
-  std::string result = address_text<6>(&frame[6]) + " > " + address_text<6>(&frame[0]);
+  std::string result = address_text<6>(&frame[6]) + " > " + address_text<6>(frame.data());
   std::size_t at = 12;
   for (; word(frame, at) == vlan_tag || word(frame, at) == service_tag; at += 4) {
     const unsigned tag = word(frame, at + 2);

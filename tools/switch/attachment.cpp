@@ -9,7 +9,7 @@ std::unique_ptr<Attachment> attach(const std::string& text) {
   if (!text.starts_with(pcap)) return attach_interface(text);
   const std::string files = text.substr(pcap.size());
   const std::size_t colon = files.find(':');
-  if (colon == files.npos) throw CannotStart('"' + text + "\" is not pcap:IN:OUT; either file can be left out");
+  if (colon == std::string::npos) throw CannotStart('"' + text + "\" is not pcap:IN:OUT; either file can be left out");
   return attach_pcap(files.substr(0, colon), files.substr(colon + 1));
 }
 

@@ -35,7 +35,7 @@ int tell(const std::exception& error, int code) {
 void plug(vswitch::Switch& chip, const std::string& given) {
   const std::size_t equals = given.find('=');
   const std::optional<int> port = saish::number<int>(given.substr(0, equals));
-  if (equals == given.npos || !port)
+  if (equals == std::string::npos || !port)
     throw vswitch::CannotStart('"' + given + "\" is not N=IFACE, N=tap:NAME or N=pcap:IN:OUT");
   chip.plug(*port, given.substr(equals + 1));
 }

@@ -89,7 +89,7 @@ void Switch::run_commands() {
   const ssize_t length = read(STDIN_FILENO, text.data(), text.size());
   if (length <= 0) commands_ = false;
   if (length > 0) typed_.append(text.data(), static_cast<std::size_t>(length));
-  for (std::size_t end = 0; !session_.ended() && (end = typed_.find('\n')) != typed_.npos;) {
+  for (std::size_t end = 0; !session_.ended() && (end = typed_.find('\n')) != std::string::npos;) {
     const std::string line = typed_.substr(0, end);
     typed_.erase(0, end + 1);
     if (isatty(STDIN_FILENO) == 0) std::printf("%s\n", line.c_str());

@@ -58,7 +58,7 @@ bool parse_ip4(Reader& reader, Packet& packet) {
   constexpr std::size_t shortest = 20;
   constexpr uint16_t fragment_offset = 0x1FFF;
   if (!reader.has(shortest) || reader.byte(0) >> 4 != 4) return false;
-  const std::size_t header = (reader.byte(0) & 0xFU) * 4U;
+  const std::size_t header = std::size_t{4} * (reader.byte(0) & 0xFU);
   const std::size_t total = reader.word(2);
   if (header < shortest || total < header || !reader.has(total)) return false;
   FrameFields& fields = packet.fields;
