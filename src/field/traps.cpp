@@ -11,6 +11,7 @@
 
 using sai::failed;
 using sai::FieldEntry;
+using sai::log_if_failed;
 using sai::result;
 using sai::sdk_address;
 using sai::vlan_id;
@@ -351,10 +352,10 @@ int32_t sai_dhcp_packet_to_cpu(int32_t unit, int32_t enable) {
   const int on = enable == 1;
   sai::for_each_port(unit, sai::Ports::ethernet, [=](int port) {
     if (on)
-      failed(bcm_switch_control_port_set(unit, port, bcmSwitchDhcpPktToCpu, on),
-             "Failed to set port [%d] bcmSwitchDhcpPktToCpu: %s", port);
-    failed(bcm_switch_control_port_set(unit, port, bcmSwitchDhcpPktDrop, on),
-           "Failed to set port [%d] bcmSwitchDhcpPktDrop: %s", port);
+      log_if_failed(bcm_switch_control_port_set(unit, port, bcmSwitchDhcpPktToCpu, on),
+                    "Failed to set port [%d] bcmSwitchDhcpPktToCpu: %s", port);
+    log_if_failed(bcm_switch_control_port_set(unit, port, bcmSwitchDhcpPktDrop, on),
+                  "Failed to set port [%d] bcmSwitchDhcpPktDrop: %s", port);
   });
   return SAI_E_NONE;
 }

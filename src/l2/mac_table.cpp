@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 
+#include "core/convert.h"
 #include "core/gports.h"
 #include "core/log.h"
 #include "core/result.h"
@@ -140,7 +141,7 @@ int show(int unit, bcm_l2_addr_t* entry, void* user_data) {
   }
   slot.port = entry->flags & BCM_L2_TRUNK_MEMBER ? entry->tgid : entry->port;
   slot.flags = shown_kind(*entry);
-  std::copy_n(entry->mac, sizeof slot.mac, slot.mac);
+  sai::copy_mac(slot.mac, entry->mac);
   ++context->count;
   return 0;
 }

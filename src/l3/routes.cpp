@@ -1,5 +1,6 @@
 #include <sai.h>
 
+#include "core/convert.h"
 #include "core/log.h"
 #include "core/result.h"
 #include "core/sdk.h"

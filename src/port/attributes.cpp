@@ -11,6 +11,7 @@ using sai::error_text;
 using sai::failed;
 using sai::fits_bitmap;
 using sai::Format;
+using sai::log_if_failed;
 using sai::low_word;
 using sai::Ports;
 using sai::result;
@@ -39,7 +40,7 @@ int mode_get(int unit, int port, int& speed, int& duplex) {
   int rv = bcm_port_speed_get(unit, port, &speed);
   if (failed(rv, "Failed to get port [%d] speed: %s", port)) return rv;
   rv = bcm_port_duplex_get(unit, port, &duplex);
-  failed(rv, "Failed to get port [%d] duplex: %s", port);
+  log_if_failed(rv, "Failed to get port [%d] duplex: %s", port);
   return rv;
 }
 

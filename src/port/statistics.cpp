@@ -6,6 +6,7 @@
 #include "core/unit.h"
 
 using sai::failed;
+using sai::log_if_failed;
 using sai::Ports;
 
 // Meant: the last value of each counter, of whichever port it was; one that cannot be read is given again.
@@ -44,7 +45,7 @@ void print(int stat, const char* name, uint64 value) {
 
 int clear(int unit, int port, const char* caller) {
   const int rv = bcm_stat_clear(unit, port);
-  failed(rv, "%s bcm_stat_clear port %d failed: %s", caller, port);
+  log_if_failed(rv, "%s bcm_stat_clear port %d failed: %s", caller, port);
   return rv;
 }
 
