@@ -104,10 +104,10 @@ int32_t sai_multicast_egress_del(int32_t unit, int32_t vlan, uint32_t group, con
   bcm_ipmc_addr_t key = key_of(vlan, group);
   int rv = leave(unit, key, {.mac = mac, .port = port, .user_vlan = user_vid}, leave_texts);
   if (rv < 0) return sdk_to_sai(rv);
-  int count = 0;
+  int count = -1;  // a query that tells no count ends no group
   rv = count_members(unit, key.group, count);
   trace("rv is %d port_count is %d", rv, count);
-  if (count == 0) sai_multicast_destroy(unit, vlan, group);  // Meant: also when they could not be counted.
+  if (count == 0) sai_multicast_destroy(unit, vlan, group);  // Meant: whatever the query answers.
   return sdk_to_sai(rv);
 }
 

@@ -58,7 +58,7 @@ int32_t sai_port_stat_show(int32_t unit, int32_t port) {
     if (stat_names[stat] == nullptr) continue;
     uint64 value = 0;
     rv = bcm_stat_get(unit, port, static_cast<bcm_stat_val_t>(stat), &value);
-    if (rv >= 0) print(stat, stat_names[stat], value);
+    if (rv == BCM_E_NONE) print(stat, stat_names[stat], value);
   }
   return sdk_to_sai(rv);  // Meant: of the last counter, and no failure is logged.
 }
@@ -77,7 +77,7 @@ int32_t sai_port_mib_read(int32_t unit, int32_t port, uint64_t* values) {
   if (values == nullptr) return SAI_E_PARAM;
   for (sai_hw_counter& row : hw_counters_table) {
     uint64 value = 0;
-    if (bcm_stat_get(unit, port, static_cast<bcm_stat_val_t>(row.stat), &value) >= 0) row.value = value;
+    if (bcm_stat_get(unit, port, static_cast<bcm_stat_val_t>(row.stat), &value) == BCM_E_NONE) row.value = value;
   }
   for (const sai_hw_counter& row : hw_counters_table) *values++ = row.value;
   return SAI_E_NONE;  // Meant: whatever failed, and no failure is logged.

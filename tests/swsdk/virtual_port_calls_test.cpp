@@ -11,6 +11,7 @@
 #include <cstring>
 
 #include "support/chip_test.h"
+#include "support/gports.h"
 #include "support/scene.h"
 
 namespace {
@@ -22,7 +23,7 @@ bcm_vlan_port_t stacked_record(int port, bcm_vlan_t outer, bcm_vlan_t inner) {
   bcm_vlan_port_t_init(&result);
   result.criteria = BCM_VLAN_PORT_MATCH_PORT_VLAN_STACKED;
   result.flags = BCM_VLAN_PORT_NETWORK | BCM_VLAN_PORT_INNER_VLAN_PRESERVE;
-  result.port = BCM_GPORT_TYPE_LOCAL << 26 | port;
+  result.port = support::gport(BCM_GPORT_TYPE_LOCAL, port);
   result.match_vlan = outer;
   result.match_inner_vlan = inner;
   result.egress_vlan = 20;
@@ -101,7 +102,7 @@ TEST_F(VirtualPortCalls, MakeGportsMembersOfAVlan) {
   EXPECT_EQ(bcm_vlan_port_destroy(0, gport), BCM_E_NONE);
   EXPECT_EQ(bcm_vlan_gport_delete(0, 10, gport), BCM_E_NONE);
   EXPECT_EQ(bcm_vlan_gport_delete(0, 10, gport), BCM_E_NOT_FOUND);
-  EXPECT_EQ(bcm_vlan_gport_add(0, 10, BCM_GPORT_TYPE_LOCAL << 26 | 3, 0), BCM_E_NONE);
+  EXPECT_EQ(bcm_vlan_gport_add(0, 10, support::gport(BCM_GPORT_TYPE_LOCAL, 3), 0), BCM_E_NONE);
   EXPECT_NE(support::table("vlan").find("10    {3}"), std::string::npos);
   EXPECT_EQ(bcm_vlan_gport_delete(0, 10, 3), BCM_E_NONE);
   EXPECT_EQ(bcm_vlan_gport_add(0, 10, 13, 0), BCM_E_PORT);
