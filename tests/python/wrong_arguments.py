@@ -1,7 +1,7 @@
 """Every function of the module and every field of its records with every kind of wrong value, one at a time.
 
-A program of its own, so that a wrong value that ends the interpreter fails the test and does not end the test runner. It
-prints what it tries before it does, then how many values were refused.
+A program of its own, so that a wrong value that ends the interpreter fails the test and does not end the test runner.
+It prints what it tries before it does, then how many values were refused.
 """
 import array
 import contextlib
