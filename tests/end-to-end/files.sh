@@ -41,4 +41,4 @@ refused 'port 1: cannot read frames: ' "$work/switch.sai" --port 1=pcap:/nowhere
 refused 'port 1: "pcap:x" is not pcap:IN:OUT' "$work/switch.sai" --port 1=pcap:x
 refused '"cable" is not N=IFACE' "$work/switch.sai" --port cable
 refused 'cannot make the interface "cable": Device or resource busy' "$work/switch.sai" --cpu cable
-refused 'cannot read the script "missing.sai"' missing.sai
+refused 'cannot read the script "missing.sai": No such file or directory' missing.sai

@@ -63,7 +63,7 @@ SWSDK_RECORD=own.rec check 1 '[0-9]+ lines differ .*' "$saish" --diff intended.s
 
 printf 'nothing\n' >bad.sai
 check 2 'bad\.sai:1: nothing: no such command .*'$'\n''the script "bad\.sai" fails on a fresh chip' "$saish" --diff bad.sai
-check 2 'cannot read the script "missing\.sai"'$'\n''the script "missing\.sai" fails on a fresh chip' "$saish" --diff missing.sai
+check 2 'cannot read the script "missing\.sai": No such file or directory'$'\n''the script "missing\.sai" fails on a fresh chip' "$saish" --diff missing.sai
 check 2 'the chip is off; there is nothing to compare' "$saish" --cold --diff intended.sai
 check 2 '[^'$'\n'']+' "$saish" --diff intended.sai --replay a.rec
 

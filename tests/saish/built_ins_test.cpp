@@ -1,7 +1,11 @@
 #include "built_ins.h"
 
+#include <swsdk/chip.h>
+
 #include "library.h"
 #include "saish/shell.h"
+
+extern "C" int sdk_main(int argc, char** argv);
 
 namespace {
 
@@ -234,11 +238,24 @@ TEST_F(ShellBuiltIns, LearnPutsAnAddressIntoTheMacTable) {
 }
 
 TEST_F(ShellBuiltIns, LearnRefusesWhatIsNotOnTheChip) {
-  EXPECT_EQ(refused("learn 00:00:00:00:00:01 1 13"), "unit 0 has no port 13, or there can be no VLAN 1");
-  EXPECT_EQ(refused("learn 00:00:00:00:00:01 4096 1"), "unit 0 has no port 1, or there can be no VLAN 4096");
-  EXPECT_EQ(refused("learn 00:00:00:00:00:01 1 1 1"), "unit 1 has no port 1, or there can be no VLAN 1");
+  EXPECT_EQ(refused("learn 00:00:00:00:00:01 1 13"), "unit 0 has no port 13");
+  EXPECT_EQ(refused("learn 00:00:00:00:00:01 5000 1"), "vlan: 5000 is not between 1 and 4095");
+  EXPECT_EQ(refused("learn 00:00:00:00:00:01 0 1"), "vlan: 0 is not between 1 and 4095");
+  EXPECT_EQ(refused("learn 00:00:00:00:00:01 1 1 1"), "unit 1 is not attached");
   EXPECT_TRUE(refused("learn 1 1 1").starts_with("mac: \"1\" is not a MAC address"));
   EXPECT_TRUE(refused("learn 00:00:00:00:00:01 x 1").starts_with("vlan: \"x\" is not a number"));
+}
+
+TEST_F(ShellBuiltIns, WhatHappensOnAUnitIsRefusedWithTheReasonWhenTheUnitIsNotUp) {
+  const auto expect_refused = [&](const std::string& reason) {
+    for (const std::string event : {"link 1 up", "learn 00:00:00:00:00:01 1 1", "age 1", "hit 10.0.0.1 source",
+                                    "counter 1 snmpIfInErrors 3", "temperature 40", "classify ingress {}", "send 1 00"})
+      EXPECT_EQ(refused(event), reason) << event;
+  };
+  swsdk_power_off();
+  expect_refused("unit 0 is not attached");
+  sdk_main(0, nullptr);
+  expect_refused("unit 0 is not initialized");
 }
 
 TEST_F(ShellBuiltIns, ACallsEventsAreToldBeforeItsResult) {
@@ -254,7 +271,7 @@ TEST_F(ShellBuiltIns, AgeLetsAddressesGo) {
   EXPECT_EQ(run("age 299 0"), "");
   EXPECT_EQ(run("age 1"), "  ! address 00:00:00:00:00:01 in VLAN 10 on port 1 is deleted\n");
   EXPECT_EQ(refused("age -1"), "seconds: time does not go back");
-  EXPECT_EQ(refused("age 1 1"), "unit 1 is not initialised");
+  EXPECT_EQ(refused("age 1 1"), "unit 1 is not attached");
 }
 
 TEST_F(ShellBuiltIns, HitMarksAHostOrARoute) {
@@ -343,7 +360,7 @@ TEST_F(ShellBuiltIns, ClassifyRefusesWhatIsNoFrame) {
   EXPECT_EQ(refused("classify ingress 1"), "frame: \"1\" is not a record such as {in_port=0}");
   EXPECT_TRUE(
       refused("classify ingress {port=1}").starts_with("frame: there is no field \"port\"; the fields are in_"));
-  EXPECT_EQ(refused("classify ingress {} 1"), "unit 1 is not initialised");
+  EXPECT_EQ(refused("classify ingress {} 1"), "unit 1 is not attached");
   const std::string help = run("help classify");
   EXPECT_NE(help.find("\n  FRAME is {field=value, ...} of in_port, out_port, src_mac, "), std::string::npos) << help;
 }
@@ -386,7 +403,7 @@ TEST_F(ShellBuiltIns, SendRefusesWhatIsNoFrame) {
   EXPECT_EQ(refused(hello + std::string("udp 5 > 6")), "frame: \"udp\" is no field, or comes before ip");
   EXPECT_EQ(refused(hello + std::string("ip 10.0.0.1 > ::1")), "frame: an IPv4 address does not go with an IPv6 one");
   EXPECT_EQ(refused(hello + std::string("ip 10.0.0.1 > 10.0.0.2 utp 5")), "frame: there is no field \"utp\"");
-  EXPECT_EQ(refused("send 99 00"), "port: unit 0 has no port 99, or is not initialised");
+  EXPECT_EQ(refused("send 99 00"), "unit 0 has no port 99");
 }
 
 }  // namespace

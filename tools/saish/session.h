@@ -35,6 +35,9 @@ class Session {
   /// not give what it should.
   void run_script(const std::string& path);
 
+  /// Ends the scripts that are running before their next line, until the next run(). A signal handler may call it.
+  static void interrupt();
+
   /// Whether every command prints the SDK calls that it made.
   void follow_journal(bool on);
   void clear_journal();
