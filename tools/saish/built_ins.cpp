@@ -289,7 +289,9 @@ void send(Session& session, const Words& arguments) {
     std::printf("  not passed on: %s\n", swsdk_drop_name(outcome));
 }
 
-void diff(Session& /*session*/, const Words& arguments) {
+void diff(Session& session, const Words& arguments) {
+  if (session.is_compared())
+    throw BadInput("a script whose tables are compared or printed can have no diff; remove this line");
   compare_with(arguments[0]);
   std::printf("  no difference\n");
 }

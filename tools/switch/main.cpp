@@ -7,9 +7,11 @@
 #include <string>
 #include <vector>
 
+#include "board.h"
 #include "descriptor.h"
 #include "session.h"
 #include "switch.h"
+#include "tables.h"
 
 namespace {
 
@@ -46,15 +48,29 @@ int run(int argc, char** argv) {
       "from standard input."};
   std::string config;
   std::string cpu;
+  std::string board;
   std::vector<std::string> ports;
-  app.add_option("CONFIG", config, "script of the shell that sets the chip up")->required();
+  std::vector<std::string> shown;
+  app.add_option("CONFIG", config, "script of the shell that sets the chip up");
   app.add_option("--cpu", cpu, "name of the CPU's network interface, in place of the one that the script asks for");
   app.add_option("--port", ports, "N=IFACE, N=tap:NAME or N=pcap:IN:OUT: what port N is plugged into")
       ->allow_extra_args(false);
+  app.add_option("--board", board, saish::board_help);
+  app.add_option("--tables", shown, "run a script silently and print all tables that it leaves; again for more")
+      ->allow_extra_args(false)
+      ->excludes("CONFIG")
+      ->excludes("--cpu")
+      ->excludes("--port");
   app.set_version_flag("--version", "swsdk-switch " SAI_VERSION);
 
   try {
     app.parse(argc, argv);
+    if (app.count("--board") > 0) saish::set_board(board);
+    if (app.count("--tables") > 0) {
+      saish::print_tables_after(shown);
+      return 0;
+    }
+    if (app.count("CONFIG") == 0) throw CLI::RequiredError("CONFIG");
     const vswitch::Descriptor signals(end_signals());
     saish::Session session(false);
     session.run_script(config);
