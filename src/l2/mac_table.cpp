@@ -12,6 +12,7 @@
 #include "core/unit.h"
 
 using sai::failed;
+using sai::log_if_failed;
 using sai::low_word;
 using sai::Ports;
 using sai::result;
@@ -209,7 +210,7 @@ int32_t sai_l2_addr_logic_port_get(int32_t unit, sai_l2_mac_entry_t* entry) {
     rv = gport_get(unit, found.port, gport);
     if (failed(rv, "Failed to get gport: %s")) return sdk_to_sai(rv);
     rv = bcm_port_local_get(unit, gport, &local);
-    failed(rv, "Failed to get local port: %s");
+    log_if_failed(rv, "Failed to get local port: %s");
   }
   if (rv == BCM_E_NONE) entry->port = local;
   return sdk_to_sai(rv);
