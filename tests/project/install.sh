@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # usage: install.sh BUILD_DIR EXAMPLES_DIR
-# An installed copy serves a program by pkg-config and by its CMake package.
+# An installed copy serves a program by pkg-config and by its CMake package, and a reader by its manual.
 set -euo pipefail
 build=$1 examples=$2 emulator=${EMULATOR-}
 work=$(mktemp -d)
@@ -15,6 +15,10 @@ for file in "$libraries/libsai.so" "$libraries/libswsdk.so" "$work/usr/bin/saish
     exit 1
   fi
 done
+
+page=$work/usr/share/man/man3/sai_vlan_create.3
+index=$(grep -Eo '[a-z/]+/messages\.md' "$page")
+[ -f "$work/usr/$index" ] || { echo "$page names $index, which is not installed"; exit 1; }
 
 # The .pc file names the prefix that the build was configured for; the copy is elsewhere.
 pkg_config=(pkg-config --define-variable=prefix="$work/usr")
