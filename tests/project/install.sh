@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # usage: install.sh BUILD_DIR EXAMPLES_DIR
-# An installed copy serves a program by pkg-config and by its CMake package, wherever it is installed, and yields to the
-# Chip SDK that LD_LIBRARY_PATH names.
+# An installed copy serves a program by pkg-config and by its CMake package, and a reader by its manual, wherever it is
+# installed, and yields to the Chip SDK that LD_LIBRARY_PATH names.
 set -euo pipefail
 build=$1 examples=$2 emulator=${EMULATOR-}
 work=$(mktemp -d)
@@ -50,6 +50,10 @@ for program in "$work/unit/consumer" "$prefix/bin/saish"; do
   LD_LIBRARY_PATH=$work/named $emulator "$program" --version >"$work/out" 2>&1 && fail "$program took another libswsdk.so"
   grep -q "$work/named/libswsdk.so" "$work/out" || fail "$program said: $(cat "$work/out")"
 done
+
+page=$prefix/share/man/man3/sai_vlan_create.3
+index=$(grep -Eo '[a-z/]+/messages\.md' "$page")
+[ -f "$prefix/$index" ] || fail "$page names $index, which is not installed"
 
 # This machine's Python loads this machine's libraries.
 modules=$(dirname "$(find "$prefix/lib" -path '*/python3.*/site-packages/sai_virtual')")
