@@ -19,6 +19,9 @@ struct CannotStart : std::runtime_error {
 using Bytes = std::span<const uint8_t>;
 using Receiver = std::function<void(Bytes frame)>;
 
+/// Takes what went wrong while frames passed: one line for a person.
+using Tell = std::function<void(const std::string& trouble)>;
+
 class Attachment {
  public:
   Attachment() = default;
@@ -49,10 +52,10 @@ constexpr std::size_t tag_at = 12;
 constexpr std::size_t tag_size = 4;
 
 /// Plugs in what the text names: IFACE, tap:NAME or pcap:IN:OUT. Throws CannotStart.
-std::unique_ptr<Attachment> attach(const std::string& text);
+std::unique_ptr<Attachment> attach(const std::string& text, const Tell& tell);
 
 std::unique_ptr<Attachment> attach_interface(const std::string& name);
-std::unique_ptr<Attachment> attach_pcap(const std::string& input, const std::string& output);
+std::unique_ptr<Attachment> attach_pcap(const std::string& input, const std::string& output, const Tell& tell);
 
 /// A new interface of the host with that name, gone when the attachment is; with no MAC address given it gets any.
 std::unique_ptr<Attachment> attach_tap(const std::string& name, const uint8_t* mac);

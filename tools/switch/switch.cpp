@@ -9,6 +9,8 @@
 #include <array>
 #include <cstdio>
 
+#include "console.h"
+
 namespace vswitch {
 
 namespace {
@@ -37,7 +39,10 @@ void Switch::plug(int port, const std::string& what) {
   if (ports_.contains(port)) throw CannotStart(where + "it is plugged in twice");
   if (swsdk_link_event(unit, port, 0) != 0) throw CannotStart(where + "the chip has no such port");
   try {
-    ports_[port] = attach(what);
+    ports_[port] = attach(what, [this, where](const std::string& trouble) {
+      had_trouble_ = true;
+      tell(where + trouble);
+    });
   } catch (const CannotStart& error) {
     throw CannotStart(where + error.what());
   }

@@ -26,6 +26,9 @@ class Switch {
   /// Commands come from standard input, if it is a terminal or a pipe.
   void run(int signals);
 
+  /// Whether anything went wrong meanwhile; standard error has it.
+  bool had_trouble() const { return had_trouble_; }
+
  private:
   struct HostInterface {
     std::unique_ptr<Attachment> attachment;
@@ -47,7 +50,8 @@ class Switch {
   std::chrono::steady_clock::time_point now_ = std::chrono::steady_clock::now();
   std::chrono::steady_clock::time_point links_seen_{};
   bool commands_ = false;  // can still come
-  std::string typed_;      // of a command line that is not complete yet
+  bool had_trouble_ = false;
+  std::string typed_;  // of a command line that is not complete yet
 };
 
 }  // namespace vswitch
