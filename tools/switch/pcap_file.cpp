@@ -138,6 +138,7 @@ class PcapFiles : public Attachment {
   }
 
   int descriptor() const override { return -1; }
+  bool has_frames() const override { return !is_over(); }
   bool has_link() const override { return true; }
   bool is_over() const override { return !input_ || input_->is_over(); }
 
