@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "board.h"
+#include "console.h"
 #include "descriptor.h"
 #include "session.h"
 #include "switch.h"
@@ -29,8 +30,7 @@ int end_signals() {
 }
 
 int tell(const std::exception& error, int code) {
-  std::fflush(stdout);
-  std::fprintf(stderr, "swsdk-switch: %s\n", error.what());
+  vswitch::tell(error.what());
   return code;
 }
 
@@ -79,7 +79,7 @@ int run(int argc, char** argv) {
     std::printf("The switch is up.\n");
     std::fflush(stdout);
     chip.run(signals.get());
-    return 0;
+    return chip.had_trouble() ? failed : 0;
   } catch (const CLI::Success& help_or_version) {
     return app.exit(help_or_version);
   } catch (const CLI::ParseError& error) {
