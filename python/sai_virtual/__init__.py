@@ -275,7 +275,7 @@ class Difference(Exception):
 
 def replay(path):
     """Repeats a recording and leaves the chip as it does. Returns the notices; raises Difference, or ValueError for
-    what is no recording."""
+    what is no recording or lacks its end."""
     lines = []
     tell = _line_handler(lambda line, _: lines.append(line.decode(errors="surrogateescape")))
     outcome = _swsdk.swsdk_replay(os.fsencode(path), tell, None)

@@ -216,6 +216,9 @@ def test_a_recording_replays_and_a_changed_one_differs(tmp_path):
     path.write_text(text.replace("bcm_vlan_create(0, 10) = 0", "bcm_vlan_create(0, 10) = -6"))
     with pytest.raises(sai.Difference, match=r"run\.rec:\d+: the answer differs"):
         sai.replay(path)
+    path.write_text(text.removesuffix("end\n"))
+    with pytest.raises(ValueError, match=r"run\.rec:\d+: the recording ends here without its end mark"):
+        sai.replay(path)
     path.write_text("nothing\n")
     with pytest.raises(ValueError, match=r"run\.rec:1: not a recording"):
         sai.replay(path)

@@ -18,6 +18,7 @@ namespace {
 
 constexpr int unexpected_result = 1;  // or one that could not be written
 constexpr int bad_start = 2;
+constexpr int cut_recording = 3;
 
 /// Tells what is wrong on standard error, after what was printed before.
 void tell(const std::exception& error) {
@@ -47,7 +48,16 @@ int replay(const std::string& recording, bool as_c) {
   const int outcome = as_c ? swsdk_replay_as_c(recording.c_str(), print_line, tell_line, nullptr)
                            : swsdk_replay(recording.c_str(), tell_line, nullptr);
   swsdk_power_off();
-  return outcome == SWSDK_REPLAY_SAME ? 0 : outcome == SWSDK_REPLAY_DIFFERENT ? unexpected_result : bad_start;
+  switch (outcome) {
+    case SWSDK_REPLAY_SAME:
+      return 0;
+    case SWSDK_REPLAY_DIFFERENT:
+      return unexpected_result;
+    case SWSDK_REPLAY_INCOMPLETE:
+      return cut_recording;
+    default:
+      return bad_start;
+  }
 }
 
 /// Runs what the command line asks for.
