@@ -40,11 +40,10 @@ int sdk_mode(int mode) {
 }  // namespace
 
 int32_t sai_bpdu_set(int32_t unit, const uint8_t* mac, int32_t* index) {
-  int found = 0;
-  const int rv = mac == nullptr || index == nullptr ? BCM_E_PARAM
-                                                    : capture(unit, BCM_L2_CACHE_CPU | BCM_L2_CACHE_BPDU, mac, &found);
-  if (rv == BCM_E_NONE) *index = found;
-  return result(rv, "bcm_l2_cache_set failed: %s");
+  const auto get = [&](int* found) {
+    return mac == nullptr ? BCM_E_PARAM : capture(unit, BCM_L2_CACHE_CPU | BCM_L2_CACHE_BPDU, mac, found);
+  };
+  return result(sai::read_into(index, get), "bcm_l2_cache_set failed: %s");
 }
 
 int32_t sai_bpdu_unset(int32_t unit, int32_t index) {

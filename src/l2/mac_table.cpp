@@ -162,9 +162,7 @@ int32_t sai_l2_mac_age_time_set(int32_t unit, int32_t seconds) {
 }
 
 int32_t sai_l2_mac_age_time_get(int32_t unit, int32_t* seconds) {
-  int time = 0;
-  const int rv = seconds == nullptr ? BCM_E_PARAM : bcm_l2_age_timer_get(unit, &time);
-  if (rv == BCM_E_NONE) *seconds = time;
+  const int rv = sai::read_into(seconds, [&](int* time) { return bcm_l2_age_timer_get(unit, time); });
   // Meant: the pointer for a value.
   return result(rv, "Failed to get mac age time %d: %s", low_word(seconds));
 }
@@ -269,9 +267,7 @@ int32_t sai_l2_dst_hit_enable_set(int32_t unit, int32_t enable) {
 }
 
 int32_t sai_l2_dst_hit_enable_get(int32_t unit, int32_t* enable) {
-  int value = 0;
-  const int rv = enable == nullptr ? BCM_E_PARAM : bcm_switch_control_get(unit, bcmSwitchL2DstHitEnable, &value);
-  if (rv == BCM_E_NONE) *enable = value;
+  const auto get = [&](int* value) { return bcm_switch_control_get(unit, bcmSwitchL2DstHitEnable, value); };
   // Meant: the text of the set.
-  return result(rv, "bcm_switch_control_set bcmSwitchL2DstHitEnable failed: %s");
+  return result(sai::read_into(enable, get), "bcm_switch_control_set bcmSwitchL2DstHitEnable failed: %s");
 }

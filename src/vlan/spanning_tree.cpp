@@ -1,5 +1,6 @@
 #include <sai.h>
 
+#include "core/convert.h"
 #include "core/result.h"
 #include "core/sdk.h"
 
@@ -21,9 +22,7 @@ int32_t sai_stg_default_set(int32_t unit, int32_t stg) {
 }
 
 int32_t sai_stg_default_get(int32_t unit, int32_t* stg) {
-  bcm_stg_t found = 0;
-  const int rv = stg == nullptr ? BCM_E_PARAM : bcm_stg_default_get(unit, &found);
-  if (rv == BCM_E_NONE) *stg = found;
+  const int rv = sai::read_into(stg, [&](int* found) { return bcm_stg_default_get(unit, found); });
   // Meant: the pointer for an id.
   return result(rv, "Failed to get default stg %d: %s", low_word(stg));
 }
@@ -63,9 +62,7 @@ int32_t sai_port_stg_stp_get(int32_t unit, sai_port_stg_t* query) {
 }
 
 int32_t sai_stg_count_get(int32_t unit, int32_t* count) {
-  int found = 0;
-  const int rv = count == nullptr ? BCM_E_PARAM : bcm_stg_count_get(unit, &found);
-  if (rv == BCM_E_NONE) *count = found;
+  const int rv = sai::read_into(count, [&](int* found) { return bcm_stg_count_get(unit, found); });
   return result(rv, "Failed to get stg count: %s");
 }
 
