@@ -1,9 +1,9 @@
-# What depends on the prefix is decided during installation, because `cmake --install --prefix` may name another one than
-# the build was configured for.
+# What depends on the prefix is decided during installation: `cmake --install --prefix` may name another one than the
+# build was configured for.
 
-# find_installed_libraries(TARGET COMPONENT): the installed file looks for the libraries of its own prefix, after those of
-# LD_LIBRARY_PATH. In /usr, where every program finds them, it has no run path; nor has it with a vendor's Chip SDK, which
-# is not installed.
+# find_installed_libraries(TARGET COMPONENT): the installed file looks for the libraries of its own prefix, after those
+# of LD_LIBRARY_PATH. In /usr, where every program finds them, it has no run path; nor has it with a vendor's Chip SDK,
+# which is not installed.
 function(find_installed_libraries target component)
   if(SWSDK_INCLUDE_DIR)
     return()
@@ -24,6 +24,7 @@ endfunction()
 # install_pkg_config(FILE COMPONENT): the .pc file, from its template in this folder.
 function(install_pkg_config file component)
   install(CODE "
+    cmake_path(ABSOLUTE_PATH CMAKE_INSTALL_PREFIX OUTPUT_VARIABLE prefix)
     set(PROJECT_VERSION \"${PROJECT_VERSION}\")
     set(PROJECT_DESCRIPTION \"${PROJECT_DESCRIPTION}\")
     set(CMAKE_INSTALL_INCLUDEDIR \"${CMAKE_INSTALL_INCLUDEDIR}\")
@@ -33,8 +34,8 @@ function(install_pkg_config file component)
   install(FILES "${PROJECT_BINARY_DIR}/${file}" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT ${component})
 endfunction()
 
-# install_python_module(NAME COMPONENT FILE...): where Debian's Python looks for modules of that prefix, in any other than
-# /usr and /usr/local where an environment of Python there has them.
+# install_python_module(NAME COMPONENT FILE...): in /usr and /usr/local into the folder where Debian's Python looks, in
+# another prefix into the one that a virtual environment there has.
 function(install_python_module name component)
   install(CODE "
     if(CMAKE_INSTALL_PREFIX STREQUAL \"/usr\")

@@ -23,6 +23,8 @@
  *   unguarded: the log with its time stamp, the entry of sai_lldp_set(), the flood groups of sai_vlan_vport_init() and
  *   #hw_counters_table. Threads that share it take turns under a lock of the application's; the log functions are calls
  *   like all others.
+ * - After sai_switch_chip_init() a forked child calls `exec` or `_exit` and nothing of the library. A log line for a
+ *   closed pipe raises SIGPIPE, which is the application's to ignore.
  * - Callbacks run on threads of the Chip SDK, at the same time as the application's calls and as each other: those of
  *   links on its link scan thread, those of MAC addresses on its L2 thread. The library only passes their arguments on
  *   there; it remembers and logs nothing. A callback that calls the library is one more caller and takes its turn. One

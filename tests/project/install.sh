@@ -15,10 +15,10 @@ fail() {
 run_path() { "${READELF:-readelf}" --dynamic "$1" | sed -nE 's/.*\((RPATH|RUNPATH)\).*\[(.*)\]/\1 \2/p'; }
 
 prefix=$work/prefix
-cmake --install "$build" --prefix "$prefix" >/dev/null
+(cd "$work" && cmake --install "$build" --prefix prefix >/dev/null)
 libraries=$(dirname "$(find "$prefix" -name libsai.so)")
 
-# The program that pkg-config builds is told where its libraries are; that libsai.so finds libswsdk.so is its own affair.
+# The program that pkg-config builds is told where its libraries are; libsai.so finds libswsdk.so by itself.
 export PKG_CONFIG_PATH=$libraries/pkgconfig
 [ "$(pkg-config --variable=prefix sai)" = "$prefix" ] || fail "sai.pc names $(pkg-config --variable=prefix sai)"
 # shellcheck disable=SC2046  # words
@@ -47,7 +47,8 @@ $emulator "$prefix/bin/swsdk-switch" --version >/dev/null
 mkdir "$work/named"
 echo "no library" >"$work/named/libswsdk.so"
 for program in "$work/unit/consumer" "$prefix/bin/saish"; do
-  LD_LIBRARY_PATH=$work/named $emulator "$program" --version >"$work/out" 2>&1 && fail "$program took another libswsdk.so"
+  LD_LIBRARY_PATH=$work/named $emulator "$program" --version >"$work/out" 2>&1 &&
+    fail "$program took another libswsdk.so"
   grep -q "$work/named/libswsdk.so" "$work/out" || fail "$program said: $(cat "$work/out")"
 done
 
