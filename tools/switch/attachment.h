@@ -46,6 +46,9 @@ class Attachment {
   /// Lets go of what has gone, and takes what is there by the same name. Whether it took something.
   virtual bool plug_again() { return false; }
 
+  /// How many frames the host dropped because they came faster than they were received.
+  virtual uint64_t lost() { return 0; }
+
   /// Whether nothing more will come.
   virtual bool is_over() const { return false; }
 };

@@ -18,6 +18,7 @@ namespace vswitch {
 namespace {
 
 constexpr std::size_t most = 65536;
+constexpr int room_for_frames = 8 << 20;  // bytes: some 10000 frames wait while the program does something else
 
 class Interface : public Attachment {
  public:
@@ -35,6 +36,7 @@ class Interface : public Attachment {
   bool plug_again() override {
     const int index = present_index();
     if (index != 0 && index == bound_index()) return false;
+    lost();  // those of this socket
     socket_ = Descriptor();
     if (index == 0) return false;
     try {
@@ -43,6 +45,14 @@ class Interface : public Attachment {
     } catch (const CannotStart&) {
       return false;  // gone again: that is news too
     }
+  }
+
+  uint64_t lost() override {
+    tpacket_stats since_last_time{};
+    socklen_t size = sizeof since_last_time;
+    if (getsockopt(socket_.get(), SOL_PACKET, PACKET_STATISTICS, &since_last_time, &size) == 0)
+      lost_ += since_last_time.tp_drops;
+    return lost_;
   }
 
   void receive(const Receiver& receiver) override {
@@ -68,6 +78,9 @@ class Interface : public Attachment {
   Descriptor socket_at(int index) const {
     Descriptor made(socket(AF_PACKET, SOCK_RAW | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
     if (made.get() < 0) throw CannotStart(system_error("cannot open a raw socket on \"" + name_ + '"'));
+    // Beyond the system's limit, where that is allowed.
+    if (setsockopt(made.get(), SOL_SOCKET, SO_RCVBUFFORCE, &room_for_frames, sizeof room_for_frames) != 0)
+      setsockopt(made.get(), SOL_SOCKET, SO_RCVBUF, &room_for_frames, sizeof room_for_frames);
     set(made, PACKET_AUXDATA, 1);
     set(made, PACKET_IGNORE_OUTGOING, 1);
     packet_mreq everything{};
@@ -126,6 +139,7 @@ class Interface : public Attachment {
 
   const std::string name_;
   Descriptor socket_;
+  uint64_t lost_ = 0;
   std::vector<uint8_t> buffer_ = std::vector<uint8_t>(tag_size + most);  // frames begin behind the room of a tag
 };
 

@@ -117,6 +117,18 @@ bool Switch::is_over() const {
 }
 
 void Switch::run(int signals) {
+  pass_frames(signals);
+  tell_losses();
+}
+
+void Switch::tell_losses() {
+  for (const auto& [port, attachment] : ports_)
+    if (const uint64_t lost = attachment->lost(); lost > 0)
+      tell("port " + std::to_string(port) + ": " + std::to_string(lost) + (lost == 1 ? " frame was" : " frames were") +
+           " lost, for they came faster than the switch took them");
+}
+
+void Switch::pass_frames(int signals) {
   constexpr int rest = 10;  // milliseconds: how far the chip's clock stays behind at most
   follow_links();
   while (!is_over()) {

@@ -23,8 +23,8 @@ class Switch {
   /// Plugs a port in. Throws CannotStart.
   void plug(int port, const std::string& what);
 
-  /// Passes frames until `signals` becomes readable, a command ends the session, or all ports are files at their end.
-  /// Commands come from standard input, if it is a terminal or a pipe.
+  /// Passes frames until `signals` becomes readable, a command ends the session, or all ports are files at their end;
+  /// then tells what was lost. Commands come from standard input, if it is a terminal or a pipe.
   void run(int signals);
 
   /// Whether anything went wrong meanwhile; standard error has it.
@@ -43,6 +43,8 @@ class Switch {
   void set_link(int port, bool up);
   void run_commands();
   bool is_over() const;
+  void pass_frames(int signals);
+  void tell_losses();
 
   saish::Session& session_;
   const std::string cpu_;
