@@ -1,7 +1,5 @@
 #include "api/given.h"
 
-#include <algorithm>
-
 int api::parsed_pointer(std::string_view text, const char* what) {
   if (text == "NULL") return 0;
   const std::string opening = '<' + std::string(what) + ' ';
@@ -13,8 +11,6 @@ int api::parsed_pointer(std::string_view text, const char* what) {
 }
 
 std::size_t api::parsed_room(std::string_view text) {
-  // The chip has no more of anything.
-  constexpr std::size_t most = 1 << 20;
   constexpr std::string_view of = " of ";
   std::size_t room = 1;
   if (const std::size_t found = text.rfind(of); text.starts_with('&') && found != std::string_view::npos) {
@@ -24,5 +20,5 @@ std::size_t api::parsed_room(std::string_view text) {
   } else if (text.starts_with('[')) {
     room = items(text, '[', ']').size();
   }
-  return std::clamp(room, std::size_t{1}, most);
+  return room;
 }

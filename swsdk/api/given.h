@@ -1,8 +1,10 @@
 // The arguments of a recorded call: from their texts, for calling again and for a C program that does.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -69,11 +71,18 @@ int parsed_pointer(std::string_view text, const char* what);
 /// How many items the text of an array is for: "[1, 2]", or "&[1] of 16" of one that the call fills.
 std::size_t parsed_room(std::string_view text);
 
+/// Room for more than the chip has of anything.
+constexpr std::size_t max_room = 1 << 20;
+
 /// An argument of any type.
 struct AnyGiven {
   virtual ~AnyGiven() = default;
   /// The expression that is passed in C; `name` is for what has to be made before.
   virtual std::string c(const std::string& name, CCall& call) const = 0;
+  /// How many items of an array it asks for when it counts them.
+  virtual std::size_t asked_items() const { return 0; }
+  /// How many items an array has; nothing when there is none.
+  virtual std::optional<std::size_t> items_there() const { return std::nullopt; }
 };
 
 /// A plain value or a record by value.
@@ -86,6 +95,10 @@ struct Given : AnyGiven {
     call.statements += "  " + c_type<T>() + ' ' + name + " = {0};\n" + c_assignment(name, value);
     return name;
   }
+  std::size_t asked_items() const override {
+    if constexpr (std::is_integral_v<T>) return static_cast<std::size_t>(std::max(value, T{0}));
+    return 0;
+  }
   T value{};
 };
 
@@ -95,9 +108,11 @@ struct Given<T*> : AnyGiven {
   using Item = std::remove_const_t<T>;
   explicit Given(std::string_view text) {
     if (text == "NULL") return;
-    count = std::is_same_v<Item, uint8_t> ? sizeof(bcm_ip6_t) : parsed_room(text);
+    room = std::is_same_v<Item, uint8_t> ? sizeof(bcm_ip6_t) : parsed_room(text);
+    count = std::clamp(room, std::size_t{1}, max_room);
     items = std::make_unique<Item[]>(count);
     if (text.starts_with('&')) return;
+    given = count;
     text = text.substr(0, text.find(" -> &"));
     if constexpr (std::is_same_v<Item, uint8_t>) {
       const std::vector<uint8_t> bytes =
@@ -113,11 +128,16 @@ struct Given<T*> : AnyGiven {
   std::string c(const std::string& name, CCall& call) const override {
     if (items == nullptr) return "NULL";
     call.statements += "  " + c_type<Item>() + ' ' + name + '[' + std::to_string(count) + "] = {0};\n";
-    for (std::size_t i = 0; i < count; ++i)
+    for (std::size_t i = 0; i < given; ++i)
       call.statements += c_assignment(name + '[' + std::to_string(i) + ']', items[i]);
     return name;
   }
-  std::size_t count = 0;
+  std::optional<std::size_t> items_there() const override {
+    return items == nullptr ? std::nullopt : std::optional(room);
+  }
+  std::size_t room = 0;   // as recorded
+  std::size_t count = 0;  // as allocated
+  std::size_t given = 0;  // that the text has values of
   std::unique_ptr<Item[]> items;
 };
 
@@ -163,6 +183,7 @@ struct Given<const void*> : AnyGiven {
     call.statements += "  static const unsigned char " + name + "[] = {" + (list.empty() ? "0" : list) + "};\n";
     return name;
   }
+  std::optional<std::size_t> items_there() const override { return bytes.size(); }
   std::vector<uint8_t> bytes;
 };
 

@@ -113,6 +113,39 @@ int read_recording(const char* path, swsdk_line_t tell, void* data, Take take) {
   }
 }
 
+/// Arguments that are arrays, from the first to the last, and the one that says how many items they have.
+struct CountedArrays {
+  std::string_view function;
+  std::size_t count;
+  std::size_t first;
+  std::size_t last;
+};
+
+constexpr CountedArrays all_counted_arrays[] = {
+    {"bcm_multicast_egress_get", 2, 3, 4},
+    {"bcm_stat_multi_get", 2, 3, 4},
+    {"bcm_switch_ipv6_reserved_multicast_addr_multi_set", 2, 3, 4},
+    {"bcm_switch_object_count_multi_get", 1, 2, 3},
+    {"bcm_switch_temperature_monitor_get", 1, 2, 2},
+    {"bcm_trunk_set", 3, 4, 4},
+    {"swsdk_frame_send", 3, 2, 2},
+    {"swsdk_temperatures_set", 2, 1, 1},
+};
+
+/// The call trusts the count; a recording may be damaged.
+void check_counts(std::string_view function, const api::AllGiven& arguments) {
+  for (const CountedArrays& arrays : all_counted_arrays) {
+    if (arrays.function != function) continue;
+    const std::size_t count = arguments[arrays.count]->asked_items();
+    for (std::size_t i = arrays.first; i <= arrays.last; ++i) {
+      const std::size_t there = arguments[i]->items_there().value_or(count);
+      if (there != count)
+        throw Unreadable("argument " + std::to_string(i + 1) + ": " + std::to_string(there) + " items in place of " +
+                         std::to_string(count));
+    }
+  }
+}
+
 /// The arguments that the texts are.
 api::AllGiven all_given(const api::Replayable& function, const api::Texts& texts) {
   const auto& parameters = function.parameters;
@@ -126,6 +159,7 @@ api::AllGiven all_given(const api::Replayable& function, const api::Texts& texts
       throw Unreadable("argument " + std::to_string(i + 1) + ": " + error.what());
     }
   }
+  check_counts(function.name, arguments);
   return arguments;
 }
 

@@ -102,6 +102,7 @@ int system_init(int unit) {
 void swsdk_board_get(swsdk_board* board) { *board = present_board; }
 
 int swsdk_board_set(const swsdk_board* board) {
+  if (board == nullptr) return -1;
   const bool fits = board->units >= 0 && board->units <= SOC_MAX_NUM_DEVICES && board->ports >= 1 &&
                     board->ports < chip::PortSet::capacity && board->chip_type >= 0;
   if (!fits || attached_units > 0) return -1;

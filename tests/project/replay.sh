@@ -121,6 +121,15 @@ bcm_l2_addr_add(0, {mac}) = 0|argument 2: "mac" is no field with a value
 bcm_linkscan_register(0, print) = 0|argument 2: "print" is no callback
 bcm_linkscan_register(0, <callback 65>) = 0|argument 2: more callbacks than can be told apart
 sh_process_command(0, led) = 0|argument 2: "led" is not between " and "
+bcm_multicast_egress_get(0, 1, 8, &[] of 8, &[] of 7, &0) = 0|argument 5: 7 items in place of 8
+bcm_stat_multi_get(0, 1, 2, [0], &[0, 0] of 2) = 0|argument 4: 1 items in place of 2
+bcm_stat_multi_get(0, 1, 2, [0, 0], &? of 1) = -4|argument 5: 1 items in place of 2
+bcm_switch_ipv6_reserved_multicast_addr_multi_set(0, 0, 2, [::1, ::2], [::1]) = 0|argument 5: 1 items in place of 2
+bcm_switch_object_count_multi_get(0, 2, [0], &[0, 0] of 2) = 0|argument 3: 1 items in place of 2
+bcm_switch_temperature_monitor_get(0, 5, &[], &0) = 0|argument 3: 1 items in place of 5
+bcm_trunk_set(0, 0, {}, 2, [{}]) = 0|argument 5: 1 items in place of 2
+swsdk_frame_send(0, 1, [ff ff], 3) = 1|argument 3: 2 items in place of 3
+swsdk_temperatures_set(0, [{current=1}], 2) = 0|argument 2: 1 items in place of 2
 BAD
 check 2 'cannot write the recording "/nowhere/a"' "$saish" --record /nowhere/a -c sai_unit_get
 check 1 'cannot write the recording "/dev/full"' "$saish" --record /dev/full -c "sai_vlan_create 0 10"

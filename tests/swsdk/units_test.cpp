@@ -142,6 +142,7 @@ TEST_F(Units, TheBoardChangesOnlyWithinItsRangesAndWhileTheSdkIsOff) {
   for (const swsdk_board& bad : {swsdk_board{-1, 12, 0}, swsdk_board{17, 12, 0}, swsdk_board{1, 0, 0},
                                  swsdk_board{1, 256, 0}, swsdk_board{1, 12, -1}})
     EXPECT_EQ(swsdk_board_set(&bad), -1);
+  EXPECT_EQ(swsdk_board_set(nullptr), -1);
   const swsdk_board largest{16, 255, 0};
   EXPECT_EQ(swsdk_board_set(&largest), 0);
   sdk_main(0, nullptr);

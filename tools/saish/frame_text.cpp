@@ -27,6 +27,7 @@ constexpr uint16_t ip4_type = 0x0800;
 constexpr uint16_t ip6_type = 0x86DD;
 constexpr std::size_t ip4_header = 20;
 constexpr std::size_t ip6_header = 40;
+constexpr std::size_t arp_packet = 28;
 
 unsigned word(std::span<const uint8_t> bytes, std::size_t at) {
   return at + 2 <= bytes.size() ? static_cast<unsigned>(bytes[at] << 8 | bytes[at + 1]) : 0;
@@ -212,9 +213,9 @@ std::string ip4_at(const uint8_t* at) {
 std::string in_ip_text(int protocol, std::span<const uint8_t> inside) {
   const std::string ports = std::to_string(word(inside, 0)) + " > " + std::to_string(word(inside, 2));
   const std::string type = inside.empty() ? "" : ' ' + std::to_string(inside[0]);
-  if (protocol == 17) return " udp " + ports;
-  if (protocol == 6) return " tcp " + ports;
-  if (protocol == 1 || protocol == 58) return " icmp" + type;
+  if (protocol == 17 && inside.size() >= 4) return " udp " + ports;
+  if (protocol == 6 && inside.size() >= 4) return " tcp " + ports;
+  if ((protocol == 1 || protocol == 58) && !inside.empty()) return " icmp" + type;
   if (protocol == 2 && inside.size() >= 8) return " igmp" + type + ' ' + ip4_at(&inside[4]);
   return " protocol " + std::to_string(protocol);
 }
@@ -227,9 +228,11 @@ std::string ip_packet_text(std::span<const uint8_t> packet, bool is_ip4) {
                                         : address_text<16>(&packet[8]) + " > " + address_text<16>(&packet[24]));
   if (tos != 0) result += " tos " + std::to_string(tos);
   result += " ttl " + std::to_string(packet[is_ip4 ? 8 : 7]);
-  const std::size_t end = std::min(header, packet.size());
-  result += in_ip_text(packet[is_ip4 ? 9 : 6], packet.subspan(end));
-  return is_ip4 && header_sum(packet.first(end)) != 0xFFFF ? result + " (bad checksum)" : result;
+  const std::size_t begin = std::min(header, packet.size());
+  const std::size_t length = is_ip4 ? word(packet, 2) : ip6_header + word(packet, 4);  // padding may follow
+  const std::size_t end = std::clamp(length, begin, packet.size());
+  result += in_ip_text(packet[is_ip4 ? 9 : 6], packet.subspan(begin, end - begin));
+  return is_ip4 && header_sum(packet.first(begin)) != 0xFFFF ? result + " (bad checksum)" : result;
 }
 
 }  // namespace
@@ -258,8 +261,9 @@ std::string frame_text(std::span<const uint8_t> frame) {
   const unsigned type = word(frame, at);
   const std::span<const uint8_t> payload = frame.subspan(std::min(at + 2, frame.size()));
   if (type == ip4_type || type == ip6_type) return result + ip_packet_text(payload, type == ip4_type);
-  if (type == arp_type && payload.size() >= 28)
-    return result + " arp " + ip4_at(&payload[14]) + " > " + ip4_at(&payload[24]);
+  if (type == arp_type)
+    return result + (payload.size() < arp_packet ? " arp cut short"
+                                                 : " arp " + ip4_at(&payload[14]) + " > " + ip4_at(&payload[24]));
   char shown[16];
   std::snprintf(shown, sizeof shown, " type 0x%04x", type);
   return result + shown;

@@ -27,7 +27,7 @@ void swsdk_board_get(swsdk_board* board);
 /**
  * Changes the board. Possible only while no unit is attached.
  *
- * @return 0; -1 when a field is outside its range or units are attached, and nothing is changed
+ * @return 0; -1 when board is null, a field is outside its range or units are attached, and nothing is changed
  */
 int swsdk_board_set(const swsdk_board* board);
 
