@@ -2273,9 +2273,9 @@ SAI_API int32_t sai_l3_host_route_create(int32_t unit, uint32_t ip, const uint8_
  *
  * In L3 egress mode the library then tells the chip to end what the route pointed at, whether or not another route
  * shares it: of a next hop on a virtual port the interface that has the egress object's number, then the egress object,
- * and with `dtag` the interface of that number again. A chip refuses to end what is in use: that is logged ("Hardware
- * is busy") and harmless, and the last route that shares the egress object takes it along. How all that ends does not
- * show in the result.
+ * and with `dtag` the interface of that number again. A chip that keeps what is in use refuses,
+ * mostly with `BCM_E_BUSY`: that is logged and harmless, and the last route that shares the egress object takes it
+ * along. How all that ends does not show in the result.
  *
  * The egress object stays when the chip no longer knows the next hop's MAC address, as after it has aged out: delete a
  * route while the address is known. Of a next hop on a virtual port it stays, with the interface that was made for it,
