@@ -4,6 +4,7 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -19,7 +20,7 @@ namespace {
 constexpr int failed = 1;
 constexpr int bad_start = 2;
 
-/// Becomes readable when the program is to end. The chip's threads, which start later, inherit that the signals wait.
+/// Becomes readable when the program is to end. Threads start later and inherit that the signals wait.
 int end_signals() {
   sigset_t signals;
   sigemptyset(&signals);
@@ -32,6 +33,17 @@ int end_signals() {
 int tell(const std::exception& error, int code) {
   vswitch::tell(error.what());
   return code;
+}
+
+/// The exit code of what the program is to do; what goes wrong is told.
+int code_of(const std::function<int()>& work) {
+  try {
+    return work();
+  } catch (const saish::Unexpected& error) {
+    return tell(error, failed);
+  } catch (const std::runtime_error& error) {
+    return tell(error, bad_start);
+  }
 }
 
 void plug(vswitch::Switch& chip, const std::string& given) {
@@ -65,13 +77,27 @@ int run(int argc, char** argv) {
 
   try {
     app.parse(argc, argv);
+    if (app.count("CONFIG") + app.count("--tables") == 0) throw CLI::RequiredError("CONFIG");
+  } catch (const CLI::Success& help_or_version) {
+    return app.exit(help_or_version);
+  } catch (const CLI::ParseError& error) {
+    return tell(std::runtime_error(std::string(error.what()) + "; --help tells what can be given"), bad_start);
+  }
+  const auto choose_board = [&] {
     if (app.count("--board") > 0) saish::set_board(board);
-    if (app.count("--tables") > 0) {
+  };
+  if (app.count("--tables") > 0)
+    return code_of([&] {
+      choose_board();
       saish::print_tables_after(shown);
       return 0;
-    }
-    if (app.count("CONFIG") == 0) throw CLI::RequiredError("CONFIG");
-    const vswitch::Descriptor signals(end_signals());
+    });
+
+  signal(SIGPIPE, SIG_IGN);  // a reader that leaves ends nothing
+  const vswitch::Descriptor signals(end_signals());
+  vswitch::Console console;
+  const int code = code_of([&] {
+    choose_board();
     saish::Session session(false);
     session.run_script(config);
     vswitch::Switch chip(session, cpu);
@@ -80,15 +106,8 @@ int run(int argc, char** argv) {
     std::fflush(stdout);
     chip.run(signals.get());
     return chip.had_trouble() ? failed : 0;
-  } catch (const CLI::Success& help_or_version) {
-    return app.exit(help_or_version);
-  } catch (const CLI::ParseError& error) {
-    return tell(std::runtime_error(std::string(error.what()) + "; --help tells what can be given"), bad_start);
-  } catch (const saish::Unexpected& error) {
-    return tell(error, failed);
-  } catch (const std::runtime_error& error) {
-    return tell(error, bad_start);
-  }
+  });
+  return console.finish(signals.get()) || code != 0 ? code : failed;
 }
 
 }  // namespace
