@@ -21,8 +21,8 @@ class Console {
   Console(const Console&) = delete;
   Console& operator=(const Console&) = delete;
 
-  /// Waits until all is read; once `signals` is readable, no longer than it takes a reader who is there. False when
-  /// standard output could not be written, which standard error tells then.
+  /// Waits until all is read; once `signals` is readable, for a second at most. False when standard output could not be
+  /// written, which standard error tells then.
   bool finish(int signals);
 
  private:
