@@ -33,7 +33,7 @@ Replayed recorded(const RecordingFile& given, const RecordingFile& made) {
   return result;
 }
 
-/// Whether the SDK's shell may be told to read a file elsewhere, of which some are without end. Nothing else has a slash.
+/// Whether the SDK's shell may be told to read a file, of which some are without end. Nothing else has a slash.
 bool names_a_file(const std::string& text) { return text.find('/') != std::string::npos; }
 
 }  // namespace
