@@ -5,6 +5,7 @@
 #include <swsdk/chip.h>
 #include <swsdk/fault.h>
 #include <swsdk/journal.h>
+#include <swsdk/recording.h>
 #include <syslog.h>
 
 #include <array>
@@ -15,6 +16,7 @@
 #include <set>
 
 #include "calls.h"
+#include "recordings.h"
 
 extern "C" int sdk_main(int argc, char** argv);
 
@@ -163,6 +165,14 @@ void run_sequence(Input& input, int most_steps) {
   swsdk_power_off();
 }
 
+/// Requires that what the chip recorded of itself gives the same answers when it is repeated.
+void require_repeatable(const RecordingFile& file) {
+  const Replayed again = replayed(file);
+  if (again.outcome != SWSDK_REPLAY_SAME) std::fprintf(stderr, "%s%s", file.text().c_str(), again.told.c_str());
+  require(again.outcome == SWSDK_REPLAY_SAME, "a recording of what the chip did does not repeat");
+  swsdk_power_off();
+}
+
 /// Calls each function on a chip that is up, once with small arguments and once with zeros.
 void learn_sdk_functions() {
   for (const Function& function : functions())
@@ -203,9 +213,13 @@ int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
 
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   constexpr int most_steps = 40;
+  static const fuzz::RecordingFile recording("recording");
   const int before = fuzz::open_files();
   fuzz::Input input(data, size);
+  fuzz::require(swsdk_record_start(recording.path()) == 0, "the recording does not start");
   fuzz::run_sequence(input, most_steps);
+  fuzz::require(swsdk_record_stop() == 0, "the recording does not end");
+  fuzz::require_repeatable(recording);
   fuzz::require(fuzz::open_files() == before, "a file stayed open");
   return 0;
 }

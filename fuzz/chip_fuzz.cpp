@@ -1,7 +1,7 @@
 // One of the chip's tables and a simple model of it, given the same operations.
 #include <iterator>
 
-#include "tables.h"
+#include "chip_tables.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "tables.h"
+#include "chip_tables.h"
 
 using chip::Status;
 

@@ -8,7 +8,7 @@
 #include <map>
 #include <vector>
 
-#include "tables.h"
+#include "chip_tables.h"
 
 using chip::Status;
 

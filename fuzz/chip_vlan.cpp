@@ -8,7 +8,7 @@
 #include <set>
 #include <utility>
 
-#include "tables.h"
+#include "chip_tables.h"
 
 using chip::Status;
 

@@ -1,13 +1,19 @@
-// Lines of a script on a running virtual chip, and records that are read, shown and read again.
+// Lines of a script on a running virtual chip, and records and frames that are read, shown and read again. At the end
+// the chip's tables are compared with those of a fresh chip, and with themselves.
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
 #include <map>
+#include <optional>
 #include <span>
+#include <string>
+#include <vector>
 
+#include "frame_text.h"
 #include "input.h"
 #include "library.h"
 #include "session.h"
+#include "tables.h"
 
 using fuzz::require;
 
@@ -42,10 +48,44 @@ void check_record(std::span<const saish::Field> fields, const std::string& word)
   require(saish::fields_text(fields, again) == shown, "a record that was shown reads differently");
 }
 
+/// Whether the text of a frame says all that its fields are; it does not when something is wrong with the frame.
+bool is_complete(const std::string& text) {
+  constexpr std::string_view wrong[] = {" bytes", " cut short", " (bad checksum)"};
+  return std::none_of(std::begin(wrong), std::end(wrong), [&](std::string_view end) { return text.ends_with(end); });
+}
+
+std::optional<std::vector<uint8_t>> read_frame(std::span<const std::string> words) {
+  try {
+    return saish::frame_bytes(words);
+  } catch (const saish::BadInput&) {
+    return std::nullopt;
+  }
+}
+
+/// What is read is shown in a form that reads as a frame of the same fields.
+void check_frame(std::span<const std::string> given) {
+  const auto frame = read_frame(given);
+  if (!frame) return;
+  const std::string shown = saish::frame_text(*frame);
+  if (!is_complete(shown)) return;
+  const auto again = read_frame(saish::words(shown));
+  require(again.has_value(), "a frame that was shown does not read");
+  require(saish::frame_text(*again) == shown, "a frame that was shown reads as another one");
+}
+
+/// Tables do not differ from themselves, and from others as much as those from them.
+void check_tables(const std::vector<saish::Table>& fresh) {
+  const std::vector<saish::Table> now = saish::tables();
+  require(saish::print_differences(now, now) == 0, "tables differ from themselves");
+  if (now.empty()) return;
+  require(saish::print_differences(fresh, now) == saish::print_differences(now, fresh),
+          "the difference of two tables depends on which of them comes first");
+}
+
 /// What a file holds is none of the input's, and some are without end.
 bool reads_a_file(const saish::Words& words) {
   const auto is_one = [](const std::string& word) {
-    return word == "source" || word.find("load") != std::string::npos;
+    return word == "source" || word == "diff" || word.find("load") != std::string::npos;
   };
   return std::any_of(words.begin(), words.end(), is_one);
 }
@@ -55,6 +95,7 @@ void run_line(saish::Session& session, const std::string& line) {
     const saish::Words words = saish::words(line);
     static const auto all_records = records();
     if (words.empty() || reads_a_file(words)) return;
+    if (words[0] == "send" && words.size() > 2) check_frame(std::span(words).subspan(2));
     if (words[0].starts_with('{'))
       for (const auto& [ignored, fields] : all_records) check_record(fields, words[0]);
     else
@@ -72,6 +113,10 @@ extern "C" {
 
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   constexpr int most_lines = 40;
+  static const std::vector<saish::Table> fresh_tables = [] {
+    const saish::Session session(false);
+    return saish::tables();
+  }();
   std::string script(reinterpret_cast<const char*>(data), size);
   saish::Session session(script.starts_with("cold\n"));
   std::size_t at = 0;
@@ -80,6 +125,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     run_line(session, script.substr(at, end - at));
     at = end + 1;
   }
+  check_tables(fresh_tables);
   return 0;
 }
 }
