@@ -14,7 +14,7 @@ for name in $names; do
   grep -q "^\.BR $name (3)" "$pages/man7/sai.7" || { echo "sai(7) does not list $name"; exit 1; }
 done
 
-commands=$("$saish" -c help | sed '/^Functions of the library/,$d; 1d; /^$/d' | awk '{print $1}')
+commands=$("$saish" -c "help all" | sed '/^Functions of the library/,$d; 1d; /^$/d' | awk '{print $1}')
 [ "$(wc -w <<<"$commands")" -ge 10 ] || { echo "$saish: too few commands found; is its help still read rightly?"; exit 1; }
 for command in $commands; do
   grep -Eq "^\.(B|BI|BR) $command( |\$)" "$pages/man1/saish.1" || { echo "saish(1) does not tell of $command"; exit 1; }
