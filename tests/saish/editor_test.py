@@ -169,7 +169,7 @@ class Editor(unittest.TestCase):
             ("expect SAI_E_NOT\t", "expect SAI_E_NOT_FOUND "),
             ("sai_acl_std_l3_entry_install 0 1 SAI_ACL_E\t", "sai_acl_std_l3_entry_install 0 1 SAI_ACL_EGRESS "),
             ("sai_l2_mac_entry_add 0 \tma\t", "sai_l2_mac_entry_add 0 {mac="),
-            ("sai_l2_mac_entry_add 0 {vlan=1, fl\tSAI_L2_MAC_S\t", "sai_l2_mac_entry_add 0 {vlan=1, flags=SAI_L2_MAC_STATIC"),
+            ("sai_l2_mac_entry_add 0 {fl\tSAI_L2_MAC_S\t", "sai_l2_mac_entry_add 0 {flags=SAI_L2_MAC_STATIC"),
             ("source int\t", "source intended.sai "),
             ("diff sc\tfi\t", "diff scripts/first.sai "),
         ]:
