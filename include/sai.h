@@ -1366,7 +1366,7 @@ SAI_API int32_t sai_mirror_source_port_set(int32_t unit, int32_t session, int32_
  *
  * @param session  session number, 0 or more; the caller chooses it
  * @param port     port number
- * @param mode     as it was set
+ * @param mode     #sai_mirror_mode bits, as they were set
  * @return 0, or the converted result of the failed `bcm_mirror_destination_get` or `bcm_mirror_port_dest_delete`, -7
  *         (no such session) among them
  */

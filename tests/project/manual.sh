@@ -23,7 +23,7 @@ says sai_register_link_service 'linkstatus'
 says sai_vlan_port_add '^\.BR sai_vlan_port_remove \(3\)'
 says sai_vlan_port_add 'share/doc/.*/messages\.md'
 
-commands=$("$saish" -c help | sed '/^Functions of the library/,$d; 1d; /^$/d' | awk '{print $1}')
+commands=$("$saish" -c "help all" | sed '/^Functions of the library/,$d; 1d; /^$/d' | awk '{print $1}')
 [ "$(wc -w <<<"$commands")" -ge 10 ] || { echo "$saish: too few commands found; is its help still read rightly?"; exit 1; }
 for command in $commands; do
   grep -Eq "^\.(B|BI|BR) $command( |\$)" "$pages/man1/saish.1" || { echo "saish(1) does not tell of $command"; exit 1; }

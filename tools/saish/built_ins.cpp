@@ -15,6 +15,7 @@
 #include <string>
 
 #include "frame_text.h"
+#include "help.h"
 #include "library.h"
 #include "session.h"
 #include "tables.h"
@@ -26,30 +27,7 @@ namespace {
 constexpr int any_length = 1000;
 constexpr int highest_vlan = 4095;
 
-void help_on_fields(const std::string& name, std::span<const Field> fields) {
-  if (!fields.empty()) std::printf("  %s is {field=value, ...} of %s\n", name.c_str(), names_text(fields).c_str());
-}
-
-void help_on(std::string_view name) {
-  if (const BuiltIn* built_in = find_built_in(name)) {
-    std::printf("%s\n%s\n", built_in->usage, built_in->summary);
-    help_on_fields("FRAME", built_in->fields);
-    if (built_in->note != nullptr) std::printf("  %s\n", built_in->note);
-  } else if (const Function* function = find_function(name)) {
-    std::printf("%s\n%s\nHere: %s\n", function->prototype, function->summary, usage(*function).c_str());
-    for (const Parameter& parameter : function->parameters) help_on_fields(parameter.name, parameter.fields);
-  } else {
-    throw unknown_command(name);
-  }
-}
-
-void help(Session& /*session*/, const Words& arguments) {
-  if (!arguments.empty()) return help_on(arguments[0]);
-  std::printf("Commands of the shell:\n");
-  for (const BuiltIn& built_in : built_ins()) std::printf("  %-42s %s\n", built_in.usage, built_in.summary);
-  std::printf("\nFunctions of the library; help NAME tells more:\n");
-  for (const Function& function : functions()) std::printf("  %-42s %s\n", function.name, function.summary);
-}
+void help(Session& /*session*/, const Words& arguments) { print_help(arguments); }
 
 int unit_number(const std::string& word) {
   const std::optional<int> unit = number<int>(word);
@@ -103,7 +81,7 @@ void show(Session& /*session*/, const Words& arguments) {
 
 void fail(Session& /*session*/, const Words& arguments) {
   if (arguments[0] == "clear" && arguments.size() == 1) return swsdk_fault_clear();
-  if (arguments.size() < 2) throw BadInput("a code is missing; the form is fail NAME CODE [NTH] or fail clear");
+  if (arguments.size() < 2) throw BadInput("a code is missing; the form is fail FUNCTION CODE [NTH] or fail clear");
 
   const std::optional<int> code = named_number<int>(arguments[1], "BCM_E_");
   if (!code) throw BadInput("code: \"" + arguments[1] + "\" is neither a number nor a BCM_E_ name");
@@ -304,12 +282,13 @@ void quit(Session& session, const Words& /*arguments*/) { session.end(); }
 void expect(Session& /*session*/, const Words& /*arguments*/) {}
 
 constexpr BuiltIn all_built_ins[] = {
-    {"help", "help [NAME]", "Lists the commands, or tells about one.", 0, 1, help},
+    {"help", "help [WORD...]", "Tells about a command, lists a family of them, or finds some by words.", 0, any_length,
+     help},
     {"show", "show TABLE [UNIT]", "Shows one of the chip's tables.", 1, 2, show},
     {"journal", "journal on|off|show|clear", "Shows the SDK calls of each command, or of all since the last clear.", 1,
      1, journal},
-    {"fail", "fail NAME CODE [NTH|every]", "Makes the nth call of an SDK function fail; \"fail clear\" ends all.", 1, 3,
-     fail},
+    {"fail", "fail FUNCTION CODE [NTH|every]", "Makes the nth call of an SDK function fail; \"fail clear\" ends all.",
+     1, 3, fail},
     {"log", "log LEVEL", "Shows log messages up to a level on the console; off: none.", 1, 1, log},
     {"expect", "expect CODE COMMAND", "Runs a command that has to return that code.", 2, any_length, expect},
     {"link", "link PORT up|down [UNIT]", "Takes a port's link up or down; who is registered is told.", 2, 3, link},
@@ -318,7 +297,7 @@ constexpr BuiltIn all_built_ins[] = {
     {"age", "age SECONDS [UNIT]", "Lets time pass on the chip, so that addresses that are not seen again age.", 1, 2,
      age},
     {"hit", "hit IP[/LENGTH] source|destination [UNIT]", "Marks a host or a route as used, as by frames.", 2, 3, hit},
-    {"counter", "counter PORT NAME VALUE [UNIT]", "Sets one of a port's counters, as frames do.", 3, 4, counter},
+    {"counter", "counter PORT COUNTER VALUE [UNIT]", "Sets one of a port's counters, as frames do.", 3, 4, counter},
     {"temperature", "temperature NOW[/PEAK]...", "Sets the chip's temperature sensors, in degrees Celsius.", 1, 256,
      temperature},
     {"classify", "classify ingress|egress FRAME [UNIT]", "Says what the field entries do with a frame.", 2, 3, classify,
