@@ -56,7 +56,8 @@ const char* swsdk_show_table(int index);
 
 /**
  * Puts a link up or down, as plugging a cable does: the link scan thread calls the handlers of `bcm_linkscan_register`.
- * While link scanning is paused or disabled nobody is told; the link changes all the same.
+ * While link scanning is paused or disabled nobody is told; the link changes all the same. A cable outlives
+ * `system_init`: the link is up again after it, and the handlers are told.
  *
  * @param port  an Ethernet port
  * @param up    non-zero: the link went up; 0: it went down
