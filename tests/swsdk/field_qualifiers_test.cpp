@@ -27,7 +27,7 @@ constexpr chip::Ip6 far_address{0xA0, 0x01, 0x0D, 0xB8, 0, 0, 0, 0, 0, 0, 0, 0, 
 constexpr chip::Ip6 near_address{0x20, 0x01, 0x0D, 0xB8, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0x03};
 
 /// A frame that has the field, one that has it one bit off, and what of it the qualifier matches.
-struct Field {
+struct Sample {
   const char* name;
   FieldQualifier qualifier;
   FieldValue value;
@@ -35,7 +35,7 @@ struct Field {
   FrameFields near_miss;
 };
 
-const Field fields[] = {
+const Sample samples[] = {
     {"the start of an IPv6 source address",
      FieldQualifier::source_ip6,
      address,
@@ -127,12 +127,12 @@ const Field fields[] = {
      {.ether_type = arp, .arp_target_ip = 0x0A000003}},
 };
 
-FieldMatch exactly(const Field& field) {
+FieldMatch exactly(const Sample& field) {
   return {field.value, exact_mask(*chip::field_qualifier(static_cast<int>(field.qualifier)))};
 }
 
 TEST(FieldQualifiers, MatchTheirFieldAndNotOneThatIsABitOff) {
-  for (const Field& field : fields) {
+  for (const Sample& field : samples) {
     EXPECT_TRUE(exactly(field).meets(field_of(field.frame, field.qualifier))) << field.name;
     EXPECT_FALSE(exactly(field).meets(field_of(field.near_miss, field.qualifier))) << field.name;
   }
