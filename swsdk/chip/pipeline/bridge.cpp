@@ -117,7 +117,6 @@ void flood(Passage& frame, const Vlan& vlan) {
   frame.unknown_destination = kind == PortFilters::unknown_unicast;
   if (kind == PortFilters::unknown_multicast && !floods_multicast(frame, vlan.control)) return;
 
-  const PortSet& ports = vlan.members;
   const int group = flood_group(vlan.control, kind);
   const MulticastGroup* const members = group == 0 ? nullptr : chip.multicast_groups.find(group);
   const auto in_group = [&](int port, int encapsulation) {
@@ -126,8 +125,8 @@ void flood(Passage& frame, const Vlan& vlan) {
 
   const Reachable reachable(frame);
   PortSet trunks_seen;
-  for (int port = 0; port <= ports.highest(); ++port) {
-    if (!ports.contains(port) || (chip.port_filters.blocked_floods(packet.port, port) & kind) != 0) continue;
+  for (const int port : vlan.members) {
+    if ((chip.port_filters.blocked_floods(packet.port, port) & kind) != 0) continue;
     // One member speaks for a trunk.
     if (const std::optional<int> trunk = chip.trunks.trunk_of(port)) {
       if (trunks_seen.contains(*trunk)) continue;
