@@ -8,7 +8,7 @@ void learn_source(Passage& frame) {
   Chip& chip = frame.chip;
   const Packet& packet = frame.packet;
   // A port that only learns drops its frames all the same, and the table hears of those that are trapped.
-  if (frame.dropped() && frame.drop != Drop::spanning_tree && frame.drop != Drop::trapped) return;
+  if (frame.dropped() && frame.drop() != Drop::spanning_tree && frame.drop() != Drop::trapped) return;
   const Source source{packet.fields.source_mac, static_cast<uint16_t>(packet.vlan()), packet.source};
 
   const MacEntry* const before = chip.mac_table.find(source.vlan, source.mac);

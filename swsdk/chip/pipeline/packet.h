@@ -115,20 +115,43 @@ struct Looped {
 
 /// One frame's way through the chip, which the stages read and change in turn.
 struct Passage {
+  Passage(Chip& through, Meters& with, std::vector<Copy>& to, std::vector<Looped>& back)
+      : chip(through), meters(with), copies(to), looped(back) {}
+
   Chip& chip;
   Meters& meters;
   Packet packet;
-  Drop drop = Drop::none;            // the first reason found
   uint32_t cpu_reasons = 0;          // not 0: the CPU gets a copy
   bool unknown_destination = false;  // it is flooded because nobody knows where the one is whom it is for
   FieldVerdict verdict;              // of the way in
   std::vector<Copy>& copies;         // where it goes
   std::vector<Looped>& looped;
 
-  bool dropped() const { return drop != Drop::none; }
+  /// Why it goes no further.
+  Drop drop() const { return drop_; }
+  bool dropped() const { return drop_ != Drop::none; }
+
+  /// It goes no further. Of several reasons the first one stays.
   void stop(Drop reason) {
-    if (!dropped()) drop = reason;
+    if (!dropped()) drop_ = reason;
   }
+  /// It goes on: what stopped it before counts no more.
+  void release() { drop_ = Drop::none; }
+  /// It is for the CPU alone, whatever stopped it before.
+  void trap(uint32_t reason) {
+    cpu_reasons |= reason;
+    drop_ = Drop::trapped;
+  }
+  /// Nobody gets it, nor does the CPU, for which alone it may have been.
+  void lose(Drop reason) {
+    if (drop_ == Drop::trapped) release();
+    stop(reason);
+    cpu_reasons = 0;
+    copies.clear();
+  }
+
+ private:
+  Drop drop_ = Drop::none;
 };
 
 }  // namespace chip

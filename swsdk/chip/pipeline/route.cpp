@@ -20,7 +20,7 @@ void give_up(Passage& frame, SwitchControl control, uint32_t reason) {
 /// Nobody knows the way.
 void miss(Passage& frame, SwitchControl control) {
   give_up(frame, control, cpu_reason::l3_miss);
-  if (frame.drop == Drop::router) count_ip(frame.chip.counters, frame.packet, IpEvent::discarded);
+  if (frame.drop() == Drop::router) count_ip(frame.chip.counters, frame.packet, IpEvent::discarded);
 }
 
 bool is_right_checksum(std::span<const uint8_t> header) {

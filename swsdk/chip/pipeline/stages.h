@@ -1,7 +1,7 @@
-// The stages of the pipeline, in the order in which a frame passes them; one file each.
+// The stages of the pipeline, in the order in which a frame passes them.
 //
 // A stage that finds that a frame goes no further calls Passage::stop and lets it pass on: the field processor may
-// cancel the drop, and the CPU may want the frame. Stages that change tables leave them alone for a stopped frame.
+// release it, and the CPU may want it. Stages that change tables leave them alone for a stopped frame.
 #pragma once
 
 #include "chip/pipeline/egress_frame.h"
