@@ -98,7 +98,7 @@ uint64_t& counter(Counters& counters, int port, int number) {
 void count(Counters::Values& values, const Direction& to, const Mac& destination, std::size_t bytes, int tags) {
   const auto add = [&](int counter, uint64_t amount = 1) { values[static_cast<std::size_t>(counter)] += amount; };
   const std::size_t length = std::max(bytes + checksum, shortest);
-  const bool is_multicast = (destination[0] & 1) != 0;
+  const bool is_multicast = is_group(destination);
   const bool is_broadcast = std::all_of(destination.begin(), destination.end(), [](int byte) { return byte == 0xFF; });
   add(to.octets, length);
   add(to.all_octets, length);

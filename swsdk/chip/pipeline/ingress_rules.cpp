@@ -5,10 +5,11 @@ namespace chip {
 
 namespace {
 
-/// A rule that permits a frame does not open a port that its VLAN or spanning tree closes, nor does it take frames of
-/// control protocols away from the CPU.
+/// A rule that permits a frame does not open a port that its VLAN or spanning tree closes, nor does it make a host of a
+/// group or take frames of control protocols away from the CPU.
 bool can_be_cancelled(Drop drop) {
-  return drop != Drop::no_vlan && drop != Drop::not_member && drop != Drop::spanning_tree && drop != Drop::trapped;
+  return drop != Drop::group_source && drop != Drop::no_vlan && drop != Drop::not_member &&
+         drop != Drop::spanning_tree && drop != Drop::trapped;
 }
 
 void set_priority(Packet& packet, int priority) {

@@ -14,7 +14,7 @@ void learn_source(Passage& frame) {
   const MacEntry* const before = chip.mac_table.find(source.vlan, source.mac);
   if (before != nullptr && before->is(MacEntry::discard_source)) return frame.stop(Drop::source_discard);
   const Learned learned = learn(chip, source, before);
-  if (learned == Learned::multicast || frame.dropped()) return;
+  if (frame.dropped()) return;
   if (learned == Learned::limited) {
     const uint32_t actions = actions_beyond_limit(chip, source);
     if ((actions & LearnLimit::to_cpu) != 0) frame.cpu_reasons |= cpu_reason::learning;

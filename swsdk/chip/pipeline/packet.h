@@ -35,8 +35,10 @@ enum class Drop : int {
   discard,         // its destination is not to be reached
   router,          // the router does not pass it on
   no_destination,  // nowhere to go
+  // Behind the others, whose numbers recordings keep.
+  group_source,  // its source is a group, which no host is
 };
-constexpr int drop_count = static_cast<int>(Drop::no_destination) + 1;
+constexpr int drop_count = static_cast<int>(Drop::group_source) + 1;
 
 /// In lower case, for people.
 const char* name(Drop drop);
@@ -92,7 +94,7 @@ struct Packet {
   int vlan() const { return fields.outer_tag & vlan_mask; }
   int inner_vlan() const { return inner_tagged ? fields.inner_tag & vlan_mask : 0; }
   void set_vlan(int vlan) { fields.outer_tag = with_vlan(fields.outer_tag, vlan); }
-  bool is_multicast() const { return (fields.destination_mac[0] & 1) != 0; }
+  bool is_multicast() const { return is_group(fields.destination_mac); }
   bool is_broadcast() const { return fields.destination_mac == Mac{0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}; }
   bool is_ip4() const { return fields.ether_type == 0x0800; }
   bool is_ip6() const { return fields.ether_type == 0x86DD; }

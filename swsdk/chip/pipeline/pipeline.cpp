@@ -31,7 +31,7 @@ Drop Pipeline::pass(int port, std::span<const uint8_t> bytes, Wire& wire) {
   if (!frame.dropped()) {
     mirror_ingress(frame, wire);
     for (const auto stage :
-         {assign_vlan, check_membership, trap, learn_source, apply_ingress_rules, forward, control_storms})
+         {check_source, assign_vlan, check_membership, trap, learn_source, apply_ingress_rules, forward, control_storms})
       stage(frame);
     for (const Copy& copy : copies_) send_copy(frame, copy, wire);
     if (frame.cpu_reasons != 0) send_to_cpu(frame, wire);

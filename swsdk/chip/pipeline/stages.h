@@ -13,6 +13,8 @@ namespace chip {
 
 /// Whether the port takes the frame at all: enabled, not too long, within its rate.
 void admit(Passage& frame);
+/// Whether the source can be a host.
+void check_source(Passage& frame);
 /// Which virtual port and which VLAN the frame belongs to, and the tags that it has inside the chip.
 void assign_vlan(Passage& frame);
 /// Whether the VLAN exists, the port is a member and its spanning-tree state lets frames in.
