@@ -196,6 +196,17 @@ TEST(FieldQualifiers, TellKindsOfIpApart) {
   EXPECT_EQ(kinds(arp), "");
 }
 
+TEST(FieldQualifiers, StandInTheHeaderThatHasThem) {
+  using chip::Layer;
+  using enum FieldQualifier;
+  for (const FieldQualifier field : {source_mac, outer_vlan, inner_vlan, ether_type, ip_type, in_port, vlan_format})
+    EXPECT_EQ(layer_of(field), Layer::ethernet);
+  for (const FieldQualifier field : {source_ip, destination_ip6, ip_protocol, dscp, ttl, arp_target_ip})
+    EXPECT_EQ(layer_of(field), Layer::network);
+  for (const FieldQualifier field : {l4_source_port, l4_destination_port, icmp_type_code})
+    EXPECT_EQ(layer_of(field), Layer::transport);
+}
+
 TEST(FieldQualifiers, AreAsWideAsTheirField) {
   const auto ones = [](FieldQualifier qualifier) {
     return exact_mask(*chip::field_qualifier(static_cast<int>(qualifier)));

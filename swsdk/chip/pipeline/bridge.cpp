@@ -101,9 +101,10 @@ bool is_reserved(const Chip& chip, const Packet& packet) {
 bool floods_multicast(const Passage& frame, const VlanControl& control) {
   constexpr int nowhere = 2;
   const Packet& packet = frame.packet;
-  const int mode = packet.is_ip4()   ? control.ip4_multicast_flood_mode
-                   : packet.is_ip6() ? control.ip6_multicast_flood_mode
-                                     : control.l2_multicast_flood_mode;
+  const uint16_t type = packet.fields.ether_type;
+  const int mode = type == ether_type::ip4   ? control.ip4_multicast_flood_mode
+                   : type == ether_type::ip6 ? control.ip6_multicast_flood_mode
+                                             : control.l2_multicast_flood_mode;
   if (mode != nowhere) return true;
   const SwitchControl which =
       packet.is_ip4() ? SwitchControl::ip4_reserved_multicast_flood : SwitchControl::ip6_reserved_multicast_flood;

@@ -17,7 +17,7 @@ class Meters;
 /// Why a frame goes no further.
 enum class Drop : int {
   none,
-  malformed,       // a header is cut short or contradicts itself
+  malformed,       // its Ethernet header is cut short
   port_down,       // the port has no link
   too_long,        // longer than the port takes
   rate,            // more than the port lets in
@@ -70,8 +70,9 @@ constexpr uint16_t with_vlan(uint16_t tag, int vlan) {
   return static_cast<uint16_t>((tag & ~vlan_mask) | (vlan & vlan_mask));
 }
 
-/// How the protocol stands in a frame.
-enum class Framing { ethernet2, snap, llc };
+/// How the protocol stands in a frame: as an ether type, behind a length and LLC with it or without, or, where LLC is
+/// cut short, not at all.
+enum class Framing { ethernet2, snap, llc, unreadable };
 
 struct Packet {
   std::span<const uint8_t> bytes;  // as it came in, without checksum
@@ -87,7 +88,7 @@ struct Packet {
   uint16_t access_points = 0;     // LLC: the two service access points; there is no ether type then
   std::size_t ether_type_at = 0;  // where the ether type stands, or the length
   std::size_t payload_at = 0;     // where IP or ARP begins
-  bool igmp = false;              // an IGMP message; the type is in the ICMP type
+  bool lengths_agree = true;      // those that an IP header tells, with each other and with the frame
 
   int priority = 0;  // inside the chip, 0 to 7
 
@@ -96,9 +97,16 @@ struct Packet {
   void set_vlan(int vlan) { fields.outer_tag = with_vlan(fields.outer_tag, vlan); }
   bool is_multicast() const { return is_group(fields.destination_mac); }
   bool is_broadcast() const { return fields.destination_mac == Mac{0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}; }
-  bool is_ip4() const { return fields.ether_type == 0x0800; }
-  bool is_ip6() const { return fields.ether_type == 0x86DD; }
-  bool is_arp() const { return fields.ether_type == 0x0806; }
+
+  // What has a header of that protocol which can be read. Where the kind of frame is enough, the ether type tells it.
+  bool is_ip4() const { return is_readable(ether_type::ip4); }
+  bool is_ip6() const { return is_readable(ether_type::ip6); }
+  bool is_arp() const { return is_readable(ether_type::arp); }
+  /// An IGMP message; its type is in the ICMP type.
+  bool is_igmp() const { return is_ip4() && fields.ip_protocol == ip_protocol::igmp; }
+
+ private:
+  bool is_readable(uint16_t type) const { return fields.ether_type == type && fields.can_read(Layer::network); }
 };
 
 /// One copy of a frame on its way out.

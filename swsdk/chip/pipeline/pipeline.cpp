@@ -25,13 +25,13 @@ Drop Pipeline::receive(int port, std::span<const uint8_t> bytes, Wire& wire) {
 Drop Pipeline::pass(int port, std::span<const uint8_t> bytes, Wire& wire) {
   copies_.clear();
   Passage frame(chip_, meters_, copies_, looped_);
-  const bool is_well_formed = parse(port, bytes, frame.packet);
+  const bool has_header = parse(port, bytes, frame.packet);
   admit(frame);
-  if (!is_well_formed) frame.stop(Drop::malformed);
+  if (!has_header) frame.stop(Drop::malformed);
   if (!frame.dropped()) {
     mirror_ingress(frame, wire);
-    for (const auto stage :
-         {check_source, assign_vlan, check_membership, trap, learn_source, apply_ingress_rules, forward, control_storms})
+    for (const auto stage : {check_source, assign_vlan, check_membership, trap, learn_source, apply_ingress_rules,
+                             forward, control_storms})
       stage(frame);
     for (const Copy& copy : copies_) send_copy(frame, copy, wire);
     if (frame.cpu_reasons != 0) send_to_cpu(frame, wire);

@@ -92,7 +92,7 @@ void route_ip4(Passage& frame, int vrf) {
 }  // namespace
 
 bool can_pass_on(const Packet& packet) {
-  if (packet.fields.ttl <= 1) return false;
+  if (packet.fields.ttl <= 1 || !packet.lengths_agree) return false;
   if (packet.is_ip6()) return true;
   constexpr uint8_t without_options = 0x45;
   constexpr std::size_t length = 20;
