@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 
 extern "C" {
 #include <appl/diag/system.h>
@@ -14,6 +13,7 @@ int sdk_main(int argc, char** argv);
 }
 
 #include "median.h"
+#include "thread_clock.h"
 
 namespace {
 
@@ -68,12 +68,6 @@ double print(const std::vector<std::size_t>& sizes, const std::vector<bench::Ste
 }
 
 }  // namespace
-
-double bench::thread_nanoseconds() {
-  timespec time{};
-  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-  return static_cast<double>(time.tv_sec) * 1e9 + static_cast<double>(time.tv_nsec);
-}
 
 void bench::need(bool good, const char* what) {
   if (good) return;

@@ -35,9 +35,6 @@ Work each(std::vector<Entry>& entries, Call call) {
   };
 }
 
-/// The time that this thread has spent: what others do to the machine counts as little as can be.
-double thread_nanoseconds();
-
 /// Ends the program, with exit code 2, unless what it needs went well.
 void need(bool good, const char* what);
 

@@ -77,11 +77,11 @@ bool is_dropped_for(int result, const char* reason) {
   return result > 0 && std::strcmp(swsdk_drop_name(result), reason) == 0;
 }
 
-/// Where the ether type of a frame stands, behind the tags that the chip knows.
+/// Where the ether type of a frame stands, behind the tags of the type that the chip knows.
 std::size_t ether_type_at(const Bytes& frame) {
   std::size_t at = addresses;
   for (int tags = 0; tags < 2; ++tags, at += tag)
-    if (const unsigned type = word(frame, at); type != 0x8100 && type != 0x88A8 && type != 0x9100) break;
+    if (word(frame, at) != 0x8100) break;
   return at;
 }
 

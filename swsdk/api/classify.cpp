@@ -2,8 +2,7 @@
 
 #include <algorithm>
 
-#include "api/arguments.h"
-#include "api/units.h"
+#include "api/call.h"
 
 namespace {
 
@@ -52,30 +51,24 @@ swsdk_verdict to_c(const chip::FieldVerdict& own) {
   return verdict;
 }
 
-/// Runs `body` on the field processor of an initialised unit, or answers -1.
-template <class Body>
-auto on_unit(int unit, Body body) -> decltype(body(std::declval<chip::FieldProcessor&>())) {
-  api::Unit* const attached = api::find_unit(unit);
-  if (attached == nullptr) return -1;
-  const std::lock_guard guard(attached->lock);
-  return attached->initialised ? body(attached->chip->field_processor) : -1;
-}
-
 }  // namespace
 
 int swsdk_field_classify(int unit, int stage, const swsdk_frame* frame, swsdk_verdict* verdict) {
   const bool is_stage = stage == SWSDK_FIELD_INGRESS || stage == SWSDK_FIELD_EGRESS;
   if (!is_stage || frame == nullptr || verdict == nullptr) return -1;
-  return on_unit(unit, [&](chip::FieldProcessor& processor) {
+  const auto classify = [&](chip::Chip& chip) {
     const auto at = stage == SWSDK_FIELD_INGRESS ? chip::FieldStage::ingress : chip::FieldStage::egress;
-    *verdict = to_c(processor.classify(at, to_chip(*frame)));
+    *verdict = to_c(chip.field_processor.classify(at, to_chip(*frame)));
     return 0;
-  });
+  };
+  return api::act(__func__, unit, classify, stage, api::in(frame), api::out(verdict));
 }
 
 long long swsdk_field_hits(int unit, int entry) {
-  return on_unit(unit, [&](const chip::FieldProcessor& processor) -> long long {
-    const auto found = processor.entries().find(entry);
-    return found == processor.entries().end() ? -1 : static_cast<long long>(found->second.hits);
-  });
+  const auto hits = [&](const chip::Chip& chip) {
+    const auto& entries = chip.field_processor.entries();
+    const auto found = entries.find(entry);
+    return found == entries.end() ? -1LL : static_cast<long long>(found->second.hits);
+  };
+  return api::on_chip(unit, hits, -1LL);
 }

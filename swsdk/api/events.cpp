@@ -145,6 +145,16 @@ void api::tell_mac_change(int unit, chip::MacTable::Change change, const chip::M
   post_l2(unit, added ? BCM_L2_CALLBACK_ADD : BCM_L2_CALLBACK_DELETE, to_sdk(entry));
 }
 
+void api::tell_link(int unit, int port, bool up) {
+  threads().post(EventThreads::link_scan, [=] {
+    tell_each(unit, &api::Unit::link_listeners, [=](bcm_linkscan_handler_t handler) {
+      bcm_port_info_t info{};
+      info.linkstatus = up ? 1 : 0;
+      handler(unit, port, &info);
+    });
+  });
+}
+
 void api::stop_event_threads() { threads().stop(); }
 
 int swsdk_link_event(int unit, int port, int up) {
@@ -154,14 +164,7 @@ int swsdk_link_event(int unit, int port, int up) {
     return api::zero_if_ok(chip.port_macs.set_partner(port, up != 0));
   };
   if (api::act(__func__, unit, change, port, up) != 0) return -1;
-  if (!watched) return 0;
-  threads().post(EventThreads::link_scan, [=] {
-    tell_each(unit, &api::Unit::link_listeners, [=](bcm_linkscan_handler_t handler) {
-      bcm_port_info_t info{};
-      info.linkstatus = up != 0 ? 1 : 0;
-      handler(unit, port, &info);
-    });
-  });
+  if (watched) api::tell_link(unit, port, up != 0);
   return 0;
 }
 

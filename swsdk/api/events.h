@@ -5,6 +5,9 @@
 
 namespace api {
 
+/// Has the link scan thread tell those who listen to a unit's links that one went up or down.
+void tell_link(int unit, int port, bool up);
+
 /// Has the L2 thread tell those who listen to a unit's MAC table now.
 void tell_mac_change(int unit, chip::MacTable::Change change, const chip::MacEntry& entry);
 

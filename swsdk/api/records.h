@@ -14,6 +14,7 @@
 #include <bcm/trunk.h>
 #include <bcm/vlan.h>
 #include <swsdk/chip.h>
+#include <swsdk/field.h>
 
 #include <cstddef>
 #include <span>
@@ -76,5 +77,7 @@ std::span<const Field> fields(const bcm_info_t*);
 std::span<const Field> fields(const bcm_port_config_t*);
 std::span<const Field> fields(const swsdk_board*);
 std::span<const Field> fields(const swsdk_temperature*);
+std::span<const Field> fields(const swsdk_frame*);
+std::span<const Field> fields(const swsdk_verdict*);
 
 }  // namespace api

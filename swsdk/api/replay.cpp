@@ -283,7 +283,8 @@ int swsdk_replay_as_c(const char* path, swsdk_line_t write, swsdk_line_t tell, v
     const std::string step = "line_" + std::to_string(number);
     std::string before;
     if (line.kind == Kind::fault) write_once("#include <swsdk/fault.h>\n");
-    if (line.kind == Kind::action) write_once("#include <swsdk/chip.h>\n#include <swsdk/frames.h>\n");
+    if (line.kind == Kind::action)
+      write_once("#include <swsdk/chip.h>\n#include <swsdk/field.h>\n#include <swsdk/frames.h>\n");
     if (line.kind == Kind::fault) before = "  swsdk_fault_inject(" + api::c_string(name) + ", " + result + ", 1);\n";
     for (const std::string& definition : call.definitions) write_once(definition);
     write(("/* " + in_comment(line.text) + " */").c_str(), data);

@@ -11,6 +11,7 @@
 #include <soc/cmic.h>
 #include <soc/drv.h>
 #include <swsdk/chip.h>
+#include <swsdk/field.h>
 #include <swsdk/frames.h>
 
 #include <array>
@@ -60,6 +61,7 @@ const api::Replayable functions[] = {
     replayable("swsdk_clock_advance", &swsdk_clock_advance),
     replayable("swsdk_clock_step", &swsdk_clock_step),
     replayable("swsdk_counter_set", &swsdk_counter_set),
+    replayable("swsdk_field_classify", &swsdk_field_classify),
     replayable("swsdk_frame_send", &swsdk_frame_send),
     replayable("swsdk_l2_event", &swsdk_l2_event),
     replayable("swsdk_l2_learn", &swsdk_l2_learn),

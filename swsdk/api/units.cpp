@@ -86,6 +86,11 @@ void api::publish_egress_mode(int unit) {
 }
 
 int system_init(int unit) {
+  // After a start the link scan takes every link to be down, so that it finds those up that have a cable.
+  const auto find_links = [&](const chip::Chip& chip) {
+    for (const auto& [port, mac] : chip.port_macs.all())
+      if (mac.link()) api::tell_link(unit, port, true);
+  };
   const auto initialise = [&]() -> int {
     api::Unit* const attached = api::find_unit(unit);
     if (attached == nullptr) return BCM_E_UNIT;
@@ -94,6 +99,7 @@ int system_init(int unit) {
     attached->pipeline->reset();
     attached->initialised = true;
     api::publish_egress_mode(unit);
+    find_links(*attached->chip);
     return BCM_E_NONE;
   };
   return api::call_without_unit(__func__, initialise, unit);

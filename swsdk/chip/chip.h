@@ -50,10 +50,11 @@ struct Chip {
   Chip(const Chip&) = delete;
   Chip& operator=(const Chip&) = delete;
 
-  /// Every table as after power-on.
+  /// Every table and setting as after power-on, those of the PHYs too. What is not the chip's stays: the cables with
+  /// who is at their other ends, what the temperature sensors read, the clock, and who observes the MAC table.
   void reset();
 
-  uint64_t now = 0;  // nanoseconds; goes on across a reset
+  uint64_t now = 0;  // nanoseconds
   Ports ports;
   Vlans vlans;
   VlanControls vlan_controls;

@@ -80,24 +80,27 @@ void FieldIndex::add_group(int id, const std::vector<Installed>& entries) {
   std::size_t rank = 0;
   for (const Installed& installed : entries) {
     std::vector<Part> parts;
+    Layer layer = Layer::ethernet;
     for (const auto& [field, match] : installed.entry->installed->matches) {
       if (match.mask == FieldValue()) continue;
       const std::size_t place = place_of(field);
       parts.push_back({place, match.mask});
+      layer = std::max(layer, layer_of(field));
       values_[place] = match.data;
     }
     auto table = std::find_if(group.tables.begin(), group.tables.end(),
                               [&](const Table& other) { return other.matches(parts); });
-    if (table == group.tables.end()) table = group.tables.emplace(table, parts);
+    if (table == group.tables.end()) table = group.tables.emplace(table, parts, layer);
     table->add(values_, {rank++, installed});
   }
   groups_.push_back(std::move(group));
 }
 
-const FieldIndex::Installed* FieldIndex::best_of(const Group& group) const {
+const FieldIndex::Installed* FieldIndex::best_of(const Group& group, Layer readable) const {
   const Table::Row* best = nullptr;
   for (const Table& table : group.tables) {
     if (best != nullptr && best->rank < table.first_rank()) break;
+    if (table.layer() > readable) continue;
     const Table::Row* const row = table.find(values_);
     if (row != nullptr && (best == nullptr || row->rank < best->rank)) best = row;
   }

@@ -26,12 +26,12 @@ class FieldIndex {
   void add_group(int id, const std::vector<Installed>& entries);
 
   /// Hands the entry that the frame meets in each group to `take(group, installed)`, in the order in which the groups
-  /// were added.
+  /// were added. An entry that matches a field which cannot be read is not met.
   template <class Take>
   void find(const FrameFields& frame, Take take) {
     for (std::size_t i = 0; i < used_.size(); ++i) values_[i] = field_of(frame, used_[i]);
     for (const Group& group : groups_)
-      if (const Installed* const met = best_of(group)) take(group.id, *met);
+      if (const Installed* const met = best_of(group, frame.readable)) take(group.id, *met);
   }
 
  private:
@@ -48,8 +48,10 @@ class FieldIndex {
       Installed installed;
     };
 
-    explicit Table(const std::vector<Part>& parts) : parts_(parts) {}
+    Table(const std::vector<Part>& parts, Layer layer) : parts_(parts), layer_(layer) {}
 
+    /// The last header that its parts stand in.
+    Layer layer() const { return layer_; }
     bool matches(const std::vector<Part>& parts) const { return parts_ == parts; }
     /// The best rank in it.
     std::size_t first_rank() const { return rows_.front().rank; }
@@ -70,6 +72,7 @@ class FieldIndex {
     void put_into_slot(uint32_t row);
 
     std::vector<Part> parts_;
+    Layer layer_;
     std::vector<Row> rows_;
     std::vector<FieldValue> keys_;  // the masked values of each part, row by row
     std::vector<uint32_t> slots_;   // rows by hash; none while the rows are so few that each is looked at
@@ -80,7 +83,7 @@ class FieldIndex {
     std::vector<Table> tables;  // by their first rank
   };
 
-  const Installed* best_of(const Group& group) const;
+  const Installed* best_of(const Group& group, Layer readable) const;
   std::size_t place_of(FieldQualifier field);
 
   std::vector<Group> groups_;

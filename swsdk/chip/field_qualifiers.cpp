@@ -57,12 +57,43 @@ bool has_qualifier(FieldStage stage, FieldQualifier qualifier) {
   return qualifier != (stage == FieldStage::ingress ? FieldQualifier::out_port : FieldQualifier::in_port);
 }
 
+Layer layer_of(FieldQualifier qualifier) {
+  switch (qualifier) {
+    case FieldQualifier::source_ip6:
+    case FieldQualifier::destination_ip6:
+    case FieldQualifier::source_ip:
+    case FieldQualifier::destination_ip:
+    case FieldQualifier::ip_protocol:
+    case FieldQualifier::dscp:
+    case FieldQualifier::ttl:
+    case FieldQualifier::arp_target_ip:
+      return Layer::network;
+    case FieldQualifier::l4_source_port:
+    case FieldQualifier::l4_destination_port:
+    case FieldQualifier::icmp_type_code:
+      return Layer::transport;
+    case FieldQualifier::in_port:
+    case FieldQualifier::out_port:
+    case FieldQualifier::source_mac:
+    case FieldQualifier::destination_mac:
+    case FieldQualifier::vlan_format:
+    case FieldQualifier::outer_vlan:
+    case FieldQualifier::outer_vlan_priority:
+    case FieldQualifier::inner_vlan:
+    case FieldQualifier::inner_vlan_priority:
+    case FieldQualifier::ether_type:
+    case FieldQualifier::ip_type:  // the ether type tells
+      return Layer::ethernet;
+  }
+  return Layer::ethernet;
+}
+
 FieldValue field_of(const FrameFields& frame, FieldQualifier qualifier) {
   using namespace ip_protocol;
-  const bool is_ip4 = frame.ether_type == 0x0800;
-  const bool is_ip6 = frame.ether_type == 0x86DD;
+  const bool is_ip4 = frame.ether_type == ether_type::ip4;
+  const bool is_ip6 = frame.ether_type == ether_type::ip6;
   const bool is_ip = is_ip4 || is_ip6;
-  const bool is_arp = frame.ether_type == 0x0806;
+  const bool is_arp = frame.ether_type == ether_type::arp;
   const bool has_ports = is_ip && (frame.ip_protocol == tcp || frame.ip_protocol == udp);
   const bool is_icmp = (is_ip4 && frame.ip_protocol == icmp) || (is_ip6 && frame.ip_protocol == icmp6);
   const auto when = [](bool has, uint64_t value) { return has ? FieldValue(value) : FieldValue(); };

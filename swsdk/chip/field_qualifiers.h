@@ -7,6 +7,12 @@
 
 namespace chip {
 
+namespace ether_type {
+constexpr uint16_t ip4 = 0x0800;
+constexpr uint16_t arp = 0x0806;
+constexpr uint16_t ip6 = 0x86DD;
+}  // namespace ether_type
+
 /// Numbers of IP protocols and of IPv6 extension headers.
 namespace ip_protocol {
 constexpr int hop_by_hop = 0;
@@ -48,8 +54,12 @@ enum class FieldQualifier : int {
   arp_target_ip = 288,
 };
 
+/// The headers of a frame, from its front to its back.
+enum class Layer { ethernet, network, transport };
+
 /// The fields of a frame as it reaches a stage.
 struct FrameFields {
+  Layer readable = Layer::transport;  // the last header that can be read; those behind it are cut short or malformed
   int in_port = 0;
   int out_port = 0;  // known at the egress stage
   Mac source_mac{};
@@ -70,6 +80,8 @@ struct FrameFields {
   uint8_t icmp_type = 0;
   uint8_t icmp_code = 0;
   uint32_t arp_target_ip = 0;
+
+  bool can_read(Layer layer) const { return readable >= layer; }
 };
 
 /// A number of up to 128 bits.
@@ -133,7 +145,10 @@ FieldValue exact_mask(const FieldQualifierInfo& qualifier);
 /// Whether a stage has the qualifier: the way in does not know the way out yet, nor the way out the way in any more.
 bool has_qualifier(FieldStage stage, FieldQualifier qualifier);
 
-/// What a frame has in a field; 0 in one that its kind of frame does not have.
+/// The header that a field stands in.
+Layer layer_of(FieldQualifier qualifier);
+
+/// What a frame has in a field that can be read; 0 in one that its kind of frame does not have.
 FieldValue field_of(const FrameFields& frame, FieldQualifier qualifier);
 
 }  // namespace chip

@@ -4,8 +4,6 @@ namespace chip {
 
 namespace {
 
-bool is_multicast(const Mac& mac) { return (mac[0] & 1) != 0; }
-
 bool learns(const Chip& chip, int vlan, int port) {
   const Vlan* const found = chip.vlans.find(vlan);
   if (found == nullptr || (found->control.flags & VlanControl::learn_disable) != 0) return false;
@@ -35,7 +33,7 @@ Learned learn(Chip& chip, const Source& source) {
 }
 
 Learned learn(Chip& chip, const Source& source, const MacEntry* present) {
-  if (is_multicast(source.mac)) return Learned::multicast;
+  if (is_group(source.mac) || source.mac == Mac{}) return Learned::no_host;
   if (!learns(chip, source.vlan, source.port)) return Learned::not_learning;
   const MacEntry seen = entry_of(chip, source);
   if (present != nullptr && present->same_place(seen)) {

@@ -17,7 +17,7 @@ struct Source {
 enum class Learned {
   present,       // the table had it in this place
   added,         // the table has it in this place now
-  multicast,     // no source has such an address
+  no_host,       // a group's address, or all zeros
   not_learning,  // its VLAN or the state or setting of its port has the table left alone
   fixed,         // a fixed entry has it elsewhere
   limited,       // one too many

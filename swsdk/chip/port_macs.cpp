@@ -42,13 +42,15 @@ void PortMacs::reset() {
   // What the SDK calls GMII and XGMII.
   constexpr int gigabit_interface = 3;
   constexpr int uplink_interface = 6;
-  macs_.clear();
-  for (int port = ports_.ethernet().lowest(); port <= ports_.ethernet().highest(); ++port)
-    macs_[port] = {.negotiates = !Ports::is_uplink(port),
-                   .speed = speeds(port).back(),
-                   .interface = Ports::is_uplink(port) ? uplink_interface : gigabit_interface,
-                   .frame_max = highest_frame_max,
-                   .gaps = {}};
+  for (int port = ports_.ethernet().lowest(); port <= ports_.ethernet().highest(); ++port) {
+    PortMac& mac = macs_[port];
+    mac = {.partner = mac.partner,
+           .negotiates = !Ports::is_uplink(port),
+           .speed = speeds(port).back(),
+           .interface = Ports::is_uplink(port) ? uplink_interface : gigabit_interface,
+           .frame_max = highest_frame_max,
+           .gaps = {}};
+  }
   for (const auto& [port, mac] : macs_) by_port_[static_cast<std::size_t>(port)] = &mac;
 }
 

@@ -50,7 +50,8 @@ class PortMacs {
 
   explicit PortMacs(const Ports& ports) : ports_(ports) { reset(); }
 
-  /// Every port enabled, without a link, at its fastest and with frames of any length; gigabit ports negotiate.
+  /// Every port enabled, at its fastest and with frames of any length; gigabit ports negotiate. Partners stay: a reset
+  /// of the chip pulls no cable.
   void reset();
 
   /// Reads one member, &PortMac::speed for one. The CPU port has no MAC.
@@ -82,7 +83,9 @@ class PortMacs {
 
   const std::map<int, PortMac>& all() const { return macs_; }
   /// The port's MAC, or null for one that has none.
-  const PortMac* find(int port) const { return by_port_[static_cast<std::size_t>(port)]; }
+  const PortMac* find(int port) const {
+    return port >= 0 && port < PortSet::capacity ? by_port_[static_cast<std::size_t>(port)] : nullptr;
+  }
 
  private:
   template <class Body>

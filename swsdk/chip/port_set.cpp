@@ -2,15 +2,9 @@
 
 namespace chip {
 
-int PortSet::lowest() const {
-  for (int port = 0; port < capacity; ++port)
-    if (contains(port)) return port;
-  return -1;
-}
-
 int PortSet::highest() const {
-  for (int port = capacity - 1; port >= 0; --port)
-    if (contains(port)) return port;
+  for (std::size_t i = words_.size(); i-- > 0;)
+    if (words_[i] != 0) return static_cast<int>(i + 1) * word_bits - 1 - std::countl_zero(words_[i]);
   return -1;
 }
 

@@ -54,6 +54,17 @@ TEST_F(SourceGuard, LooksAtIp4OfItsPortAndVlanAlone) {
   EXPECT_EQ(fate(1, Frame(1, 9).tag(10).ip("2001:db8::1", "2001:db8::2").udp(5, 6)), "passed");
 }
 
+TEST_F(SourceGuard, LetsNoPacketPassWhoseSourceCannotBeRead) {
+  const Bytes whole = Frame(1, 9).tag(10).ip("10.0.0.1", "10.0.0.99").udp(5, 6);
+  const auto of_length = [&](std::ptrdiff_t length) { return Bytes(whole.begin(), whole.begin() + length); };
+  constexpr std::ptrdiff_t through_ip = 38;
+  EXPECT_EQ(fate(1, of_length(through_ip - 1)), "passed") << "the port is not guarded";
+  guard(1);
+  bind("10.0.0.1", 1);
+  EXPECT_EQ(fate(1, of_length(through_ip - 1)), dropped);
+  EXPECT_EQ(fate(1, of_length(through_ip)), "passed") << "it is cut behind that";
+}
+
 TEST_F(SourceGuard, BindsASourceInEveryVlanByVlanZero) {
   vlan(20, {1, 2});
   guard(1);

@@ -26,6 +26,17 @@ TEST_F(Bridging, GivesAnUntaggedFrameTheVlanOfItsPort) {
   EXPECT_EQ(send(1, Frame(1, 2).type(0x9000)), "2: 01>02 9000\n3: 01>02 [10] 9000\n");
 }
 
+TEST_F(Bridging, GivesAFrameWithATagOfAnotherTypeTheVlanOfItsPortAndLeavesThatTagAlone) {
+  vlan(20, {1, 2, 3});
+  chip.port_forwarding.set_untagged_vlan(1, 10);
+  EXPECT_EQ(send(1, Frame(1, 2).tag(20, 3, 0x88A8).type(0x9000)), "2: 01>02 [s20p3] 9000\n3: 01>02 [10 s20p3] 9000\n");
+}
+
+TEST_F(Bridging, LeavesAnInnerTagOfAnotherTypeAlone) {
+  EXPECT_EQ(send(1, Frame(1, 2).tag(10).tag(20, 3, 0x88A8).type(0x9000)),
+            "2: 01>02 [s20p3] 9000\n3: 01>02 [10 s20p3] 9000\n");
+}
+
 TEST_F(Bridging, DropsAFrameOfAVlanThatDoesNotExist) {
   EXPECT_EQ(send(1, Frame(1, 2).tag(11).type(0x9000)), "dropped: no such vlan\n");
   EXPECT_EQ(pipeline.drops(Drop::no_vlan), 1U);

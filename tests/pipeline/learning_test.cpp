@@ -35,6 +35,32 @@ TEST_F(SourceLearning, DropsFramesOfASourceThatIsNotToBeHeard) {
   EXPECT_EQ(send_from(1, 1), "dropped: source discard\n");
 }
 
+TEST_F(SourceLearning, NeitherLearnsNorPassesOnWhatComesFromAGroup) {
+  const Frame from_group = Frame({0x01, 0, 0x5E, 0, 0, 1}, support::mac(9)).tag(10).type(0x9000);
+  EXPECT_EQ(send(1, from_group), "dropped: source is a group\n");
+  EXPECT_EQ(chip.mac_table.size(), 0);
+  EXPECT_EQ(send_from(1, 0xFF), "dropped: source is a group\n");
+
+  int group = 0;
+  int permit = 0;
+  chip.field_processor.create_group({chip::FieldProcessor::ingress_stage}, 0, group);
+  chip.field_processor.enable_group(group, true);
+  chip.field_processor.create_entry(group, permit);
+  chip.field_processor.add_action(permit, static_cast<int>(chip::FieldAction::drop_cancel), 0, 0);
+  chip.field_processor.install(permit);
+  EXPECT_EQ(send(1, from_group), "dropped: source is a group\n") << "no rule makes it a host";
+}
+
+TEST_F(SourceLearning, DoesNotLearnTheAddressOfZeros) {
+  const Frame from_nobody = Frame(support::Bytes(6), support::mac(9)).tag(10).type(0x9000);
+  EXPECT_EQ(send(1, from_nobody),
+            "2: 00:00:00:00:00:00>09 [10] 9000\n"
+            "3: 00:00:00:00:00:00>09 [10] 9000\n");
+  EXPECT_EQ(chip.mac_table.size(), 0);
+  chip.port_forwarding.set_learning(1, PortForwardings::learn);
+  EXPECT_EQ(send(1, from_nobody), "dropped: unknown source\n") << "it never is known";
+}
+
 TEST_F(SourceLearning, LearnsNothingFromFramesThatAreDropped) {
   chip.port_filters.set_membership_checks(4, chip::PortFilters::check_ingress);
   send_from(4, 1);

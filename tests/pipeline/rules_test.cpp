@@ -123,6 +123,16 @@ TEST_F(Rules, DropRedFramesWhereTheyAreAskedTo) {
   EXPECT_EQ(pipeline.drops(Drop::policer), 28U);
 }
 
+TEST_F(Rules, LeaveWhatIsDroppedAndRedTooItsFirstReason) {
+  const int id = entry(in, FieldAction::drop_red);
+  police(id);
+  for (int i = 0; i < 3; ++i) send(1, broadcast);
+  EXPECT_EQ(send(1, broadcast), "dropped: policer\n");
+  EXPECT_EQ(send(1, Frame(1, 0xFF).tag(11).type(0x9000)), "dropped: no such vlan\n");
+  add_later(id, FieldAction::redirect_port, 0, 0);
+  EXPECT_EQ(send(1, broadcast), "dropped: policer\n") << "for the CPU, until it is too much for that";
+}
+
 TEST_F(Rules, LetTheRateOfAPolicerPass) {
   const int id = entry(in, FieldAction::drop_red);
   police(id);

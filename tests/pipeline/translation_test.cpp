@@ -103,7 +103,7 @@ TEST_F(Translations, LeaveWhatIsKnownOfTheTagsOnArrivalAlone) {
   chip::Meters meters;
   std::vector<chip::Copy> copies;
   std::vector<chip::Looped> looped;
-  chip::Passage frame{.chip = chip, .meters = meters, .packet = {}, .verdict = {}, .copies = copies, .looped = looped};
+  chip::Passage frame(chip, meters, copies, looped);
   ASSERT_TRUE(chip::parse(1, of_customer, frame.packet));
   chip::assign_vlan(frame);
   EXPECT_EQ(frame.packet.inner_vlan(), 5);

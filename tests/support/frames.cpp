@@ -212,7 +212,9 @@ std::string told(std::span<const uint8_t> frame) {
   std::string tags;
   while (word(frame, at) == 0x8100 || word(frame, at) == 0x88A8) {
     const unsigned tag = word(frame, at + 2);
-    tags += (tags.empty() ? "" : " ") + std::to_string(tag & 0xFFF);
+    tags += tags.empty() ? "" : " ";
+    if (word(frame, at) == 0x88A8) tags += 's';
+    tags += std::to_string(tag & 0xFFF);
     if (tag >> 13 != 0) tags += 'p' + std::to_string(tag >> 13);
     if ((tag & 0x1000) != 0) tags += 'c';
     at += 4;

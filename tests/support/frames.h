@@ -54,7 +54,7 @@ class Frame {
 };
 
 /// A frame in one line: "01>02 [10p3 20] 10.0.0.1>10.0.0.2 ttl 64 udp 5>6". Addresses that mac() makes show their last
-/// byte; 'c' marks a tag with its CFI bit; a wrong checksum of an IPv4 header is told.
+/// byte; 's' marks a service tag, 'c' a tag with its CFI bit; a wrong checksum of an IPv4 header is told.
 std::string told(std::span<const uint8_t> frame);
 
 }  // namespace support

@@ -104,6 +104,17 @@ TEST_F(Events, OfLinksReachEveryHandlerInTheOrderOfTheirRegistration) {
   EXPECT_EQ(take(), (Told{"b 0/3 up", "a 0/3 up", "b 0/3 down", "a 0/3 down", "b 0/12 up", "a 0/12 up"}));
 }
 
+TEST_F(Events, OfLinksThatHaveACableComeAgainWhenTheChipIsInitialisedAnew) {
+  bcm_linkscan_register(0, first);
+  swsdk_link_event(0, 3, up);
+  swsdk_link_event(0, 5, up);
+  swsdk_link_event(0, 5, down);
+  bcm_linkscan_enable_set(0, 0);
+  take();
+  EXPECT_EQ(system_init(0), BCM_E_NONE);
+  EXPECT_EQ(take(), Told{"a 0/3 up"});
+}
+
 TEST_F(Events, OfTheMacTableReachEveryCallbackInTheOrderOfTheirRegistration) {
   EXPECT_EQ(bcm_l2_addr_register(0, l2_callback, y), BCM_E_NONE);
   EXPECT_EQ(bcm_l2_addr_register(0, l2_callback, x), BCM_E_NONE);
@@ -405,7 +416,7 @@ TEST_F(Events, SurviveThatTheirUnitIsInitialisedAnew) {
   std::thread initialiser([] {
     for (int i = 0; i < 50; ++i) EXPECT_EQ(system_init(0), BCM_E_NONE);
   });
-  for (int i = 0; i < 50; ++i) EXPECT_EQ(swsdk_link_event(0, 3, up), 0);
+  for (int i = 0; i < 50; ++i) EXPECT_EQ(swsdk_link_event(0, 3, down), 0);
   initialiser.join();
   EXPECT_EQ(take().size(), 50U);
 }

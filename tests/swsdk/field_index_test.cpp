@@ -13,7 +13,8 @@ using support::FieldProcessor;
 
 class FieldIndex : public FieldProcessor {
  protected:
-  static constexpr int fields[] = {in_port, vlan, 6, 9, 0, 29, 30};  // ports, VLANs, MAC, IPv4, IPv6, type, protocol
+  // Ports, VLANs, MAC, IPv4, IPv6, L4 port, type, protocol.
+  static constexpr int fields[] = {in_port, vlan, 6, 9, 0, 27, 29, 30};
 
   uint64_t any(uint64_t count) { return std::uniform_int_distribution<uint64_t>(0, count - 1)(random_); }
   bool one_in(uint64_t count) { return any(count) == 0; }
@@ -56,6 +57,7 @@ class FieldIndex : public FieldProcessor {
   FrameFields any_frame() {
     FrameFields frame;
     frame.in_port = static_cast<int>(1 + any(6));
+    if (one_in(4)) frame.readable = one_in(2) ? chip::Layer::ethernet : chip::Layer::network;
     frame.outer_tag = static_cast<uint16_t>(1 + any(6));
     frame.ether_type = one_in(2) ? 0x0800 : 0x86DD;
     frame.source_mac = {0, 0, 0, 0, 0, static_cast<uint8_t>(1 + any(6))};
@@ -63,6 +65,7 @@ class FieldIndex : public FieldProcessor {
     frame.source_ip6[7] = static_cast<uint8_t>(any(3));
     frame.source_ip6[15] = static_cast<uint8_t>(1 + any(6));
     frame.ip_protocol = static_cast<uint8_t>(1 + any(6));
+    frame.l4_source_port = static_cast<uint16_t>(1 + any(6));
     return frame;
   }
 
@@ -82,7 +85,8 @@ class FieldIndex : public FieldProcessor {
         if (entry.group != group || !entry.installed) continue;
         const auto& matches = entry.installed->matches;
         const bool meets = std::all_of(matches.begin(), matches.end(), [&](const auto& match) {
-          return match.second.meets(field_of(frame, match.first));
+          const bool counts = match.second.mask != chip::FieldValue();
+          return !counts || (frame.can_read(layer_of(match.first)) && match.second.meets(field_of(frame, match.first)));
         });
         if (!meets ||
             (best != nullptr && (best->priority > entry.priority ||

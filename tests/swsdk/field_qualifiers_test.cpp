@@ -27,7 +27,7 @@ constexpr chip::Ip6 far_address{0xA0, 0x01, 0x0D, 0xB8, 0, 0, 0, 0, 0, 0, 0, 0, 
 constexpr chip::Ip6 near_address{0x20, 0x01, 0x0D, 0xB8, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0x03};
 
 /// A frame that has the field, one that has it one bit off, and what of it the qualifier matches.
-struct Field {
+struct Sample {
   const char* name;
   FieldQualifier qualifier;
   FieldValue value;
@@ -35,7 +35,7 @@ struct Field {
   FrameFields near_miss;
 };
 
-const Field fields[] = {
+const Sample samples[] = {
     {"the start of an IPv6 source address",
      FieldQualifier::source_ip6,
      address,
@@ -127,12 +127,12 @@ const Field fields[] = {
      {.ether_type = arp, .arp_target_ip = 0x0A000003}},
 };
 
-FieldMatch exactly(const Field& field) {
+FieldMatch exactly(const Sample& field) {
   return {field.value, exact_mask(*chip::field_qualifier(static_cast<int>(field.qualifier)))};
 }
 
 TEST(FieldQualifiers, MatchTheirFieldAndNotOneThatIsABitOff) {
-  for (const Field& field : fields) {
+  for (const Sample& field : samples) {
     EXPECT_TRUE(exactly(field).meets(field_of(field.frame, field.qualifier))) << field.name;
     EXPECT_FALSE(exactly(field).meets(field_of(field.near_miss, field.qualifier))) << field.name;
   }
@@ -194,6 +194,17 @@ TEST(FieldQualifiers, TellKindsOfIpApart) {
   EXPECT_EQ(kinds(ip4), "IPv4 IP ");
   EXPECT_EQ(kinds(ip6), "IPv6 IP ");
   EXPECT_EQ(kinds(arp), "");
+}
+
+TEST(FieldQualifiers, StandInTheHeaderThatHasThem) {
+  using chip::Layer;
+  using enum FieldQualifier;
+  for (const FieldQualifier field : {source_mac, outer_vlan, inner_vlan, ether_type, ip_type, in_port, vlan_format})
+    EXPECT_EQ(layer_of(field), Layer::ethernet);
+  for (const FieldQualifier field : {source_ip, destination_ip6, ip_protocol, dscp, ttl, arp_target_ip})
+    EXPECT_EQ(layer_of(field), Layer::network);
+  for (const FieldQualifier field : {l4_source_port, l4_destination_port, icmp_type_code})
+    EXPECT_EQ(layer_of(field), Layer::transport);
 }
 
 TEST(FieldQualifiers, AreAsWideAsTheirField) {

@@ -78,8 +78,9 @@ TEST_F(Learning, PutsTheAddressesOfMembersOnTheTrunk) {
   EXPECT_EQ(chip.mac_table.learned({Kind::trunk, static_cast<uint32_t>(id)}), 1);
 }
 
-TEST_F(Learning, RefusesMulticastSources) {
-  EXPECT_EQ(chip::learn(chip, {{0x01, 0, 0x5E}, 10, 1}), chip::Learned::multicast);
+TEST_F(Learning, RefusesSourcesThatNoHostHas) {
+  EXPECT_EQ(chip::learn(chip, {{0x01, 0, 0x5E}, 10, 1}), chip::Learned::no_host);
+  EXPECT_EQ(chip::learn(chip, {{}, 10, 1}), chip::Learned::no_host);
 }
 
 TEST_F(Learning, NeedsAVlanThatLearns) {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
+
 namespace {
 
 using chip::Duplex;
@@ -128,6 +130,16 @@ TEST_F(PortMacs, HaveALinkWhileEnabledWithAPartnerOrLoopedBack) {
   EXPECT_FALSE(mac(gigabit).link());
 }
 
+TEST_F(PortMacs, KeepTheirCablesWhenTheyAreReset) {
+  macs.set_partner(gigabit, true);
+  macs.set_speed(gigabit, 10);
+  macs.enable(gigabit, false);
+  macs.reset();
+  EXPECT_TRUE(mac(gigabit).link());
+  EXPECT_EQ(mac(gigabit).speed, 1000);
+  EXPECT_FALSE(mac(uplink).link());
+}
+
 TEST_F(PortMacs, KeepTheirOtherSettings) {
   macs.set_pause(gigabit, true, false);
   EXPECT_TRUE(mac(gigabit).pause_tx);
@@ -173,7 +185,9 @@ TEST_F(PortMacs, RefuseGapsOutOfRangeAndForWhatTheyDoNotRunAt) {
 
 TEST_F(PortMacs, AreOnEthernetPortsOnly) {
   int value = 0;
-  for (const int port : {-1, 0, 13, 256}) {
+  EXPECT_EQ(macs.find(gigabit), &mac(gigabit));
+  for (const int port : {INT_MIN, -1, 0, 13, 256, 0x7FF, INT_MAX}) {
+    EXPECT_EQ(macs.find(port), nullptr) << port;
     EXPECT_EQ(macs.get(port, &PortMac::speed, value), Status::bad_port) << port;
     EXPECT_EQ(macs.get(port, &PortMac::link, value), Status::bad_port) << port;
     EXPECT_EQ(macs.enable(port, true), Status::bad_port) << port;

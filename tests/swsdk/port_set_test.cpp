@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 namespace {
 
 using chip::PortSet;
@@ -19,6 +21,17 @@ TEST(PortSet, KnowsItsLowestAndHighestPort) {
   EXPECT_EQ(PortSet{}.highest(), -1);
   EXPECT_EQ((PortSet{7, 255}).lowest(), 7);
   EXPECT_EQ((PortSet{7, 255}).highest(), 255);
+}
+
+TEST(PortSet, IsWalkedFromItsLowestToItsHighestPort) {
+  const auto walked = [](const PortSet& ports) {
+    std::vector<int> result;
+    for (const int port : ports) result.push_back(port);
+    return result;
+  };
+  EXPECT_EQ(walked({}), std::vector<int>{});
+  EXPECT_EQ(walked({255}), std::vector<int>{255});
+  EXPECT_EQ(walked({64, 0, 200, 63, 128, 1}), (std::vector{0, 1, 63, 64, 128, 200}));
 }
 
 TEST(PortSet, ContainsNoPortOutsideItsRange) {

@@ -14,6 +14,7 @@
 #include <gtest/gtest.h>
 #include <swsdk/chip.h>
 #include <swsdk/fault.h>
+#include <swsdk/field.h>
 #include <swsdk/frames.h>
 #include <unistd.h>
 
@@ -116,6 +117,42 @@ TEST_F(Recording, HoldsFramesAndWhatTheyChange) {
   EXPECT_NE(lines.find("07], 15) = -1\n"), std::string::npos) << lines;
   EXPECT_EQ(replayed(), "0");
   EXPECT_EQ(swsdk_l2_lookup(0, 1, &frame[6]), 1);
+}
+
+TEST_F(Recording, HoldsFramesThatEntriesWereAskedAboutAsTheyCountHits) {
+  start();
+  bcm_field_qset_t qset{};
+  BCM_FIELD_QSET_ADD(qset, bcmFieldQualifyStageIngress);
+  BCM_FIELD_QSET_ADD(qset, bcmFieldQualifySrcIp);
+  int group = 0;
+  int entry = 0;
+  bcm_field_group_create(0, qset, 1, &group);
+  bcm_field_group_enable_set(0, group, 1);
+  bcm_field_entry_create(0, group, &entry);
+  bcm_field_qualify_SrcIp(0, entry, 0x0A000001, 0xFFFFFFFF);
+  bcm_field_action_add(0, entry, bcmFieldActionDrop, 0, 0);
+  bcm_field_entry_install(0, entry);
+  swsdk_frame frame{};
+  swsdk_verdict verdict{};
+  frame.in_port = 3;
+  frame.ether_type = 0x0800;
+  frame.src_ip = 0x0A000001;
+  EXPECT_EQ(swsdk_field_classify(0, SWSDK_FIELD_INGRESS, &frame, &verdict), 0);
+  EXPECT_EQ(swsdk_field_classify(0, SWSDK_FIELD_INGRESS, nullptr, &verdict), -1);
+  frame.src_ip = 0x0A000002;
+  EXPECT_EQ(swsdk_field_classify(0, SWSDK_FIELD_INGRESS, &frame, &verdict), 0);
+  const std::string lines = recorded();
+  EXPECT_NE(lines.find("action swsdk_field_classify(0, 0, {in_port=3, ether_type=0x800, src_ip=10.0.0.1}, &{hits=1, "
+                       "groups=[1, 0, "),
+            std::string::npos)
+      << lines;
+  EXPECT_NE(lines.find("action swsdk_field_classify(0, 0, {in_port=3, ether_type=0x800, src_ip=10.0.0.2}, "
+                       "&{redirect_port=-1, priority=-1}) = 0\n"),
+            std::string::npos)
+      << lines;
+  EXPECT_EQ(swsdk_field_hits(0, entry), 1);
+  EXPECT_EQ(replayed(), "0");
+  EXPECT_EQ(swsdk_field_hits(0, entry), 1);
 }
 
 TEST_F(Recording, GoesOnWhenTheChipIsSwitchedOffAndLeavesTheLastTimeOut) {

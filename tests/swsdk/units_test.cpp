@@ -3,6 +3,7 @@
 #include <bcm/error.h>
 #include <bcm/init.h>
 #include <bcm/l2.h>
+#include <bcm/port.h>
 #include <bcm/switch.h>
 #include <bcm/vlan.h>
 #include <gtest/gtest.h>
@@ -102,6 +103,18 @@ TEST_F(Units, AreInitialisedAnewWithEmptyTables) {
   int mode = -1;
   EXPECT_EQ(bcm_switch_control_get(0, bcmSwitchL3EgressMode, &mode), BCM_E_NONE);
   EXPECT_EQ(mode, 0);
+}
+
+TEST_F(Units, KeepTheirCablesWhenTheyAreInitialisedAnew) {
+  start_chip();
+  EXPECT_EQ(swsdk_link_event(0, 3, 1), 0);
+  bcm_port_enable_set(0, 3, 0);
+  EXPECT_EQ(system_init(0), BCM_E_NONE);
+  int up = -1;
+  EXPECT_EQ(bcm_port_link_status_get(0, 3, &up), BCM_E_NONE);
+  EXPECT_EQ(up, 1);
+  EXPECT_EQ(bcm_port_link_status_get(0, 4, &up), BCM_E_NONE);
+  EXPECT_EQ(up, 0);
 }
 
 TEST_F(Units, StayAttachedWhenTheSdkStartsTwice) {

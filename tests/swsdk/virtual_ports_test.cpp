@@ -17,7 +17,7 @@ VirtualPort single(int port, uint16_t vlan) {
   return result;
 }
 
-VirtualPort stacked(int port, uint16_t outer, uint16_t inner) {
+VirtualPort of_both_tags(int port, uint16_t outer, uint16_t inner) {
   VirtualPort result = single(port, outer);
   result.criteria = VirtualPort::match_port_vlan_stacked;
   result.match_inner_vlan = inner;
@@ -53,22 +53,22 @@ TEST_F(VirtualPorts, HaveGportsOfTheirOwnKind) {
 
 TEST_F(VirtualPorts, AreFoundByWhatTheyMatch) {
   const int by_outer = create(single(3, 100));
-  const int by_both = create(stacked(3, 100, 5));
+  const int by_both = create(of_both_tags(3, 100, 5));
   EXPECT_EQ(virtual_ports.find_match(single(gport_of_3, 100), gport), Status::ok);
   EXPECT_EQ(gport, by_outer);
-  EXPECT_EQ(virtual_ports.find_match(stacked(gport_of_3, 100, 5), gport), Status::ok);
+  EXPECT_EQ(virtual_ports.find_match(of_both_tags(gport_of_3, 100, 5), gport), Status::ok);
   EXPECT_EQ(gport, by_both);
-  EXPECT_EQ(virtual_ports.find_match(stacked(3, 100, 6), gport), Status::not_found);
+  EXPECT_EQ(virtual_ports.find_match(of_both_tags(3, 100, 6), gport), Status::not_found);
   EXPECT_EQ(virtual_ports.find_match(single(4, 100), gport), Status::not_found);
 }
 
 TEST_F(VirtualPorts, DoNotMatchTheSameFramesTwice) {
   create(single(3, 100));
-  create(stacked(3, 100, 5));
+  create(of_both_tags(3, 100, 5));
   EXPECT_EQ(virtual_ports.create(single(gport_of_3, 100), gport), Status::exists);
-  EXPECT_EQ(virtual_ports.create(stacked(3, 100, 5), gport), Status::exists);
+  EXPECT_EQ(virtual_ports.create(of_both_tags(3, 100, 5), gport), Status::exists);
   create(single(4, 100));
-  create(stacked(3, 100, 6));
+  create(of_both_tags(3, 100, 6));
 }
 
 TEST_F(VirtualPorts, RefuseAMatchThatThereIsNot) {
@@ -76,8 +76,8 @@ TEST_F(VirtualPorts, RefuseAMatchThatThereIsNot) {
   without_criteria.criteria = 0;
   VirtualPort to_nowhere = single(3, 100);
   to_nowhere.egress_vlan = 4096;
-  for (const VirtualPort& bad : {without_criteria, single(3, 0), single(3, 4096), stacked(3, 100, 0),
-                                 stacked(3, 100, 4096), stacked(3, 0, 5), to_nowhere})
+  for (const VirtualPort& bad : {without_criteria, single(3, 0), single(3, 4096), of_both_tags(3, 100, 0),
+                                 of_both_tags(3, 100, 4096), of_both_tags(3, 0, 5), to_nowhere})
     EXPECT_EQ(virtual_ports.create(bad, gport), Status::bad_parameter);
   EXPECT_EQ(virtual_ports.create(single(13, 100), gport), Status::bad_port);
   EXPECT_EQ(virtual_ports.find_match(without_criteria, gport), Status::bad_parameter);
@@ -104,7 +104,7 @@ TEST_F(VirtualPorts, AreNotThePortsOfOtherKinds) {
 
 TEST_F(VirtualPorts, AreFullAtTheirCapacity) {
   for (int i = 0; i < chip::VirtualPorts::capacity; ++i)
-    create(stacked(1 + i / 4000, static_cast<uint16_t>(1 + i % 4000), 1));
+    create(of_both_tags(1 + i / 4000, static_cast<uint16_t>(1 + i % 4000), 1));
   EXPECT_EQ(virtual_ports.create(single(3, 100), gport), Status::full);
   virtual_ports.clear();
   create(single(3, 100));

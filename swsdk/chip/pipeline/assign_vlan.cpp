@@ -25,6 +25,7 @@ const VlanAssignment* assignment_of_source(const Chip& chip, const Packet& packe
 }
 
 int vlan_of_protocol(const Chip& chip, const Packet& packet) {
+  if (packet.framing == Framing::unreadable) return 0;
   const int frame = packet.framing == Framing::ethernet2 ? ProtocolVlans::ethernet2
                     : packet.framing == Framing::snap    ? ProtocolVlans::snap
                                                          : ProtocolVlans::llc;

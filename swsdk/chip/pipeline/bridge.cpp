@@ -101,9 +101,10 @@ bool is_reserved(const Chip& chip, const Packet& packet) {
 bool floods_multicast(const Passage& frame, const VlanControl& control) {
   constexpr int nowhere = 2;
   const Packet& packet = frame.packet;
-  const int mode = packet.is_ip4()   ? control.ip4_multicast_flood_mode
-                   : packet.is_ip6() ? control.ip6_multicast_flood_mode
-                                     : control.l2_multicast_flood_mode;
+  const uint16_t type = packet.fields.ether_type;
+  const int mode = type == ether_type::ip4   ? control.ip4_multicast_flood_mode
+                   : type == ether_type::ip6 ? control.ip6_multicast_flood_mode
+                                             : control.l2_multicast_flood_mode;
   if (mode != nowhere) return true;
   const SwitchControl which =
       packet.is_ip4() ? SwitchControl::ip4_reserved_multicast_flood : SwitchControl::ip6_reserved_multicast_flood;
@@ -117,7 +118,6 @@ void flood(Passage& frame, const Vlan& vlan) {
   frame.unknown_destination = kind == PortFilters::unknown_unicast;
   if (kind == PortFilters::unknown_multicast && !floods_multicast(frame, vlan.control)) return;
 
-  const PortSet& ports = vlan.members;
   const int group = flood_group(vlan.control, kind);
   const MulticastGroup* const members = group == 0 ? nullptr : chip.multicast_groups.find(group);
   const auto in_group = [&](int port, int encapsulation) {
@@ -126,8 +126,8 @@ void flood(Passage& frame, const Vlan& vlan) {
 
   const Reachable reachable(frame);
   PortSet trunks_seen;
-  for (int port = 0; port <= ports.highest(); ++port) {
-    if (!ports.contains(port) || (chip.port_filters.blocked_floods(packet.port, port) & kind) != 0) continue;
+  for (const int port : vlan.members) {
+    if ((chip.port_filters.blocked_floods(packet.port, port) & kind) != 0) continue;
     // One member speaks for a trunk.
     if (const std::optional<int> trunk = chip.trunks.trunk_of(port)) {
       if (trunks_seen.contains(*trunk)) continue;

@@ -91,6 +91,10 @@ std::size_t size_of(const std::size_t (&bounds)[Count], std::size_t length) {
   return static_cast<std::size_t>(bound - bounds);
 }
 
+/// What the ether type says: a packet whose header is malformed counts too.
+bool says_ip4(const Packet& packet) { return packet.fields.ether_type == ether_type::ip4; }
+bool says_ip6(const Packet& packet) { return packet.fields.ether_type == ether_type::ip6; }
+
 uint64_t& counter(Counters& counters, int port, int number) {
   return counters.of(port)[static_cast<std::size_t>(number)];
 }
@@ -98,7 +102,7 @@ uint64_t& counter(Counters& counters, int port, int number) {
 void count(Counters::Values& values, const Direction& to, const Mac& destination, std::size_t bytes, int tags) {
   const auto add = [&](int counter, uint64_t amount = 1) { values[static_cast<std::size_t>(counter)] += amount; };
   const std::size_t length = std::max(bytes + checksum, shortest);
-  const bool is_multicast = (destination[0] & 1) != 0;
+  const bool is_multicast = is_group(destination);
   const bool is_broadcast = std::all_of(destination.begin(), destination.end(), [](int byte) { return byte == 0xFF; });
   add(to.octets, length);
   add(to.all_octets, length);
@@ -127,7 +131,7 @@ void count(Counters::Values& values, const Direction& to, const Mac& destination
 
 void count_received(Counters& counters, const Packet& packet) {
   constexpr int both = 3;
-  if (packet.is_ip6() && packet.is_multicast()) ++counter(counters, packet.port, ip6_multicast_received);
+  if (says_ip6(packet) && packet.is_multicast()) ++counter(counters, packet.port, ip6_multicast_received);
   const int format = packet.fields.vlan_format;
   const int tags = format == both ? 2 : format != 0 ? 1 : 0;
   count(counters.of(packet.port), received, packet.fields.destination_mac, packet.bytes.size(), tags);
@@ -152,14 +156,14 @@ void count_sent(Counters& counters, int port, const EgressHeader& header, std::s
 }
 
 void count_ip(Counters& counters, const Packet& packet, IpEvent event) {
-  if (!packet.is_ip4() && !packet.is_ip6()) return;
+  if (!says_ip4(packet) && !says_ip6(packet)) return;
   const IpCounter& numbers = ip_counters[static_cast<std::size_t>(event)];
-  const int number = packet.is_ip4() ? numbers.ip4 : numbers.ip6;
+  const int number = says_ip4(packet) ? numbers.ip4 : numbers.ip6;
   if (number != no_counter) ++counter(counters, packet.port, number);
 }
 
 void count_sent_ip(Counters& counters, int port, const Packet& packet, bool routed) {
-  if (!packet.is_ip6()) return;
+  if (!says_ip6(packet)) return;
   if (routed) ++counter(counters, port, ip6_forwarded);
   if (packet.is_multicast()) ++counter(counters, port, ip6_multicast_sent);
 }

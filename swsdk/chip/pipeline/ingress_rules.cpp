@@ -5,10 +5,11 @@ namespace chip {
 
 namespace {
 
-/// A rule that permits a frame does not open a port that its VLAN or spanning tree closes, nor does it take frames of
-/// control protocols away from the CPU.
+/// A rule that permits a frame does not open a port that its VLAN or spanning tree closes, nor does it make a host of a
+/// group or take frames of control protocols away from the CPU.
 bool can_be_cancelled(Drop drop) {
-  return drop != Drop::no_vlan && drop != Drop::not_member && drop != Drop::spanning_tree && drop != Drop::trapped;
+  return drop != Drop::group_source && drop != Drop::no_vlan && drop != Drop::not_member &&
+         drop != Drop::spanning_tree && drop != Drop::trapped;
 }
 
 void set_priority(Packet& packet, int priority) {
@@ -27,16 +28,11 @@ void apply_ingress_rules(Passage& frame) {
   const FieldVerdict& verdict = frame.verdict;
   if (verdict.priority) set_priority(frame.packet, *verdict.priority);
   if (verdict.copied_to_cpu) frame.cpu_reasons |= cpu_reason::field_rule;
-  if (verdict.drop_cancelled && can_be_cancelled(frame.drop)) frame.drop = Drop::none;
+  if (verdict.drop_cancelled && can_be_cancelled(frame.drop())) frame.release();
   if (verdict.dropped) frame.stop(Drop::field_rule);
-  if (verdict.redirect_port == Ports::cpu && !frame.dropped()) {
-    frame.cpu_reasons |= cpu_reason::field_rule;
-    frame.stop(Drop::trapped);
-  }
-  if (is_red(frame, verdict, frame.packet.bytes.size()) && verdict.red_dropped) {
-    frame.drop = Drop::policer;
-    frame.cpu_reasons = 0;  // too much is too much for the CPU as well
-  }
+  if (verdict.redirect_port == Ports::cpu && !frame.dropped()) frame.trap(cpu_reason::field_rule);
+  // Too much is too much for the CPU as well.
+  if (is_red(frame, verdict, frame.packet.bytes.size()) && verdict.red_dropped) frame.lose(Drop::policer);
 }
 
 }  // namespace chip

@@ -8,13 +8,13 @@ void learn_source(Passage& frame) {
   Chip& chip = frame.chip;
   const Packet& packet = frame.packet;
   // A port that only learns drops its frames all the same, and the table hears of those that are trapped.
-  if (frame.dropped() && frame.drop != Drop::spanning_tree && frame.drop != Drop::trapped) return;
+  if (frame.dropped() && frame.drop() != Drop::spanning_tree && frame.drop() != Drop::trapped) return;
   const Source source{packet.fields.source_mac, static_cast<uint16_t>(packet.vlan()), packet.source};
 
   const MacEntry* const before = chip.mac_table.find(source.vlan, source.mac);
   if (before != nullptr && before->is(MacEntry::discard_source)) return frame.stop(Drop::source_discard);
   const Learned learned = learn(chip, source, before);
-  if (learned == Learned::multicast || frame.dropped()) return;
+  if (frame.dropped()) return;
   if (learned == Learned::limited) {
     const uint32_t actions = actions_beyond_limit(chip, source);
     if ((actions & LearnLimit::to_cpu) != 0) frame.cpu_reasons |= cpu_reason::learning;

@@ -42,6 +42,8 @@ const char* name(Drop drop) {
       return "router";
     case Drop::no_destination:
       return "no destination";
+    case Drop::group_source:
+      return "source is a group";
   }
   return "";
 }

@@ -17,7 +17,7 @@ class Meters;
 /// Why a frame goes no further.
 enum class Drop : int {
   none,
-  malformed,       // a header is cut short or contradicts itself
+  malformed,       // its Ethernet header is cut short
   port_down,       // the port has no link
   too_long,        // longer than the port takes
   rate,            // more than the port lets in
@@ -35,8 +35,10 @@ enum class Drop : int {
   discard,         // its destination is not to be reached
   router,          // the router does not pass it on
   no_destination,  // nowhere to go
+  // Behind the others, whose numbers recordings keep.
+  group_source,  // its source is a group, which no host is
 };
-constexpr int drop_count = static_cast<int>(Drop::no_destination) + 1;
+constexpr int drop_count = static_cast<int>(Drop::group_source) + 1;
 
 /// In lower case, for people.
 const char* name(Drop drop);
@@ -68,8 +70,9 @@ constexpr uint16_t with_vlan(uint16_t tag, int vlan) {
   return static_cast<uint16_t>((tag & ~vlan_mask) | (vlan & vlan_mask));
 }
 
-/// How the protocol stands in a frame.
-enum class Framing { ethernet2, snap, llc };
+/// How the protocol stands in a frame: as an ether type, behind a length and LLC with it or without, or, where LLC is
+/// cut short, not at all.
+enum class Framing { ethernet2, snap, llc, unreadable };
 
 struct Packet {
   std::span<const uint8_t> bytes;  // as it came in, without checksum
@@ -85,18 +88,25 @@ struct Packet {
   uint16_t access_points = 0;     // LLC: the two service access points; there is no ether type then
   std::size_t ether_type_at = 0;  // where the ether type stands, or the length
   std::size_t payload_at = 0;     // where IP or ARP begins
-  bool igmp = false;              // an IGMP message; the type is in the ICMP type
+  bool lengths_agree = true;      // those that an IP header tells, with each other and with the frame
 
   int priority = 0;  // inside the chip, 0 to 7
 
   int vlan() const { return fields.outer_tag & vlan_mask; }
   int inner_vlan() const { return inner_tagged ? fields.inner_tag & vlan_mask : 0; }
   void set_vlan(int vlan) { fields.outer_tag = with_vlan(fields.outer_tag, vlan); }
-  bool is_multicast() const { return (fields.destination_mac[0] & 1) != 0; }
+  bool is_multicast() const { return is_group(fields.destination_mac); }
   bool is_broadcast() const { return fields.destination_mac == Mac{0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}; }
-  bool is_ip4() const { return fields.ether_type == 0x0800; }
-  bool is_ip6() const { return fields.ether_type == 0x86DD; }
-  bool is_arp() const { return fields.ether_type == 0x0806; }
+
+  // What has a header of that protocol which can be read. Where the kind of frame is enough, the ether type tells it.
+  bool is_ip4() const { return is_readable(ether_type::ip4); }
+  bool is_ip6() const { return is_readable(ether_type::ip6); }
+  bool is_arp() const { return is_readable(ether_type::arp); }
+  /// An IGMP message; its type is in the ICMP type.
+  bool is_igmp() const { return is_ip4() && fields.ip_protocol == ip_protocol::igmp; }
+
+ private:
+  bool is_readable(uint16_t type) const { return fields.ether_type == type && fields.can_read(Layer::network); }
 };
 
 /// One copy of a frame on its way out.
@@ -115,20 +125,43 @@ struct Looped {
 
 /// One frame's way through the chip, which the stages read and change in turn.
 struct Passage {
+  Passage(Chip& through, Meters& with, std::vector<Copy>& to, std::vector<Looped>& back)
+      : chip(through), meters(with), copies(to), looped(back) {}
+
   Chip& chip;
   Meters& meters;
   Packet packet;
-  Drop drop = Drop::none;            // the first reason found
   uint32_t cpu_reasons = 0;          // not 0: the CPU gets a copy
   bool unknown_destination = false;  // it is flooded because nobody knows where the one is whom it is for
   FieldVerdict verdict;              // of the way in
   std::vector<Copy>& copies;         // where it goes
   std::vector<Looped>& looped;
 
-  bool dropped() const { return drop != Drop::none; }
+  /// Why it goes no further.
+  Drop drop() const { return drop_; }
+  bool dropped() const { return drop_ != Drop::none; }
+
+  /// It goes no further. Of several reasons the first one stays.
   void stop(Drop reason) {
-    if (!dropped()) drop = reason;
+    if (!dropped()) drop_ = reason;
   }
+  /// It goes on: what stopped it before counts no more.
+  void release() { drop_ = Drop::none; }
+  /// It is for the CPU alone, whatever stopped it before.
+  void trap(uint32_t reason) {
+    cpu_reasons |= reason;
+    drop_ = Drop::trapped;
+  }
+  /// Nobody gets it, nor does the CPU, for which alone it may have been.
+  void lose(Drop reason) {
+    if (drop_ == Drop::trapped) release();
+    stop(reason);
+    cpu_reasons = 0;
+    copies.clear();
+  }
+
+ private:
+  Drop drop_ = Drop::none;
 };
 
 }  // namespace chip

@@ -6,7 +6,8 @@ namespace chip {
 
 namespace {
 
-constexpr uint16_t tpids[] = {0x8100, 0x88A8, 0x9100};
+// Every port has this one. A tag of any other type is payload, and a frame that begins with one is untagged.
+constexpr uint16_t tpid = 0x8100;
 constexpr uint16_t lowest_ether_type = 0x600;  // below, it is a length
 
 /// Reads a frame from front to back, never past its end.
@@ -17,8 +18,10 @@ class Reader {
   bool has(std::size_t count) const { return bytes_.size() - at_ >= count; }
   std::size_t at() const { return at_; }
   void skip(std::size_t count) { at_ += count; }
-  /// Leaves out what is behind the next `count` bytes.
-  void limit(std::size_t count) { bytes_ = bytes_.first(at_ + count); }
+  /// Leaves out what is behind the next `count` bytes, if there is anything.
+  void limit(std::size_t count) {
+    if (has(count)) bytes_ = bytes_.first(at_ + count);
+  }
 
   uint8_t byte(std::size_t offset) const { return bytes_[at_ + offset]; }
   uint16_t word(std::size_t offset) const { return static_cast<uint16_t>(byte(offset) << 8 | byte(offset + 1)); }
@@ -35,99 +38,120 @@ class Reader {
   std::size_t at_ = 0;
 };
 
-bool is_tpid(uint16_t type) { return std::find(std::begin(tpids), std::end(tpids), type) != std::end(tpids); }
-
-bool parse_l4(Reader& reader, Packet& packet) {
+/// The ports or the type, wherever the protocol has any.
+void parse_transport(Reader& reader, Packet& packet) {
   FrameFields& fields = packet.fields;
   const int protocol = fields.ip_protocol;
   if (protocol == ip_protocol::tcp || protocol == ip_protocol::udp) {
-    if (!reader.has(protocol == ip_protocol::tcp ? 20 : 8)) return false;
+    if (!reader.has(4)) return;
     fields.l4_source_port = reader.word(0);
     fields.l4_destination_port = reader.word(2);
-  } else if ((packet.is_ip4() && (protocol == ip_protocol::icmp || protocol == ip_protocol::igmp)) ||
+  } else if ((packet.is_ip4() && protocol == ip_protocol::icmp) || packet.is_igmp() ||
              (packet.is_ip6() && protocol == ip_protocol::icmp6)) {
-    if (!reader.has(protocol == ip_protocol::icmp6 ? 4 : 8)) return false;
+    if (!reader.has(2)) return;
     fields.icmp_type = reader.byte(0);
     fields.icmp_code = reader.byte(1);
-    packet.igmp = packet.is_ip4() && protocol == ip_protocol::igmp;
   }
-  return true;
+  fields.readable = Layer::transport;
 }
 
-bool parse_ip4(Reader& reader, Packet& packet) {
+void parse_ip4(Reader& reader, Packet& packet) {
   constexpr std::size_t shortest = 20;
   constexpr uint16_t fragment_offset = 0x1FFF;
-  if (!reader.has(shortest) || reader.byte(0) >> 4 != 4) return false;
+  if (!reader.has(shortest) || reader.byte(0) >> 4 != 4) return;
   const std::size_t header = std::size_t{4} * (reader.byte(0) & 0xFU);
-  const std::size_t total = reader.word(2);
-  if (header < shortest || total < header || !reader.has(total)) return false;
+  if (header < shortest) return;
   FrameFields& fields = packet.fields;
+  fields.readable = Layer::network;
   fields.tos = reader.byte(1);
   fields.ttl = reader.byte(8);
   fields.ip_protocol = reader.byte(9);
   fields.source_ip = reader.number(12);
   fields.destination_ip = reader.number(16);
   const bool is_first = (reader.word(6) & fragment_offset) == 0;
+  const std::size_t total = reader.word(2);
+  packet.lengths_agree = header <= total && reader.has(total);
+  if (total < header || !reader.has(header)) return;
   reader.limit(total);  // what is behind is padding
   reader.skip(header);
-  return !is_first || parse_l4(reader, packet);
+  if (is_first)
+    parse_transport(reader, packet);
+  else
+    fields.readable = Layer::transport;  // it has none
 }
 
-bool parse_ip6(Reader& reader, Packet& packet) {
+void parse_ip6(Reader& reader, Packet& packet) {
   constexpr std::size_t header = 40;
-  if (!reader.has(header) || reader.byte(0) >> 4 != 6) return false;
-  const std::size_t payload = reader.word(4);
-  if (!reader.has(header + payload)) return false;
+  if (!reader.has(header) || reader.byte(0) >> 4 != 6) return;
   FrameFields& fields = packet.fields;
+  fields.readable = Layer::network;
   fields.tos = static_cast<uint8_t>(reader.word(0) >> 4);
   fields.ip_protocol = reader.byte(6);
   fields.ttl = reader.byte(7);
   fields.source_ip6 = reader.address<Ip6>(8);
   fields.destination_ip6 = reader.address<Ip6>(24);
+  const std::size_t payload = reader.word(4);
+  packet.lengths_agree = reader.has(header + payload);
   reader.limit(header + payload);
   reader.skip(header);
   // What the packet carries stands behind the extension headers.
   while (fields.ip_protocol == ip_protocol::hop_by_hop || fields.ip_protocol == ip_protocol::routing_header ||
          fields.ip_protocol == ip_protocol::destination_options || fields.ip_protocol == ip_protocol::fragment_header) {
     constexpr std::size_t unit = 8;
-    if (!reader.has(unit)) return false;
+    if (!reader.has(unit)) return;
     const bool is_fragment = fields.ip_protocol == ip_protocol::fragment_header;
     const bool is_first = !is_fragment || reader.word(2) >> 3 == 0;
     const std::size_t length = is_fragment ? unit : (reader.byte(1) + 1U) * unit;
-    if (!reader.has(length)) return false;
+    if (!reader.has(length)) return;
     fields.ip_protocol = reader.byte(0);
     reader.skip(length);
-    if (!is_first) return true;
+    if (!is_first) {
+      fields.readable = Layer::transport;
+      return;
+    }
   }
-  return parse_l4(reader, packet);
+  parse_transport(reader, packet);
 }
 
-bool parse_arp(Reader& reader, Packet& packet) {
+void parse_arp(Reader& reader, Packet& packet) {
   constexpr std::size_t of_ip4 = 28;
-  if (!reader.has(of_ip4)) return false;
-  const bool is_ip4 = reader.word(0) == 1 && reader.word(2) == 0x0800;
+  if (!reader.has(of_ip4)) return;
+  const bool is_ip4 = reader.word(0) == 1 && reader.word(2) == ether_type::ip4;
   if (is_ip4) packet.fields.arp_target_ip = reader.number(24);
-  return true;
+  packet.fields.readable = Layer::transport;
 }
 
-/// Leaves the reader behind the ether type.
-bool parse_ether_type(Reader& reader, Packet& packet) {
-  if (!reader.has(2)) return false;
-  packet.ether_type_at = reader.at();
-  const uint16_t type = reader.word(0);
-  reader.skip(2);
-  packet.fields.ether_type = type;
-  if (type < lowest_ether_type) {
-    constexpr std::size_t llc = 3;
-    constexpr std::size_t snap = 8;
-    if (type < llc || !reader.has(type)) return false;
-    const bool is_snap = type >= snap && reader.word(0) == 0xAAAA && reader.byte(2) == 0x03;
-    packet.framing = is_snap ? Framing::snap : Framing::llc;
-    packet.fields.ether_type = is_snap ? reader.word(6) : 0;
-    packet.access_points = is_snap ? 0 : reader.word(0);
-    reader.skip(is_snap ? snap : llc);
+/// Behind a length stands LLC, and behind that there can be an ether type in SNAP. Of SNAP only the organization
+/// 00:00:00 counts, for which it is one: what another organization numbers is its own, and 00:00:F8 is no exception.
+void parse_llc(Reader& reader, Packet& packet) {
+  constexpr std::size_t llc = 3;
+  constexpr std::size_t snap = 8;
+  const std::size_t length = packet.fields.ether_type;
+  packet.fields.ether_type = 0;
+  packet.framing = Framing::unreadable;
+  if (length < llc || !reader.has(llc)) return;
+  packet.framing = Framing::llc;
+  packet.access_points = reader.word(0);
+  const bool is_snap = length >= snap && reader.has(snap) && reader.word(0) == 0xAAAA && reader.byte(2) == 0x03 &&
+                       reader.byte(3) == 0 && reader.word(4) == 0;
+  if (is_snap) {
+    packet.framing = Framing::snap;
+    packet.access_points = 0;
+    packet.fields.ether_type = reader.word(6);
   }
-  return true;
+  reader.skip(is_snap ? snap : llc);
+}
+
+/// Reads a tag, if one of the port's type is here, and what stands behind it is not cut off.
+enum class TagRead { none, whole, cut };
+TagRead parse_tag(Reader& reader, uint16_t& tag) {
+  constexpr std::size_t size = 4;
+  constexpr std::size_t type = 2;
+  if (reader.word(0) != tpid) return TagRead::none;
+  if (!reader.has(size + type)) return TagRead::cut;
+  tag = reader.word(2);
+  reader.skip(size);
+  return TagRead::whole;
 }
 
 }  // namespace
@@ -145,27 +169,34 @@ bool parse(int port, std::span<const uint8_t> frame, Packet& packet) {
   fields.source_mac = reader.address<Mac>(6);
   reader.skip(addresses);
 
-  constexpr std::size_t tag = 4;
-  if (is_tpid(reader.word(0))) {
-    if (!reader.has(tag + 2)) return false;
-    packet.outer_tagged = true;
-    fields.outer_tag = reader.word(2);
-    reader.skip(tag);
-    if (is_tpid(reader.word(0))) {
-      if (!reader.has(tag + 2)) return false;
-      packet.inner_tagged = true;
-      fields.inner_tag = reader.word(2);
-      reader.skip(tag);
-    }
-  }
+  const TagRead outer = parse_tag(reader, fields.outer_tag);
+  const TagRead inner = outer == TagRead::whole ? parse_tag(reader, fields.inner_tag) : TagRead::none;
+  if (outer == TagRead::cut || inner == TagRead::cut) return false;
+  packet.outer_tagged = outer == TagRead::whole;
+  packet.inner_tagged = inner == TagRead::whole;
   fields.vlan_format = (packet.outer_tagged ? 1 : 0) | (packet.inner_tagged ? 2 : 0);
   packet.priority = fields.outer_tag >> priority_shift;
 
-  if (!parse_ether_type(reader, packet)) return false;
+  packet.ether_type_at = reader.at();
+  fields.ether_type = reader.word(0);
+  reader.skip(2);
+  if (fields.ether_type < lowest_ether_type) parse_llc(reader, packet);
   packet.payload_at = reader.at();
-  if (packet.is_ip4()) return parse_ip4(reader, packet);
-  if (packet.is_ip6()) return parse_ip6(reader, packet);
-  if (packet.is_arp()) return parse_arp(reader, packet);
+
+  fields.readable = Layer::ethernet;
+  switch (fields.ether_type) {
+    case ether_type::ip4:
+      parse_ip4(reader, packet);
+      break;
+    case ether_type::ip6:
+      parse_ip6(reader, packet);
+      break;
+    case ether_type::arp:
+      parse_arp(reader, packet);
+      break;
+    default:
+      fields.readable = Layer::transport;  // there is nothing more to read
+  }
   return true;
 }
 

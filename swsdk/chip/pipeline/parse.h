@@ -8,8 +8,9 @@
 
 namespace chip {
 
-/// Reads the headers of a frame that came in at `port`, and nothing beyond its end, into a new packet. False when one
-/// of them is cut short or contradicts itself; the packet is of no use then.
+/// Reads the headers of a frame that came in at `port`, and nothing beyond its end, into a new packet. It tells how far
+/// they can be read: a frame is bridged by its Ethernet header, whatever is wrong behind that. False when that one, its
+/// tags included, is cut short; the packet is of no use then.
 bool parse(int port, std::span<const uint8_t> frame, Packet& packet);
 
 }  // namespace chip

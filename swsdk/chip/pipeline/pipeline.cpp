@@ -24,22 +24,23 @@ Drop Pipeline::receive(int port, std::span<const uint8_t> bytes, Wire& wire) {
 
 Drop Pipeline::pass(int port, std::span<const uint8_t> bytes, Wire& wire) {
   copies_.clear();
-  Passage frame{.chip = chip_, .meters = meters_, .packet = {}, .verdict = {}, .copies = copies_, .looped = looped_};
-  const bool is_well_formed = parse(port, bytes, frame.packet);
+  Passage frame(chip_, meters_, copies_, looped_);
+  const bool has_header = parse(port, bytes, frame.packet);
   admit(frame);
-  if (!is_well_formed) frame.stop(Drop::malformed);
+  if (!has_header) frame.stop(Drop::malformed);
   if (!frame.dropped()) {
     mirror_ingress(frame, wire);
-    for (const auto stage :
-         {assign_vlan, check_membership, trap, learn_source, apply_ingress_rules, forward, control_storms})
+    for (const auto stage : {check_source, assign_vlan, check_membership, trap, learn_source, apply_ingress_rules,
+                             forward, control_storms})
       stage(frame);
     for (const Copy& copy : copies_) send_copy(frame, copy, wire);
     if (frame.cpu_reasons != 0) send_to_cpu(frame, wire);
   }
-  if (frame.drop != Drop::port_down) count_received(chip_.counters, frame.packet);
-  count_discarded(chip_.counters, frame.packet, frame.drop);
-  if (frame.dropped()) ++drops_[static_cast<std::size_t>(frame.drop)];
-  return frame.drop;
+  const Drop drop = frame.drop();
+  if (drop != Drop::port_down) count_received(chip_.counters, frame.packet);
+  count_discarded(chip_.counters, frame.packet, drop);
+  if (frame.dropped()) ++drops_[static_cast<std::size_t>(drop)];
+  return drop;
 }
 
 }  // namespace chip

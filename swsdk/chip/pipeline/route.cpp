@@ -20,7 +20,7 @@ void give_up(Passage& frame, SwitchControl control, uint32_t reason) {
 /// Nobody knows the way.
 void miss(Passage& frame, SwitchControl control) {
   give_up(frame, control, cpu_reason::l3_miss);
-  if (frame.drop == Drop::router) count_ip(frame.chip.counters, frame.packet, IpEvent::discarded);
+  if (frame.drop() == Drop::router) count_ip(frame.chip.counters, frame.packet, IpEvent::discarded);
 }
 
 bool is_right_checksum(std::span<const uint8_t> header) {
@@ -92,7 +92,7 @@ void route_ip4(Passage& frame, int vrf) {
 }  // namespace
 
 bool can_pass_on(const Packet& packet) {
-  if (packet.fields.ttl <= 1) return false;
+  if (packet.fields.ttl <= 1 || !packet.lengths_agree) return false;
   if (packet.is_ip6()) return true;
   constexpr uint8_t without_options = 0x45;
   constexpr std::size_t length = 20;

@@ -14,7 +14,7 @@ namespace {
 bool is_routable(const Packet& packet) {
   const FrameFields& fields = packet.fields;
   if (packet.is_ip4())
-    return fields.destination_ip >> 28 == 0xE && fields.destination_ip >> 8 != 0xE00000 && !packet.igmp;
+    return fields.destination_ip >> 28 == 0xE && fields.destination_ip >> 8 != 0xE00000 && !packet.is_igmp();
   if (!packet.is_ip6() || fields.destination_ip6[0] != 0xFF) return false;
   constexpr int link_local = 2;
   constexpr int listener_messages[] = {130, 131, 132, 143};

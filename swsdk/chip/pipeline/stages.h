@@ -1,7 +1,7 @@
-// The stages of the pipeline, in the order in which a frame passes them; one file each.
+// The stages of the pipeline, in the order in which a frame passes them.
 //
 // A stage that finds that a frame goes no further calls Passage::stop and lets it pass on: the field processor may
-// cancel the drop, and the CPU may want the frame. Stages that change tables leave them alone for a stopped frame.
+// release it, and the CPU may want it. Stages that change tables leave them alone for a stopped frame.
 #pragma once
 
 #include "chip/pipeline/egress_frame.h"
@@ -13,6 +13,8 @@ namespace chip {
 
 /// Whether the port takes the frame at all: enabled, not too long, within its rate.
 void admit(Passage& frame);
+/// Whether the source can be a host.
+void check_source(Passage& frame);
 /// Which virtual port and which VLAN the frame belongs to, and the tags that it has inside the chip.
 void assign_vlan(Passage& frame);
 /// Whether the VLAN exists, the port is a member and its spanning-tree state lets frames in.

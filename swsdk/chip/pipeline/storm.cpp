@@ -22,16 +22,14 @@ void control_storms(Passage& frame) {
   const auto& rates = frame.chip.storm_rates.all();
   if (rates.empty()) return;
   // Frames that rules keep for the CPU count, but those of control protocols pass every storm.
-  if ((frame.dropped() && frame.drop != Drop::trapped) || (frame.cpu_reasons & cpu_reason::l2_cache) != 0) return;
+  if ((frame.dropped() && frame.drop() != Drop::trapped) || (frame.cpu_reasons & cpu_reason::l2_cache) != 0) return;
   const Storm storm = storm_of(frame);
   const auto rate = rates.find({frame.packet.port, storm.kind});
   if (rate == rates.end()) return;
   // A second's worth may come at once.
   const auto packets = static_cast<uint64_t>(rate->second);
   if (frame.meters.take(storm.meter, frame.packet.port, frame.chip.now, packets, packets, 1)) return;
-  frame.drop = Drop::storm;
-  frame.cpu_reasons = 0;  // nor is the CPU to be flooded
-  frame.copies.clear();
+  frame.lose(Drop::storm);  // nor is the CPU to be flooded
 }
 
 }  // namespace chip

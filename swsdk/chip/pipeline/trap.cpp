@@ -66,9 +66,8 @@ void trap(Passage& frame) {
   if (const L2CacheEntry* const entry = find_entry(frame)) {
     // The destination of such an entry takes the place of all others; the library's entries leave it at the CPU.
     const bool is_bpdu = (entry->flags & L2CacheEntry::bpdu) != 0;
-    if (frame.dropped() && !(is_bpdu && frame.drop == Drop::spanning_tree)) return;
-    frame.cpu_reasons |= cpu_reason::l2_cache;
-    frame.drop = Drop::trapped;
+    if (frame.dropped() && !(is_bpdu && frame.drop() == Drop::spanning_tree)) return;
+    frame.trap(cpu_reason::l2_cache);
   } else if (!frame.dropped()) {
     obey_controls(frame);
   }

@@ -56,7 +56,8 @@ const char* swsdk_show_table(int index);
 
 /**
  * Puts a link up or down, as plugging a cable does: the link scan thread calls the handlers of `bcm_linkscan_register`.
- * While link scanning is paused or disabled nobody is told; the link changes all the same.
+ * While link scanning is paused or disabled nobody is told; the link changes all the same. A cable outlives
+ * `system_init`: the link is up again after it, and the handlers are told.
  *
  * @param port  an Ethernet port
  * @param up    non-zero: the link went up; 0: it went down
@@ -84,10 +85,10 @@ int swsdk_l2_event(int unit, int operation, int vid, const unsigned char* mac, i
  * @param port    the port where it came in, or the gport of a virtual one; the address of a frame from a trunk's member
  *                is learned on the trunk
  * @param tunnel  the tunnel it came through; 0 for none
- * @return 1 when the address is in the table for that place now; 0 when it is not: it is a multicast address, has a
- *         static entry elsewhere, its VLAN does not exist or does not learn, nor does the port's spanning-tree state
- * there, a learn limit is reached, or its bucket is full; -1 when there is no such initialised unit or port, or the
- * VLAN is out of range
+ * @return 1 when the address is in the table for that place now; 0 when it is not: it is a multicast address or all
+ *         zeros, has a static entry elsewhere, its VLAN does not exist or does not learn, nor does the port's
+ *         spanning-tree state there, a learn limit is reached, or its bucket is full; -1 when there is no such
+ *         initialised unit or port, or the VLAN is out of range
  */
 int swsdk_l2_learn(int unit, int vid, const unsigned char* mac, int port, unsigned tunnel);
 

@@ -28,7 +28,8 @@ extern "C" {
  *
  * The ether type tells what kind of frame it is: 0x0800 IPv4, 0x86DD IPv6, 0x0806 ARP. Fields that a frame of its kind
  * does not have are not read; entries see 0 in them. The same holds for L4 ports of what is neither TCP nor UDP, and
- * for the ICMP fields of what is no ICMP (IPv4) or ICMPv6 (IPv6).
+ * for the ICMP fields of what is no ICMP (IPv4) or ICMPv6 (IPv6). All others count as there: that entries pass over
+ * fields which are cut off shows with swsdk_frame_send() alone.
  */
 typedef struct swsdk_frame {
   int in_port;            /**< where it entered; entries of the ingress stage match it */

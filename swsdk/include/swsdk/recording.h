@@ -10,9 +10,10 @@
  *     end
  *
  * The first line names the format and its version. Each line after it begins with its kind: `call`, a call that the
- * chip answered; `fault`, one that an injected fault answered; `action`, what the control interface of swsdk/chip.h did
- * to the chip. The rest is as in swsdk/journal.h, with two additions: callbacks and untyped pointers are numbered, so
- * that different ones stay different, and behind an array that the call fills stands its room, `&[7, 8] of 16`.
+ * chip answered; `fault`, one that an injected fault answered; `action`, what the control interface of swsdk/chip.h,
+ * swsdk/field.h and swsdk/frames.h did to the chip. The rest is as in swsdk/journal.h, with two additions: callbacks
+ * and untyped pointers are numbered, so that different ones stay different, and behind an array that the call fills
+ * stands its room, `&[7, 8] of 16`.
  *
  * A process whose environment has #SWSDK_RECORD_VARIABLE at its first call records itself from there on, into the file
  * of that name.
