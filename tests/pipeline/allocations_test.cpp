@@ -78,7 +78,6 @@ TEST_F(Allocations, FramesForTheCpuHaveNone) {
 }
 
 TEST_F(Allocations, RoutedFramesHaveNone) {
-  constexpr int router = 0xE0;
   chip.unicast_routing = true;
   int interface = 0;
   for (const uint16_t id : {uint16_t{10}, uint16_t{20}}) {

@@ -16,7 +16,6 @@ Bytes changed(Bytes frame, std::size_t at, uint8_t byte) {
   return frame;
 }
 
-constexpr int router = 0xE0;
 constexpr std::ptrdiff_t ethernet = 18;  // bytes of a header with a tag
 constexpr std::size_t version = 18;      // where fields of the IPv4 header stand
 constexpr std::size_t high_of_length = 20;

@@ -18,6 +18,7 @@ class PipelineTest : public testing::Test, private chip::Wire {
   using Status = chip::Status;
 
   static constexpr uint64_t second = 1'000'000'000;  // of the chip's clock
+  static constexpr int router = 0xE0;                // the last byte of the router's address
 
   PipelineTest() {
     for (int port = 1; port <= 12; ++port) chip.port_macs.set_partner(port, true);

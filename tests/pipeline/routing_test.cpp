@@ -7,8 +7,6 @@ using chip::L3Entry;
 using chip::SwitchControl;
 using support::Frame;
 
-constexpr int router = 0xE0;  // the last byte of its address
-
 class Routing : public support::PipelineTest {
  protected:
   Routing() {
@@ -74,9 +72,9 @@ TEST_F(Routing, ShowsRulesOnTheWayOutWhatItMade) {
 
   host("20.0.0.3", {.interface = out, .next_hop = mac(0x33), .port = 3});
   chip.port_forwarding.set_untagged_vlan(1, 10);
-  const auto untagged = [](int hops) { return Frame(1, router).ip("10.0.0.1", "20.0.0.3", hops).udp(5, 6); };
-  EXPECT_EQ(send(1, untagged(63)), "3: e0>33 [20] 10.0.0.1>20.0.0.3 ttl 62 udp 5>6\n");
-  EXPECT_EQ(send(1, untagged(64)), "");
+  const auto without_tag = [](int hops) { return Frame(1, router).ip("10.0.0.1", "20.0.0.3", hops).udp(5, 6); };
+  EXPECT_EQ(send(1, without_tag(63)), "3: e0>33 [20] 10.0.0.1>20.0.0.3 ttl 62 udp 5>6\n");
+  EXPECT_EQ(send(1, without_tag(64)), "");
 }
 
 TEST_F(Routing, SendsAPacketBackOutOfItsPort) {
