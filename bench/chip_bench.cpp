@@ -68,7 +68,7 @@ bcm_vlan_port_t virtual_port(int i) {
   bcm_vlan_port_t result;
   bcm_vlan_port_t_init(&result);
   result.criteria = BCM_VLAN_PORT_MATCH_PORT_VLAN_STACKED;
-  result.port = BCM_GPORT_TYPE_LOCAL << 26 | port;
+  result.port = static_cast<bcm_gport_t>(BCM_GPORT_TYPE_LOCAL << 26) | port;
   result.match_vlan = static_cast<bcm_vlan_t>(1 + i / 1024);
   result.match_inner_vlan = static_cast<bcm_vlan_t>(1 + i % 1024);
   return result;

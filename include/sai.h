@@ -10,10 +10,12 @@
  *   port).
  * - The result is #SAI_E_NONE (0) or a negative code of #sai_result. A code comes from the Chip SDK's result by
  *   sdk_to_sai(), or from the library itself when it refuses an argument without asking the chip.
- * - A failed SDK call is logged once, at level "errors", with a message that ends with the SDK's text for the failure
- *   (in the messages of sai_vlan_vport_init() and on the flood groups of a VLAN a full stop follows; the LED messages
- *   have no such text).
- * - Output arguments are written on success only.
+ * - A failed SDK call, one with a negative result, is logged once, at level "errors", with a message that ends with the
+ *   SDK's text for the failure. Where a message ends otherwise, or has no such text, the function's comment says so.
+ * - Output arguments are written when the result is 0, and only then. What a function lets the SDK write ("from the SDK
+ *   itself") holds, after any other result, whatever the SDK left there.
+ * - A positive result of an SDK call, which the SDK is not known to give, is neither failure nor success: it is not
+ *   logged and the work goes on, and where that call decides the result is -1 and no output is written.
  * - A null pointer is refused with #SAI_E_PARAM, as the Chip SDK refuses one, and logged as a failed SDK call of the
  *   function would be. Where the library itself reads or writes through it, that is before the first SDK call.
  * - Nothing is rolled back. An operation of several steps that fails in the middle leaves what it had done in the chip.
@@ -21,6 +23,8 @@
  *   unguarded: the log with its time stamp, the entry of sai_lldp_set(), the flood groups of sai_vlan_vport_init() and
  *   #hw_counters_table. Threads that share it take turns under a lock of the application's; the log functions are calls
  *   like all others.
+ * - After sai_switch_chip_init() a forked child calls `exec` or `_exit` and nothing of the library. A log line for a
+ *   closed pipe raises SIGPIPE, which is the application's to ignore.
  * - Callbacks run on threads of the Chip SDK, at the same time as the application's calls and as each other: those of
  *   links on its link scan thread, those of MAC addresses on its L2 thread. The library only passes their arguments on
  *   there; it remembers and logs nothing. A callback that calls the library is one more caller and takes its turn. One
@@ -117,7 +121,7 @@ SAI_API sai_log_handle* open_sai_log(const char* ident, int32_t module, int32_t 
 /**
  * Closes a log: the connection to the system log, then the handle's file, its file name and the handle itself.
  *
- * #sai_log_default is left as it is; clear it when it pointed here.
+ * #sai_log_default is left as it is; clear it when it pointed to this log.
  *
  * @param log  a handle of open_sai_log(), not null
  */
@@ -143,35 +147,35 @@ SAI_API int32_t sai_level_match(const char* text);
 #define SAI_PRINTF __attribute__((format(printf, 1, 2)))
 
 /**
- * Logs a message at level 3, "errors"; none without a format. `errno` stays as it was, here and in the four below.
+ * Logs a message at level 3, "errors"; none without a format. `errno` stays as it was.
  *
  * @param format  printf format, without a line end
  */
 SAI_API void sai_err(const char* format, ...) SAI_PRINTF;
 
 /**
- * Logs a message at level 4, "warnings".
+ * Logs a message at level 4, "warnings"; none without a format. `errno` stays as it was.
  *
  * @param format  printf format, without a line end
  */
 SAI_API void sai_warn(const char* format, ...) SAI_PRINTF;
 
 /**
- * Logs a message at level 5, "notifications".
+ * Logs a message at level 5, "notifications"; none without a format. `errno` stays as it was.
  *
  * @param format  printf format, without a line end
  */
 SAI_API void sai_notice(const char* format, ...) SAI_PRINTF;
 
 /**
- * Logs a message at level 6, "informational".
+ * Logs a message at level 6, "informational"; none without a format. `errno` stays as it was.
  *
  * @param format  printf format, without a line end
  */
 SAI_API void sai_info(const char* format, ...) SAI_PRINTF;
 
 /**
- * Logs a message at level 7, "debugging".
+ * Logs a message at level 7, "debugging"; none without a format. `errno` stays as it was.
  *
  * @param format  printf format, without a line end
  */
@@ -242,7 +246,8 @@ SAI_API int32_t sai_sh_process_command(int32_t unit, char* command);
  *
  * Every step but the unit's own initialization is tried whatever became of the ones before; failures are logged. Three
  * go to standard output: that of the unit's initialization, which ends the work on this unit, and those of the two
- * steps that reserve IPv6 multicast addresses. The results of `sdk_main` and `bcm_policer_init` are not looked at.
+ * steps that reserve IPv6 multicast addresses. In the messages of sai_vlan_vport_init() a full stop follows the SDK's
+ * text. The results of `sdk_main` and `bcm_policer_init` are not looked at.
  *
  * @param system_mac  the switch's own MAC address, 6 bytes; without it there is no "ethv0", which is logged
  * @return 0, also when there is no unit; or for the last unit the converted result of `system_init` or of setting
@@ -350,7 +355,7 @@ SAI_API void sai_serial_led_config(int32_t unit);
  * @param vid        VLAN of the address
  * @param port       its port
  * @param mac        the address, 6 bytes, valid during the call only
- * @param operation  `BCM_L2_CALLBACK_DELETE` or `BCM_L2_CALLBACK_ADD`
+ * @param operation  `BCM_L2_CALLBACK_DELETE` (0): the address left the table; `BCM_L2_CALLBACK_ADD` (1): it entered it
  */
 typedef void (*sai_l2_event_cb)(uint16_t vid, int32_t port, uint8_t* mac, int32_t operation);
 
@@ -358,15 +363,20 @@ typedef void (*sai_l2_event_cb)(uint16_t vid, int32_t port, uint8_t* mac, int32_
  * Has a function called when a link of any unit goes up or down. It runs on the Chip SDK's link scan thread. To be
  * called after sai_switch_chip_init(): units that are not attached yet are passed over.
  *
+ * The function is one of the SDK's type, `void handler(int unit, bcm_port_t port, bcm_port_info_t* info)`: the unit and
+ * the port number, and a record, valid during the call only, whose `linkstatus` is 1 for a link that went up and 0 for
+ * one that went down.
+ *
  * @param handler  the function
  * @return always 0; a unit that refuses is logged
  */
 SAI_API int32_t sai_register_link_service(bcm_linkscan_handler_t handler);
 
 /**
- * Has a function called when an address enters or leaves the MAC table. To be called after sai_switch_chip_init().
+ * Has a function called when an address enters or leaves the MAC table. It runs on the Chip SDK's L2 thread. To be
+ * called after sai_switch_chip_init().
  *
- * @param callback  the function; null is taken, and its events are dropped
+ * @param callback  the function; null is accepted, and its events are dropped
  * @return 0, or the converted result of `bcm_l2_addr_register`
  */
 SAI_API int32_t sai_register_l2_service(int32_t unit, sai_l2_event_cb callback);
@@ -697,7 +707,8 @@ typedef struct sai_storm_ctrl {
 } sai_storm_ctrl;
 
 /**
- * Limits one kind of frames that a port receives. The limit is ended by the function for its kind above.
+ * Limits one kind of frames that a port receives. The limit is ended by the function for its kind:
+ * sai_rate_mcast_set(), sai_rate_bcast_set() or sai_rate_dlfbc_set().
  *
  * @param port     port number; its low 16 bits count
  * @param request  kind and rate; of an unknown kind the chip is not asked
@@ -897,8 +908,8 @@ SAI_API int32_t sai_port_phy_fec_get(int32_t unit, int32_t port, int32_t fec_typ
  * Switches the decision feedback equaliser of a port.
  *
  * @param port      port number
- * @param dfe_type  1 the full one, 2 low power, 3 `BCM_PORT_PHY_CONTROL_FIRMWARE_BR_DFE_ENABLE`; any other value means
- * 1
+ * @param dfe_type  1 the full one, 2 the low-power one, 3 that of `BCM_PORT_PHY_CONTROL_FIRMWARE_BR_DFE_ENABLE`; any
+ *                  other value means 1
  * @param value     passed to the PHY as it is
  * @return 0, or the converted result of `bcm_port_phy_control_set`
  */
@@ -908,8 +919,8 @@ SAI_API int32_t sai_port_phy_dfe_set(int32_t unit, int32_t port, int32_t dfe_typ
  * Reads the decision feedback equaliser of a port.
  *
  * @param port      port number
- * @param dfe_type  1 the full one, 2 low power, 3 `BCM_PORT_PHY_CONTROL_FIRMWARE_BR_DFE_ENABLE`; any other value means
- * 1
+ * @param dfe_type  1 the full one, 2 the low-power one, 3 that of `BCM_PORT_PHY_CONTROL_FIRMWARE_BR_DFE_ENABLE`; any
+ *                  other value means 1
  * @param value     receives the setting, from the SDK itself
  * @return 0, or the converted result of `bcm_port_phy_control_get`
  */
@@ -1014,7 +1025,8 @@ SAI_API int32_t sai_port_mib_read(int32_t unit, int32_t port, uint64_t values[18
 /**
  * Reads the chip's temperature sensors, as two texts in degrees Celsius with one decimal.
  *
- * The sign of a temperature between -1 and 0 degree is lost. Of chip type 50 the last sensor is left out.
+ * The sign of a temperature between -1 and 0 degree is lost. Of chip type 50 the last sensor is left out. No more than
+ * 160 sensors are read. A failure is logged with the words of sai_vlan_init().
  *
  * @param avg_buf  receives the average of what the sensors show now, as " 41.1": the whole part is padded to 3
  *                 characters; written on success only
@@ -1040,9 +1052,9 @@ enum sai_l2_mac_flag {
 /** What sai_l2_addr_show() writes to sai_l2_mac_entry_t::flags for an entry of a trunk that is not static. */
 #define SAI_L2_MAC_TRUNK 0xFFFFFFFFU
 
-/** An entry of the MAC table, or what a function needs of one: which fields it takes and writes is said there. */
+/** An entry of the MAC table, or what a function needs of one; each function says which fields it takes and writes. */
 typedef struct sai_l2_mac_entry_t {
-  uint32_t is_vport;  /**< its low byte is 1 after sai_l2_addr_show() met a virtual port; never cleared */
+  uint32_t is_vport;  /**< its low byte is 1 after sai_l2_addr_show() found a virtual port; never cleared */
   uint32_t flags;     /**< #sai_l2_mac_flag bits, or the SDK's flags of a deletion */
   uint8_t mac[6];     /**< the address */
   uint32_t vlan;      /**< VLAN id; its low 16 bits count */
@@ -1154,7 +1166,7 @@ SAI_API int32_t sai_l2_addr_logic_port_get(int32_t unit, sai_l2_mac_entry_t* ent
 /** A limit of how many addresses are learned, in one scope or several. */
 typedef struct sai_l2_learn_limit_t {
   /** Scopes: `BCM_L2_LEARN_LIMIT_SYSTEM` (0x1), `..._VLAN` (0x2), `..._PORT` (0x4), `..._TRUNK` (0x8), `..._TUNNEL`
-   *  (0x80). What becomes of frames above the limit: `..._ACTION_DROP` (0x10), `..._ACTION_CPU` (0x20),
+   *  (0x80). What becomes of frames beyond the limit: `..._ACTION_DROP` (0x10), `..._ACTION_CPU` (0x20),
    *  `..._ACTION_PREFER` (0x40). */
   uint32_t flags;
   uint16_t vlan;     /**< VLAN id, for `BCM_L2_LEARN_LIMIT_VLAN` */
@@ -1175,7 +1187,7 @@ SAI_API int32_t sai_l2_mac_learn_limit_init(sai_l2_learn_limit_t* limit);
 /**
  * Sets a learn limit.
  *
- * @param limit  the limit; of `flags` the eight bits named there count
+ * @param limit  the limit; of `flags` the bits of scopes and actions count
  * @return 0, or the converted result of `bcm_l2_learn_limit_set`
  */
 SAI_API int32_t sai_l2_mac_learn_limit_set(int32_t unit, const sai_l2_learn_limit_t* limit);
@@ -1219,12 +1231,13 @@ SAI_API int32_t sai_l2_mac_learn_limit_disable(int32_t unit);
 SAI_API int32_t sai_l2_addr_show(int32_t unit, sai_l2_mac_entry_t* entries);
 
 /**
- * Tells how full the MAC table is. Logs both numbers at level "debugging".
+ * Tells how full the MAC table is. Logs both numbers at level "debugging". The message of a failure ends with a newline
+ * of its own behind the SDK's text.
  *
  * @param max      receives the number of entries that the table has room for; written on success only
  * @param current  receives the number of entries in it; written on success only
- * @return 0; -1 for a chip that keeps no such count, of which none is known; or the converted result of
- *         `bcm_switch_object_count_multi_get`
+ * @return 0; -1 for a chip that keeps no such count, of which none is known, logged without a text of the SDK's; or the
+ *         converted result of `bcm_switch_object_count_multi_get`
  */
 SAI_API int32_t sai_l2_info(int32_t unit, int32_t* max, int32_t* current);
 
@@ -1283,9 +1296,9 @@ SAI_API int32_t sai_trunk_destroy(int32_t unit, int32_t tid);
  * @param tid            trunk id
  * @param psc            hash selector of sai_hash_to_sdk()
  * @param member_bitmap  the ports: bit 0 is port 1 and so on to bit 30, which is port 31; bit 31 is port 0
- * @param member_count   how many members the trunk gets, lowest port first, up to 256; a larger count is refused
- *                       without asking the chip. Should be the number of bits: a smaller one leaves members out, a
- *                       larger one adds members without a port
+ * @param member_count   how many members the trunk gets, lowest port first, up to 256; a larger count is refused in
+ *                       place of `bcm_trunk_set`, after the ports were looked up in the chip. Should be the number of
+ *                       bits: a smaller one leaves members out, a larger one adds members without a port
  * @return 0; -5 for a count above 256; or the converted result of the failed `bcm_stk_my_modid_get`,
  *         `bcm_stk_modmap_map` or `bcm_trunk_set`
  */
@@ -1353,7 +1366,7 @@ SAI_API int32_t sai_mirror_source_port_set(int32_t unit, int32_t session, int32_
  *
  * @param session  session number, 0 or more; the caller chooses it
  * @param port     port number
- * @param mode     as it was set
+ * @param mode     #sai_mirror_mode bits, as they were set
  * @return 0, or the converted result of the failed `bcm_mirror_destination_get` or `bcm_mirror_port_dest_delete`, -7
  *         (no such session) among them
  */
@@ -1367,9 +1380,10 @@ SAI_API int32_t sai_mirror_source_port_unset(int32_t unit, int32_t session, int3
  * of groups and entries; the caller keeps them and passes them back. Groups are made once, before their entries, and
  * there is no function that ends one.
  *
- * All functions of this section work alike: they create the group, give it its priority where the comment says so, and
- * enable it. When a later step fails the group stays, disabled, and its id is lost. The results are 0, or the converted
- * result of the failed `bcm_field_group_create`, `bcm_field_group_priority_set` or `bcm_field_group_enable_set`.
+ * The functions that create groups work alike: they create the group, give a group of access control lists its id as
+ * its priority, and enable it. When a later step fails the group stays, disabled, and its id is lost. The results are
+ * 0, or the converted result of the failed `bcm_field_group_create`, `bcm_field_group_priority_set` or
+ * `bcm_field_group_enable_set`.
  */
 
 /**
@@ -1531,10 +1545,9 @@ typedef struct sai_acl_rule_t {
 /**
  * Installs an L2 rule on a port: MAC addresses, outer VLAN and EtherType. The entry's priority is its id.
  *
- * This and the three functions below install one kind of rule each and are otherwise the same. A step that fails ends
- * the work and leaves what was built in the group, uninstalled, for sai_fp_entry_destroy(). A direction or a kind of IP
- * packet that is not known is found after the entry was created. What becomes of the type of service and of the IP
- * addresses is not looked at.
+ * A step that fails ends the work and leaves the entry in the group, uninstalled, for sai_fp_entry_destroy(); so does a
+ * direction that is not known, which is found after the entry was created. Each step is looked at: a rule that is
+ * installed compares all that it says.
  *
  * @param port       port number
  * @param direction  a #sai_acl_direction
@@ -1552,6 +1565,14 @@ SAI_API int32_t sai_acl_l2_entry_install(int32_t unit, int32_t port, int32_t dir
 /**
  * Installs a standard L3 rule on a port: kind of IP packet and source address. The entry's priority is its id.
  *
+ * A step that fails ends the work and leaves the entry in the group, uninstalled, for sai_fp_entry_destroy(); so does a
+ * direction or a kind of IP packet that is not known, which is found after the entry was created.
+ *
+ * One step is not looked at: when the source address cannot be matched, the rule is installed without that match, for
+ * all addresses, and neither a log line nor the result tells. A group that has no such match does so: rules of IPv4
+ * belong into a group of sai_ifp_mac_ipv4_group_create() or sai_efp_mac_ipv4_group_create(), those of IPv6 into one of
+ * sai_ifp_mac_ipv6_group_create() or sai_efp_mac_ipv6_group_create().
+ *
  * Arguments and results are those of sai_acl_l2_entry_install().
  */
 SAI_API int32_t sai_acl_std_l3_entry_install(int32_t unit, int32_t port, int32_t direction, int32_t group,
@@ -1561,6 +1582,14 @@ SAI_API int32_t sai_acl_std_l3_entry_install(int32_t unit, int32_t port, int32_t
  * Installs an extended L3 rule on a port: kind of IP packet, IP protocol, type of service, addresses, TCP and UDP
  * ports. The entry's priority is its id.
  *
+ * A step that fails ends the work and leaves the entry in the group, uninstalled, for sai_fp_entry_destroy(); so does a
+ * direction or a kind of IP packet that is not known, which is found after the entry was created.
+ *
+ * Three steps are not looked at: when the type of service, the source or the destination address cannot be matched, the
+ * rule is installed without that match, and neither a log line nor the result tells. A group that has no such match
+ * does so: rules of IPv4 belong into a group of sai_ifp_mac_ipv4_group_create() or sai_efp_mac_ipv4_group_create(),
+ * those of IPv6 into one of sai_ifp_mac_ipv6_group_create() or sai_efp_mac_ipv6_group_create().
+ *
  * Arguments and results are those of sai_acl_l2_entry_install().
  */
 SAI_API int32_t sai_acl_ext_l3_entry_install(int32_t unit, int32_t port, int32_t direction, int32_t group,
@@ -1568,6 +1597,14 @@ SAI_API int32_t sai_acl_ext_l3_entry_install(int32_t unit, int32_t port, int32_t
 
 /**
  * Installs an L2+L3 rule on a port: what an L2 rule and an extended L3 rule compare. The entry's priority is its id.
+ *
+ * A step that fails ends the work and leaves the entry in the group, uninstalled, for sai_fp_entry_destroy(); so does a
+ * direction or a kind of IP packet that is not known, which is found after the entry was created.
+ *
+ * Three steps are not looked at: when the type of service, the source or the destination address cannot be matched, the
+ * rule is installed without that match, and neither a log line nor the result tells. A group that has no such match
+ * does so: rules of IPv4 belong into a group of sai_ifp_mac_ipv4_group_create() or sai_efp_mac_ipv4_group_create(),
+ * those of IPv6 into one of sai_ifp_mac_ipv6_group_create() or sai_efp_mac_ipv6_group_create().
  *
  * Arguments and results are those of sai_acl_l2_entry_install().
  */
@@ -1587,8 +1624,8 @@ SAI_API int32_t sai_fp_entry_destroy(int32_t unit, int32_t entry);
 /* ---------------------------------------------------------------------------------------- Protocol traps ---------- */
 
 /*
- * Each function that installs a rule creates one field entry in a group of the caller's, matches, acts and installs.
- * The first step that fails ends the work; what was built stays in the group, uninstalled, and its id is lost. A second
+ * A function that installs a trap creates one field entry in a group of the caller's, matches, acts and installs. The
+ * first step that fails ends the work; what was built stays in the group, uninstalled, and its id is lost. A second
  * call installs a second entry. Entries keep the SDK's default priority, but for those of DHCP, which have priority 3.
  * They are ended by sai_fp_entry_destroy(). "To the CPU" is to the port that the SDK tells for the unit's CPU.
  *
@@ -1764,7 +1801,8 @@ SAI_API int32_t sai_ipsg_init(int32_t unit, int32_t* group);
  * Always on unit 0.
  *
  * An entry that exists is moved to the port; its VLAN stays. All failures have one message, that of
- * `bcm_field_entry_reinstall`. A step that fails ends the work and leaves what was built in the group, uninstalled.
+ * `bcm_field_entry_reinstall`. A step that fails ends the work and leaves what was built in the group, uninstalled, and
+ * its id is lost.
  *
  * @param group    id of the group of sai_ipsg_init(); of an entry that exists, for messages only
  * @param vlan     outer VLAN id, the low 12 bits; 0 is compared like any other
@@ -1781,12 +1819,12 @@ SAI_API int32_t sai_ipsg_verify_config(int32_t group, int32_t vlan, int32_t igno
  * refuses 3). Always on unit 0.
  *
  * An entry that exists is moved to the port; its VLAN and its source stay. A step that fails ends the work and leaves
- * what was built in the group, uninstalled.
+ * what was built in the group, uninstalled, and its id is lost.
  *
  * @param group        id of the group of sai_ipsg_init(); of an entry that exists, for messages only
  * @param src_ip       source address in network order; 0: any
  * @param src_ip_mask  mask of the address in host order
- * @param vlan         outer VLAN id, the low 12 bits; 0 and below: any
+ * @param vlan         outer VLAN id, the low 12 bits; 0 or less: any
  * @param ignored      has no effect
  * @param port         port number
  * @param entry        in: 0 or less to create an entry, or the id of the entry to move. Out: the id of the new entry;
@@ -1928,7 +1966,8 @@ SAI_API int32_t sai_vlan_dtag_add(int32_t unit, int32_t port, int32_t inner_vid,
                                   int32_t outer_vid, int32_t prio);
 
 /**
- * Deletes what sai_vlan_dtag_add() added; the way out only when the way in could be deleted.
+ * Deletes what sai_vlan_dtag_add() added; the way out only when the way in could be deleted. When the way out fails the
+ * way in is gone.
  *
  * @param port       port number
  * @param inner_vid  VLAN id of the inner tag; its low 16 bits count
@@ -1942,6 +1981,8 @@ SAI_API int32_t sai_vlan_dtag_delete(int32_t unit, int32_t port, int32_t inner_v
  * Double tagging of a range of inner VLANs, which all gain the same outer tag on the way in and lose it on the way out.
  * The way out has no priority, so what stands where sai_vlan_dtag_add() has it is ignored.
  *
+ * When the way in fails the way out is not tried; when the way out fails the way in stays.
+ *
  * @param port       port number
  * @param inner_lo   lowest VLAN id of the inner tag; its low 16 bits count
  * @param inner_hi   highest VLAN id of the inner tag; its low 16 bits count
@@ -1954,7 +1995,8 @@ SAI_API int32_t sai_vlan_dtag_range_add(int32_t unit, int32_t port, int32_t inne
                                         int32_t outer_vid, int32_t prio);
 
 /**
- * Deletes what sai_vlan_dtag_range_add() added; the way out only when the way in could be deleted.
+ * Deletes what sai_vlan_dtag_range_add() added; the way out only when the way in could be deleted. When the way out
+ * fails the way in is gone.
  *
  * @param port       port number
  * @param inner_lo   lowest VLAN id of the inner tag; its low 16 bits count
@@ -2044,7 +2086,7 @@ SAI_API int32_t sai_vlan_subnet_clear(int32_t unit);
 /* ---------------------------------------------------------------------------------- Spanning-tree groups ---------- */
 
 /**
- * Initializes the chip's spanning-tree groups. To be called once per unit before the other functions of groups.
+ * Initializes the chip's spanning-tree groups. To be called once per unit before the other functions of these groups.
  *
  * @return 0, or the converted result of `bcm_stg_init`
  */
@@ -2202,9 +2244,15 @@ SAI_API int32_t sai_l3_intf_delete_all(int32_t unit);
  * it is behind the CPU port, the route points at an egress object, which is found or made as well; equal next hops
  * share one.
  *
+ * A route that takes the place of another leaves the other's egress object: after a host has moved, to another port or
+ * another MAC address, that egress object stays, without a route that points at it. Delete the route of a host that has
+ * moved with sai_l3_host_route_delete(), then create it. An interface and an egress object that were made stay as well
+ * when a later step fails.
+ *
  * A VLAN without interface is logged without the SDK's text ("can't find l3 interface vlan %d"), and so is a failed
  * lookup behind a virtual port ("can't add l3 interface out vlan %d", which also follows a failed creation's own
- * message); with `dtag` only a failed creation is logged. A failed lookup of the egress object is a trace.
+ * message); with `dtag` only a failed creation is logged. A failed lookup of the egress object is a trace. Where a full
+ * table refuses the host, ", beacuse of hash conflict" follows the SDK's text.
  *
  * @param ip          the host's IPv4 address in host byte order
  * @param router_mac  MAC address of an interface that is made, 6 bytes
@@ -2223,10 +2271,16 @@ SAI_API int32_t sai_l3_host_route_create(int32_t unit, uint32_t ip, const uint8_
 /**
  * Deletes the route to one host.
  *
- * In L3 egress mode what the route pointed at goes too, whether or not another route shares it: the egress object and,
- * of a next hop on a virtual port, the interface that has the egress object's number; with `dtag` the interface of that
- * number again. How that ends is logged and does not show in the result. A route that is not found is logged without
- * the SDK's text.
+ * In L3 egress mode the library then tells the chip to end what the route pointed at, whether or not another route
+ * shares it: of a next hop on a virtual port the interface that has the egress object's number, then the egress object,
+ * and with `dtag` the interface of that number again. A chip that keeps what is in use refuses,
+ * mostly with `BCM_E_BUSY`: that is logged and harmless, and the last route that shares the egress object takes it
+ * along. How all that ends does not show in the result.
+ *
+ * The egress object stays when the chip no longer knows the next hop's MAC address, as after it has aged out: delete a
+ * route while the address is known. Of a next hop on a virtual port it stays, with the interface that was made for it,
+ * where no interface has its number, as on a chip that numbers the two apart. A route that is not found is logged
+ * without the SDK's text, and so is an interface that cannot be ended, after a message of its own.
  *
  * @param ip    the host's IPv4 address in host byte order
  * @param dtag  non-zero: the host is double-tagged
@@ -2242,6 +2296,12 @@ SAI_API int32_t sai_l3_host_route_delete(int32_t unit, uint32_t ip, uint8_t dtag
  * route that points at the very interface, with the same port and next-hop MAC address, and is no local route, is left
  * alone, even when `nexthop_ip` differs; in L3 egress mode a route points at an egress object and is made anew. A
  * failed `bcm_stk_my_modid_get` is a trace, and a failed deletion is logged without the SDK's text and passed over.
+ * Where a full table refuses the route, ", because of hash conflict" follows the SDK's text.
+ *
+ * The route that is deleted first leaves its egress object: when the next hop is another one, or has moved to another
+ * port or MAC address, that egress object stays, without a route that points at it. Delete such a route with
+ * sai_l3_subnet_route_delete(), then create it. An interface and an egress object that were made stay as well when a
+ * later step fails.
  *
  * @param subnet       the subnet's IPv4 address in host byte order
  * @param mask         its mask in host byte order
@@ -2260,6 +2320,11 @@ SAI_API int32_t sai_l3_subnet_route_create(int32_t unit, uint32_t subnet, uint32
 
 /**
  * Deletes the route to a subnet, and what it pointed at as sai_l3_host_route_delete() does.
+ *
+ * The egress object stays when the chip no longer knows the next hop's MAC address, as after it has aged out: delete a
+ * route while the address is known. Of a next hop on a virtual port it stays, with the interface that was made for it,
+ * where no interface has its number. A route that is not found is logged without the SDK's text, and so is an interface
+ * that cannot be ended, after a message of its own.
  *
  * @param subnet  the subnet's IPv4 address in host byte order
  * @param mask    its mask in host byte order
@@ -2294,7 +2359,8 @@ SAI_API int32_t sai_l3_subnet_route_hit_get(uint32_t subnet, uint32_t mask);
  *
  * Copies to ports 0 to 8 are tagged with the member's VLAN; to higher ports they have outer VLAN 4095 and the member's
  * VLAN inside. Interfaces are found or made, and outlive the group. Until the interface of the member's own tags is at
- * hand a failure is logged and the work goes on, with 0 for what could not be had.
+ * hand a failure is logged and the work goes on, with 0 for what could not be had. A group that was made stays, without
+ * members, when the member cannot be added; sai_multicast_destroy() ends it, unless its entry could not be added.
  *
  * @param vlan        VLAN of the group; its low 16 bits count
  * @param group       the group's IPv4 address in host byte order
@@ -2311,7 +2377,7 @@ SAI_API int32_t sai_multicast_egress_add(int32_t unit, int32_t vlan, uint32_t gr
  * Takes a member from a multicast group. The last one takes the group along, as sai_multicast_destroy() does.
  *
  * An interface or an encapsulation that cannot be found is logged and the work goes on, with 0 in its place. When the
- * members that are left cannot be counted, which is a trace only, the group is destroyed as well.
+ * SDK does not tell how many members are left, which is a trace only, the group stays; sai_multicast_destroy() ends it.
  *
  * @param vlan      VLAN of the group; its low 16 bits count
  * @param group     the group's IPv4 address in host byte order
@@ -2340,7 +2406,10 @@ SAI_API int32_t sai_multicast_destroy(int32_t unit, int32_t vlan, uint32_t group
  * Adds a member to a multicast group, which is made when it is not there, on the given unit. Every failure ends it.
  *
  * Unlike with sai_multicast_egress_add(), port 8 is double-tagged already, the interface of the member always has a TTL
- * threshold of 2, and a group that is there already is logged at level "errors", though it is no failure.
+ * threshold of 2, and a group that is there already is logged at level "errors", though it is no failure. In the
+ * messages of failures a full stop follows the SDK's text. Interfaces outlive the group, and a group that was made
+ * stays, without members, when a later step fails; sai_multicast_destroy() ends it, unless its entry could not be
+ * added.
  *
  * @param vlan       VLAN of the group; its low 16 bits count
  * @param user_vlan  the member's VLAN; its low 16 bits count
@@ -2376,7 +2445,9 @@ SAI_API int32_t sai_esw_vlan_mcast_flood_set(int32_t unit, int32_t mode, uint16_
 /**
  * Adds a member to the multicast group of a source, which is made when it is not there. Every failure ends it.
  *
- * Works as sai_ipmc_add() does; a group that is there already is a trace.
+ * Works as sai_ipmc_add() does; a group that is there already is a trace. Interfaces outlive the group, and a group
+ * that was made stays, without members, when a later step fails; sai_ipv6_multicast_destroy() ends it, unless its entry
+ * could not be added.
  *
  * @param vlan       VLAN of the group
  * @param user_vlan  the member's VLAN
@@ -2392,7 +2463,8 @@ SAI_API int32_t sai_ipv6_ipmc_add(int32_t unit, uint16_t vlan, uint16_t user_vla
 
 /**
  * Takes a member from the multicast group of a source. The last one takes the group along, as
- * sai_ipv6_multicast_destroy() does. Every failure ends it; that of counting the members is not logged.
+ * sai_ipv6_multicast_destroy() does. Every failure ends it. When the SDK does not tell how many members are left, which
+ * is not logged, the group stays; sai_ipv6_multicast_destroy() ends it.
  *
  * @param vlan       VLAN of the group
  * @param group      the group's IPv6 address, 16 bytes
@@ -2446,7 +2518,7 @@ SAI_API int32_t sai_ipv6_esw_vlan_mcast_flood_set(int32_t unit, uint16_t vlan, u
  * ones stay.
  *
  * No failure ends the work; each is logged, but for that of the policers. A VLAN 4095 that exists already is logged as
- * well, and shows in the result only when there is no port.
+ * well, and shows in the result only when there is no port. In the messages a full stop follows the SDK's text.
  *
  * @return 0, or the converted result of adding the last port to VLAN 4095, or of creating it when there is no port;
  *         what came before does not show
@@ -2459,7 +2531,7 @@ SAI_API int32_t sai_vlan_vport_init(int32_t unit);
  * the chip; 0 means none.
  */
 typedef struct sai_vport_t {
-  int32_t priority;    /**< priority on both ways, kept as its network groups: 0 to 7, above means 7, negative: none */
+  int32_t priority;    /**< priority on both ways, kept as its network groups: 0 to 7, more means 7, negative: none */
   uint16_t match_vlan; /**< VLAN of the outer tag, on the way in and again on the way out */
   uint16_t match_inner_vlan; /**< VLAN of the inner tag; 0: frames with an outer tag alone */
   uint16_t vlan;             /**< internal VLAN: the only one, or that of the inner tag where outer_vlan is given */
@@ -2478,7 +2550,8 @@ typedef struct sai_vport_t {
  *
  * A failure to read the untagged VLAN ends the work before anything is made. No other failure does: each is logged, and
  * what follows is tried. What cannot be read is taken as 0: the port's gport, an encapsulation, the properties of the
- * internal VLAN, which is then written with the flood groups alone.
+ * internal VLAN, which is then written with the flood groups alone. In the messages on these properties a full stop and
+ * a newline follow the SDK's text.
  *
  * @param port   number of the physical port
  * @param vport  the virtual port; its `vport_id` is written, after a failure to create it too (0 then, as a rule), but
@@ -2548,8 +2621,8 @@ SAI_API int32_t sai_vport_fp_policer_set(int32_t unit, int32_t entry_id, int32_t
  * @param policer_id    receives the policer's id
  * @param ckbits_sec    receives the committed rate in kbit/s
  * @param pkbits_sec    receives the peak rate in kbit/s
- * @param cburst_bytes  receives the committed burst in bytes, rounded down; its bits are counted modulo 2^32, so a
- *                      burst reads back modulo 2^29
+ * @param cburst_bytes  receives the committed burst in bytes, rounded down; of a burst set by other means that has more
+ *                      than 32 bits, the low 32
  * @param pburst_bytes  receives the peak burst in bytes, likewise
  * @return 0, or the converted result of the failed `bcm_field_entry_policer_get` or `bcm_policer_get`
  */

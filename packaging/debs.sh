@@ -37,6 +37,9 @@ for package in "${packages[@]}"; do
   if [ -e "$packaging/$package.lintian-overrides" ]; then
     install -D -m 644 "$packaging/$package.lintian-overrides" "$package/usr/share/lintian/overrides/$package"
   fi
+  if [ -e "$packaging/$package.prerm" ]; then
+    install -m 755 "$packaging/$package.prerm" "$package/DEBIAN/prerm"
+  fi
 done
 
 # A change of what is exported ends here, until it is written into the kept file.

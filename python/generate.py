@@ -14,7 +14,8 @@ class BadHeader(Exception):
 
 
 def parameter_of(text, comment):
-    """A parameter as (name, C type, role): "in", "out" for what the function answers, or "inout"."""
+    """A parameter as (name, C type, role): "in", "needed" when it may not be null, "out" for what the function answers,
+    or "inout"."""
     match = re.fullmatch(r"\s*(.+?)([a-z_0-9]+)(?:\[(\d+)\])?\s*", text)
     if not match:
         raise BadHeader(f"cannot read the parameter {text!r}")
@@ -24,10 +25,12 @@ def parameter_of(text, comment):
     if c_type == "const uint8_t*":
         bytes_of_it = 16 if re.search(rf"@param {name} [^@]* 16 bytes", comment) else 6
         return name, f"const uint8_t[{bytes_of_it}]", "in"
+    if re.search(rf"@param {name} [^@]*without a bound", comment):
+        return name, f"{c_type[:-1]}[]", "out"
     taken = re.search(rf"@param {name}\s+(takes|in:) ", comment)
     if c_type.endswith("*") and INTEGER.fullmatch(c_type[:-1]):
         return name, c_type, "inout" if taken else "out"
-    return name, c_type, "in"
+    return name, c_type, "needed" if re.search(rf"@param {name} [^@]*, not null", comment) else "in"
 
 
 def functions_of(text):

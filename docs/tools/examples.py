@@ -38,7 +38,7 @@ class Page:
         self.path, self.saish, self.compiler = path, saish, compiler
         self.text = path.read_text()
         self.changes = []  # start, end, text
-        listed = output_of([saish, "-c", "help"])[1]
+        listed = output_of([saish, "-c", "help all"])[1]
         self.commands = set(re.findall(r"^  (\w+)", listed, re.MULTILINE))
 
     def compare(self, start, shown, came):

@@ -1,9 +1,12 @@
 #!/usr/bin/env python3
 """Writes the manual pages from include/sai.h: a page for each function and variable, and sai(7).
 
-usage: manual.py DIRECTORY [VERSION]
+usage: manual.py DIRECTORY [VERSION [DOCUMENTS]]
 
-Makes DIRECTORY/man1, man3 and man7. A comment of the header that leaves an argument or a result untold is an error.
+Makes DIRECTORY/man1, man3 and man7. DOCUMENTS is where messages.md is installed, below the installation's prefix.
+
+An error is a comment of the header that leaves an argument, a result or an unusual end of a message untold, and one that
+points to a place that its page does not have.
 """
 
 import os
@@ -23,7 +26,13 @@ SAME = re.compile(r"Arguments and results are those of (\w+)\(\)\.?")
 # What the names of functions that belong together end with.
 PAIRS = [("_set", "_get"), ("_get", "_set"), ("_set", "_unset"), ("_unset", "_set"), ("_add", "_del"), ("_del", "_add"),
          ("_add", "_delete"), ("_delete", "_add"), ("_create", "_destroy"), ("_destroy", "_create"),
-         ("_create", "_delete"), ("_delete", "_create")]
+         ("_create", "_delete"), ("_delete", "_create"), ("_add", "_remove"), ("_remove", "_add"),
+         ("_enable", "_disable"), ("_disable", "_enable")]
+# What points to other text of the header, which stands on a page of its own.
+POINTERS = re.compile(r"\b(?:(?:above|below)(?! \d)|th(?:is|ese) (?:section|header|comment)s?|the comment)\b")
+# Where a message has the SDK's text, and what follows it.
+BEHIND_THE_TEXT = re.compile(r"(?:: |failed )%s(.+)$")
+TELLING = {".": ["full stop"], r"\n": ["newline"], r".\n": ["full stop", "newline"]}
 RESULTS = re.compile(r"(?:Unless a comment says otherwise, t|\bT)he results are (.*?\.)(?= |$)")
 
 
@@ -72,12 +81,14 @@ def sentence(text):
 
 
 class Reference:
-    def __init__(self, header_file):
+    def __init__(self, header_file, documents):
+        self.documents = documents
         self.intro, self.sections = header.read(header_file)
         self.entries = {e.name: e for s in self.sections for e in s.entries}
         self.section_of = {e.name: s for s in self.sections for e in s.entries}
         self.types = {e.name: e for e in header.entries(self.sections, "type")}
         self.logged = messages.by_function()
+        self.errors = [m for m in messages.index()[0] if m.level == "errors"]
         self.problems = []
 
     def documented(self, entry):
@@ -125,7 +136,25 @@ class Reference:
                 waiting += re.findall(r"\w+", self.types[name].code)
         return found
 
+    def check_pointers(self, entry, lines):
+        text = " ".join(" ".join(lines).split())
+        for found in POINTERS.finditer(text):
+            around = text[max(0, found.start() - 30) : found.end() + 10]
+            self.problems.append(f"{entry.name}: '{around}' points to a place that its page does not have")
+
+    def check_ends(self, entry):
+        """Its comment says what follows the SDK's text in a message that does not end with it."""
+        said = " ".join(entry.comment.text) + entry.comment.result
+        for message in self.errors:
+            behind = BEHIND_THE_TEXT.search(message.text)
+            if not behind or entry.name not in message.functions:
+                continue
+            for word in TELLING.get(behind.group(1), [behind.group(1)]):
+                if word not in said:
+                    self.problems.append(f"{entry.name}: nothing is said of '{word}' at the end of '{message.text}'")
+
     def page(self, entry, version):
+        self.check_ends(entry)
         summary = first_sentence(entry.comment.text[0])
         lines = [f'.TH {entry.name} 3 {date()} "libsai {version}" "Chip programming"', ".SH NAME"]
         lines += [rf"{entry.name} \- {roff(summary[0].lower() + summary[1:])}", ".SH LIBRARY", "libsai (\\-lsai)"]
@@ -140,6 +169,8 @@ class Reference:
                 lines += [".TP", rf".I {escaped(name)}", sentence(said)]
         for type_ in self.types_of(entry):
             lines += [rf".SS {type_.name}", roff(" ".join(type_.comment.text)), ".PP", *code(type_.code)]
+            for name, said in type_.comment.params.items():
+                lines += [".TP", rf".I {escaped(name)}", sentence(said)]
         if entry.kind == "function":
             result = self.result_of(entry)
             if result:
@@ -149,6 +180,7 @@ class Reference:
             else:
                 self.problems.append(f"{entry.name}: nothing is said of its result")
             lines += [".SH LOG MESSAGES", *self.messages_of(entry)]
+        self.check_pointers(entry, lines)
         return lines + [".SH SEE ALSO", *(f".BR {name} ({number})" for name, number in self.related(entry))]
 
     def messages_of(self, entry):
@@ -156,7 +188,9 @@ class Reference:
         if not logged:
             own = entry.section == "Logging"
             return ["None of its own."] if own else ["None."]
-        lines = ["What to do about each is told in the index of log messages, messages.md."]
+        index = rf"\fI{escaped(self.documents)}/messages.md\fR"
+        lines = ["What to do about each is told in the index of log messages, the file", index,
+                 r"in the directory that libsai was installed to, such as \fI/usr\fR."]
         for text, level in logged:
             lines += [".TP", rf"\(lq{escaped(text)}\(rq", f"Level {level}." if " " not in level else f"To {level}."]
         return lines
@@ -169,6 +203,7 @@ class Reference:
         for end, other in PAIRS:
             if entry.name.endswith(end) and entry.name[: -len(end)] + other in NAMES:
                 names.add(entry.name[: -len(end)] + other)
+        names |= NAMES & {entry.name.replace("_register_", "_unregister_")}
         return [(name, 3) for name in sorted(names - {entry.name})] + [("sai", 7)]
 
     def overview(self, version):
@@ -194,12 +229,13 @@ class Reference:
 
 
 def main(arguments):
-    if len(arguments) not in (1, 2):
+    if len(arguments) not in (1, 2, 3):
         print(__doc__.split("\n\n")[1], file=sys.stderr)
         return 2
     directory = Path(arguments[0])
-    version = arguments[1] if len(arguments) == 2 else ""
-    reference = Reference(ROOT / "include/sai.h")
+    version = arguments[1] if len(arguments) > 1 else ""
+    documents = arguments[2] if len(arguments) > 2 else "share/doc/sai"
+    reference = Reference(ROOT / "include/sai.h", documents)
     NAMES.update(name for name, entry in reference.entries.items() if entry.kind != "type")
     pages = {f"man3/{name}.3": reference.page(reference.entries[name], version) for name in sorted(NAMES)}
     pages["man7/sai.7"] = reference.overview(version)

@@ -8,6 +8,7 @@ from pathlib import Path
 # What logs a message whose text stands in the call, and at which level.
 LEVELS = {
     "failed": "errors",
+    "log_if_failed": "errors",
     "result": "errors",
     "sai_err": "errors",
     "sai_warn": "warnings",
@@ -121,7 +122,7 @@ def contents(definition, tokens):
             caller, argument = open_calls[-1] if open_calls else ("", 0)
             if caller in LEVELS:
                 # A text behind the format is one of its arguments.
-                if argument == (1 if caller in ("failed", "result") else 0) and text not in PRINTED:
+                if argument == (1 if caller in ("failed", "log_if_failed", "result") else 0) and text not in PRINTED:
                     definition.messages.append((text, LEVELS[caller], token.line))
             elif "%" in text and " " in text and caller not in NO_MESSAGES and definition.file not in HELPERS:
                 definition.messages.append((text, "errors", token.line))  # a format on its way to sai_err()

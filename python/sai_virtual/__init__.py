@@ -12,21 +12,25 @@ as the call's value; a negative code comes as SaiError:
         with sai.fault("bcm_vlan_create", sai.BCM_E_FULL):
             sai.sai_vlan_create(0, 11)  # raises SaiError: sai_vlan_create: SAI_E_FULL (-13)
 
-MAC and IPv6 addresses are texts or bytes, records are of the classes named as in sai.h. The loader finds the two
+MAC and IPv6 addresses are texts or bytes, records are of the classes named as in sai.h, None is a null pointer. What an
+argument cannot be is refused before anything is called, with the names of the function and the argument: another type
+is a TypeError, an integer out of range an OverflowError, a malformed address a ValueError. The loader finds the two
 libraries as for any program.
 """
 import contextlib
 import ctypes
-import ipaddress
 import os
+import re
 import tempfile
 
 from . import _interface
+from ._values import RECORDS, TYPES, answer, argument, l2_handler, link_handler, record, room
 
 _sai = ctypes.CDLL("libsai.so")
 _swsdk = ctypes.CDLL("libswsdk.so")
 
 globals().update(_interface.CONSTANTS)
+globals().update(RECORDS)
 
 # Codes of the Chip SDK, for fault().
 BCM_E_NONE, BCM_E_INTERNAL, BCM_E_MEMORY, BCM_E_UNIT, BCM_E_PARAM = 0, -1, -2, -3, -4
@@ -36,8 +40,6 @@ BCM_E_CONFIG, BCM_E_UNAVAIL, BCM_E_INIT, BCM_E_PORT = -15, -16, -17, -18
 
 _CODE_NAMES = {value: name for name, value in _interface.CONSTANTS.items() if name.startswith("SAI_E_")}
 _TEXT_ROOM = 64
-_LIST_ROOM = 64  # the library reads as many as the chip has, however many are given
-_ADDRESS_SIZES = {"const uint8_t[6]": 6, "const uint8_t[16]": 16, "const bcm_ip6_t*": 16}
 
 
 class SaiError(Exception):
@@ -51,92 +53,7 @@ class SaiError(Exception):
         super().__init__(f"{function}: {self.name} ({code})")
 
 
-# ------------------------------------------------------------------------------------------ the library's types ----
-
-_TYPES = {f"{sign}int{bits}_t": getattr(ctypes, f"c_{sign}int{bits}") for sign in ("", "u") for bits in (8, 16, 32, 64)}
-_TYPES.update({"void": None, "FILE*": ctypes.c_void_p, "char*": ctypes.c_char_p, "const char*": ctypes.c_char_p})
-
-link_handler = ctypes.CFUNCTYPE(None, ctypes.c_int, ctypes.c_int, ctypes.c_void_p)
-l2_handler = ctypes.CFUNCTYPE(None, ctypes.c_uint16, ctypes.c_int32, ctypes.POINTER(ctypes.c_uint8), ctypes.c_int32)
-_TYPES.update({"bcm_linkscan_handler_t": link_handler, "sai_l2_event_cb": l2_handler})
-
-
-def _address(value):
-    """The bytes of a MAC or IPv6 address, or of what is bytes already."""
-    if not isinstance(value, str):
-        return bytes(value)
-    if value.count(":") == 5 and "::" not in value:
-        return bytes(int(byte, 16) for byte in value.split(":"))
-    return ipaddress.IPv6Address(value).packed
-
-
-class _Record(ctypes.Structure):
-    """Fields are given by name; arrays of bytes take addresses."""
-
-    def __init__(self, **fields):
-        super().__init__()
-        for name, value in fields.items():
-            setattr(self, name, value)
-
-    def __setattr__(self, name, value):
-        types = dict(self._fields_)
-        if name not in types:
-            raise AttributeError(f"{type(self).__name__} has no field {name!r}; it has {', '.join(types)}")
-        is_bytes = getattr(types[name], "_type_", None) is ctypes.c_uint8
-        super().__setattr__(name, types[name](*_address(value)) if is_bytes else value)
-
-    def __repr__(self):
-        shown = {name: getattr(self, name) for name, _ in self._fields_}
-        texts = (f"{n}={bytes(v).hex(':') if isinstance(v, ctypes.Array) else v!r}" for n, v in shown.items())
-        return f"{type(self).__name__}({', '.join(texts)})"
-
-
-def _record(name, fields):
-    def field_type(c_type, count):
-        return _TYPES[c_type] if count is None else _TYPES[c_type] * int(count)
-
-    return type(name, (_Record,), {"_fields_": [(f, field_type(t, count)) for f, t, count in fields]})
-
-
-for _name, _fields in _interface.RECORDS.items():
-    _TYPES[_name] = globals()[_name] = _record(_name, _fields)
-    _TYPES[_name + "*"] = ctypes.POINTER(_TYPES[_name])
-
-
-def _room(c_type):
-    """Where a function answers: one number or an array of them."""
-    item, _, count = c_type.rstrip("]*").partition("[")
-    return _TYPES[item]() if not count else (_TYPES[item] * int(count))()
-
-
-def _answer(room):
-    if not isinstance(room, ctypes.Array):
-        return room.value
-    return room.value.decode() if room._type_ is ctypes.c_char else list(room)
-
-
-def _argument(c_type, value):
-    """A Python value as what a parameter of that C type takes."""
-    if value is None:
-        return None
-    if c_type in _ADDRESS_SIZES:
-        address = _address(value)
-        if len(address) != _ADDRESS_SIZES[c_type]:
-            raise ValueError(f"{value!r} is not an address of {_ADDRESS_SIZES[c_type]} bytes")
-        return (ctypes.c_uint8 * len(address))(*address)
-    if c_type == "const int32_t*":
-        return (ctypes.c_int32 * max(len(value), _LIST_ROOM))(*value)
-    if c_type in ("char*", "const char*"):
-        return ctypes.create_string_buffer(value.encode()) if isinstance(value, str) else value
-    if isinstance(value, ctypes.Structure) and c_type.endswith("*"):
-        return ctypes.byref(value)
-    if c_type in _TYPES and isinstance(value, int):
-        number = _TYPES[c_type](value)
-        if number.value != value:
-            raise OverflowError(f"{value} does not fit in {c_type}")
-        return number
-    return value
-
+# ---------------------------------------------------------------------------------------------- the library ----
 
 # The library keeps callbacks and the identity of a log beyond the call.
 _kept = []
@@ -144,7 +61,7 @@ _kept = []
 
 def _function(name, kind, returned, parameters):
     function = getattr(_sai, name)
-    function.restype = _TYPES[returned]
+    function.restype = TYPES[returned]
     given = [p for p, c_type, role in parameters if role != "out" and not p.endswith(("_buf", "_len"))]
     is_kept = returned.endswith("*") or "service" in name
     is_log = name in ("sai_err", "sai_warn", "sai_notice", "sai_info", "sai_debug")
@@ -160,17 +77,19 @@ def _function(name, kind, returned, parameters):
                 passed.append(outputs[-1])
             elif parameter.endswith("_len"):
                 passed.append(ctypes.c_int32(_TEXT_ROOM))
-            elif role == "in":
-                passed.append(_argument(c_type, next(rest)))
+            elif role in ("in", "needed"):
+                passed.append(argument(f"{name}: {parameter}", c_type, next(rest), nullable=role == "in"))
             else:
-                outputs.append(_room(c_type))
+                outputs.append(room(c_type))
                 if role == "inout":
-                    outputs[-1].value = next(rest)
+                    outputs[-1].value = argument(f"{name}: {parameter}", c_type.rstrip("*"), next(rest)).value
                 passed.append(outputs[-1] if isinstance(outputs[-1], ctypes.Array) else ctypes.byref(outputs[-1]))
         if is_kept:
             _kept.append(passed)
-        result = function(b"%s", *passed) if is_log else function(*passed)
-        answers = [_answer(output) for output in outputs]
+        if is_log and passed[0] is not None:
+            passed.insert(0, b"%s")  # the text is no format
+        result = function(*passed)
+        answers = [answer(output) for output in outputs]
         if kind == "code" and result < 0:
             raise SaiError(name, result, answers)
         return result if not answers else answers[0] if len(answers) == 1 else tuple(answers)
@@ -187,8 +106,10 @@ for _name, (_kind, _returned, _parameters) in _interface.FUNCTIONS.items():
 class Log:
     """What the library logs from `with` to its end, up to a level. Without a log, messages go to standard error."""
 
+    _stamp_and_module = re.compile(r"\d{4}/\d\d/\d\d \d\d:\d\d:\d\d(\.\d+)? (\w+: )?\w+: ")
+
     def __init__(self, level=_interface.CONSTANTS["SAI_LOG_ERRORS"]):
-        self._level = level
+        self._level = argument("Log: level", "int32_t", level)
 
     def __enter__(self):
         self._file = tempfile.TemporaryFile("r+", encoding="utf-8", errors="surrogateescape")
@@ -196,8 +117,8 @@ class Log:
         libc = ctypes.CDLL(None)
         libc.fdopen.restype = ctypes.c_void_p
         self._handle.contents.file = libc.fdopen(os.dup(self._file.fileno()), b"a")
-        self._handle.contents.max_level[_interface.CONSTANTS["SAI_LOG_FILE"]] = self._level
-        ctypes.POINTER(_TYPES["sai_log_handle"]).in_dll(_sai, "sai_log_default").contents = self._handle.contents
+        self._handle.contents.max_level[_interface.CONSTANTS["SAI_LOG_FILE"]] = self._level.value
+        ctypes.POINTER(sai_log_handle).in_dll(_sai, "sai_log_default").contents = self._handle.contents
         return self
 
     def __exit__(self, *_):
@@ -206,21 +127,37 @@ class Log:
         self._file.close()
 
     def lines(self):
-        """The messages so far, without stamp and module."""
+        """The messages so far, without stamp and module; one with line ends in it is several lines."""
         self._file.seek(0)
-        return [line.rstrip("\n").split(": ", 1)[1] for line in self._file]
+        return [self._stamp_and_module.sub("", line.rstrip("\n"), count=1) for line in self._file]
 
 
 # --------------------------------------------------------------------------------------------- the virtual chip ----
 
 
-class _Board(ctypes.Structure):
-    _fields_ = [("units", ctypes.c_int), ("ports", ctypes.c_int), ("chip_type", ctypes.c_int)]
+def _control(name, restype=ctypes.c_int, **parameters):
+    """A function of the virtual chip, by the names and C types of its parameters."""
+    function = getattr(_swsdk, name)
+    function.restype = restype
 
+    def call(*values):
+        given = zip(parameters.items(), values, strict=True)
+        return function(*(argument(f"{name}: {p}", c_type, value, nullable=False) for (p, c_type), value in given))
+
+    return call
+
+
+_Board = record("Chip", [(field, "int32_t", None) for field in ("units", "ports", "chip_type")])
 
 _swsdk.swsdk_show.restype = ctypes.c_long
 _swsdk.swsdk_journal_read.restype = ctypes.c_size_t
-_swsdk.swsdk_show_table.restype = ctypes.c_char_p
+_show_table = _control("swsdk_show_table", ctypes.c_char_p, index="int32_t")
+_link_event = _control("swsdk_link_event", unit="int32_t", port="int32_t", up="int32_t")
+_l2_learn = _control(
+    "swsdk_l2_learn", unit="int32_t", vid="int32_t", mac="const uint8_t[6]", port="int32_t", tunnel="uint32_t"
+)
+_clock_step = _control("swsdk_clock_step", unit="int32_t", seconds="int32_t")
+_fault_inject = _control("swsdk_fault_inject", function="const char*", code="int32_t", nth="int32_t")
 _line_handler = ctypes.CFUNCTYPE(None, ctypes.c_char_p, ctypes.c_void_p)
 
 
@@ -234,7 +171,7 @@ class Chip:
     """The virtual chip, on from `with` to its end: each unit attached and initialised, or nothing yet when `cold`."""
 
     def __init__(self, units=1, ports=12, chip_type=0, cold=False):
-        self._board = _Board(units, ports, chip_type)
+        self._board = _Board(units=units, ports=ports, chip_type=chip_type)
         self._cold = cold
 
     def __enter__(self):
@@ -253,28 +190,29 @@ class Chip:
     def tables():
         """The names that show() knows."""
         names = []
-        while (name := _swsdk.swsdk_show_table(len(names))) is not None:
+        while (name := _show_table(len(names))) is not None:
             names.append(name.decode())
         return names
 
     @staticmethod
     def show(table, unit=0):
         """One of the chip's tables as text."""
-        length = _check(_swsdk.swsdk_show(unit, table.encode(), None, 0), f"there is no table {table!r} of unit {unit}")
+        place = argument("show: unit", "int32_t", unit), argument("show: table", "const char*", table, nullable=False)
+        length = _check(_swsdk.swsdk_show(*place, None, 0), f"there is no table {table!r} of unit {unit}")
         buffer = ctypes.create_string_buffer(length + 1)
-        _swsdk.swsdk_show(unit, table.encode(), buffer, length + 1)
+        _swsdk.swsdk_show(*place, buffer, ctypes.c_size_t(length + 1))
         return buffer.value.decode()
 
     @staticmethod
     def link(port, up, unit=0):
         """Takes a link up or down; who is registered has been told when it returns."""
-        _check(_swsdk.swsdk_link_event(unit, port, int(up)), f"unit {unit} has no Ethernet port {port}")
+        _check(_link_event(unit, port, up), f"unit {unit} has no Ethernet port {port}")
         _swsdk.swsdk_events_drain()
 
     @staticmethod
     def learn(mac, vlan, port, unit=0):
         """Lets an address be seen: whether the chip has it at that port now."""
-        learned = _swsdk.swsdk_l2_learn(unit, vlan, _address(mac), port, 0)
+        learned = _l2_learn(unit, vlan, mac, port, 0)
         _check(learned, f"unit {unit} has no port {port}, or there can be no VLAN {vlan}")
         _swsdk.swsdk_events_drain()
         return learned == 1
@@ -282,7 +220,7 @@ class Chip:
     @staticmethod
     def age(seconds, unit=0):
         """Lets time pass."""
-        _check(_swsdk.swsdk_clock_step(unit, seconds), f"unit {unit} is not initialised, or time would go back")
+        _check(_clock_step(unit, seconds), f"unit {unit} is not initialised, or time would go back")
         _swsdk.swsdk_events_drain()
 
 
@@ -314,7 +252,7 @@ class Journal:
 def fault(function, code, nth=1):
     """Makes the nth call of an SDK function answer `code`; every call with nth=0. At the end all faults are gone."""
     refused = f"the Chip SDK has no function {function!r}, or {nth} is negative"
-    _check(_swsdk.swsdk_fault_inject(function.encode(), code, nth), refused)
+    _check(_fault_inject(function, code, nth), refused)
     try:
         yield
     finally:
@@ -337,7 +275,7 @@ class Difference(Exception):
 
 def replay(path):
     """Repeats a recording and leaves the chip as it does. Returns the notices; raises Difference, or ValueError for
-    what is no recording."""
+    what is no recording or lacks its end."""
     lines = []
     tell = _line_handler(lambda line, _: lines.append(line.decode(errors="surrogateescape")))
     outcome = _swsdk.swsdk_replay(os.fsencode(path), tell, None)

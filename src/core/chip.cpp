@@ -6,8 +6,8 @@
 #include "core/unit.h"
 
 using sai::error_text;
-using sai::failed;
 using sai::for_each_port;
+using sai::log_if_failed;
 using sai::Ports;
 
 namespace {
@@ -22,7 +22,7 @@ struct PortControl {
 };
 
 void enable(int unit, int port, const PortControl& row) {
-  failed(bcm_switch_control_port_set(unit, port, row.control, 1), row.failure, port);
+  log_if_failed(bcm_switch_control_port_set(unit, port, row.control, 1), row.failure, port);
 }
 
 template <class... Rows>
@@ -35,19 +35,20 @@ void enable_on_front_panel(int unit, Ports set, const Rows&... rows) {
 void check_vlan_membership(int unit) {
   constexpr uint32_t both_ways = BCM_PORT_VLAN_MEMBER_INGRESS | BCM_PORT_VLAN_MEMBER_EGRESS;
   for_each_port(unit, Ports::ethernet, [=](int port) {
-    failed(bcm_port_vlan_member_set(unit, port, both_ways), "port [%d] bcm_port_vlan_member_set failed: %s", port);
+    log_if_failed(bcm_port_vlan_member_set(unit, port, both_ways), "port [%d] bcm_port_vlan_member_set failed: %s",
+                  port);
   });
 }
 
 /// Gives the code of the one step that start-up remembers.
 int prepare_multicast(int unit) {
-  failed(bcm_l2_cache_delete_all(unit), "bcm_l2_cache_delete_all failed: %s");
-  failed(bcm_multicast_init(unit), "bcm_multicast_init failed: %s");
-  failed(bcm_mcast_init(unit), "bcm_mcast_init failed: %s");
-  failed(bcm_ipmc_enable(unit, 1), "bcm_ipmc_enable failed: %s");
-  failed(bcm_ipmc_init(unit), "bcm_ipmc_init failed: %s");
+  log_if_failed(bcm_l2_cache_delete_all(unit), "bcm_l2_cache_delete_all failed: %s");
+  log_if_failed(bcm_multicast_init(unit), "bcm_multicast_init failed: %s");
+  log_if_failed(bcm_mcast_init(unit), "bcm_mcast_init failed: %s");
+  log_if_failed(bcm_ipmc_enable(unit, 1), "bcm_ipmc_enable failed: %s");
+  log_if_failed(bcm_ipmc_init(unit), "bcm_ipmc_init failed: %s");
   const int rv = bcm_switch_control_set(unit, bcmSwitchIpmcSameVlanL3Route, 1);
-  failed(rv, "bcm_switch_control_set bcmSwitchIpmcSameVlanL3Route failed: %s");
+  log_if_failed(rv, "bcm_switch_control_set bcmSwitchIpmcSameVlanL3Route failed: %s");
   return rv;
 }
 
@@ -73,8 +74,8 @@ void capture_slow_protocols(int unit) {
 void keep_floods_from_cpu(int unit) {
   constexpr uint32_t unknown = BCM_PORT_FLOOD_BLOCK_UNKNOWN_UCAST | BCM_PORT_FLOOD_BLOCK_UNKNOWN_MCAST;
   for_each_port(unit, Ports::ethernet, [=](int port) {
-    failed(bcm_port_flood_block_set(unit, port, sai::cpu_port(unit), unknown), "Failed to set port [%d] flooding: %s",
-           port);
+    log_if_failed(bcm_port_flood_block_set(unit, port, sai::cpu_port(unit), unknown),
+                  "Failed to set port [%d] flooding: %s", port);
     enable(unit, port, {bcmSwitchV4ResvdMcPktFlood, "Failed to set port [%d] bcmSwitchV4ResvdMcPktFlood: %s"});
     enable(unit, port, {bcmSwitchV6ResvdMcPktFlood, "Failed to set port [%d] bcmSwitchV6ResvdMcPktFlood: %s"});
   });
@@ -82,7 +83,7 @@ void keep_floods_from_cpu(int unit) {
 
 void set_up_cpu_port(int unit) {
   const auto set = [=](bcm_switch_control_t control, sai::Format<const char*> failure) {
-    failed(bcm_switch_control_port_set(unit, sai::cpu_port(unit), control, 1), failure);
+    log_if_failed(bcm_switch_control_port_set(unit, sai::cpu_port(unit), control, 1), failure);
   };
   set(bcmSwitchV4ResvdMcPktFlood, "Failed to set CMIC bcmSwitchV4ResvdMcPktFlood: %s");
   set(bcmSwitchV6ResvdMcPktFlood, "Failed to set CMIC bcmSwitchV6ResvdMcPktFlood: %s");

@@ -3,7 +3,7 @@
 #include "core/result.h"
 #include "core/sdk.h"
 
-using sai::failed;
+using sai::log_if_failed;
 using sai::result;
 
 namespace {
@@ -18,7 +18,7 @@ void sai_l2_event_adapter(int /*unit*/, bcm_l2_addr_t* l2addr, int operation, vo
 
 int32_t sai_register_link_service(bcm_linkscan_handler_t handler) {
   for (int unit = 0; unit < soc_ndev; ++unit)
-    failed(bcm_linkscan_register(unit, handler), "unit %d register linkscan service failed: %s", unit);
+    log_if_failed(bcm_linkscan_register(unit, handler), "unit %d register linkscan service failed: %s", unit);
   return SAI_E_NONE;  // Meant: always.
 }
 

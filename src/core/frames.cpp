@@ -1,5 +1,7 @@
 #include <sai.h>
+#include <string.h>
 
+#include "core/convert.h"
 #include "core/result.h"
 #include "core/sdk.h"
 
@@ -16,10 +18,8 @@ int lldp_index = 0;
 int capture(int unit, uint32_t flags, const uint8_t* mac, int* index) {
   bcm_l2_cache_addr_t entry{};
   entry.flags = flags;
-  for (int i = 0; i < 6; ++i) {
-    entry.mac[i] = mac[i];
-    entry.mac_mask[i] = 0xFF;
-  }
+  sai::copy_mac(entry.mac, mac);
+  memset(entry.mac_mask, 0xFF, sizeof entry.mac_mask);
   constexpr int any_index = -1;
   return bcm_l2_cache_set(unit, any_index, &entry, index);
 }
@@ -40,11 +40,10 @@ int sdk_mode(int mode) {
 }  // namespace
 
 int32_t sai_bpdu_set(int32_t unit, const uint8_t* mac, int32_t* index) {
-  int found = 0;
-  const int rv = mac == nullptr || index == nullptr ? BCM_E_PARAM
-                                                    : capture(unit, BCM_L2_CACHE_CPU | BCM_L2_CACHE_BPDU, mac, &found);
-  if (rv == BCM_E_NONE) *index = found;
-  return result(rv, "bcm_l2_cache_set failed: %s");
+  const auto get = [&](int* found) {
+    return mac == nullptr ? BCM_E_PARAM : capture(unit, BCM_L2_CACHE_CPU | BCM_L2_CACHE_BPDU, mac, found);
+  };
+  return result(sai::read_into(index, get), "bcm_l2_cache_set failed: %s");
 }
 
 int32_t sai_bpdu_unset(int32_t unit, int32_t index) {

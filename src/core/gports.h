@@ -6,16 +6,16 @@
 namespace sai::gport {
 
 /// The kind of virtual ports, which has no name here.
-constexpr int vlan_port = 17;
+constexpr unsigned vlan_port = 17;
 
-constexpr int kind(int port) { return static_cast<int>(static_cast<unsigned>(port) >> 26); }
+constexpr unsigned kind(int port) { return static_cast<unsigned>(port) >> 26; }
 
 /// Whether `port` is a gport; plain port numbers, negative ones too, are none.
 constexpr bool is_gport(int port) { return BCM_GPORT_TYPE_LOCAL <= kind(port) && kind(port) <= 51; }
 
 constexpr bool is_vlan_port(int port) { return kind(port) == vlan_port; }
 
-constexpr int of_kind(int kind, int number) { return kind << 26 | number; }
+constexpr int of_kind(unsigned kind, int number) { return static_cast<int>(kind << 26) | number; }
 
 constexpr int local_port(int port) { return of_kind(BCM_GPORT_TYPE_LOCAL, port & 0x7FF); }
 

@@ -1,6 +1,7 @@
 // The kernel network interface of the CPU port, and the commands to the kernel module behind it.
 #include <sai.h>
 
+#include "core/convert.h"
 #include "core/result.h"
 #include "core/sdk.h"
 
@@ -63,7 +64,7 @@ int create(int unit, int netif_id, const char* name, const uint8_t* mac) {
   netif.id = netif_id;
   netif.type |= BCM_KNET_NETIF_T_TX_CPU_INGRESS;
   netif.flags |= BCM_KNET_NETIF_F_KEEP_RX_TAG;
-  for (int i = 0; i < 6; ++i) netif.mac_addr[i] = mac[i];
+  sai::copy_mac(netif.mac_addr, mac);
   bool ended = false;
   for (int i = 0; i < BCM_KNET_NETIF_NAME_MAX; ++i) {
     ended = ended || i == BCM_KNET_NETIF_NAME_MAX - 1 || name[i] == '\0';

@@ -18,8 +18,7 @@ inline bcm_pbmp_t no_ports() {
 inline bcm_pbmp_t only_port(int port) {
   constexpr int bits = 32;
   bcm_pbmp_t ports;
-  for (int i = 0; i < int{sizeof ports / sizeof(uint32)}; ++i)
-    BCM_PBMP_WORD_GET(ports, i) = port / bits == i ? 1U << port % bits : 0;
+  for (int i = 0; i < BCM_PBMP_PORT_MAX / bits; ++i) ports.pbits[i] = port / bits == i ? 1U << port % bits : 0;
   return ports;
 }
 

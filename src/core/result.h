@@ -30,9 +30,17 @@ template <class... Args>
   return sdk_to_sai(rv);
 }
 
-/// True when `rv` is an SDK failure; then logs `format`, whose last conversion takes the SDK's text for `rv`.
+/// Logs `format`, whose last conversion takes the SDK's text for `rv`, when `rv` is an SDK failure. For steps after
+/// which the sequence goes on whatever came of them.
 template <class... Args>
-bool failed(int rv, Format<std::type_identity_t<Args>..., const char*> format, Args... args) {
+void log_if_failed(int rv, Format<std::type_identity_t<Args>..., const char*> format, Args... args) {
+  if (rv < 0) [[unlikely]]
+    log_failure(rv, format.text(), args...);
+}
+
+/// Whether `rv` is an SDK failure, which is logged as log_if_failed() does.
+template <class... Args>
+[[nodiscard]] bool failed(int rv, Format<std::type_identity_t<Args>..., const char*> format, Args... args) {
   if (rv >= 0) [[likely]]
     return false;
   log_failure(rv, format.text(), args...);

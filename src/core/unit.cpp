@@ -33,7 +33,7 @@ bool has_port(int unit, Ports set, int port) {
 }
 
 bcm_pbmp_t ports(int unit, Ports set) {
-  if (lowest_port(unit, set) < 0) return no_ports();
+  if (!exists(unit)) return no_ports();
   return set == Ports::ethernet ? SOC_PORT_BITMAP(unit, ether) : SOC_PORT_BITMAP(unit, port);
 }
 

@@ -20,7 +20,7 @@ enum class Ports { ethernet, front };
 int lowest_port(int unit, Ports set);
 int highest_port(int unit, Ports set);
 bool has_port(int unit, Ports set, int port);
-/// The whole set; empty when there is no such unit.
+/// The whole set, as its bitmap alone tells; empty when there is no such unit.
 bcm_pbmp_t ports(int unit, Ports set);
 
 /// Runs `body` for each port of the set in ascending order. Meant: the highest port is read anew after each.

@@ -1,6 +1,7 @@
 // An entry of a field group while it is built, moved or completed.
 #pragma once
 
+#include "core/convert.h"
 #include "core/result.h"
 #include "core/sdk.h"
 
@@ -26,12 +27,6 @@ struct FieldEntry {
     return !failed(rv, "%s %s group %d entry %d failed: %s", function, call, group, id);
   }
 };
-
-/// The SDK takes addresses and masks that it only reads as if it wrote them.
-inline uint8* sdk_address(const uint8_t* bytes) { return const_cast<uint8*>(bytes); }
-
-/// VLAN ids from 32-bit arguments.
-constexpr bcm_vlan_t vlan_id(int32_t vlan) { return static_cast<bcm_vlan_t>(vlan); }
 
 constexpr bcm_vlan_t vlan_id_mask = 0xFFF;
 

@@ -8,6 +8,7 @@
 #include "core/sdk.h"
 
 using sai::failed;
+using sai::result;
 
 namespace {
 
@@ -137,10 +138,10 @@ int32_t create(int unit, const Group& row, int32_t* group) {
     if (failed(rv, "unit %d set group %d priority %d failed: %s", unit, id, id)) return sdk_to_sai(rv);
   }
   rv = bcm_field_group_enable_set(unit, id, 1);
-  if (failed(rv, "unit %d enable %s group %d failed: %s", unit, row.enabling, id)) return sdk_to_sai(rv);
+  if (rv != BCM_E_NONE) return result(rv, "unit %d enable %s group %d failed: %s", unit, row.enabling, id);
   *group = id;
   if (row.kind == Kind::trap) sai::trace("any group_id %d", id);
-  return sdk_to_sai(rv);
+  return SAI_E_NONE;
 }
 
 }  // namespace

@@ -97,8 +97,9 @@ int32_t sai_ipsg_parameter_config(int32_t group, uint32_t src_ip, uint32_t src_i
   } else if (*entry >= 1) {
     permit.id = *entry;
     move_permit(permit, port);
-  } else if (build_permit(permit, src_ip, src_ip_mask, vlan, port)) {
-    *entry = permit.id;
+  } else {
+    build_permit(permit, src_ip, src_ip_mask, vlan, port);
+    if (permit.rv == BCM_E_NONE) *entry = permit.id;
   }
   return sdk_to_sai(permit.rv);
 }

@@ -11,6 +11,7 @@
 
 using sai::failed;
 using sai::FieldEntry;
+using sai::log_if_failed;
 using sai::result;
 using sai::sdk_address;
 using sai::vlan_id;
@@ -267,9 +268,10 @@ bool build(Trap& trap, const Rule& rule, const int32_t* entry) {
 
 int32_t install(const Rule& rule, int unit, int group, const Given& given, int32_t* entry) {
   Trap trap{{rule.name, unit, group}, rule.wording, given};
-  if (build(trap, rule, entry) && trap.passed_as_worded(bcm_field_entry_install(unit, trap.id),
-                                                        "bcm_field_entry_install", "%s install entry %d failed: %s"))
-    *entry = trap.id;
+  if (build(trap, rule, entry))
+    trap.passed_as_worded(bcm_field_entry_install(unit, trap.id), "bcm_field_entry_install",
+                          "%s install entry %d failed: %s");
+  if (trap.rv == BCM_E_NONE) *entry = trap.id;
   return sdk_to_sai(trap.rv);
 }
 
@@ -329,7 +331,8 @@ int32_t sai_fp_mld_packet_exclude_filter_set(int32_t unit, int32_t port, int32_t
 int32_t sai_fp_vport_qualify_set(int32_t unit, int32_t port, int32_t group, int32_t* entry, uint16_t vlan) {
   sai::trace("sai_fp_vport_qualify_set port %d vlan %d", port, vlan);
   Trap trap{{vport.name, unit, group}, vport.wording, {.port = port, .vlan = vlan}};
-  if (build(trap, vport, entry)) *entry = trap.id;  // Meant: uninstalled, for sai_fp_vport_qualify_action().
+  build(trap, vport, entry);
+  if (trap.rv == BCM_E_NONE) *entry = trap.id;  // Meant: uninstalled, for sai_fp_vport_qualify_action().
   return sdk_to_sai(trap.rv);
 }
 
@@ -351,10 +354,10 @@ int32_t sai_dhcp_packet_to_cpu(int32_t unit, int32_t enable) {
   const int on = enable == 1;
   sai::for_each_port(unit, sai::Ports::ethernet, [=](int port) {
     if (on)
-      failed(bcm_switch_control_port_set(unit, port, bcmSwitchDhcpPktToCpu, on),
-             "Failed to set port [%d] bcmSwitchDhcpPktToCpu: %s", port);
-    failed(bcm_switch_control_port_set(unit, port, bcmSwitchDhcpPktDrop, on),
-           "Failed to set port [%d] bcmSwitchDhcpPktDrop: %s", port);
+      log_if_failed(bcm_switch_control_port_set(unit, port, bcmSwitchDhcpPktToCpu, on),
+                    "Failed to set port [%d] bcmSwitchDhcpPktToCpu: %s", port);
+    log_if_failed(bcm_switch_control_port_set(unit, port, bcmSwitchDhcpPktDrop, on),
+                  "Failed to set port [%d] bcmSwitchDhcpPktDrop: %s", port);
   });
   return SAI_E_NONE;
 }

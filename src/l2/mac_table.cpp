@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 
+#include "core/convert.h"
 #include "core/gports.h"
 #include "core/log.h"
 #include "core/result.h"
@@ -11,6 +12,7 @@
 #include "core/unit.h"
 
 using sai::failed;
+using sai::log_if_failed;
 using sai::low_word;
 using sai::Ports;
 using sai::result;
@@ -109,7 +111,7 @@ int32_t limit_set_result(int rv, int limit) { return result(rv, "Failed to set m
 int limit_get(int unit, sai_l2_learn_limit_t& limit) {
   bcm_l2_learn_limit_t sdk = sdk_limit(limit, limit_scopes);  // Meant: without the system's own scope.
   const int rv = bcm_l2_learn_limit_get(unit, &sdk);
-  if (rv >= 0) limit.limit = sdk.limit;
+  if (rv == BCM_E_NONE) limit.limit = sdk.limit;
   return rv;
 }
 
@@ -140,7 +142,7 @@ int show(int unit, bcm_l2_addr_t* entry, void* user_data) {
   }
   slot.port = entry->flags & BCM_L2_TRUNK_MEMBER ? entry->tgid : entry->port;
   slot.flags = shown_kind(*entry);
-  std::copy_n(entry->mac, sizeof slot.mac, slot.mac);
+  sai::copy_mac(slot.mac, entry->mac);
   ++context->count;
   return 0;
 }
@@ -160,9 +162,7 @@ int32_t sai_l2_mac_age_time_set(int32_t unit, int32_t seconds) {
 }
 
 int32_t sai_l2_mac_age_time_get(int32_t unit, int32_t* seconds) {
-  int time = 0;
-  const int rv = seconds == nullptr ? BCM_E_PARAM : bcm_l2_age_timer_get(unit, &time);
-  if (rv >= 0) *seconds = time;
+  const int rv = sai::read_into(seconds, [&](int* time) { return bcm_l2_age_timer_get(unit, time); });
   // Meant: the pointer for a value.
   return result(rv, "Failed to get mac age time %d: %s", low_word(seconds));
 }
@@ -171,10 +171,11 @@ int32_t sai_l2_mac_entry_get(int32_t /*unit*/, sai_l2_mac_entry_t* entry) {
   constexpr int first_unit = 0;  // Meant: whatever unit is given.
   bcm_l2_addr_t found;
   const int rv = find(first_unit, entry, found);
-  if (failed(rv, "Failed to get mac entry: %s")) return sdk_to_sai(rv);
-  if (found.flags & BCM_L2_STATIC) entry->flags |= SAI_L2_MAC_STATIC;
-  entry->port_out = found.port;  // Meant: the two lookups of the port below answer in `port`.
-  return sdk_to_sai(rv);
+  if (rv == BCM_E_NONE) {
+    if (found.flags & BCM_L2_STATIC) entry->flags |= SAI_L2_MAC_STATIC;
+    entry->port_out = found.port;  // Meant: the two lookups of the port below answer in `port`.
+  }
+  return result(rv, "Failed to get mac entry: %s");
 }
 
 int32_t sai_l2_mac_entry_add(int32_t unit, const sai_l2_mac_entry_t* entry) {
@@ -193,7 +194,7 @@ int32_t sai_l2_addr_delete_by_trunk(int32_t unit, int32_t trunk) {
 int32_t sai_l2_addr_port_id_get(int32_t unit, sai_l2_mac_entry_t* entry) {
   bcm_l2_addr_t found;
   const int rv = find(unit, entry, found);
-  if (rv >= 0) entry->port = found.port;
+  if (rv == BCM_E_NONE) entry->port = found.port;
   return result(rv, "Failed to get l2 addr source port: %s");
 }
 
@@ -207,9 +208,9 @@ int32_t sai_l2_addr_logic_port_get(int32_t unit, sai_l2_mac_entry_t* entry) {
     rv = gport_get(unit, found.port, gport);
     if (failed(rv, "Failed to get gport: %s")) return sdk_to_sai(rv);
     rv = bcm_port_local_get(unit, gport, &local);
-    if (failed(rv, "Failed to get local port: %s")) return sdk_to_sai(rv);
+    log_if_failed(rv, "Failed to get local port: %s");
   }
-  entry->port = local;
+  if (rv == BCM_E_NONE) entry->port = local;
   return sdk_to_sai(rv);
 }
 
@@ -253,11 +254,11 @@ int32_t sai_l2_info(int32_t unit, int32_t* max, int32_t* current) {
   const int rv = max == nullptr || current == nullptr
                      ? BCM_E_PARAM
                      : bcm_switch_object_count_multi_get(unit, std::size(objects), objects, counts);
-  if (failed(rv, "Get L2 info failed %s\n")) return sdk_to_sai(rv);  // Meant: the newline.
+  if (rv != BCM_E_NONE) return result(rv, "Get L2 info failed %s\n");  // Meant: the newline.
   *current = counts[0];
   *max = counts[1];
   sai::trace("%-16s : %6d / %6d", "mac entries", *current, *max);
-  return sdk_to_sai(rv);
+  return SAI_E_NONE;
 }
 
 int32_t sai_l2_dst_hit_enable_set(int32_t unit, int32_t enable) {
@@ -266,9 +267,7 @@ int32_t sai_l2_dst_hit_enable_set(int32_t unit, int32_t enable) {
 }
 
 int32_t sai_l2_dst_hit_enable_get(int32_t unit, int32_t* enable) {
-  int value = 0;
-  const int rv = enable == nullptr ? BCM_E_PARAM : bcm_switch_control_get(unit, bcmSwitchL2DstHitEnable, &value);
-  if (rv >= 0) *enable = value;
+  const auto get = [&](int* value) { return bcm_switch_control_get(unit, bcmSwitchL2DstHitEnable, value); };
   // Meant: the text of the set.
-  return result(rv, "bcm_switch_control_set bcmSwitchL2DstHitEnable failed: %s");
+  return result(sai::read_into(enable, get), "bcm_switch_control_set bcmSwitchL2DstHitEnable failed: %s");
 }

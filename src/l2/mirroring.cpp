@@ -7,6 +7,7 @@
 #include "core/sdk.h"
 
 using sai::failed;
+using sai::log_if_failed;
 using sai::result;
 
 namespace {
@@ -28,11 +29,11 @@ constexpr uint32_t port_flags(int mode) {
 }  // namespace
 
 int32_t sai_mirror_init(int32_t unit) {
-  failed(bcm_mirror_init(unit), "Failed to init mirror: %s");
+  log_if_failed(bcm_mirror_init(unit), "Failed to init mirror: %s");
   // Meant: the second's text for both.
   for (const bcm_switch_control_t control : {bcmSwitchDirectedMirroring, bcmSwitchFlexibleMirrorDestinations})
-    failed(bcm_switch_control_set(unit, control, 1),
-           "Failed to set switch control bcmSwitchFlexibleMirrorDestinations: %s");
+    log_if_failed(bcm_switch_control_set(unit, control, 1),
+                  "Failed to set switch control bcmSwitchFlexibleMirrorDestinations: %s");
   return result(bcm_mirror_mode_set(unit, BCM_MIRROR_L2), "Failed to set mirror mode: %s");
 }
 

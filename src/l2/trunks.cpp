@@ -47,7 +47,7 @@ int32_t sai_trunk_create(int32_t unit, uint32_t flags, int32_t* tid) {
   const bcm_trunk_t wanted = tid == nullptr ? 0 : *tid;
   bcm_trunk_t id = wanted;
   const int rv = tid == nullptr ? BCM_E_PARAM : bcm_trunk_create(unit, flags, &id);
-  if (rv >= 0) *tid = id;
+  if (rv == BCM_E_NONE) *tid = id;
   return result(rv, "Failed to create trunk %d: %s", wanted);
 }
 

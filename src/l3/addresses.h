@@ -1,19 +1,10 @@
-// Addresses: MAC addresses into and out of the SDK's records, and what traces show of addresses and results.
+// What traces show of addresses and results.
 #pragma once
-
-#include <string.h>
 
 #include "core/result.h"
 #include "core/sdk.h"
 
 namespace sai {
-
-inline void copy_mac(bcm_mac_t& to, const uint8_t* from) { memcpy(to, from, sizeof to); }
-
-inline bool same_mac(const bcm_mac_t& mac, const uint8_t* other) { return memcmp(mac, other, sizeof mac) == 0; }
-
-/// The VLAN of `vid` as the SDK takes it.
-constexpr bcm_vlan_t vlan_id(int vid) { return static_cast<bcm_vlan_t>(vid); }
 
 // Arguments of traces. Each brings room for its text, so that nothing static is shared; the room stays untouched until
 // somebody listens.

@@ -2,6 +2,7 @@
 
 #include <sai.h>
 
+#include "core/convert.h"
 #include "core/gports.h"
 #include "core/log.h"
 #include "core/result.h"
@@ -9,6 +10,7 @@
 
 using sai::ErrorText;
 using sai::failed;
+using sai::log_if_failed;
 using sai::MacText;
 using sai::result;
 using sai::trace;
@@ -73,7 +75,7 @@ int32_t creation_result(int rv, int vlan) {
 }  // namespace
 
 int sai::find_learned(int unit, const uint8_t* mac, int vlan, bcm_l2_addr_t& learned) {
-  return bcm_l2_addr_get(unit, const_cast<uint8_t*>(mac), vlan_id(vlan), &learned);  // which only reads it
+  return bcm_l2_addr_get(unit, sai::sdk_address(mac), vlan_id(vlan), &learned);
 }
 
 bool sai::is_on_virtual_port(const bcm_l2_addr_t& learned) { return gport::is_vlan_port(learned.port); }
@@ -165,7 +167,7 @@ int32_t sai_l3_intf_dtag_create(int unit, const uint8_t* router_mac, const uint8
   rv = bcm_l3_intf_find(unit, intf);
   if (rv == BCM_E_NOT_FOUND) {
     rv = bcm_l3_intf_create(unit, intf);
-    failed(rv, "sai_l3_intf_dtag_create l3 interface failed: %s");
+    log_if_failed(rv, "sai_l3_intf_dtag_create l3 interface failed: %s");
   }
   return sdk_to_sai(rv);
 }
@@ -177,7 +179,7 @@ void sai_l3_intf_dtag_delete(int unit, int intf_id) {
   if (bcm_l3_intf_find(unit, &intf) < 0)
     trace("sai_l3_intf_dtag_delete not find l3 interface %d ", intf_id);  // Meant: the last blank.
   else
-    failed(bcm_l3_intf_delete(unit, &intf), "sai_l3_intf_dtag_delete delete l3 interface failed: %s");
+    log_if_failed(bcm_l3_intf_delete(unit, &intf), "sai_l3_intf_dtag_delete delete l3 interface failed: %s");
 }
 
 int sai_l3_intf_vport_create(int unit, const uint8_t* router_mac, const uint8_t* nexthop_mac, int vlan,
@@ -187,7 +189,7 @@ int sai_l3_intf_vport_create(int unit, const uint8_t* router_mac, const uint8_t*
   rv = bcm_l3_intf_find(unit, intf);
   if (rv < 0) {
     rv = bcm_l3_intf_create(unit, intf);
-    failed(rv, "create l3 interface failed: %s");
+    log_if_failed(rv, "create l3 interface failed: %s");
   }
   return rv;
 }

@@ -2,9 +2,12 @@
 
 #include <sai.h>
 
+#include "core/convert.h"
 #include "core/log.h"
 #include "core/result.h"
 #include "l3/addresses.h"
+
+using sai::log_if_failed;
 
 bcm_l3_intf_t sai::multicast::interface(const uint8_t* mac, int outer_vlan, int inner_vlan) {
   bcm_l3_intf_t intf;
@@ -73,7 +76,7 @@ int sai::multicast::leave(int unit, bcm_ipmc_addr_t& key, const Member& member, 
   rv = bcm_multicast_l3_encap_get(unit, key.group, member.port, intf.l3a_intf_id, &encap);
   if (failed(rv, texts.encap_get) && !texts.without_interface) return rv;
   rv = bcm_multicast_egress_delete(unit, key.group, gport, encap);
-  failed(rv, texts.egress_delete);
+  log_if_failed(rv, texts.egress_delete);
   return rv;
 }
 

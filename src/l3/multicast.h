@@ -52,7 +52,7 @@ struct LeaveTexts {
 /// Takes a member from the group of `key`, whose rest is filled in. The SDK's code.
 int leave(int unit, bcm_ipmc_addr_t& key, const Member& member, const LeaveTexts& texts);
 
-/// Asks how many members a group has; `count` stays as it is when that fails.
+/// Asks how many members a group has; `count` stays as it is when the SDK does not tell.
 int count_members(int unit, bcm_multicast_t group, int& count);
 
 struct DestroyTexts {

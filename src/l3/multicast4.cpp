@@ -1,5 +1,6 @@
 #include <sai.h>
 
+#include "core/convert.h"
 #include "core/log.h"
 #include "core/result.h"
 #include "core/sdk.h"
@@ -8,6 +9,7 @@
 
 using sai::failed;
 using sai::Ip4Text;
+using sai::log_if_failed;
 using sai::PairedMacText;
 using sai::result;
 using sai::trace;
@@ -61,8 +63,8 @@ void find_or_create_group(int unit, bcm_ipmc_addr_t& key) {
     return;
   }
   // Meant: on unit 0, whatever the caller's unit.
-  failed(bcm_multicast_create(0, BCM_MULTICAST_TYPE_L3, &key.group), "bcm_multicast_create failed: %s");
-  failed(bcm_ipmc_add(unit, &key), "bcm_ipmc_add failed: %s");
+  log_if_failed(bcm_multicast_create(0, BCM_MULTICAST_TYPE_L3, &key.group), "bcm_multicast_create failed: %s");
+  log_if_failed(bcm_ipmc_add(unit, &key), "bcm_ipmc_add failed: %s");
 }
 
 }  // namespace
@@ -75,12 +77,12 @@ int32_t sai_multicast_egress_add(int32_t unit, int32_t vlan, uint32_t group, con
   // Meant: up to the member's own interface, a failure is logged and the work goes on.
   bcm_l3_intf_t intf = interface(mac, vlan);
   intf.l3a_flags |= interface_flags;
-  failed(find_or_create(unit, intf), "bcm_l3_intf_create vlan %d failed: %s", vlan);
+  log_if_failed(find_or_create(unit, intf), "bcm_l3_intf_create vlan %d failed: %s", vlan);
   bcm_ipmc_addr_t key = key_of(vlan, group);
   key.l3a_intf = intf.l3a_intf_id;
   find_or_create_group(unit, key);
   bcm_gport_t gport = 0;
-  failed(bcm_port_gport_get(unit, port, &gport), "bcm_port_gport_get port %d failed: %s", port);
+  log_if_failed(bcm_port_gport_get(unit, port, &gport), "bcm_port_gport_get port %d failed: %s", port);
 
   if (port > 8 || vlan != report_vid) {
     intf = port > 8 ? interface(mac, double_tag_vlan, report_vid) : interface(mac, report_vid);
@@ -102,10 +104,10 @@ int32_t sai_multicast_egress_del(int32_t unit, int32_t vlan, uint32_t group, con
   bcm_ipmc_addr_t key = key_of(vlan, group);
   int rv = leave(unit, key, {.mac = mac, .port = port, .user_vlan = user_vid}, leave_texts);
   if (rv < 0) return sdk_to_sai(rv);
-  int count = 0;
+  int count = -1;  // a query that tells no count ends no group
   rv = count_members(unit, key.group, count);
   trace("rv is %d port_count is %d", rv, count);
-  if (count == 0) sai_multicast_destroy(unit, vlan, group);  // Meant: also when they could not be counted.
+  if (count == 0) sai_multicast_destroy(unit, vlan, group);  // Meant: whatever the query answers.
   return sdk_to_sai(rv);
 }
 

@@ -1,5 +1,6 @@
 #include <sai.h>
 
+#include "core/convert.h"
 #include "core/log.h"
 #include "core/result.h"
 #include "core/sdk.h"
@@ -235,12 +236,12 @@ int32_t sai_l3_host_route_hit_get(uint32_t ip) {
   bcm_l3_host_t host = host_of(ip);
   host.l3a_flags = BCM_L3_HIT_CLEAR;
   const int rv = bcm_l3_host_find(hit_unit, &host);
-  return failed(rv, "bcm_l3_host_find failed: %s") ? sdk_to_sai(rv) : hit(host.l3a_flags);
+  return rv == BCM_E_NONE ? hit(host.l3a_flags) : result(rv, "bcm_l3_host_find failed: %s");
 }
 
 int32_t sai_l3_subnet_route_hit_get(uint32_t subnet, uint32_t mask) {
   bcm_l3_route_t route = route_of(subnet, mask);
   route.l3a_flags = BCM_L3_HIT_CLEAR;
   const int rv = bcm_l3_route_get(hit_unit, &route);
-  return failed(rv, "bcm_l3_route_get failed: %s") ? sdk_to_sai(rv) : hit(route.l3a_flags);
+  return rv == BCM_E_NONE ? hit(route.l3a_flags) : result(rv, "bcm_l3_route_get failed: %s");
 }

@@ -1,6 +1,7 @@
 #include <sai.h>
 #include <stdio.h>
 
+#include "core/convert.h"
 #include "core/ports.h"
 #include "core/result.h"
 #include "core/sdk.h"
@@ -11,6 +12,7 @@ using sai::error_text;
 using sai::failed;
 using sai::fits_bitmap;
 using sai::Format;
+using sai::log_if_failed;
 using sai::low_word;
 using sai::Ports;
 using sai::result;
@@ -39,7 +41,7 @@ int mode_get(int unit, int port, int& speed, int& duplex) {
   int rv = bcm_port_speed_get(unit, port, &speed);
   if (failed(rv, "Failed to get port [%d] speed: %s", port)) return rv;
   rv = bcm_port_duplex_get(unit, port, &duplex);
-  failed(rv, "Failed to get port [%d] duplex: %s", port);
+  log_if_failed(rv, "Failed to get port [%d] duplex: %s", port);
   return rv;
 }
 
@@ -125,9 +127,8 @@ int32_t sai_port_interface_set(int32_t unit, int32_t port, int32_t mode) {
 }
 
 int32_t sai_port_interface_get(int32_t unit, int32_t port, int32_t* mode) {
-  bcm_port_if_t found{};
-  const int rv = mode == nullptr ? BCM_E_PARAM : bcm_port_interface_get(unit, port, &found);
-  if (rv >= 0) *mode = found;
+  const auto get = [&](bcm_port_if_t* found) { return bcm_port_interface_get(unit, port, found); };
+  const int rv = sai::read_into<bcm_port_if_t>(mode, get);
   return result(rv, "Failed to get port [%d] interface mode %d: %s", port, low_word(mode));
 }
 
@@ -137,9 +138,7 @@ int32_t sai_port_untagged_vlan_set(int32_t unit, int32_t port, uint16_t vlan) {
 }
 
 int32_t sai_port_link_status_get(int32_t unit, int32_t port, int32_t* up) {
-  int status = 0;
-  const int rv = up == nullptr ? BCM_E_PARAM : bcm_port_link_status_get(unit, port, &status);
-  if (rv >= 0) *up = status;
+  const int rv = sai::read_into(up, [&](int* status) { return bcm_port_link_status_get(unit, port, status); });
   return result(rv, "Failed to get link status: %s");
 }
 

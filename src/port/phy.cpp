@@ -4,7 +4,7 @@
 #include "core/result.h"
 #include "core/sdk.h"
 
-using sai::failed;
+using sai::log_if_failed;
 using sai::result;
 
 namespace {
@@ -65,7 +65,7 @@ int32_t set_each(int unit, int port, const Control (&rows)[count], const uint32_
   int rv = BCM_E_NONE;
   for (int i = 0; i < count; ++i) {
     rv = bcm_port_phy_control_set(unit, port, rows[i].control, values[i]);
-    failed(rv, "Failed to set port [%d] phy control %s value %d: %s", port, rows[i].name, values[i]);
+    log_if_failed(rv, "Failed to set port [%d] phy control %s value %d: %s", port, rows[i].name, values[i]);
   }
   return sdk_to_sai(rv);
 }
@@ -75,7 +75,7 @@ int32_t get_each(int unit, int port, const Control (&rows)[count], uint32_t* val
   int rv = BCM_E_NONE;
   for (int i = 0; i < count; ++i) {
     rv = values == nullptr ? BCM_E_PARAM : bcm_port_phy_control_get(unit, port, rows[i].control, &values[i]);
-    failed(rv, "Failed to get port [%d] phy control %s: %s", port, rows[i].name);
+    log_if_failed(rv, "Failed to get port [%d] phy control %s: %s", port, rows[i].name);
   }
   return sdk_to_sai(rv);
 }
@@ -84,7 +84,7 @@ int32_t get_each(int unit, int port, const Control (&rows)[count], uint32_t* val
 int speed_check(int unit, int port) {
   int speed = 0;
   const int rv = bcm_port_speed_get(unit, port, &speed);
-  failed(rv, "Failed to get port [%d] speed: %s", port);
+  log_if_failed(rv, "Failed to get port [%d] speed: %s", port);
   return rv;
 }
 

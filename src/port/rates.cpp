@@ -28,7 +28,7 @@ int get(Getter getter, int unit, int port, uint32_t* rate, uint32_t* burst) {
   uint32 found_rate = 0;
   uint32 found_burst = 0;
   const int rv = getter(unit, port, &found_rate, &found_burst);
-  if (rv >= 0) {
+  if (rv == BCM_E_NONE) {
     *rate = found_rate;
     *burst = found_burst;
   }

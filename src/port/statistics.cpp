@@ -6,6 +6,7 @@
 #include "core/unit.h"
 
 using sai::failed;
+using sai::log_if_failed;
 using sai::Ports;
 
 // Meant: the last value of each counter, of whichever port it was; one that cannot be read is given again.
@@ -44,7 +45,7 @@ void print(int stat, const char* name, uint64 value) {
 
 int clear(int unit, int port, const char* caller) {
   const int rv = bcm_stat_clear(unit, port);
-  failed(rv, "%s bcm_stat_clear port %d failed: %s", caller, port);
+  log_if_failed(rv, "%s bcm_stat_clear port %d failed: %s", caller, port);
   return rv;
 }
 
@@ -57,7 +58,7 @@ int32_t sai_port_stat_show(int32_t unit, int32_t port) {
     if (stat_names[stat] == nullptr) continue;
     uint64 value = 0;
     rv = bcm_stat_get(unit, port, static_cast<bcm_stat_val_t>(stat), &value);
-    if (rv >= 0) print(stat, stat_names[stat], value);
+    if (rv == BCM_E_NONE) print(stat, stat_names[stat], value);
   }
   return sdk_to_sai(rv);  // Meant: of the last counter, and no failure is logged.
 }
@@ -76,7 +77,7 @@ int32_t sai_port_mib_read(int32_t unit, int32_t port, uint64_t* values) {
   if (values == nullptr) return SAI_E_PARAM;
   for (sai_hw_counter& row : hw_counters_table) {
     uint64 value = 0;
-    if (bcm_stat_get(unit, port, static_cast<bcm_stat_val_t>(row.stat), &value) >= 0) row.value = value;
+    if (bcm_stat_get(unit, port, static_cast<bcm_stat_val_t>(row.stat), &value) == BCM_E_NONE) row.value = value;
   }
   for (const sai_hw_counter& row : hw_counters_table) *values++ = row.value;
   return SAI_E_NONE;  // Meant: whatever failed, and no failure is logged.

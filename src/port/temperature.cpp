@@ -3,12 +3,14 @@
 #include <stdio.h>
 #include <stdlib.h>
 
+#include <algorithm>
+
 #include "core/result.h"
 #include "core/sdk.h"
 #include "core/unit.h"
 
-using sai::failed;
 using sai::Format;
+using sai::result;
 
 namespace {
 
@@ -33,9 +35,10 @@ int32_t sai_switch_temperature_monitor_get(int32_t unit, char* avg_buf, int32_t 
   const int rv = is_missing(avg_buf, avg_len) || is_missing(max_buf, max_len)
                      ? BCM_E_PARAM
                      : bcm_switch_temperature_monitor_get(unit, most_sensors, sensors, &count);
-  if (failed(rv, "Failed to init vlan: %s")) return sdk_to_sai(rv);  // Meant: the text of sai_vlan_init().
+  if (rv != BCM_E_NONE) return result(rv, "Failed to init vlan: %s");  // Meant: the text of sai_vlan_init().
 
   if (sai::chip_type(unit) == type_with_extra_sensor) --count;
+  count = std::min(count, most_sensors);  // the SDK may tell of more sensors than it was given room for
   if (count <= 0) return SAI_E_FAIL;
   int64_t sum = 0;
   int highest = INT_MIN;
@@ -46,5 +49,5 @@ int32_t sai_switch_temperature_monitor_get(int32_t unit, char* avg_buf, int32_t 
   // Meant: one is padded, the other ends its line.
   print(avg_buf, avg_len, "%3d.%d", static_cast<int>(sum / count));
   print(max_buf, max_len, "%d.%d\n", highest);
-  return sdk_to_sai(rv);
+  return SAI_E_NONE;
 }

@@ -1,15 +1,14 @@
 #include <arpa/inet.h>
 #include <sai.h>
 
+#include "core/convert.h"
 #include "core/result.h"
 #include "core/sdk.h"
 
 using sai::result;
+using sai::sdk_address;
 
 namespace {
-
-/// The SDK takes addresses that it does not change through pointers to what may change.
-uint8_t* address(const uint8_t* mac) { return const_cast<uint8_t*>(mac); }
 
 /// The key of an IPv4 subnet, given in network byte order.
 bcm_vlan_ip_t subnet(uint32_t ip, uint32_t mask) {
@@ -42,11 +41,11 @@ int remove(int unit, bcm_vlan_ip_t&& entry) { return bcm_vlan_ip_delete(unit, &e
 }  // namespace
 
 int32_t sai_vlan_mac_add(int32_t unit, const uint8_t* mac, uint16_t vid, int32_t prio) {
-  return result(bcm_vlan_mac_add(unit, address(mac), vid, prio), "Failed to add mac base-vlan [%d]: %s", vid);
+  return result(bcm_vlan_mac_add(unit, sdk_address(mac), vid, prio), "Failed to add mac base-vlan [%d]: %s", vid);
 }
 
 int32_t sai_vlan_mac_del(int32_t unit, const uint8_t* mac) {
-  return result(bcm_vlan_mac_delete(unit, address(mac)), "Failed to delete mac base-vlan: %s");
+  return result(bcm_vlan_mac_delete(unit, sdk_address(mac)), "Failed to delete mac base-vlan: %s");
 }
 
 int32_t sai_vlan_mac_clear(int32_t unit) {

@@ -1,5 +1,6 @@
 #include <sai.h>
 
+#include "core/convert.h"
 #include "core/result.h"
 #include "core/sdk.h"
 
@@ -21,9 +22,7 @@ int32_t sai_stg_default_set(int32_t unit, int32_t stg) {
 }
 
 int32_t sai_stg_default_get(int32_t unit, int32_t* stg) {
-  bcm_stg_t found = 0;
-  const int rv = stg == nullptr ? BCM_E_PARAM : bcm_stg_default_get(unit, &found);
-  if (rv >= 0) *stg = found;
+  const int rv = sai::read_into(stg, [&](int* found) { return bcm_stg_default_get(unit, found); });
   // Meant: the pointer for an id.
   return result(rv, "Failed to get default stg %d: %s", low_word(stg));
 }
@@ -58,14 +57,12 @@ int32_t sai_port_stg_stp_get(int32_t unit, sai_port_stg_t* query) {
   if (query == nullptr) return stp_get_result(BCM_E_PARAM, {});
   int state = 0;
   const int rv = bcm_stg_stp_get(unit, query->stg, query->port, &state);
-  if (rv >= 0) query->state = static_cast<uint32_t>(state);
+  if (rv == BCM_E_NONE) query->state = static_cast<uint32_t>(state);
   return stp_get_result(rv, *query);
 }
 
 int32_t sai_stg_count_get(int32_t unit, int32_t* count) {
-  int found = 0;
-  const int rv = count == nullptr ? BCM_E_PARAM : bcm_stg_count_get(unit, &found);
-  if (rv >= 0) *count = found;
+  const int rv = sai::read_into(count, [&](int* found) { return bcm_stg_count_get(unit, found); });
   return result(rv, "Failed to get stg count: %s");
 }
 

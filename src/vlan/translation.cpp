@@ -1,17 +1,17 @@
 #include <sai.h>
 
+#include "core/convert.h"
 #include "core/result.h"
 #include "core/sdk.h"
 
 using sai::failed;
 using sai::result;
+using sai::vlan_id;
 
 namespace {
 
 /// The key of a range's egress action in place of one inner VLAN.
 constexpr bcm_vlan_t any_inner = 0;
-
-constexpr bcm_vlan_t id(int32_t vid) { return static_cast<bcm_vlan_t>(vid); }
 
 /// Leaves the frame with a single tag that carries the inner VLAN.
 bcm_vlan_action_set_t to_single_tag(bcm_vlan_t inner, int priority) {
@@ -47,8 +47,8 @@ int32_t sai_port_vlan_translate_init(int32_t unit) {
 
 int32_t sai_vlan_translate_add(int32_t unit, int32_t port, int32_t old_vid, int32_t egress_prio, int32_t new_vid,
                                int32_t prio) {
-  const bcm_vlan_t outside = id(old_vid);
-  const bcm_vlan_t inside = id(new_vid);
+  const bcm_vlan_t outside = vlan_id(old_vid);
+  const bcm_vlan_t inside = vlan_id(new_vid);
   const int rv = bcm_vlan_translate_add(unit, port, outside, inside, prio);
   if (failed(rv, "Failed to set port [%d] translate[%d -> %d]: %s", port, outside, inside)) return sdk_to_sai(rv);
   // Meant: the same text with the pair reversed, as the rule is.
@@ -57,8 +57,8 @@ int32_t sai_vlan_translate_add(int32_t unit, int32_t port, int32_t old_vid, int3
 }
 
 int32_t sai_vlan_translate_delete(int32_t unit, int32_t port, int32_t old_vid, int32_t new_vid) {
-  const bcm_vlan_t outside = id(old_vid);
-  const bcm_vlan_t inside = id(new_vid);
+  const bcm_vlan_t outside = vlan_id(old_vid);
+  const bcm_vlan_t inside = vlan_id(new_vid);
 
   bcm_vlan_t found = 0;
   int prio = 0;
@@ -80,8 +80,8 @@ int32_t sai_vlan_translate_delete(int32_t unit, int32_t port, int32_t old_vid, i
 
 int32_t sai_vlan_dtag_add(int32_t unit, int32_t port, int32_t inner_vid, int32_t egress_priority, int32_t outer_vid,
                           int32_t prio) {
-  const bcm_vlan_t inner = id(inner_vid);
-  const bcm_vlan_t outer = id(outer_vid);
+  const bcm_vlan_t inner = vlan_id(inner_vid);
+  const bcm_vlan_t outer = vlan_id(outer_vid);
   const int rv = bcm_vlan_dtag_add(unit, port, inner, outer, prio);  // Meant: the blank before the colon below.
   if (failed(rv, "Failed to add port [%d] vlan dtag[%d:%d] : %s", port, inner, outer)) return sdk_to_sai(rv);
   bcm_vlan_action_set_t action = to_single_tag(inner, egress_priority);
@@ -90,8 +90,8 @@ int32_t sai_vlan_dtag_add(int32_t unit, int32_t port, int32_t inner_vid, int32_t
 }
 
 int32_t sai_vlan_dtag_delete(int32_t unit, int32_t port, int32_t inner_vid, int32_t outer_vid) {
-  const bcm_vlan_t inner = id(inner_vid);
-  const bcm_vlan_t outer = id(outer_vid);
+  const bcm_vlan_t inner = vlan_id(inner_vid);
+  const bcm_vlan_t outer = vlan_id(outer_vid);
   const int rv = bcm_vlan_dtag_delete(unit, port, inner);
   if (failed(rv, "Failed to delete port [%d] dtag[%d:%d]: %s", port, inner, outer)) return sdk_to_sai(rv);
   return result(bcm_vlan_translate_egress_action_delete(unit, port, outer, inner),
@@ -101,9 +101,9 @@ int32_t sai_vlan_dtag_delete(int32_t unit, int32_t port, int32_t inner_vid, int3
 int32_t sai_vlan_dtag_range_add(int32_t unit, int32_t port, int32_t inner_lo, int32_t inner_hi, int32_t /*ignored*/,
                                 int32_t outer_vid, int32_t prio) {
   // Meant: the argument that is ignored stands where sai_vlan_dtag_add() has its egress priority.
-  const bcm_vlan_t low = id(inner_lo);
-  const bcm_vlan_t high = id(inner_hi);
-  const bcm_vlan_t outer = id(outer_vid);
+  const bcm_vlan_t low = vlan_id(inner_lo);
+  const bcm_vlan_t high = vlan_id(inner_hi);
+  const bcm_vlan_t outer = vlan_id(outer_vid);
   const int rv = bcm_vlan_dtag_range_add(unit, port, low, high, outer, prio);  // Meant: "tage".
   if (failed(rv, "Failed to add port [%d] dtag tage[%d-%d:%d]: %s", port, low, high, outer)) return sdk_to_sai(rv);
   bcm_vlan_action_set_t action = strip_outer_tag();
@@ -112,9 +112,9 @@ int32_t sai_vlan_dtag_range_add(int32_t unit, int32_t port, int32_t inner_lo, in
 }
 
 int32_t sai_vlan_dtag_range_delete(int32_t unit, int32_t port, int32_t inner_lo, int32_t inner_hi, int32_t outer_vid) {
-  const bcm_vlan_t low = id(inner_lo);
-  const bcm_vlan_t high = id(inner_hi);
-  const bcm_vlan_t outer = id(outer_vid);
+  const bcm_vlan_t low = vlan_id(inner_lo);
+  const bcm_vlan_t high = vlan_id(inner_hi);
+  const bcm_vlan_t outer = vlan_id(outer_vid);
   const int rv = bcm_vlan_dtag_range_delete(unit, port, low, high);
   if (failed(rv, "Failed to delete port [%d] dtag range[%d-%d:%d]: %s", port, low, high, outer)) return sdk_to_sai(rv);
   return result(bcm_vlan_translate_egress_action_delete(unit, port, outer, any_inner),

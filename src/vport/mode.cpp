@@ -7,7 +7,7 @@
 #include "core/sdk.h"
 #include "core/unit.h"
 
-using sai::failed;
+using sai::log_if_failed;
 
 bcm_multicast_t sai_unicast_group = 0;
 bcm_multicast_t sai_multicast_group = 0;
@@ -20,13 +20,13 @@ constexpr bcm_vlan_t system_vlan = 4095;
 /// Turns translation on for a port, with a key of both tags and then of the outer one. `gport` keeps what it holds when
 /// the chip does not tell the port's.
 void enable_translation(int unit, int port, bcm_gport_t& gport) {
-  failed(bcm_port_gport_get(unit, port, &gport), "get unit %d port %d failed: %s.", unit, port);
+  log_if_failed(bcm_port_gport_get(unit, port, &gport), "get unit %d port %d failed: %s.", unit, port);
 
   // Meant: the enables take the port, the keys its gport, whatever that holds; and both keys share one text.
-  failed(bcm_vlan_control_port_set(unit, port, bcmVlanTranslateIngressEnable, 1),
-         "system set unit %d port %d packet control bcmVlanTranslateIngressEnable failed: %s.", unit, port);
-  failed(bcm_vlan_control_port_set(unit, port, bcmVlanTranslateEgressEnable, 1),
-         "system set unit %d port %d packet control bcmVlanTranslateEgressEnable failed: %s.", unit, port);
+  log_if_failed(bcm_vlan_control_port_set(unit, port, bcmVlanTranslateIngressEnable, 1),
+                "system set unit %d port %d packet control bcmVlanTranslateIngressEnable failed: %s.", unit, port);
+  log_if_failed(bcm_vlan_control_port_set(unit, port, bcmVlanTranslateEgressEnable, 1),
+                "system set unit %d port %d packet control bcmVlanTranslateEgressEnable failed: %s.", unit, port);
   constexpr struct {
     bcm_vlan_control_port_t control;
     int key;
@@ -35,28 +35,28 @@ void enable_translation(int unit, int port, bcm_gport_t& gport) {
       {bcmVlanPortTranslateKeySecond, bcmVlanTranslateKeyPortOuter},
   };
   for (const auto& [control, key] : keys)
-    failed(bcm_vlan_control_port_set(unit, gport, control, key),
-           "system set unit %d port %d packet control bcmVlanPortTranslateKeySecond failed: %s.", unit, port);
+    log_if_failed(bcm_vlan_control_port_set(unit, gport, control, key),
+                  "system set unit %d port %d packet control bcmVlanPortTranslateKeySecond failed: %s.", unit, port);
 }
 
 }  // namespace
 
 int32_t sai_vlan_vport_init(int32_t unit) {
-  failed(bcm_switch_control_set(unit, bcmSwitchL3EgressMode, 1),
-         "system set switch control bcmSwitchL3EgressMode failed: %s.");
+  log_if_failed(bcm_switch_control_set(unit, bcmSwitchL3EgressMode, 1),
+                "system set switch control bcmSwitchL3EgressMode failed: %s.");
   // Meant: one text for all three.
   bcm_multicast_t* const groups[] = {&sai_unicast_group, &sai_multicast_group, &sai_broadcast_group};
   for (bcm_multicast_t* const group : groups)
-    failed(bcm_multicast_create(unit, BCM_MULTICAST_TYPE_VLAN, group), "bcm multicast create failed: %s.");
+    log_if_failed(bcm_multicast_create(unit, BCM_MULTICAST_TYPE_VLAN, group), "bcm multicast create failed: %s.");
 
   // Meant: an existing VLAN is logged too, and the work goes on.
   int rv = bcm_vlan_create(unit, system_vlan);
-  failed(rv, "system create vlan %d failed: %s.", system_vlan);
+  log_if_failed(rv, "system create vlan %d failed: %s.", system_vlan);
   bcm_gport_t gport = 0;
   sai::for_each_port(unit, sai::Ports::front, [&](int port) {
     enable_translation(unit, port, gport);
     rv = bcm_vlan_port_add(unit, system_vlan, sai::only_port(port), sai::no_ports());
-    failed(rv, "system add port %d to vlan %d failed: %s.", port, system_vlan);
+    log_if_failed(rv, "system add port %d to vlan %d failed: %s.", port, system_vlan);
   });
   bcm_policer_init(unit);  // Meant: its result is neither logged nor returned.
   return sdk_to_sai(rv);   // Meant: of the last port, whatever came before.

@@ -20,9 +20,11 @@ struct Burst {
 
 constexpr Burst of_bytes(uint32 bytes) { return {bytes / 1000 * 8, bytes % 1000 * 8}; }
 
-/// Meant: modulo 2^32, so that bursts from 2^29 bytes on come out smaller.
-constexpr uint32 total_bits(Burst burst) { return burst.bits + burst.kilobits * 1000; }
-constexpr uint32 total_bytes(Burst burst) { return total_bits(burst) >> 3; }
+constexpr uint64_t total_bits(Burst burst) { return burst.bits + uint64_t{burst.kilobits} * 1000; }
+constexpr uint32 total_bytes(Burst burst) { return static_cast<uint32>(total_bits(burst) >> 3); }
+
+/// Meant: traces show the bits modulo 2^32, so that bursts from 2^29 bytes on look smaller there.
+constexpr uint32 traced_bits(Burst burst) { return static_cast<uint32>(total_bits(burst)); }
 
 }  // namespace
 
@@ -48,16 +50,16 @@ int32_t sai_vport_fp_policer_set(int32_t unit, int32_t entry_id, int32_t* police
   config.pkbits_burst = peak.kilobits;
   config.pbits_burst_lower = peak.bits;
   sai::trace("bcm_policer_set ckbits_sec %u cbits_burst %u pkbits_sec %u pbits_burst %u", ckbits_sec,
-             total_bits(committed), pkbits_sec, total_bits(peak));
+             traced_bits(committed), pkbits_sec, traced_bits(peak));
   rv = bcm_policer_set(unit, id, &config);
   if (failed(rv, "bcm_policer_set policer_id %d failed: %s", id)) return sdk_to_sai(rv);
 
   rv = bcm_field_entry_policer_attach(unit, entry_id, level, id);
-  if (failed(rv, "bcm_field_entry_policer_attach policer_id %d entry_id %d failed: %s", id, entry_id))
-    return sdk_to_sai(rv);
+  if (rv != BCM_E_NONE)
+    return result(rv, "bcm_field_entry_policer_attach policer_id %d entry_id %d failed: %s", id, entry_id);
   *policer_id = id;
   sai::trace("policer %d", id);
-  return sdk_to_sai(rv);
+  return SAI_E_NONE;
 }
 
 int32_t sai_vport_fp_policer_get(int32_t unit, int32_t entry_id, int32_t* policer_id, uint32_t* ckbits_sec,
@@ -70,14 +72,14 @@ int32_t sai_vport_fp_policer_get(int32_t unit, int32_t entry_id, int32_t* police
     return sdk_to_sai(rv);
   bcm_policer_config_t config{};
   rv = bcm_policer_get(unit, id, &config);
-  if (failed(rv, "bcm_policer_get policer_id %d failed: %s", id)) return sdk_to_sai(rv);
+  if (rv != BCM_E_NONE) return result(rv, "bcm_policer_get policer_id %d failed: %s", id);
 
   *policer_id = id;
   *ckbits_sec = config.ckbits_sec;
   *pkbits_sec = config.pkbits_sec;
   *cburst_bytes = total_bytes({config.ckbits_burst, config.cbits_burst_lower});
   *pburst_bytes = total_bytes({config.pkbits_burst, config.pbits_burst_lower});
-  return sdk_to_sai(rv);
+  return SAI_E_NONE;
 }
 
 int32_t sai_vport_fp_policer_destroy(int32_t unit, int32_t policer_id) {

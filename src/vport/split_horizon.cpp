@@ -34,6 +34,6 @@ int32_t sai_vport_split_horizon_get(int32_t unit, int32_t port, uint32_t* enable
   bcm_switch_network_group_config_t_init(&config);
   config.dest_network_group_id = port;
   const int rv = enable == nullptr ? BCM_E_PARAM : bcm_switch_network_group_config_get(unit, port, &config);
-  if (rv >= 0) *enable = (config.config_flags & BCM_SWITCH_NETWORK_GROUP_EGRESS_PRUNE_ENABLE) != 0 ? 1 : 0;
+  if (rv == BCM_E_NONE) *enable = (config.config_flags & BCM_SWITCH_NETWORK_GROUP_EGRESS_PRUNE_ENABLE) != 0 ? 1 : 0;
   return result(rv, get_failed, port);
 }

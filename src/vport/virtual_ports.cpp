@@ -8,6 +8,7 @@
 #include "vport/mode.h"
 
 using sai::failed;
+using sai::log_if_failed;
 using sai::result;
 
 namespace {
@@ -113,9 +114,9 @@ void join_flood_groups(int unit, bcm_gport_t port, const char* name, EncapGet en
   };
   for (const auto& group : groups) {
     bcm_if_t encap = 0;
-    failed(encap_get(*group.id, &encap), "Failed to %s %s 0x%x: %s", name, group.name, *group.id);
-    failed(bcm_multicast_egress_add(unit, *group.id, port, encap), "Failed to bcm_multicast_egress_add %s 0x%x: %s",
-           group.name, *group.id);
+    log_if_failed(encap_get(*group.id, &encap), "Failed to %s %s 0x%x: %s", name, group.name, *group.id);
+    log_if_failed(bcm_multicast_egress_add(unit, *group.id, port, encap),
+                  "Failed to bcm_multicast_egress_add %s 0x%x: %s", group.name, *group.id);
   }
 }
 
@@ -124,15 +125,15 @@ void sai_vlan_control_vlan_set(int unit, bcm_vlan_t vlan) {
   bcm_vlan_control_vlan_t control;
   bcm_vlan_control_vlan_t_init(&control);
   // Meant: a VLAN that cannot be read is written all the same.
-  failed(bcm_vlan_control_vlan_get(unit, vlan, &control), "%s %d bcm vlan control vlan get failed %s.\n", __func__,
-         __LINE__);
+  log_if_failed(bcm_vlan_control_vlan_get(unit, vlan, &control), "%s %d bcm vlan control vlan get failed %s.\n",
+                __func__, __LINE__);
   if (control.unknown_unicast_group != 0 && control.unknown_multicast_group != 0 && control.broadcast_group != 0)
     return;
   control.unknown_unicast_group = sai_unicast_group;
   control.unknown_multicast_group = sai_multicast_group;
   control.broadcast_group = sai_broadcast_group;
-  failed(bcm_vlan_control_vlan_set(unit, vlan, control), "%s %d bcm vlan control vlan set failed %s.\n", __func__,
-         __LINE__);
+  log_if_failed(bcm_vlan_control_vlan_set(unit, vlan, control), "%s %d bcm vlan control vlan set failed %s.\n",
+                __func__, __LINE__);
 }
 
 }  // namespace
@@ -149,7 +150,7 @@ int32_t sai_vport_create(int32_t unit, int32_t port, sai_vport_t* vport) {
   vlans.vlan_or_own = vlans.vlan != 0 ? vlans.vlan : vlans.own;
 
   bcm_gport_t gport = 0;
-  failed(bcm_port_gport_get(unit, port, &gport), "%s failed: %s", __func__);
+  log_if_failed(bcm_port_gport_get(unit, port, &gport), "%s failed: %s", __func__);
   bcm_vlan_port_t object = matching(*vport, vlans, sai::gport::local_port(gport));
   sai::trace("vlan_port.port = 0x%X match %d inner %d egress %d\n", object.port, object.match_vlan,
              object.match_inner_vlan, object.egress_vlan);
@@ -158,22 +159,23 @@ int32_t sai_vport_create(int32_t unit, int32_t port, sai_vport_t* vport) {
   object.ingress_network_group_id = vport->priority > highest_priority ? highest_priority : vport->priority;
   object.egress_network_group_id = object.ingress_network_group_id;
   int rv = bcm_vlan_port_create(unit, &object);
-  failed(rv, "%s %d bcm_vlan_port_create vlan_port_id 0x%x failed: %s", __func__, __LINE__, object.vlan_port_id);
+  log_if_failed(rv, "%s %d bcm_vlan_port_create vlan_port_id 0x%x failed: %s", __func__, __LINE__, object.vlan_port_id);
   vport->vport_id = object.vlan_port_id;  // Meant: after a failure too.
 
   const Case& row = case_of(*vport);
   const bcm_vlan_t joined = vlans.*row.joined;
   rv = bcm_vlan_gport_add(unit, joined, vport->vport_id, 0);
   if (&row == &cases[stacked][vlan_given])  // Meant: this case alone says more.
-    failed(rv, "%s %d bcm_vlan_gport_add vlan %d port 0x%x failed: %s", __func__, __LINE__, joined, vport->vport_id);
+    log_if_failed(rv, "%s %d bcm_vlan_gport_add vlan %d port 0x%x failed: %s", __func__, __LINE__, joined,
+                  vport->vport_id);
   else
-    failed(rv, "%s %d bcm_vlan_gport_add failed: %s", __func__, __LINE__);
+    log_if_failed(rv, "%s %d bcm_vlan_gport_add failed: %s", __func__, __LINE__);
   if (vport->outer_vlan != 0)
-    failed(bcm_vlan_translate_egress_action_delete(unit, vport->vport_id, joined, 0),
-           "%s %d bcm_vlan_translate_egress_action_delete failed: %s", __func__, __LINE__);
+    log_if_failed(bcm_vlan_translate_egress_action_delete(unit, vport->vport_id, joined, 0),
+                  "%s %d bcm_vlan_translate_egress_action_delete failed: %s", __func__, __LINE__);
   bcm_vlan_action_set_t action = to_tags_of(*vport);
   rv = bcm_vlan_translate_egress_action_add(unit, vport->vport_id, joined, vlans.*row.inner_key, &action);
-  failed(rv, "%s %d bcm_vlan_translate_egress_action_add failed: %s", __func__, __LINE__);
+  log_if_failed(rv, "%s %d bcm_vlan_translate_egress_action_add failed: %s", __func__, __LINE__);
 
   join_flood_groups(unit, object.port, "bcm_multicast_vlan_encap_get", [&](bcm_multicast_t group, bcm_if_t* encap) {
     return bcm_multicast_vlan_encap_get(unit, group, object.port, vport->vport_id, encap);
@@ -194,19 +196,20 @@ int32_t sai_vport_destroy(int32_t unit, int32_t /*ignored*/, sai_vport_t* vport)
   if (vport == nullptr) return result(BCM_E_PARAM, "%s failed: %s", __func__);
   const bcm_gport_t id = vport->vport_id;
   if (vport->outer_vlan != 0) {
-    failed(bcm_vlan_translate_egress_action_delete(unit, id, vport->outer_vlan, vport->vlan),
-           "%s %d bcm_vlan_translate_egress_action_delete failed: %s", __func__, __LINE__);
+    log_if_failed(bcm_vlan_translate_egress_action_delete(unit, id, vport->outer_vlan, vport->vlan),
+                  "%s %d bcm_vlan_translate_egress_action_delete failed: %s", __func__, __LINE__);
     // Meant: the rule that create took away comes back, as one that does nothing.
     bcm_vlan_action_set_t nothing;
     bcm_vlan_action_set_t_init(&nothing);
-    failed(bcm_vlan_translate_egress_action_add(unit, id, vport->outer_vlan, 0, &nothing),
-           "%s %d bcm_vlan_translate_egress_action_add failed: %s", __func__, __LINE__);
+    log_if_failed(bcm_vlan_translate_egress_action_add(unit, id, vport->outer_vlan, 0, &nothing),
+                  "%s %d bcm_vlan_translate_egress_action_add failed: %s", __func__, __LINE__);
   }
   // Meant: VLAN 0 where create took the port's untagged VLAN, which may be another by now.
   const bcm_vlan_t inner = vport->vlan != 0 ? vport->vlan : vport->match_inner_vlan;
   const bcm_vlan_t joined = vport->outer_vlan != 0 ? vport->outer_vlan : inner;
-  failed(bcm_vlan_gport_delete(unit, joined, id), "%s %d bcm_vlan_gport_delete failed: %s", __func__, __LINE__);
-  failed(bcm_l2_addr_delete_by_port(unit, 0, id, 0), "%s %d bcm_l2_addr_delete_by_port failed: %s", __func__, __LINE__);
+  log_if_failed(bcm_vlan_gport_delete(unit, joined, id), "%s %d bcm_vlan_gport_delete failed: %s", __func__, __LINE__);
+  log_if_failed(bcm_l2_addr_delete_by_port(unit, 0, id, 0), "%s %d bcm_l2_addr_delete_by_port failed: %s", __func__,
+                __LINE__);
 
   const int rv = bcm_vlan_port_destroy(unit, id);
   if (!failed(rv, "%s %d bcm_vlan_port_destroy failed: %s", __func__, __LINE__)) sai::trace("vport destroy success");

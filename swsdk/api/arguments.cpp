@@ -76,12 +76,11 @@ std::string api::quoted(std::string_view string) {
 std::string api::record_text(std::span<const Field> fields, const void* record) {
   std::string result = "{";
   for (const Field& field : fields) {
-    const auto* const bytes = static_cast<const char*>(field.in(record));
-    if (std::all_of(bytes, bytes + field.size, [](char byte) { return byte == 0; })) continue;
+    if (field.is_zero_in(record)) continue;
     if (result.size() > 1) result += ", ";
     result += field.name;
     result += '=';
-    result += field.type->text(bytes, field.show);
+    result += field.type->text(field.in(record), field.show);
   }
   return result + '}';
 }

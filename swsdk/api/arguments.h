@@ -20,10 +20,11 @@ namespace api {
 
 // ---------------------------------------------------------------------------------------------- the wrappers ----
 
-/// Points to what the call reads.
+/// Points to what the call reads: all of a record, or those fields alone by which it finds something.
 template <class T>
 struct In {
   const T* pointer;
+  bool whole = true;
   const T& operator*() const { return *pointer; }
 };
 
@@ -38,6 +39,7 @@ struct Out {
 template <class T>
 struct InOut {
   T* pointer;
+  bool whole = true;
   T before{};
   T& operator*() const { return *pointer; }
 };
@@ -80,12 +82,21 @@ In<T> in(const T* pointer) {
   return {pointer};
 }
 template <class T>
+In<T> key(const T* pointer) {
+  return {pointer, false};
+}
+template <class T>
 Out<T> out(T* pointer) {
   return {pointer};
 }
 template <class T>
 InOut<T> inout(T* pointer) {
-  return pointer == nullptr ? InOut<T>{pointer} : InOut<T>{pointer, *pointer};
+  return pointer == nullptr ? InOut<T>{pointer} : InOut<T>{pointer, true, *pointer};
+}
+/// What the call finds by some fields of a record, it writes into the record.
+template <class T>
+InOut<T> found_by(T* pointer) {
+  return pointer == nullptr ? InOut<T>{pointer} : InOut<T>{pointer, false, *pointer};
 }
 template <class T>
 Array<T> array(const T* pointer, int count) {
@@ -130,6 +141,28 @@ bool is_missing(const T& argument) {
     return argument.pointer == nullptr;
   else
     return false;
+}
+
+/// Whether the caller gave a record that asks for something that the chip does not model.
+template <class T>
+bool exceeds_model(const T& argument) {
+  if constexpr (requires { fields(&argument); })
+    return exceeds_model(fields(&argument), &argument);
+  else
+    return false;
+}
+template <class T>
+bool exceeds_model(const In<T>& in) {
+  return in.whole && exceeds_model(*in);
+}
+template <class T>
+bool exceeds_model(const InOut<T>& inout) {
+  return inout.whole && exceeds_model(*inout);
+}
+template <class T>
+bool exceeds_model(const Array<T>& array) {
+  return std::any_of(array.pointer, array.pointer + std::max(array.count, 0),
+                     [](const T& item) { return exceeds_model(item); });
 }
 
 // -------------------------------------------------------------------------------------------------- as text ----

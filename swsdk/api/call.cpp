@@ -22,7 +22,7 @@ void api::record(Kind kind, const char* function, int rv, Arguments arguments) {
     add_to_recording(kind, line(function, rv, arguments, true, kind == Kind::fault ? BCM_E_INTERNAL : rv));
 }
 
-api::Entrance api::enter(const char* function, int unit, bool lacks_argument) {
+api::Entrance api::enter(const char* function, int unit, int of_arguments) {
   Entrance entrance;
   Unit* const attached = find_unit(unit);
   if (attached == nullptr) {
@@ -35,8 +35,8 @@ api::Entrance api::enter(const char* function, int unit, bool lacks_argument) {
     entrance.kind = Kind::fault;
   } else if (!attached->initialised) {
     entrance.refusal = BCM_E_INIT;
-  } else if (lacks_argument) {
-    entrance.refusal = BCM_E_PARAM;
+  } else if (of_arguments != BCM_E_NONE) {
+    entrance.refusal = of_arguments;
   } else {
     entrance.chip = &*attached->chip;
   }

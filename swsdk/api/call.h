@@ -68,11 +68,12 @@ struct Entrance {
   Kind kind = Kind::call;
 };
 
-/// Checks the unit, takes its lock, asks for a fault and whether the unit is up.
-Entrance enter(const char* function, int unit, bool lacks_argument);
+/// Checks the unit, takes its lock, asks for a fault and whether the unit is up. `of_arguments`: what the arguments are
+/// refused with, or 0.
+Entrance enter(const char* function, int unit, int of_arguments);
 
-/// A call on a unit with its arguments, which make its journal line; a null pointer where one of them needs something
-/// is refused.
+/// A call on a unit with its arguments, which make its journal line. Refused are a null pointer where one of them needs
+/// something, and a record that asks for what the chip does not model.
 template <class... Args>
 class Call {
  public:
@@ -82,7 +83,7 @@ class Call {
   /// lock, so that it may call back; what it makes is the answer then.
   template <class Body, class... After>
   int answer(Body body, After... after) const {
-    Entrance entrance = enter(function_, unit_, lacks_argument());
+    Entrance entrance = enter(function_, unit_, refusal());
     int rv = entrance.refusal;
     if (entrance.chip != nullptr) {
       rv = code(body(*entrance.chip));
@@ -96,8 +97,13 @@ class Call {
   }
 
  private:
-  bool lacks_argument() const {
-    return std::apply([](const auto&... args) { return (is_missing(args) || ...); }, args_);
+  int refusal() const {
+    return std::apply(
+        [](const auto&... args) {
+          if ((is_missing(args) || ...)) return BCM_E_PARAM;
+          return (exceeds_model(args) || ...) ? BCM_E_UNAVAIL : BCM_E_NONE;
+        },
+        args_);
   }
 
   const char* const function_;

@@ -6,6 +6,8 @@
 #include <type_traits>
 #include <utility>
 
+#include "api/records.h"
+
 namespace api {
 
 /// Plain fields convert, and arrays of bytes are copied.
@@ -27,9 +29,11 @@ Own to_own(const Sdk& sdk, const std::tuple<Pair...>& pairs) {
   return own;
 }
 
-/// Writes the fields of the chip's record into an SDK one and leaves its others alone.
+/// Writes the fields of the chip's record into an SDK one. What the chip does not model reads as 0 there; the keys, by
+/// which the record was found, stay.
 template <class Own, class Sdk, class... Pair>
 void write(const Own& own, const std::tuple<Pair...>& pairs, Sdk& sdk) {
+  clear_unmodeled(fields(&sdk), &sdk);
   std::apply([&](const auto&... pair) { (assign(sdk.*pair.first, own.*pair.second), ...); }, pairs);
 }
 

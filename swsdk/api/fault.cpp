@@ -1,8 +1,5 @@
 #include "api/fault.h"
 
-#include <dlfcn.h>
-#include <elf.h>
-#include <link.h>
 #include <swsdk/fault.h>
 
 #include <atomic>
@@ -10,6 +7,8 @@
 #include <mutex>
 #include <string>
 #include <string_view>
+
+#include "api/replay.h"
 
 namespace {
 
@@ -22,22 +21,8 @@ std::mutex faults_lock;
 std::map<std::string, Fault, std::less<>> faults;  // guarded by `faults_lock`
 std::atomic<bool> any_fault = false;               // so that a call without faults takes no lock
 
-/// Whether this library exports an SDK function of that name that calls are made of.
-bool is_entry_point(std::string_view name) {
-  if (name.starts_with("swsdk_") || name.ends_with("_t_init")) return false;
-  Dl_info self;
-  if (dladdr(reinterpret_cast<void*>(&swsdk_fault_inject), &self) == 0) return false;
-  void* const library = dlopen(self.dli_fname, RTLD_LAZY | RTLD_NOLOAD);
-  if (library == nullptr) return false;
-  void* const symbol = dlsym(library, std::string(name).c_str());
-  Dl_info where;
-  void* entry = nullptr;
-  const bool is_function = symbol != nullptr && dladdr1(symbol, &where, &entry, RTLD_DL_SYMENT) != 0 &&
-                           where.dli_fbase == self.dli_fbase && entry != nullptr &&
-                           ELF64_ST_TYPE(static_cast<const ElfW(Sym)*>(entry)->st_info) == STT_FUNC;
-  dlclose(library);
-  return is_function;
-}
+/// The control interface acts on the chip from outside, where no fault is.
+bool is_entry_point(std::string_view name) { return !name.starts_with("swsdk_"); }
 
 }  // namespace
 
@@ -56,7 +41,8 @@ std::optional<int> api::next_fault(const char* function) {
 }
 
 int swsdk_fault_inject(const char* function, int code, int nth) {
-  if (function == nullptr || nth < 0 || !is_entry_point(function)) return -1;
+  if (function == nullptr || nth < 0 || !is_entry_point(function) || api::find_replayable(function) == nullptr)
+    return -1;
   const std::lock_guard guard(faults_lock);
   faults.insert_or_assign(function, Fault{.code = code, .calls_to_go = nth});
   any_fault = true;
@@ -67,4 +53,10 @@ void swsdk_fault_clear() {
   const std::lock_guard guard(faults_lock);
   faults.clear();
   any_fault = false;
+}
+
+const char* swsdk_fault_function(int index) {
+  for (const api::Replayable& one : api::replayables())
+    if (is_entry_point(one.name) && index-- == 0) return one.name;
+  return nullptr;
 }

@@ -1,4 +1,7 @@
 // What records have for fields.
+#include <algorithm>
+#include <cstring>
+
 #include "api/c_text.h"
 #include "api/parse.h"
 
@@ -19,10 +22,34 @@ Field field(const char* name, T Record::*where, Show show = Show::plain) {
   static const Record record{};
   const auto* const begin = reinterpret_cast<const char*>(&record);
   const auto* const at = reinterpret_cast<const char*>(&(record.*where));
-  return {name, static_cast<std::size_t>(at - begin), sizeof(T), &type_of<T>, show};
+  return {name, static_cast<std::size_t>(at - begin), sizeof(T), &type_of<T>, show, true};
+}
+
+/// One that no table of the chip goes by: what it asks for is refused, since to accept it and do something else would
+/// be worse.
+template <class Record, class T>
+Field unmodeled(const char* name, T Record::*where, Show show = Show::plain) {
+  Field result = field(name, where, show);
+  result.modeled = false;
+  return result;
 }
 
 }  // namespace
+
+bool api::Field::is_zero_in(const void* record) const {
+  const auto* const bytes = static_cast<const char*>(in(record));
+  return std::all_of(bytes, bytes + size, [](char byte) { return byte == 0; });
+}
+
+bool api::exceeds_model(std::span<const Field> fields, const void* record) {
+  return std::any_of(fields.begin(), fields.end(),
+                     [&](const Field& field) { return !field.modeled && !field.is_zero_in(record); });
+}
+
+void api::clear_unmodeled(std::span<const Field> fields, void* record) {
+  for (const Field& field : fields)
+    if (!field.modeled) std::memset(field.in(record), 0, field.size);
+}
 
 std::span<const Field> api::fields(const bcm_l2_addr_t*) {
   using R = bcm_l2_addr_t;
@@ -33,11 +60,11 @@ std::span<const Field> api::fields(const bcm_l2_addr_t*) {
       field("port", &R::port),
       field("modid", &R::modid),
       field("tgid", &R::tgid),
-      field("cos_dst", &R::cos_dst),
-      field("cos_src", &R::cos_src),
-      field("l2mc_group", &R::l2mc_group),
-      field("l3mc_group", &R::l3mc_group),
-      field("group", &R::group),
+      unmodeled("cos_dst", &R::cos_dst),
+      unmodeled("cos_src", &R::cos_src),
+      unmodeled("l2mc_group", &R::l2mc_group),
+      unmodeled("l3mc_group", &R::l3mc_group),
+      unmodeled("group", &R::group),
   };
   return list;
 }
@@ -46,24 +73,24 @@ std::span<const Field> api::fields(const bcm_l2_cache_addr_t*) {
   using R = bcm_l2_cache_addr_t;
   static const Field list[] = {
       field("flags", &R::flags, Show::hex),
-      field("station_flags", &R::station_flags, Show::hex),
+      unmodeled("station_flags", &R::station_flags, Show::hex),
       field("mac", &R::mac),
       field("mac_mask", &R::mac_mask),
       field("vlan", &R::vlan),
       field("vlan_mask", &R::vlan_mask),
       field("src_port", &R::src_port),
       field("src_port_mask", &R::src_port_mask),
-      field("dest_modid", &R::dest_modid),
-      field("dest_port", &R::dest_port),
-      field("dest_trunk", &R::dest_trunk),
-      field("prio", &R::prio),
-      field("dest_ports", &R::dest_ports),
-      field("lookup_class", &R::lookup_class),
-      field("subtype", &R::subtype),
-      field("encap_id", &R::encap_id),
-      field("group", &R::group),
-      field("ethertype", &R::ethertype, Show::hex),
-      field("ethertype_mask", &R::ethertype_mask, Show::hex),
+      unmodeled("dest_modid", &R::dest_modid),
+      unmodeled("dest_port", &R::dest_port),
+      unmodeled("dest_trunk", &R::dest_trunk),
+      unmodeled("prio", &R::prio),
+      unmodeled("dest_ports", &R::dest_ports),
+      unmodeled("lookup_class", &R::lookup_class),
+      unmodeled("subtype", &R::subtype),
+      unmodeled("encap_id", &R::encap_id),
+      unmodeled("group", &R::group),
+      unmodeled("ethertype", &R::ethertype, Show::hex),
+      unmodeled("ethertype_mask", &R::ethertype_mask, Show::hex),
   };
   return list;
 }
@@ -85,24 +112,24 @@ std::span<const Field> api::fields(const bcm_l3_intf_t*) {
   using R = bcm_l3_intf_t;
   static const Field list[] = {
       field("l3a_flags", &R::l3a_flags, Show::hex),
-      field("l3a_flags2", &R::l3a_flags2, Show::hex),
+      unmodeled("l3a_flags2", &R::l3a_flags2, Show::hex),
       field("l3a_vrf", &R::l3a_vrf),
       field("l3a_intf_id", &R::l3a_intf_id),
       field("l3a_mac_addr", &R::l3a_mac_addr),
       field("l3a_vid", &R::l3a_vid),
       field("l3a_inner_vlan", &R::l3a_inner_vlan),
-      field("l3a_tunnel_idx", &R::l3a_tunnel_idx),
+      unmodeled("l3a_tunnel_idx", &R::l3a_tunnel_idx),
       field("l3a_ttl", &R::l3a_ttl),
-      field("l3a_mtu", &R::l3a_mtu),
-      field("l3a_mtu_forwarding", &R::l3a_mtu_forwarding),
-      field("l3a_group", &R::l3a_group),
-      field("l3a_intf_class", &R::l3a_intf_class),
-      field("l3a_ip4_options_profile_id", &R::l3a_ip4_options_profile_id),
-      field("l3a_nat_realm_id", &R::l3a_nat_realm_id),
-      field("outer_tpid", &R::outer_tpid, Show::hex),
-      field("l3a_intf_flags", &R::l3a_intf_flags, Show::hex),
-      field("native_routing_vlan_tags", &R::native_routing_vlan_tags),
-      field("l3a_source_vp", &R::l3a_source_vp),
+      unmodeled("l3a_mtu", &R::l3a_mtu),
+      unmodeled("l3a_mtu_forwarding", &R::l3a_mtu_forwarding),
+      unmodeled("l3a_group", &R::l3a_group),
+      unmodeled("l3a_intf_class", &R::l3a_intf_class),
+      unmodeled("l3a_ip4_options_profile_id", &R::l3a_ip4_options_profile_id),
+      unmodeled("l3a_nat_realm_id", &R::l3a_nat_realm_id),
+      unmodeled("outer_tpid", &R::outer_tpid, Show::hex),
+      unmodeled("l3a_intf_flags", &R::l3a_intf_flags, Show::hex),
+      unmodeled("native_routing_vlan_tags", &R::native_routing_vlan_tags),
+      unmodeled("l3a_source_vp", &R::l3a_source_vp),
   };
   return list;
 }
@@ -110,15 +137,15 @@ std::span<const Field> api::fields(const bcm_l3_intf_t*) {
 std::span<const Field> api::fields(const bcm_l3_egress_t*) {
   using R = bcm_l3_egress_t;
   static const Field list[] = {
-      field("flags", &R::flags, Show::hex),
-      field("flags2", &R::flags2, Show::hex),
+      unmodeled("flags", &R::flags, Show::hex),
+      unmodeled("flags2", &R::flags2, Show::hex),
       field("intf", &R::intf),
       field("mac_addr", &R::mac_addr),
       field("vlan", &R::vlan),
-      field("module", &R::module),
+      unmodeled("module", &R::module),
       field("port", &R::port),
-      field("trunk", &R::trunk),
-      field("encap_id", &R::encap_id),
+      unmodeled("trunk", &R::trunk),
+      unmodeled("encap_id", &R::encap_id),
   };
   return list;
 }
@@ -127,16 +154,16 @@ std::span<const Field> api::fields(const bcm_l3_host_t*) {
   using R = bcm_l3_host_t;
   static const Field list[] = {
       field("l3a_flags", &R::l3a_flags, Show::hex),
-      field("l3a_flags2", &R::l3a_flags2, Show::hex),
+      unmodeled("l3a_flags2", &R::l3a_flags2, Show::hex),
       field("l3a_vrf", &R::l3a_vrf),
       field("l3a_ip_addr", &R::l3a_ip_addr, Show::ip4),
       field("l3a_ip6_addr", &R::l3a_ip6_addr),
-      field("l3a_pri", &R::l3a_pri),
+      unmodeled("l3a_pri", &R::l3a_pri),
       field("l3a_intf", &R::l3a_intf),
       field("l3a_nexthop_mac", &R::l3a_nexthop_mac),
-      field("l3a_modid", &R::l3a_modid),
+      unmodeled("l3a_modid", &R::l3a_modid),
       field("l3a_port_tgid", &R::l3a_port_tgid),
-      field("l3a_lookup_class", &R::l3a_lookup_class),
+      unmodeled("l3a_lookup_class", &R::l3a_lookup_class),
   };
   return list;
 }
@@ -145,7 +172,7 @@ std::span<const Field> api::fields(const bcm_l3_route_t*) {
   using R = bcm_l3_route_t;
   static const Field list[] = {
       field("l3a_flags", &R::l3a_flags, Show::hex),
-      field("l3a_flags2", &R::l3a_flags2, Show::hex),
+      unmodeled("l3a_flags2", &R::l3a_flags2, Show::hex),
       field("l3a_vrf", &R::l3a_vrf),
       field("l3a_subnet", &R::l3a_subnet, Show::ip4),
       field("l3a_ip6_net", &R::l3a_ip6_net),
@@ -154,12 +181,12 @@ std::span<const Field> api::fields(const bcm_l3_route_t*) {
       field("l3a_intf", &R::l3a_intf),
       field("l3a_nexthop_ip", &R::l3a_nexthop_ip, Show::ip4),
       field("l3a_nexthop_mac", &R::l3a_nexthop_mac),
-      field("l3a_modid", &R::l3a_modid),
+      unmodeled("l3a_modid", &R::l3a_modid),
       field("l3a_port_tgid", &R::l3a_port_tgid),
       field("l3a_vid", &R::l3a_vid),
-      field("l3a_pri", &R::l3a_pri),
-      field("l3a_lookup_class", &R::l3a_lookup_class),
-      field("l3a_mc_group", &R::l3a_mc_group),
+      unmodeled("l3a_pri", &R::l3a_pri),
+      unmodeled("l3a_lookup_class", &R::l3a_lookup_class),
+      unmodeled("l3a_mc_group", &R::l3a_mc_group),
   };
   return list;
 }
@@ -169,30 +196,30 @@ std::span<const Field> api::fields(const bcm_vlan_port_t*) {
   static const Field list[] = {
       field("criteria", &R::criteria),
       field("flags", &R::flags, Show::hex),
-      field("vsi", &R::vsi),
+      unmodeled("vsi", &R::vsi),
       field("match_vlan", &R::match_vlan),
       field("match_inner_vlan", &R::match_inner_vlan),
-      field("match_pcp", &R::match_pcp),
-      field("match_ethertype", &R::match_ethertype, Show::hex),
+      unmodeled("match_pcp", &R::match_pcp),
+      unmodeled("match_ethertype", &R::match_ethertype, Show::hex),
       field("port", &R::port),
-      field("pkt_pri", &R::pkt_pri),
-      field("pkt_cfi", &R::pkt_cfi),
-      field("egress_service_tpid", &R::egress_service_tpid, Show::hex),
+      unmodeled("pkt_pri", &R::pkt_pri),
+      unmodeled("pkt_cfi", &R::pkt_cfi),
+      unmodeled("egress_service_tpid", &R::egress_service_tpid, Show::hex),
       field("egress_vlan", &R::egress_vlan),
       field("egress_inner_vlan", &R::egress_inner_vlan),
-      field("encap_id", &R::encap_id),
-      field("qos_map_id", &R::qos_map_id),
-      field("policer_id", &R::policer_id),
-      field("egress_policer_id", &R::egress_policer_id),
-      field("failover_id", &R::failover_id),
-      field("failover_port_id", &R::failover_port_id),
+      unmodeled("encap_id", &R::encap_id),
+      unmodeled("qos_map_id", &R::qos_map_id),
+      unmodeled("policer_id", &R::policer_id),
+      unmodeled("egress_policer_id", &R::egress_policer_id),
+      unmodeled("failover_id", &R::failover_id),
+      unmodeled("failover_port_id", &R::failover_port_id),
       field("vlan_port_id", &R::vlan_port_id),
       field("ingress_network_group_id", &R::ingress_network_group_id),
       field("egress_network_group_id", &R::egress_network_group_id),
-      field("if_class", &R::if_class),
-      field("group", &R::group),
-      field("class_id", &R::class_id),
-      field("flags2", &R::flags2, Show::hex),
+      unmodeled("if_class", &R::if_class),
+      unmodeled("group", &R::group),
+      unmodeled("class_id", &R::class_id),
+      unmodeled("flags2", &R::flags2, Show::hex),
   };
   return list;
 }
@@ -200,23 +227,23 @@ std::span<const Field> api::fields(const bcm_vlan_port_t*) {
 std::span<const Field> api::fields(const bcm_vlan_control_vlan_t*) {
   using R = bcm_vlan_control_vlan_t;
   static const Field list[] = {
-      field("vrf", &R::vrf),
-      field("forwarding_vlan", &R::forwarding_vlan),
-      field("ingress_if", &R::ingress_if),
-      field("outer_tpid", &R::outer_tpid, Show::hex),
+      unmodeled("vrf", &R::vrf),
+      unmodeled("forwarding_vlan", &R::forwarding_vlan),
+      unmodeled("ingress_if", &R::ingress_if),
+      unmodeled("outer_tpid", &R::outer_tpid, Show::hex),
       field("flags", &R::flags, Show::hex),
       field("ip6_mcast_flood_mode", &R::ip6_mcast_flood_mode),
       field("ip4_mcast_flood_mode", &R::ip4_mcast_flood_mode),
       field("l2_mcast_flood_mode", &R::l2_mcast_flood_mode),
-      field("if_class", &R::if_class),
-      field("cosq", &R::cosq),
-      field("qos_map_id", &R::qos_map_id),
+      unmodeled("if_class", &R::if_class),
+      unmodeled("cosq", &R::cosq),
+      unmodeled("qos_map_id", &R::qos_map_id),
       field("broadcast_group", &R::broadcast_group),
       field("unknown_multicast_group", &R::unknown_multicast_group),
       field("unknown_unicast_group", &R::unknown_unicast_group),
-      field("aging_cycles", &R::aging_cycles),
-      field("learn_flags", &R::learn_flags, Show::hex),
-      field("flags2", &R::flags2, Show::hex),
+      unmodeled("aging_cycles", &R::aging_cycles),
+      unmodeled("learn_flags", &R::learn_flags, Show::hex),
+      unmodeled("flags2", &R::flags2, Show::hex),
   };
   return list;
 }
@@ -229,7 +256,7 @@ std::span<const Field> api::fields(const bcm_vlan_action_set_t*) {
       field("new_inner_pkt_prio", &R::new_inner_pkt_prio),
       field("new_outer_cfi", &R::new_outer_cfi),
       field("new_inner_cfi", &R::new_inner_cfi),
-      field("ingress_if", &R::ingress_if),
+      unmodeled("ingress_if", &R::ingress_if),
       field("priority", &R::priority),
       field("dt_outer", &R::dt_outer),
       field("dt_outer_prio", &R::dt_outer_prio),
@@ -259,12 +286,12 @@ std::span<const Field> api::fields(const bcm_vlan_action_set_t*) {
       field("ut_inner", &R::ut_inner),
       field("ut_inner_pkt_prio", &R::ut_inner_pkt_prio),
       field("ut_inner_cfi", &R::ut_inner_cfi),
-      field("policer_id", &R::policer_id),
-      field("outer_tpid", &R::outer_tpid, Show::hex),
-      field("inner_tpid", &R::inner_tpid, Show::hex),
-      field("action_id", &R::action_id),
-      field("class_id", &R::class_id),
-      field("flags", &R::flags, Show::hex),
+      unmodeled("policer_id", &R::policer_id),
+      unmodeled("outer_tpid", &R::outer_tpid, Show::hex),
+      unmodeled("inner_tpid", &R::inner_tpid, Show::hex),
+      unmodeled("action_id", &R::action_id),
+      unmodeled("class_id", &R::class_id),
+      unmodeled("flags", &R::flags, Show::hex),
   };
   return list;
 }
@@ -286,11 +313,11 @@ std::span<const Field> api::fields(const bcm_vlan_ip_t*) {
 std::span<const Field> api::fields(const bcm_trunk_info_t*) {
   using R = bcm_trunk_info_t;
   static const Field list[] = {
-      field("flags", &R::flags, Show::hex),    field("psc", &R::psc),
-      field("ipmc_psc", &R::ipmc_psc),         field("dlf_index", &R::dlf_index),
-      field("mc_index", &R::mc_index),         field("ipmc_index", &R::ipmc_index),
-      field("dynamic_size", &R::dynamic_size), field("dynamic_age", &R::dynamic_age),
-      field("master_tid", &R::master_tid),
+      unmodeled("flags", &R::flags, Show::hex),    field("psc", &R::psc),
+      unmodeled("ipmc_psc", &R::ipmc_psc),         unmodeled("dlf_index", &R::dlf_index),
+      unmodeled("mc_index", &R::mc_index),         unmodeled("ipmc_index", &R::ipmc_index),
+      unmodeled("dynamic_size", &R::dynamic_size), unmodeled("dynamic_age", &R::dynamic_age),
+      unmodeled("master_tid", &R::master_tid),
   };
   return list;
 }
@@ -298,11 +325,11 @@ std::span<const Field> api::fields(const bcm_trunk_info_t*) {
 std::span<const Field> api::fields(const bcm_trunk_member_t*) {
   using R = bcm_trunk_member_t;
   static const Field list[] = {
-      field("flags", &R::flags, Show::hex),
+      unmodeled("flags", &R::flags, Show::hex),
       field("gport", &R::gport),
-      field("dynamic_scaling_factor", &R::dynamic_scaling_factor),
-      field("dynamic_load_weight", &R::dynamic_load_weight),
-      field("dynamic_queue_size_weight", &R::dynamic_queue_size_weight),
+      unmodeled("dynamic_scaling_factor", &R::dynamic_scaling_factor),
+      unmodeled("dynamic_load_weight", &R::dynamic_load_weight),
+      unmodeled("dynamic_queue_size_weight", &R::dynamic_queue_size_weight),
   };
   return list;
 }
@@ -326,23 +353,23 @@ std::span<const Field> api::fields(const bcm_ipmc_addr_t*) {
       field("mc_ip6_addr", &R::mc_ip6_addr),
       field("vid", &R::vid),
       field("vrf", &R::vrf),
-      field("cos", &R::cos),
-      field("ts", &R::ts),
+      unmodeled("cos", &R::cos),
+      unmodeled("ts", &R::ts),
       field("port_tgid", &R::port_tgid),
       field("v", &R::v),
-      field("mod_id", &R::mod_id),
+      unmodeled("mod_id", &R::mod_id),
       field("group", &R::group),
       field("flags", &R::flags, Show::hex),
-      field("lookup_class", &R::lookup_class),
+      unmodeled("lookup_class", &R::lookup_class),
       field("l3a_intf", &R::l3a_intf),
-      field("rp_id", &R::rp_id),
+      unmodeled("rp_id", &R::rp_id),
       field("s_ip_mask", &R::s_ip_mask, Show::ip4),
-      field("ing_intf", &R::ing_intf),
+      unmodeled("ing_intf", &R::ing_intf),
       field("mc_ip_mask", &R::mc_ip_mask, Show::ip4),
       field("mc_ip6_mask", &R::mc_ip6_mask),
-      field("group_l2", &R::group_l2),
+      unmodeled("group_l2", &R::group_l2),
       field("s_ip6_mask", &R::s_ip6_mask),
-      field("priority", &R::priority),
+      unmodeled("priority", &R::priority),
   };
   return list;
 }
@@ -358,8 +385,8 @@ std::span<const Field> api::fields(const bcm_policer_config_t*) {
       field("pkbits_sec", &R::pkbits_sec),
       field("pkbits_burst", &R::pkbits_burst),
       field("pbits_burst_lower", &R::pbits_burst_lower),
-      field("action_id", &R::action_id),
-      field("sharing_mode", &R::sharing_mode),
+      unmodeled("action_id", &R::action_id),
+      unmodeled("sharing_mode", &R::sharing_mode),
   };
   return list;
 }
@@ -371,11 +398,11 @@ std::span<const Field> api::fields(const bcm_knet_netif_t*) {
       field("type", &R::type),
       field("flags", &R::flags, Show::hex),
       field("mac_addr", &R::mac_addr),
-      field("vlan", &R::vlan),
-      field("port", &R::port),
-      field("cosq", &R::cosq),
+      unmodeled("vlan", &R::vlan),
+      unmodeled("port", &R::port),
+      unmodeled("cosq", &R::cosq),
       field("name", &R::name),
-      field("cb_user_data", &R::cb_user_data),
+      unmodeled("cb_user_data", &R::cb_user_data),
   };
   return list;
 }

@@ -1,13 +1,17 @@
 #include <bcm/ipmc.h>
 
+#include <algorithm>
+#include <cstddef>
+#include <span>
 #include <tuple>
 
 #include "api/call.h"
 #include "api/convert.h"
 
 using api::Call;
+using api::found_by;
 using api::in;
-using api::inout;
+using api::key;
 using chip::Chip;
 using chip::Status;
 
@@ -17,24 +21,18 @@ constexpr auto route_fields() {
   using Sdk = bcm_ipmc_addr_t;
   using Own = chip::MulticastRoute;
   return std::tuple{
-      std::pair{&Sdk::cos, &Own::queue},
-      std::pair{&Sdk::ts, &Own::source_port_check},
-      std::pair{&Sdk::port_tgid, &Own::port},
-      std::pair{&Sdk::v, &Own::valid},
-      std::pair{&Sdk::mod_id, &Own::module},
-      std::pair{&Sdk::group, &Own::group},
-      std::pair{&Sdk::flags, &Own::flags},
-      std::pair{&Sdk::lookup_class, &Own::lookup_class},
+      std::pair{&Sdk::port_tgid, &Own::port},     std::pair{&Sdk::v, &Own::valid},
+      std::pair{&Sdk::group, &Own::group},        std::pair{&Sdk::flags, &Own::flags},
       std::pair{&Sdk::l3a_intf, &Own::interface},
-      std::pair{&Sdk::rp_id, &Own::rendezvous_point},
-      std::pair{&Sdk::s_ip_mask, &Own::source_mask},
-      std::pair{&Sdk::ing_intf, &Own::ingress_interface},
-      std::pair{&Sdk::mc_ip_mask, &Own::address_mask},
-      std::pair{&Sdk::mc_ip6_mask, &Own::address_mask6},
-      std::pair{&Sdk::group_l2, &Own::group_l2},
-      std::pair{&Sdk::s_ip6_mask, &Own::source_mask6},
-      std::pair{&Sdk::priority, &Own::priority},
   };
+}
+
+/// Routes are found by whole addresses. A mask of them can say so, or be left at 0.
+template <class Mask>
+bool is_whole(const Mask& mask) {
+  const auto bytes = std::as_bytes(std::span(&mask, 1));
+  return (bytes.front() == std::byte{0} || bytes.front() == std::byte{0xFF}) &&
+         std::all_of(bytes.begin(), bytes.end(), [&](std::byte byte) { return byte == bytes.front(); });
 }
 
 chip::Ip6 widened(bcm_ip_t address) {
@@ -55,6 +53,9 @@ chip::MulticastRouteKey key_of(const bcm_ipmc_addr_t& data) {
 
 int bcm_ipmc_add(int unit, bcm_ipmc_addr_t* data) {
   return Call(__func__, unit, in(data)).answer([&](Chip& chip) {
+    if (!is_whole(data->s_ip_mask) || !is_whole(data->mc_ip_mask) || !is_whole(data->s_ip6_mask) ||
+        !is_whole(data->mc_ip6_mask))
+      return Status::unavailable;
     const chip::MulticastGroup* const group = chip.multicast_groups.find(data->group);
     if (group == nullptr) return chip.multicast_groups.absent(data->group);
     if (group->type != chip::MulticastGroups::l3) return Status::bad_parameter;
@@ -70,7 +71,7 @@ int bcm_ipmc_enable(int unit, int enable) {
 }
 
 int bcm_ipmc_find(int unit, bcm_ipmc_addr_t* data) {
-  return Call(__func__, unit, inout(data)).answer([&](const Chip& chip) {
+  return Call(__func__, unit, found_by(data)).answer([&](const Chip& chip) {
     chip::MulticastRoute found;
     const Status status = chip.multicast_routes.find(key_of(*data), found);
     if (status == Status::ok) api::write(found, route_fields(), *data);
@@ -86,5 +87,7 @@ int bcm_ipmc_init(int unit) {
 }
 
 int bcm_ipmc_remove(int unit, bcm_ipmc_addr_t* data) {
-  return Call(__func__, unit, in(data)).answer([&](Chip& chip) { return chip.multicast_routes.remove(key_of(*data)); });
+  return Call(__func__, unit, key(data)).answer([&](Chip& chip) {
+    return chip.multicast_routes.remove(key_of(*data));
+  });
 }

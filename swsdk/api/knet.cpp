@@ -10,9 +10,6 @@ int bcm_knet_netif_create(int unit, bcm_knet_netif_t* netif) {
         .type = netif->type,
         .flags = netif->flags,
         .mac = api::address(netif->mac_addr),
-        .vlan = netif->vlan,
-        .port = netif->port,
-        .queue = netif->cosq,
         .name = std::string(netif->name, strnlen(netif->name, sizeof netif->name)),
     };
     return chip.network_interfaces.create(wanted, netif->id);

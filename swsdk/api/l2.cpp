@@ -7,9 +7,9 @@
 #include "chip/gports.h"
 
 using api::Call;
+using api::found_by;
 using api::hex;
 using api::in;
-using api::inout;
 using api::mac_at;
 using api::out;
 using chip::Chip;
@@ -159,8 +159,6 @@ int bcm_l2_cache_set(int unit, int index, bcm_l2_cache_addr_t* addr, int* index_
         .vlan_mask = addr->vlan_mask,
         .source_port = addr->src_port,
         .source_port_mask = addr->src_port_mask,
-        .destination_port = addr->dest_port,
-        .priority = addr->prio,
     };
     return chip.l2_cache.set(index, entry, *index_used);
   });
@@ -189,7 +187,7 @@ int bcm_l2_learn_limit_enable(int unit) {
 }
 
 int bcm_l2_learn_limit_get(int unit, bcm_l2_learn_limit_t* limit) {
-  return Call(__func__, unit, inout(limit)).answer([&](const Chip& chip) {
+  return Call(__func__, unit, found_by(limit)).answer([&](const Chip& chip) {
     const std::vector<chip::MacScope> scopes = scopes_of(*limit);
     if (scopes.size() != 1) return Status::bad_parameter;
     chip::LearnLimit found;

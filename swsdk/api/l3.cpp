@@ -9,9 +9,11 @@
 #include "chip/gports.h"
 
 using api::Call;
+using api::found_by;
 using api::hex;
 using api::in;
 using api::inout;
+using api::key;
 using api::out;
 using chip::Chip;
 using chip::Hosts;
@@ -24,24 +26,9 @@ constexpr auto interface_fields() {
   using Sdk = bcm_l3_intf_t;
   using Own = chip::L3Interface;
   return std::tuple{
-      std::pair{&Sdk::l3a_flags, &Own::flags},
-      std::pair{&Sdk::l3a_flags2, &Own::flags2},
-      std::pair{&Sdk::l3a_vrf, &Own::vrf},
-      std::pair{&Sdk::l3a_mac_addr, &Own::mac},
-      std::pair{&Sdk::l3a_vid, &Own::vlan},
-      std::pair{&Sdk::l3a_inner_vlan, &Own::inner_vlan},
-      std::pair{&Sdk::l3a_tunnel_idx, &Own::tunnel},
-      std::pair{&Sdk::l3a_ttl, &Own::ttl},
-      std::pair{&Sdk::l3a_mtu, &Own::mtu},
-      std::pair{&Sdk::l3a_mtu_forwarding, &Own::mtu_forwarding},
-      std::pair{&Sdk::l3a_group, &Own::group},
-      std::pair{&Sdk::l3a_intf_class, &Own::interface_class},
-      std::pair{&Sdk::l3a_ip4_options_profile_id, &Own::ip4_options_profile},
-      std::pair{&Sdk::l3a_nat_realm_id, &Own::nat_realm},
-      std::pair{&Sdk::outer_tpid, &Own::outer_tpid},
-      std::pair{&Sdk::l3a_intf_flags, &Own::interface_flags},
-      std::pair{&Sdk::native_routing_vlan_tags, &Own::native_routing_vlan_tags},
-      std::pair{&Sdk::l3a_source_vp, &Own::source_virtual_port},
+      std::pair{&Sdk::l3a_flags, &Own::flags},           std::pair{&Sdk::l3a_vrf, &Own::vrf},
+      std::pair{&Sdk::l3a_mac_addr, &Own::mac},          std::pair{&Sdk::l3a_vid, &Own::vlan},
+      std::pair{&Sdk::l3a_inner_vlan, &Own::inner_vlan}, std::pair{&Sdk::l3a_ttl, &Own::ttl},
   };
 }
 
@@ -49,15 +36,10 @@ constexpr auto egress_fields() {
   using Sdk = bcm_l3_egress_t;
   using Own = chip::EgressObject;
   return std::tuple{
-      std::pair{&Sdk::flags, &Own::flags},
-      std::pair{&Sdk::flags2, &Own::flags2},
       std::pair{&Sdk::intf, &Own::interface},
       std::pair{&Sdk::mac_addr, &Own::mac},
       std::pair{&Sdk::vlan, &Own::vlan},
-      std::pair{&Sdk::module, &Own::module},
       std::pair{&Sdk::port, &Own::port},
-      std::pair{&Sdk::trunk, &Own::trunk},
-      std::pair{&Sdk::encap_id, &Own::encapsulation},
   };
 }
 
@@ -66,10 +48,10 @@ template <class Sdk>
 constexpr auto entry_fields() {
   using Own = chip::L3Entry;
   return std::tuple{
-      std::pair{&Sdk::l3a_flags, &Own::flags},    std::pair{&Sdk::l3a_flags2, &Own::flags2},
-      std::pair{&Sdk::l3a_intf, &Own::interface}, std::pair{&Sdk::l3a_nexthop_mac, &Own::next_hop},
-      std::pair{&Sdk::l3a_modid, &Own::module},   std::pair{&Sdk::l3a_port_tgid, &Own::port},
-      std::pair{&Sdk::l3a_pri, &Own::priority},   std::pair{&Sdk::l3a_lookup_class, &Own::lookup_class},
+      std::pair{&Sdk::l3a_flags, &Own::flags},
+      std::pair{&Sdk::l3a_intf, &Own::interface},
+      std::pair{&Sdk::l3a_nexthop_mac, &Own::next_hop},
+      std::pair{&Sdk::l3a_port_tgid, &Own::port},
   };
 }
 
@@ -81,7 +63,6 @@ constexpr auto fields_of(const bcm_l3_route_t*) {
   return std::tuple_cat(entry_fields<Sdk>(), std::tuple{
                                                  std::pair{&Sdk::l3a_nexthop_ip, &Own::next_hop_ip},
                                                  std::pair{&Sdk::l3a_vid, &Own::vlan},
-                                                 std::pair{&Sdk::l3a_mc_group, &Own::multicast_group},
                                              });
 }
 
@@ -216,13 +197,13 @@ int bcm_l3_host_add(int unit, bcm_l3_host_t* info) {
 }
 
 int bcm_l3_host_delete(int unit, bcm_l3_host_t* ip_addr) {
-  return Call(__func__, unit, in(ip_addr)).answer([&](Chip& chip) {
+  return Call(__func__, unit, key(ip_addr)).answer([&](Chip& chip) {
     return on_hosts(chip, *ip_addr, [](Hosts& hosts, const chip::HostKey& key) { return hosts.remove(key); });
   });
 }
 
 int bcm_l3_host_find(int unit, bcm_l3_host_t* info) {
-  return Call(__func__, unit, inout(info)).answer([&](Chip& chip) {
+  return Call(__func__, unit, found_by(info)).answer([&](Chip& chip) {
     return on_hosts(chip, *info, [&](Hosts& hosts, const chip::HostKey& key) { return find(hosts, key, *info); });
   });
 }
@@ -234,7 +215,7 @@ int bcm_l3_intf_create(int unit, bcm_l3_intf_t* intf) {
 }
 
 int bcm_l3_intf_delete(int unit, bcm_l3_intf_t* intf) {
-  return Call(__func__, unit, in(intf)).answer([&](Chip& chip) {
+  return Call(__func__, unit, key(intf)).answer([&](Chip& chip) {
     return chip.l3_interfaces.remove(intf->l3a_intf_id);
   });
 }
@@ -247,7 +228,7 @@ int bcm_l3_intf_delete_all(int unit) {
 }
 
 int bcm_l3_intf_find(int unit, bcm_l3_intf_t* intf) {
-  return Call(__func__, unit, inout(intf)).answer([&](Chip& chip) {
+  return Call(__func__, unit, found_by(intf)).answer([&](Chip& chip) {
     int id = intf->l3a_intf_id;
     if (id == 0) {
       const auto wanted = api::to_own<chip::L3Interface>(*intf, interface_fields());
@@ -259,7 +240,7 @@ int bcm_l3_intf_find(int unit, bcm_l3_intf_t* intf) {
 }
 
 int bcm_l3_intf_find_vlan(int unit, bcm_l3_intf_t* intf) {
-  return Call(__func__, unit, inout(intf)).answer([&](Chip& chip) {
+  return Call(__func__, unit, found_by(intf)).answer([&](Chip& chip) {
     int id = 0;
     const Status status = chip.l3_interfaces.find_by_vlan(intf->l3a_vid, id);
     return status == Status::ok ? tell_interface(chip, id, *intf) : status;
@@ -276,13 +257,13 @@ int bcm_l3_route_add(int unit, bcm_l3_route_t* info) {
 }
 
 int bcm_l3_route_delete(int unit, bcm_l3_route_t* info) {
-  return Call(__func__, unit, in(info)).answer([&](Chip& chip) {
+  return Call(__func__, unit, key(info)).answer([&](Chip& chip) {
     return on_routes(chip, *info, [](Routes& routes, const chip::RouteKey& key) { return routes.remove(key); });
   });
 }
 
 int bcm_l3_route_get(int unit, bcm_l3_route_t* info) {
-  return Call(__func__, unit, inout(info)).answer([&](Chip& chip) {
+  return Call(__func__, unit, found_by(info)).answer([&](Chip& chip) {
     return on_routes(chip, *info, [&](Routes& routes, const chip::RouteKey& key) { return find(routes, key, *info); });
   });
 }

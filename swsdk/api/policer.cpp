@@ -14,9 +14,7 @@ chip::Policer to_chip(const bcm_policer_config_t& sdk) {
   return {.flags = sdk.flags,
           .mode = static_cast<int>(sdk.mode),
           .committed = {sdk.ckbits_sec, sdk.ckbits_burst, sdk.cbits_burst_lower},
-          .peak = {sdk.pkbits_sec, sdk.pkbits_burst, sdk.pbits_burst_lower},
-          .action = sdk.action_id,
-          .sharing = sdk.sharing_mode};
+          .peak = {sdk.pkbits_sec, sdk.pkbits_burst, sdk.pbits_burst_lower}};
 }
 
 bcm_policer_config_t to_sdk(const chip::Policer& own) {
@@ -30,8 +28,6 @@ bcm_policer_config_t to_sdk(const chip::Policer& own) {
   sdk.pkbits_sec = own.peak.kilobits_per_second;
   sdk.pkbits_burst = own.peak.burst_kilobits;
   sdk.pbits_burst_lower = own.peak.burst_bits;
-  sdk.action_id = own.action;
-  sdk.sharing_mode = own.sharing;
   return sdk;
 }
 

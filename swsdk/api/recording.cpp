@@ -1,6 +1,7 @@
 #include "api/recording.h"
 
 #include <swsdk/recording.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <cerrno>
@@ -35,6 +36,7 @@ class Recording {
     if (file == nullptr) return false;
     close();
     file_ = file;
+    writer_ = getpid();
     wanted_ = true;
     return true;
   }
@@ -56,7 +58,17 @@ class Recording {
     powered_off_ = false;
     text += '\n';
     std::fputs(text.c_str(), file_);
+    writer_ = getpid();
     empty_ = false;
+  }
+
+  /// Ends the recording of a process that ends, if it is its own: the child of a fork has the file too, and where it
+  /// made no call, the recording is still its parent's.
+  void end_with_process() {
+    const std::lock_guard guard(lock_);
+    if (file_ == nullptr || writer_ != getpid()) return;
+    wanted_ = false;
+    if (!close()) std::fprintf(stderr, "the recording could not be written to its end\n");
   }
 
   void add_power_off() {
@@ -99,6 +111,7 @@ class Recording {
 
   bool close() {
     if (file_ == nullptr) return false;
+    std::fprintf(file_, "%s\n", api::recording_end.data());
     const bool failed = std::ferror(file_) != 0;
     const bool closed = std::fclose(file_) == 0;
     file_ = nullptr;
@@ -111,6 +124,7 @@ class Recording {
   std::atomic<bool> wanted_ = false;
   std::string path_;  // of a file that is still to be opened
   std::FILE* file_ = nullptr;
+  pid_t writer_ = 0;  // the process that wrote the last line
   bool empty_ = true;
   bool powered_off_ = false;
   bool capturing_ = false;
@@ -122,6 +136,9 @@ Recording& recording() {
   static Recording& instance = *new Recording;
   return instance;
 }
+
+/// When the library is unloaded, and so after all that a program does at its end.
+__attribute__((destructor)) void end_with_process() { recording().end_with_process(); }
 
 std::mutex numbers_lock;
 std::map<std::string, std::map<const void*, int>, std::less<>> numbers;  // guarded by `numbers_lock`

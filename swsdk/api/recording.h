@@ -14,7 +14,12 @@ enum class Kind { call, fault, action };
 constexpr const char* kind_names[] = {"call", "fault", "action"};
 
 constexpr std::string_view recording_header = "swsdk recording ";
-constexpr int recording_version = 1;
+constexpr int recording_version = 2;
+constexpr int oldest_recording_version = 1;
+
+/// The last line of a recording that was closed; version 1 had none.
+constexpr std::string_view recording_end = "end";
+constexpr int first_version_with_end = 2;
 
 bool is_recording();
 

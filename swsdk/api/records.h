@@ -31,17 +31,24 @@ struct ValueType {
   std::string (*c_assignment)(const std::string& place, const void* value);
 };
 
-/// One field of a record: its name, where it is, and how its value is shown.
+/// One field of a record: its name, where it is, how its value is shown, and whether the chip knows what it means.
 struct Field {
   const char* name;
   std::size_t offset;
   std::size_t size;
   const ValueType* type;
   Show show;
+  bool modeled;
 
   const void* in(const void* record) const { return static_cast<const char*>(record) + offset; }
   void* in(void* record) const { return static_cast<char*>(record) + offset; }
+  bool is_zero_in(const void* record) const;
 };
+
+/// Whether a record asks for something that the chip does not model.
+bool exceeds_model(std::span<const Field> fields, const void* record);
+/// Makes 0 of the fields that the chip does not model.
+void clear_unmodeled(std::span<const Field> fields, void* record);
 
 /// The fields of each record that is shown as one.
 std::span<const Field> fields(const bcm_l2_addr_t*);

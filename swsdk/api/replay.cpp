@@ -16,6 +16,9 @@ using api::Unreadable;
 
 namespace {
 
+/// Tells something of a line, with file and number.
+using Say = std::function<void(const std::string&)>;
+
 /// A line of a recording whose function is known.
 struct Line {
   Kind kind;
@@ -32,7 +35,7 @@ std::optional<Kind> kind_of(std::string_view word) {
 }
 
 /// Nothing, with a notice, when the line tells of something that this chip does not know.
-std::optional<Line> parsed_line(std::string_view text, const std::function<void(const std::string&)>& notice) {
+std::optional<Line> parsed_line(std::string_view text, const Say& notice) {
   const std::string_view word = text.substr(0, text.find(' '));
   const std::optional<Kind> kind = kind_of(word);
   if (!kind) {
@@ -56,40 +59,58 @@ std::optional<Line> parsed_line(std::string_view text, const std::function<void(
   return line;
 }
 
+/// The version that a recording's first line names.
+int version_of(std::string_view text) {
+  constexpr std::string_view header = api::recording_header;
+  const std::string newest = std::to_string(api::recording_version);
+  if (!text.starts_with(header))
+    throw Unreadable("not a recording: its first line is not \"" + std::string(header) + newest + '"');
+  for (int version = api::oldest_recording_version; version <= api::recording_version; ++version)
+    if (text.substr(header.size()) == std::to_string(version)) return version;
+  throw Unreadable("version " + std::string(text.substr(header.size())) +
+                   " of the format; this chip reads versions up to " + newest);
+}
+
 /// Hands each line of a recording to `take`, with its number, until that says that it is enough. What is wrong is told
-/// with file and line.
+/// with file and line. One of the SWSDK_REPLAY_ values, as if all answers had been the same.
 template <class Take>
-bool read_recording(const char* path, swsdk_line_t tell, void* data, Take take) {
+int read_recording(const char* path, swsdk_line_t tell, void* data, Take take) {
   std::string text;
   int number = 0;
-  const auto say = [&](const std::string& what) {
+  const Say say = [&](const std::string& what) {
     tell((std::string(path) + ':' + (number > 0 ? std::to_string(number) + ":" : "") + ' ' + what).c_str(), data);
   };
   std::ifstream file(path);
   if (!std::getline(file, text)) {
     say(file.eof() && !file.bad() ? "is empty, so it is no recording" : "cannot be read");
-    return false;
+    return SWSDK_REPLAY_UNREADABLE;
   }
   number = 1;
   try {
-    const std::string header(api::recording_header);
-    if (!text.starts_with(header))
-      throw Unreadable("not a recording: its first line is not \"" + header + std::to_string(api::recording_version) +
-                       '"');
-    if (text.substr(header.size()) != std::to_string(api::recording_version))
-      throw Unreadable("version " + text.substr(header.size()) + " of the format; this chip reads version " +
-                       std::to_string(api::recording_version));
+    bool ended = version_of(text) < api::first_version_with_end;
+    const bool marks_its_end = !ended;
     while (std::getline(file, text)) {
       ++number;
       if (text.empty()) continue;
+      if (marks_its_end && ended) throw Unreadable("stands behind the end of the recording");
+      if (marks_its_end && text == api::recording_end) {
+        ended = true;
+        continue;
+      }
+      if (marks_its_end && file.eof()) {
+        say("the recording was cut in this line");
+        return SWSDK_REPLAY_INCOMPLETE;
+      }
       const std::optional<Line> line = parsed_line(text, say);
-      if (line && !take(*line, number, say)) return true;
+      if (line && !take(*line, number, say)) return SWSDK_REPLAY_SAME;
     }
+    if (ended) return SWSDK_REPLAY_SAME;
+    say("the recording ends here without its end mark: it was cut, or its process was");
+    return SWSDK_REPLAY_INCOMPLETE;
   } catch (const Unreadable& error) {
     say(error.what());
-    return false;
+    return SWSDK_REPLAY_UNREADABLE;
   }
-  return true;
 }
 
 /// Arguments that are arrays, from the first to the last, and the one that says how many items they have.
@@ -233,7 +254,7 @@ int swsdk_replay(const char* path, swsdk_line_t tell, void* data) {
   api::forget_pointer_numbers();
   api::capture_recording(true);
   bool same = true;
-  const bool readable = read_recording(path, tell, data, [&](const Line& line, int /*number*/, const auto& say) {
+  const int outcome = read_recording(path, tell, data, [&](const Line& line, int /*number*/, const Say& say) {
     const std::string recorded = api::kind_names[static_cast<int>(line.kind)] + (' ' + std::string(line.text));
     const std::string now = repeated(line);
     same = now == recorded;
@@ -244,7 +265,7 @@ int swsdk_replay(const char* path, swsdk_line_t tell, void* data) {
     return false;
   });
   api::capture_recording(false);
-  return !readable ? SWSDK_REPLAY_UNREADABLE : same ? SWSDK_REPLAY_SAME : SWSDK_REPLAY_DIFFERENT;
+  return same ? outcome : SWSDK_REPLAY_DIFFERENT;
 }
 
 int swsdk_replay_as_c(const char* path, swsdk_line_t write, swsdk_line_t tell, void* data) {
@@ -255,7 +276,7 @@ int swsdk_replay_as_c(const char* path, swsdk_line_t write, swsdk_line_t tell, v
   std::vector<std::string> steps;
   write(("/* The SDK calls of the recording " + std::string(path) + ". */").c_str(), data);
   for (const char* const text : c_beginning) write(text, data);
-  const bool readable = read_recording(path, tell, data, [&](const Line& line, int number, const auto& /*say*/) {
+  const int outcome = read_recording(path, tell, data, [&](const Line& line, int number, const Say& /*say*/) {
     const char* const name = line.function->name;
     const api::CCall call = as_c(*line.function, line.arguments);
     const std::string result = std::to_string(line.result);
@@ -277,5 +298,5 @@ int swsdk_replay_as_c(const char* path, swsdk_line_t write, swsdk_line_t tell, v
       data);
   for (const std::string& step : steps) write(step.c_str(), data);
   for (const char* const text : c_end) write(text, data);
-  return readable ? SWSDK_REPLAY_SAME : SWSDK_REPLAY_UNREADABLE;
+  return outcome;
 }

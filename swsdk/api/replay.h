@@ -25,6 +25,9 @@ struct Replayable {
   bool returns_nothing;
 };
 
+/// All of them: those of the Chip SDK, then those of the control interface.
+std::span<const Replayable> replayables();
+
 /// The function of that name, or null.
 const Replayable* find_replayable(std::string_view name);
 

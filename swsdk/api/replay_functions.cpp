@@ -74,6 +74,8 @@ const api::Replayable functions[] = {
 
 }  // namespace
 
+std::span<const api::Replayable> api::replayables() { return functions; }
+
 const api::Replayable* api::find_replayable(std::string_view name) {
   static const auto by_name = [] {
     std::map<std::string_view, const Replayable*> result;

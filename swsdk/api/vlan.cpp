@@ -8,6 +8,7 @@
 #include "chip/gports.h"
 
 using api::Call;
+using api::found_by;
 using api::hex;
 using api::in;
 using api::inout;
@@ -25,23 +26,13 @@ constexpr auto control_fields() {
   using Sdk = bcm_vlan_control_vlan_t;
   using Own = chip::VlanControl;
   return std::tuple{
-      std::pair{&Sdk::vrf, &Own::vrf},
-      std::pair{&Sdk::forwarding_vlan, &Own::forwarding_vlan},
-      std::pair{&Sdk::ingress_if, &Own::ingress_interface},
-      std::pair{&Sdk::outer_tpid, &Own::outer_tpid},
       std::pair{&Sdk::flags, &Own::flags},
       std::pair{&Sdk::ip6_mcast_flood_mode, &Own::ip6_multicast_flood_mode},
       std::pair{&Sdk::ip4_mcast_flood_mode, &Own::ip4_multicast_flood_mode},
       std::pair{&Sdk::l2_mcast_flood_mode, &Own::l2_multicast_flood_mode},
-      std::pair{&Sdk::if_class, &Own::interface_class},
-      std::pair{&Sdk::cosq, &Own::queue},
-      std::pair{&Sdk::qos_map_id, &Own::qos_map},
       std::pair{&Sdk::broadcast_group, &Own::broadcast_group},
       std::pair{&Sdk::unknown_multicast_group, &Own::unknown_multicast_group},
       std::pair{&Sdk::unknown_unicast_group, &Own::unknown_unicast_group},
-      std::pair{&Sdk::aging_cycles, &Own::aging_cycles},
-      std::pair{&Sdk::learn_flags, &Own::learn_flags},
-      std::pair{&Sdk::flags2, &Own::flags2},
   };
 }
 
@@ -51,29 +42,13 @@ constexpr auto virtual_port_fields() {
   return std::tuple{
       std::pair{&Sdk::criteria, &Own::criteria},
       std::pair{&Sdk::flags, &Own::flags},
-      std::pair{&Sdk::vsi, &Own::instance},
       std::pair{&Sdk::match_vlan, &Own::match_vlan},
       std::pair{&Sdk::match_inner_vlan, &Own::match_inner_vlan},
-      std::pair{&Sdk::match_pcp, &Own::match_priority},
-      std::pair{&Sdk::match_ethertype, &Own::match_ethertype},
       std::pair{&Sdk::port, &Own::port},
-      std::pair{&Sdk::pkt_pri, &Own::packet_priority},
-      std::pair{&Sdk::pkt_cfi, &Own::packet_cfi},
-      std::pair{&Sdk::egress_service_tpid, &Own::egress_tpid},
       std::pair{&Sdk::egress_vlan, &Own::egress_vlan},
       std::pair{&Sdk::egress_inner_vlan, &Own::egress_inner_vlan},
-      std::pair{&Sdk::encap_id, &Own::encapsulation},
-      std::pair{&Sdk::qos_map_id, &Own::qos_map},
-      std::pair{&Sdk::policer_id, &Own::policer},
-      std::pair{&Sdk::egress_policer_id, &Own::egress_policer},
-      std::pair{&Sdk::failover_id, &Own::failover},
-      std::pair{&Sdk::failover_port_id, &Own::failover_port},
       std::pair{&Sdk::ingress_network_group_id, &Own::ingress_network_group},
       std::pair{&Sdk::egress_network_group_id, &Own::egress_network_group},
-      std::pair{&Sdk::if_class, &Own::interface_class},
-      std::pair{&Sdk::group, &Own::group},
-      std::pair{&Sdk::class_id, &Own::class_id},
-      std::pair{&Sdk::flags2, &Own::flags2},
   };
 }
 
@@ -280,7 +255,7 @@ int bcm_vlan_port_destroy(int unit, bcm_gport_t gport) {
 }
 
 int bcm_vlan_port_find(int unit, bcm_vlan_port_t* vlan_port) {
-  return Call(__func__, unit, inout(vlan_port)).answer([&](const Chip& chip) {
+  return Call(__func__, unit, found_by(vlan_port)).answer([&](const Chip& chip) {
     int gport = vlan_port->vlan_port_id;
     if (gport == 0) {
       const auto wanted = api::to_own<chip::VirtualPort>(*vlan_port, virtual_port_fields());

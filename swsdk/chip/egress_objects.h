@@ -11,18 +11,13 @@
 namespace chip {
 
 struct EgressObject {
-  uint32_t flags = 0;
-  uint32_t flags2 = 0;
   int interface = 0;
   Mac mac{};
   uint16_t vlan = 0;
-  int module = 0;
   int port = 0;
-  int trunk = 0;
-  int encapsulation = 0;
 
   bool operator==(const EgressObject&) const = default;
-  std::size_t hash() const { return hash_of(interface, number_of(mac), vlan, module, port, trunk, encapsulation); }
+  std::size_t hash() const { return hash_of(interface, number_of(mac), vlan, port); }
 };
 
 class EgressObjects {

@@ -18,8 +18,6 @@ struct L2CacheEntry {
   uint16_t vlan_mask = 0;
   int source_port = 0;
   int source_port_mask = 0;
-  int destination_port = 0;
-  int priority = 0;
 };
 
 class L2Cache {

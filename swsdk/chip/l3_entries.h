@@ -22,17 +22,12 @@ struct L3Entry {
   static constexpr uint32_t to_cpu = 0x1000 | 0x2000;
 
   uint32_t flags = 0;
-  uint32_t flags2 = 0;
   uint32_t hit = 0;
   int interface = 0;  // or an egress object
   uint32_t next_hop_ip = 0;
   Mac next_hop{};
-  int module = 0;
   int port = 0;
   uint16_t vlan = 0;
-  int priority = 0;
-  int lookup_class = 0;
-  int multicast_group = 0;
 };
 
 /// Entries by their key, which has a `hash()`: finding one costs the same however many there are.

@@ -17,23 +17,11 @@ struct L3Interface {
   static constexpr uint32_t in_mac_table = 0x20;  // of `flags`: frames to its address are for the router
 
   uint32_t flags = 0;
-  uint32_t flags2 = 0;
   int vrf = 0;
   Mac mac{};
   uint16_t vlan = 0;
   uint16_t inner_vlan = 0;  // 0: frames leave with one tag
-  int tunnel = 0;
-  int ttl = 0;  // frames with less are not sent; 0: all are
-  int mtu = 0;
-  int mtu_forwarding = 0;
-  int group = 0;
-  int interface_class = 0;
-  int ip4_options_profile = 0;
-  int nat_realm = 0;
-  uint16_t outer_tpid = 0;
-  uint32_t interface_flags = 0;
-  uint8_t native_routing_vlan_tags = 0;
-  int source_virtual_port = 0;
+  int ttl = 0;              // frames with less are not sent; 0: all are
 };
 
 class L3Interfaces {

@@ -36,21 +36,9 @@ struct MulticastRoute {
 
   uint32_t flags = 0;
   int group = 0;
-  int group_l2 = 0;
   int interface = 0;
-  int ingress_interface = 0;
   int valid = 0;
   int port = 0;
-  int module = 0;
-  int source_port_check = 0;
-  int queue = 0;
-  int priority = 0;
-  int lookup_class = 0;
-  int rendezvous_point = 0;
-  uint32_t address_mask = 0;
-  uint32_t source_mask = 0;
-  Ip6 address_mask6{};
-  Ip6 source_mask6{};
 };
 
 class MulticastRoutes {

@@ -13,9 +13,6 @@ struct NetworkInterface {
   int type = 0;
   uint32_t flags = 0;
   Mac mac{};
-  uint16_t vlan = 0;
-  int port = 0;
-  int queue = 0;
   std::string name;
 };
 

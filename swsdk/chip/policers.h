@@ -20,8 +20,6 @@ struct Policer {
   int mode = 0;
   Meter committed;
   Meter peak;
-  uint32_t action = 0;
-  uint32_t sharing = 0;
   int attached = 0;  // to how many entries
 };
 

@@ -18,29 +18,13 @@ struct VirtualPort {
 
   int criteria = 0;
   uint32_t flags = 0;
-  uint32_t flags2 = 0;
   int port = 0;  // the physical one, as a number or as a gport
   uint16_t match_vlan = 0;
   uint16_t match_inner_vlan = 0;
-  int match_priority = 0;
-  uint16_t match_ethertype = 0;
   uint16_t egress_vlan = 0;
   uint16_t egress_inner_vlan = 0;
-  uint16_t egress_tpid = 0;
   int ingress_network_group = 0;
   int egress_network_group = 0;
-  uint16_t instance = 0;
-  uint8_t packet_priority = 0;
-  uint8_t packet_cfi = 0;
-  int encapsulation = 0;
-  int qos_map = 0;
-  int policer = 0;
-  int egress_policer = 0;
-  int failover = 0;
-  int failover_port = 0;
-  uint32_t interface_class = 0;
-  uint32_t group = 0;
-  uint16_t class_id = 0;
 };
 
 class VirtualPorts {

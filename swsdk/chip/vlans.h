@@ -18,23 +18,13 @@ struct VlanControl {
   static constexpr uint32_t learn_disable = 0x1;
   static constexpr uint32_t l2_lookup_disable = 0x80000;
 
-  int vrf = 0;
-  uint16_t forwarding_vlan = 0;
-  int ingress_interface = 0;
-  uint16_t outer_tpid = 0;
   uint32_t flags = 0;
   int ip6_multicast_flood_mode = 0;
   int ip4_multicast_flood_mode = 0;
   int l2_multicast_flood_mode = 0;
-  int interface_class = 0;
-  int queue = 0;
-  int qos_map = 0;
   int broadcast_group = 0;
   int unknown_multicast_group = 0;
   int unknown_unicast_group = 0;
-  int aging_cycles = 0;
-  uint32_t learn_flags = 0;
-  uint32_t flags2 = 0;
 
   bool operator==(const VlanControl&) const = default;
 };

@@ -37,8 +37,8 @@ refused 'port 1: there is no interface "nowhere"' "$work/switch.sai" --port 1=no
 refused 'port 1: it is plugged in twice' "$work/switch.sai" --port 1=cable --port 1=tap:other
 refused 'port 99: the chip has no such port' "$work/switch.sai" --port 99=cable
 refused 'port 1: "a-name-that-is-too-long" is no name of an interface' "$work/switch.sai" --port 1=tap:a-name-that-is-too-long
-refused 'port 1: cannot read frames: ' "$work/switch.sai" --port 1=pcap:/nowhere:
+refused 'port 1: cannot read "/nowhere": No such file or directory' "$work/switch.sai" --port 1=pcap:/nowhere:
 refused 'port 1: "pcap:x" is not pcap:IN:OUT' "$work/switch.sai" --port 1=pcap:x
 refused '"cable" is not N=IFACE' "$work/switch.sai" --port cable
 refused 'cannot make the interface "cable": Device or resource busy' "$work/switch.sai" --cpu cable
-refused 'cannot read the script "missing.sai"' missing.sai
+refused 'cannot read the script "missing.sai": No such file or directory' missing.sai

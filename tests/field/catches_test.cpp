@@ -338,6 +338,30 @@ TEST_F(Catches, WhatAnIp6RuleDeniesOnTheWayOut) {
   EXPECT_EQ(classify(frame, SWSDK_FIELD_EGRESS).hits, 0);
 }
 
+TEST_F(Catches, EveryAddressByAnL3RuleInAGroupThatCannotMatchIts) {
+  const int32_t group = made(sai_ifp_mac_ipv4_group_create);
+  sai_acl_rule_t rule{};
+  rule.ip_type = SAI_ACL_IPV6;
+  rule.ip_protocol = -1;
+  std::copy(some_ip6.begin(), some_ip6.end(), rule.src_ip6);
+  std::fill_n(rule.src_ip6_mask, 16, uint8_t{0xFF});
+  const auto denied = [](const Ip6& source) {
+    return fate_of(classify(Frame{.in_port = 3, .ether_type = ip6, .src_ip6 = source})) == "dropped ";
+  };
+  for (const auto install : {sai_acl_std_l3_entry_install, sai_acl_ext_l3_entry_install, sai_acl_l2_l3_entry_install}) {
+    const std::string seen = observe([&] { return install(unit, 3, SAI_ACL_INGRESS, group, &rule, &entry); });
+    EXPECT_NE(seen.find("bcm_field_qualify_SrcIp6(0, " + std::to_string(entry) + ", "), std::string::npos) << seen;
+    EXPECT_EQ(seen.find("log: "), std::string::npos) << seen;
+    EXPECT_TRUE(seen.ends_with("returned 0\n")) << seen;
+    EXPECT_TRUE(denied(some_ip6) && denied(other_ip6));
+    ASSERT_EQ(sai_fp_entry_destroy(unit, entry), 0);
+  }
+  const int32_t fitting = made(sai_ifp_mac_ipv6_group_create);
+  ASSERT_EQ(sai_acl_std_l3_entry_install(unit, 3, SAI_ACL_INGRESS, fitting, &rule, &entry), 0);
+  EXPECT_TRUE(denied(some_ip6));
+  EXPECT_FALSE(denied(other_ip6));
+}
+
 TEST_F(Catches, NothingAfterAHalfBuiltEntryIsDestroyed) {
   const int32_t group = made(sai_ifp_l2_group_create);
   const sai_acl_rule_t rule{};

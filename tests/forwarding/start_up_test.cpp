@@ -65,4 +65,21 @@ TEST_F(StartUp, KeepsSlowProtocolsForTheCpu) {
             "dropped: trapped to the cpu\n");
 }
 
+TEST_F(StartUp, JoinsAllPortsInVlan4095WhateverTheirVlans) {
+  const Bytes frame = Frame(1, 2).tag(4095).type(0x9000);
+  std::string out;
+  EXPECT_EQ(sai_switch_chip_init(support::mac(0xC0).data()), SAI_E_NONE);
+  connect();
+  vlan(10, {}, {3});
+  vlan(20, {}, {4});
+  EXPECT_EQ(sai_vlan_port_remove(0, 1, 3), SAI_E_NONE);
+  EXPECT_EQ(sai_vlan_port_remove(0, 1, 4), SAI_E_NONE);
+  for (int port = 1; port <= 12; ++port)
+    if (port != 3) out += std::to_string(port) + ": 01>02 [4095] 9000\n";
+  EXPECT_EQ(send(3, frame), out);
+
+  EXPECT_EQ(sai_vlan_port_remove(0, 4095, 3), SAI_E_NONE);
+  EXPECT_EQ(send(3, frame), "dropped: not a member of the vlan\n");
+}
+
 }  // namespace

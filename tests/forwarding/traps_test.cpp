@@ -64,6 +64,39 @@ TEST_F(Traps, DhcpIsDroppedButForTheCpuUntilThatIsTakenBack) {
   EXPECT_EQ(ways(1, dhcp(68, 67)), "2 9 cpu 0x2 ");
 }
 
+TEST_F(Traps, ControlFramesButSlowProtocolsAreFloodedUntilTheirAddressIsSet) {
+  const std::string for_the_cpu = "cpu 0x1 dropped ";
+  for (uint8_t last = 0; last < 16; ++last) {
+    const Bytes address = {0x01, 0x80, 0xC2, 0, 0, last};
+    const bool is_slow_protocol = last == 2;
+    EXPECT_EQ(ways(1, to(address)), is_slow_protocol ? for_the_cpu : "2 9 ") << int{last};
+    int32_t index = 0;
+    EXPECT_EQ(sai_bpdu_set(0, address.data(), &index), 0);
+    EXPECT_EQ(ways(1, to(address)), for_the_cpu) << int{last};
+  }
+}
+
+TEST_F(Traps, RoutingProtocolsAreFloodedUntilTheirAddressIsSet) {
+  const struct {
+    Bytes address;
+    const char* source;
+    const char* group;
+  } rows[] = {
+      {{0x01, 0x00, 0x5E, 0, 0, 0x05}, "10.0.0.1", "224.0.0.5"},
+      {{0x01, 0x00, 0x5E, 0, 0, 0x06}, "10.0.0.1", "224.0.0.6"},
+      {{0x01, 0x00, 0x5E, 0, 0, 0x09}, "10.0.0.1", "224.0.0.9"},
+      {{0x01, 0x00, 0x5E, 0, 0, 0x12}, "10.0.0.1", "224.0.0.18"},
+      {{0x33, 0x33, 0, 0, 0, 0x05}, "fe80::1", "ff02::5"},
+  };
+  for (const auto& [address, source, group] : rows) {
+    const Bytes hello = Frame(support::mac(1), address).tag(10).ip(source, group, 1).protocol(89, {});
+    EXPECT_EQ(ways(1, hello), "2 9 ") << group;
+    int32_t index = 0;
+    EXPECT_EQ(sai_bpdu_set(0, address.data(), &index), 0);
+    EXPECT_EQ(ways(1, hello), "cpu 0x1 dropped ") << group;
+  }
+}
+
 // -------------------------------------------------------------------------------------------------- L2 cache ----
 
 TEST_F(Traps, BpdusAreKeptForTheCpuOnBlockedPortsToo) {

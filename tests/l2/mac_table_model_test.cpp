@@ -8,12 +8,13 @@
 #include <cstring>
 #include <string>
 
+#include "support/gports.h"
 #include "support/one_call.h"
 
 namespace {
 
 constexpr int virtual_port = 17 << 26 | 1;  // 1140850689
-constexpr int trunk_gport = BCM_GPORT_TYPE_TRUNK << 26;
+constexpr int trunk_gport = support::gport(BCM_GPORT_TYPE_TRUNK, 0);
 
 /// The entry of 02:00:00:00:00:<number> in VLAN 10.
 sai_l2_mac_entry_t entry_of(uint8_t number, int port = 0, uint32_t flags = 0) {

@@ -172,7 +172,7 @@ INSTANTIATE_TEST_SUITE_P(Multicast, Joining, testing::ValuesIn(versions),
 
 // --------------------------------------------------------------------------------------------- IPv6 alone ----
 
-class Ipv6Multicast : public l3::Scene {
+class Ipv6Multicast : public LastMember {
  protected:
   static int32_t remove_member() { return remove_from(3); }
   static int32_t remove_from(uint8_t port) {
@@ -241,10 +241,18 @@ TEST_F(Ipv6Multicast, EveryFailureOfARemovalEndsIt) {
                 "returned -7\n");
 }
 
-TEST_F(Ipv6Multicast, MembersThatCannotBeCountedKeepTheGroupSilently) {
+TEST_F(Ipv6Multicast, AQueryThatTellsNoCountEndsNoGroupAndIsSilent) {
+  told_members.reset();
   EXPECT_EQ(observe_with(but({{"bcm_multicast_egress_get", BCM_E_BUSY}}, known_group), remove_member),
             group_found + gport_got + leaving_interface + " = 0\n" + port_encap_got + member_removed +
                 "bcm_multicast_egress_get(0, 0, 0, NULL, NULL, &?) = -10\n"
+                "returned -1\n");
+}
+
+TEST_F(Ipv6Multicast, ACountOfNoneEndsTheGroupEvenOfAQueryThatFails) {
+  EXPECT_EQ(observe_with(but({{"bcm_multicast_egress_get", BCM_E_BUSY}}, known_group), remove_member),
+            group_found + gport_got + leaving_interface + " = 0\n" + port_encap_got + member_removed +
+                "bcm_multicast_egress_get(0, 0, 0, NULL, NULL, &?) = -10\n" + group_destroyed + destroy_trace +
                 "returned -1\n");
 }
 

@@ -3,6 +3,8 @@
 
 #include <bcm/port.h>
 
+#include <optional>
+
 #include "l3/scene.h"
 
 namespace l3 {
@@ -24,6 +26,16 @@ inline const Answers known_group{{"bcm_l3_intf_find", 0},
 /// Every call succeeds, and neither interfaces nor the group are there yet.
 inline const Answers new_group =
     but({{"bcm_l3_intf_find", BCM_E_NOT_FOUND}, {"bcm_ipmc_find", BCM_E_NOT_FOUND}}, known_group);
+
+/// How many members the query for them tells of, whatever it answers; without a number, what the chip tells.
+extern std::optional<int> told_members;
+
+/// A scene in which the member that leaves is the last one.
+class LastMember : public Scene {
+ protected:
+  LastMember() { told_members = 0; }
+  ~LastMember() override { told_members.reset(); }
+};
 
 /// The record of an interface, by its VLANs.
 inline std::string interface(const std::string& rest) {

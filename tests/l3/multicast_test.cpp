@@ -10,7 +10,7 @@ using namespace l3;
 
 constexpr uint32_t group = 0xEF010203;  // 239.1.2.3
 
-class Multicast : public l3::Scene {
+class Multicast : public LastMember {
  protected:
   static int32_t add_member(int port = 3, int report_vid = 10) {
     return sai_multicast_egress_add(unit, 10, group, router, port, report_vid);
@@ -209,7 +209,16 @@ TEST_F(Multicast, AMemberThatCannotBeRemovedLeavesTheGroup) {
                 "returned -7\n");
 }
 
-TEST_F(Multicast, MembersThatCannotBeCountedCountAsNone) {
+TEST_F(Multicast, AQueryThatTellsNoCountEndsNoGroup) {
+  told_members.reset();
+  EXPECT_EQ(observe_with(but({{"bcm_multicast_egress_get", BCM_E_BUSY}}, known_group), [] { return remove_member(); }),
+            group_found + gport_got(3) + member_interface + encap_got(3) + member_removed +
+                "bcm_multicast_egress_get(0, 0, 0, NULL, NULL, &?) = -10\n"
+                "log: debugging: NONE: rv is -10 port_count is -1\n"
+                "returned -1\n");
+}
+
+TEST_F(Multicast, ACountOfNoneEndsTheGroupEvenOfAQueryThatFails) {
   EXPECT_EQ(observe_with(but({{"bcm_multicast_egress_get", BCM_E_BUSY}}, known_group), [] { return remove_member(); }),
             group_found + gport_got(3) + member_interface + encap_got(3) + member_removed +
                 "bcm_multicast_egress_get(0, 0, 0, NULL, NULL, &?) = -10\n" + group_destroyed +

@@ -235,6 +235,60 @@ TEST_F(RoutesOnTheChip, AnEgressObjectWhoseNextHopIsForgottenStays) {
   EXPECT_TRUE(has_egress_object(egress_id));
 }
 
+TEST_F(RoutesOnTheChip, AnEgressObjectThatIsSharedStaysUntilTheLastOfItsRoutesIsDeleted) {
+  use_egress_objects_of_the_chip();
+  ASSERT_EQ(add_host(), 0);
+  ASSERT_EQ(add_subnet(), 0);
+  const int egress_id = found_host().l3a_intf;
+  ASSERT_EQ(found_route().l3a_intf, egress_id);
+  const std::string seen = observe(remove_host);
+  EXPECT_TRUE(seen.ends_with("log: errors: NONE: bcm_l3_egress_destroy l3 egress index " + std::to_string(egress_id) +
+                             " failed: Hardware is busy\nreturned 0\n"))
+      << seen;
+  EXPECT_TRUE(has_egress_object(egress_id));
+  EXPECT_EQ(sai_l3_subnet_route_delete(unit, subnet, mask, 0), 0);
+  EXPECT_FALSE(has_egress_object(egress_id));
+}
+
+TEST_F(RoutesOnTheChip, ARouteThatMovesLeavesItsFormerEgressObject) {
+  use_egress_objects_of_the_chip();
+  const auto move_host = [] { return sai_l3_host_route_create(unit, host, router, neighbour, port + 1, vlan, 0); };
+  ASSERT_EQ(add_host(), 0);
+  const int of_host = found_host().l3a_intf;
+  ASSERT_EQ(move_host(), 0);
+  EXPECT_NE(found_host().l3a_intf, of_host);
+  EXPECT_EQ(remove_host(), 0);
+  EXPECT_TRUE(has_egress_object(of_host));
+
+  ASSERT_EQ(add_subnet_on(port + 2), 0);
+  const int of_subnet = found_route().l3a_intf;
+  ASSERT_EQ(add_subnet_on(port + 3), 0);
+  EXPECT_NE(found_route().l3a_intf, of_subnet);
+  EXPECT_EQ(sai_l3_subnet_route_delete(unit, subnet, mask, 0), 0);
+  EXPECT_TRUE(has_egress_object(of_subnet));
+
+  // One that is deleted first leaves nothing, and a route to the same next hop takes along what was left.
+  ASSERT_EQ(add_host(), 0);
+  EXPECT_EQ(found_host().l3a_intf, of_host);
+  EXPECT_EQ(remove_host(), 0);
+  EXPECT_FALSE(has_egress_object(of_host));
+  ASSERT_EQ(move_host(), 0);
+  EXPECT_EQ(remove_host(), 0);
+}
+
+TEST_F(RoutesOnTheChip, ADeletedHostOnAVirtualPortLeavesItsInterfaceAndItsEgressObject) {
+  move_neighbour_to_a_virtual_port();
+  use_egress_objects_of_the_chip();
+  ASSERT_EQ(add_host(), 0);
+  const int egress_id = found_host().l3a_intf;
+  bcm_l3_intf_t intf;
+  bcm_l3_intf_t_init(&intf);
+  intf.l3a_intf_id = egress_object(egress_id).intf;
+  EXPECT_EQ(remove_host(), 0);
+  EXPECT_TRUE(has_egress_object(egress_id));
+  EXPECT_EQ(bcm_l3_intf_find(unit, &intf), BCM_E_NONE);
+}
+
 TEST_F(RoutesOnTheChip, TheEgressObjectOfAVirtualPortIsDestroyedAfterTheInterfaceOfItsNumber) {
   move_neighbour_to_a_virtual_port();
   use_egress_objects_of_the_chip();

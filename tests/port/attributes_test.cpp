@@ -241,6 +241,12 @@ TEST_F(PortAttributes, IsolationIsUndoneWithTheFrontPortsOfUnitZero) {
             "bcm_port_egress_set(1, 3, 0, {1-11}) = 0\nreturned 0\n");
 }
 
+TEST_F(PortAttributes, IsolationIsUndoneWithTheSetsBitmapWhateverItsLowestPort) {
+  SOC_PORT_MIN(unit, port) = -1;
+  EXPECT_EQ(observe([] { return sai_port_isolate_reset(unit, 3); }),
+            "bcm_port_egress_set(0, 3, 0, {1-12}) = 0\nreturned 0\n");
+}
+
 TEST_F(PortAttributes, ClearingProtocolVlansShowsTheTextsAddressAndItsNumber) {
   ASSERT_EQ(sai_port_protocol_vlan_add(unit, 3, 1, 0x8863, 10), 0);
   EXPECT_EQ(observe([] { return sai_port_protocol_vlan_clear(unit, 3); }),

@@ -124,10 +124,17 @@ TEST_F(Statistics, CleanOfAllIsOfTheEthernetPorts) {
             "bcm_stat_clear(0, 2) = 0\nbcm_stat_clear(0, 5) = 0\nreturned 0\n");
 }
 
+TEST_F(Statistics, CleanOfAllTakesTheSetsBitmapWhateverItsLowestAndHighestPort) {
+  SOC_PORT_MIN(unit, ether) = -1;
+  SOC_PORT_MAX(unit, ether) = 1;
+  BCM_PBMP_CLEAR(SOC_PORT_BITMAP(unit, ether));
+  for (const int port : {2, 5}) BCM_PBMP_PORT_ADD(SOC_PORT_BITMAP(unit, ether), port);
+  EXPECT_EQ(observe([] { return sai_stat_clean(unit); }),
+            "bcm_stat_clear(0, 2) = 0\nbcm_stat_clear(0, 5) = 0\nreturned 0\n");
+}
+
 TEST_F(Statistics, CleanWithoutPortsMakesNoCall) {
   EXPECT_EQ(observe([] { return sai_stat_clean(1); }), "returned 0\n");
-  SOC_PORT_MIN(unit, ether) = -1;
-  EXPECT_EQ(observe([] { return sai_stat_clean(unit); }), "returned 0\n");
   BCM_PBMP_CLEAR(SOC_PORT_BITMAP(unit, ether));
   EXPECT_EQ(observe([] { return sai_stat_clean(unit); }), "returned 0\n");
 }

@@ -1,7 +1,11 @@
 #include <bcm/error.h>
+#include <bcm/switch.h>
+#include <dlfcn.h>
 #include <swsdk/chip.h>
 #include <swsdk/fault.h>
 
+#include <climits>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -9,6 +13,24 @@
 
 extern "C" int sdk_main(int argc, char** argv);
 extern "C" int system_init(int unit);
+
+namespace {
+
+/// How many sensors the SDK tells of, whatever the room; without a number, what the chip tells.
+std::optional<int> told_sensors;
+
+}  // namespace
+
+// It takes the place of the SDK's function, which it calls.
+extern "C" int bcm_switch_temperature_monitor_get(int unit, int temperature_max,
+                                                  bcm_switch_temperature_monitor_t* temperature_array,
+                                                  int* temperature_count) {
+  static const auto real = reinterpret_cast<decltype(&bcm_switch_temperature_monitor_get)>(
+      dlsym(RTLD_NEXT, "bcm_switch_temperature_monitor_get"));
+  const int rv = real(unit, temperature_max, temperature_array, temperature_count);
+  if (told_sensors) *temperature_count = *told_sensors;
+  return rv;
+}
 
 namespace {
 
@@ -54,6 +76,17 @@ TEST_F(Temperature, LeavesTheLastSensorOutOnChipTypeFifty) {
   EXPECT_EQ(read(), " 40.0|51.0\n|0");
   start({{300, 310}, {500, 510}, {1000, 1100}}, 51);
   EXPECT_EQ(read(), " 60.0|110.0\n|0");
+}
+
+TEST_F(Temperature, ReadsNoSensorBeyondTheRoomThatItGave) {
+  for (const int chip_type : {0, 50}) {
+    start(std::vector<swsdk_temperature>(160, {400, 450}), chip_type);
+    for (const int told : {161, 170, INT_MAX}) {
+      told_sensors = told;
+      EXPECT_EQ(read(), " 40.0|45.0\n|0") << told << " sensors of a chip of type " << chip_type;
+    }
+    told_sensors.reset();
+  }
 }
 
 TEST_F(Temperature, WithoutASensorFormatsNothing) {

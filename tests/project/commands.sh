@@ -6,7 +6,7 @@ saish=$1 library=$2
 
 functions=$("${NM:-nm}" --dynamic --defined-only "$library" | awk '$2 == "T" {print $3}' | sed 's/@.*//' | sort)
 [ "$(wc -w <<<"$functions")" -ge 20 ] || { echo "$library: too few functions found; is it still read rightly?"; exit 1; }
-commands=$("$saish" -c help | sed '1,/^Functions of the library/d' | awk '{print $1}' | sort)
+commands=$("$saish" -c "help all" | sed '1,/^Functions of the library/d' | awk '{print $1}' | sort)
 diff <(echo "$functions") <(echo "$commands") || { echo "< exported but no command; > command but not exported"; exit 1; }
 
 for function in $functions; do

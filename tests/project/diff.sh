@@ -57,16 +57,36 @@ check 1 'session\.sai:2: diff intended\.sai: [0-9]+ lines differ from what "inte
 check 0 "" "$saish" -c "diff /dev/null"
 [ "$(cat out)" = "  no difference" ] || fail "diff printed: $(cat out)"
 
+# Cables and frames are no script's work: links are taken as they are, counters are left out.
+printf 'link 3 up\nlink 4 up\nsend 3 ffffffffffff02000000000388b5\n' >cables.sai
+check 1 '1 line differs from .*' "$saish" cables.sai --diff /dev/null
+grep -q '^  + 1     02:00:00:00:00:03  port 3' out || fail "the learned address does not differ: $(cat out)"
+
+# The fresh chip is on the same board.
+check 0 "" "$saish" --board ports=20,units=2,chip_type=3 intended.sai --diff intended.sai
+check 1 '[0-9]+ lines differ from .*' "$saish" --board ports=20 actual.sai --diff intended.sai
+! grep -Eq '^  [-+] 20 ' out || fail "the ports of the boards differ: $(cat out)"
+
+# A script that compares itself ends, with one more process.
+printf 'sai_vlan_create 0 10\ndiff itself.sai\n' >itself.sai
+check 1 "itself\.sai:2: diff itself\.sai: a script whose tables are compared or printed can have no diff; .*"$'\n'"\
+itself\.sai:2: diff itself\.sai: the script \"itself\.sai\" fails on a fresh chip" timeout -s KILL 30 "$saish" itself.sai
+
 # A chip that nobody touched has everything missing; a recording in the environment stays this process's own.
 SWSDK_RECORD=own.rec check 1 '[0-9]+ lines differ .*' "$saish" --diff intended.sai
 ! grep -q bcm_vlan_create own.rec || fail "the script's calls are in the recording"
 
 printf 'nothing\n' >bad.sai
 check 2 'bad\.sai:1: nothing: no such command .*'$'\n''the script "bad\.sai" fails on a fresh chip' "$saish" --diff bad.sai
-check 2 'cannot read the script "missing\.sai"'$'\n''the script "missing\.sai" fails on a fresh chip' "$saish" --diff missing.sai
+check 2 'cannot read the script "missing\.sai": No such file or directory'$'\n''the script "missing\.sai" fails on a fresh chip' "$saish" --diff missing.sai
 check 2 'the chip is off; there is nothing to compare' "$saish" --cold --diff intended.sai
 check 2 '[^'$'\n'']+' "$saish" --diff intended.sai --replay a.rec
+
+check 2 'board: "ports=0" is none of ports=1 to 255, units=0 to 16, .*' "$saish" --board ports=0 intended.sai
 
 check 0 "" "$saish" --tables intended.sai
 grep -q '^10  *{0}  *{3}' out || fail "the tables are: $(cat out)"
 ! grep -q sai_vlan_create out || fail "the script's lines are among the tables: $(cat out)"
+
+check 0 "" "$saish" --tables intended.sai --tables actual.sai
+grep -q '^10  *{0}  *{3-4}' out || fail "the tables of two scripts are: $(cat out)"

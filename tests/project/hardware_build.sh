@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # usage: hardware_build.sh SOURCE_DIR LIBSWSDK
 # The library alone is built against headers and a library that are given, with nothing of the virtual chip's build. What
-# it installs serves a program that knows where these are.
+# it installs serves a program that knows where these are. The project's own headers stand in for a vendor's, so they must
+# not have what a vendor's lack.
 set -euo pipefail
 source=$1 library=$2
 work=$(mktemp -d)
@@ -11,7 +12,19 @@ trap 'rm -rf "$work"' EXIT
 mkdir "$work/vendor" "$work/system"
 cp -r "$source"/swsdk/include/{bcm,shared} "$work/vendor"
 cp -r "$source"/swsdk/include/{appl,soc} "$work/system"
-cmake -S "$source" -B "$work/build" -DSWSDK_INCLUDE_DIR="$work/vendor;$work/system" -DSWSDK_LIBRARY="$library" >/dev/null
+
+# The macros of port bitmaps that the SDK's release has: a source that uses another one compiles here alone.
+macros='CLEAR|PORT_ADD|PORT_REMOVE|MEMBER|ITER|ASSIGN|IS_NULL|PORT_MAX'
+macros+='|NOT_NULL|EQ|NEQ|AND|OR|XOR|REMOVE|NEGATE|COUNT|PORT_SET|PORT_FLIP'
+own=$(grep -Eho '#define BCM_PBMP_\w+' -r "$work/vendor" "$work/system")
+[ "$(wc -l <<<"$own")" -ge 5 ] || { echo "too few macros found; are the headers still read rightly?"; exit 1; }
+if grep -Evx "#define BCM_PBMP_($macros)" <<<"$own"; then
+  echo "the SDK's release does not have these"
+  exit 1
+fi
+
+cmake -S "$source" -B "$work/build" -DCMAKE_COMPILE_WARNING_AS_ERROR=ON \
+  -DSWSDK_INCLUDE_DIR="$work/vendor;$work/system" -DSWSDK_LIBRARY="$library" >/dev/null
 cmake --build "$work/build" >/dev/null
 grep -q 'NEEDED.*libswsdk.so' <<<"$("${READELF:-readelf}" --dynamic "$work/build/src/libsai.so")"
 cmake --install "$work/build" --prefix "$work/usr" >/dev/null

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # usage: manual.sh LIBRARY SAISH SWSDK_SWITCH MAN_DIR
-# Every exported name has a manual page, every command of the shell is in saish(1), every option of a program is in its
-# page, and no page has a fault.
+# Every exported name has a manual page that stands on its own, every command of the shell is in saish(1), every option of
+# a program is in its page, and no page has a fault.
 set -euo pipefail
 library=$1 saish=$2 switch=$3 pages=$4
 
@@ -14,7 +14,16 @@ for name in $names; do
   grep -q "^\.BR $name (3)" "$pages/man7/sai.7" || { echo "sai(7) does not list $name"; exit 1; }
 done
 
-commands=$("$saish" -c help | sed '/^Functions of the library/,$d; 1d; /^$/d' | awk '{print $1}')
+# says NAME PATTERN: the page of that name says so.
+says() { grep -Eq -- "$2" "$pages/man3/$1.3" || { echo "the page of $1 does not say $2"; exit 1; }; }
+says sai_register_l2_service 'BCM_L2_CALLBACK_DELETE.* \(0\)'
+says sai_register_l2_service 'valid during the call'
+says sai_register_link_service 'handler\(int unit'
+says sai_register_link_service 'linkstatus'
+says sai_vlan_port_add '^\.BR sai_vlan_port_remove \(3\)'
+says sai_vlan_port_add 'share/doc/.*/messages\.md'
+
+commands=$("$saish" -c "help all" | sed '/^Functions of the library/,$d; 1d; /^$/d' | awk '{print $1}')
 [ "$(wc -w <<<"$commands")" -ge 10 ] || { echo "$saish: too few commands found; is its help still read rightly?"; exit 1; }
 for command in $commands; do
   grep -Eq "^\.(B|BI|BR) $command( |\$)" "$pages/man1/saish.1" || { echo "saish(1) does not tell of $command"; exit 1; }

@@ -42,7 +42,11 @@ for package in "${debs[@]}"; do dpkg-deb --field "$package" Depends; done |
 printf '%s\n' "$DEB_BUILD_ARCH" "$architecture" | uniq >"$root/var/lib/dpkg/arch"
 as_root=(command)
 [ "$(id -u)" -eq 0 ] || as_root=(fakeroot)
-dpkg() { "${as_root[@]}" dpkg --root="$root" "$@" >"$work/dpkg.log" 2>&1 || fail "dpkg $*: $(cat "$work/dpkg.log")"; }
+dpkg() {
+  # The folder has no shell of its own for what packages do when they go.
+  "${as_root[@]}" dpkg --root="$root" --force-script-chrootless "$@" >"$work/dpkg.log" 2>&1 ||
+    fail "dpkg $*: $(cat "$work/dpkg.log")"
+}
 dpkg --install "$(deb libsai1)"
 dpkg --install "$(deb swsdk-virtual)"
 dpkg --install "$(deb libsai-dev)" "$(deb libsai1-dbgsym)" "$(deb swsdk-virtual-dbgsym)"
@@ -117,7 +121,11 @@ fi
 mkdir "$work/vendor"
 cp -r "$root/usr/include" "$libraries/libswsdk.so" "$work/vendor"
 rm "$work/vendor/include/sai.h"
-dpkg --remove swsdk-virtual-dbgsym swsdk-virtual
+module=$root/usr/lib/python3/dist-packages/sai_virtual
+mkdir "$module/__pycache__"
+touch "$module/__pycache__/__init__.cpython-311.pyc"  # as Python leaves it when root has used the module
+dpkg --purge swsdk-virtual-dbgsym swsdk-virtual
+[ ! -e "$module" ] || fail "purged, and still there: $(find "$module")"
 "${run[@]}" "$work/virtual/consumer" >/dev/null 2>"$work/err" && fail "a program ran without any Chip SDK"
 grep -q 'libswsdk.so: cannot open' "$work/err" || fail "without a Chip SDK, a program said: $(cat "$work/err")"
 export LD_LIBRARY_PATH=$libraries:$work/vendor

@@ -23,7 +23,7 @@ check() {
 
 # Any application records itself.
 SWSDK_RECORD=program.rec "$program" >/dev/null
-[ "$(head -n 1 program.rec)" = "swsdk recording 1" ] || fail "the recording begins with $(head -n 1 program.rec)"
+[ "$(sed -n '1p;$p' program.rec)" = "swsdk recording 2"$'\n'end ] || fail "the recording begins and ends with $(sed -n '1p;$p' program.rec)"
 check 0 "" "$saish" --replay program.rec
 SWSDK_RECORD=/nowhere/program.rec "$program" >/dev/null 2>err
 grep -qx "SWSDK_RECORD: cannot write the recording /nowhere/program.rec: .*" err || fail "an application said: $(cat err)"
@@ -68,9 +68,30 @@ check 1 "$difference"$'\n'"  now:      call bcm_vlan_create\(0, 10\) = 0" "$sais
 sed 's/curr=415/curr=416/' all.rec >changed.rec
 check 1 'changed\.rec:[0-9]+: the answer differs.*curr=416.*curr=415.*' "$saish" --replay changed.rec
 
+# A recording without its end: cut, or of a process that was killed. As far as it goes, it is repeated.
+sed '$d' all.rec >cut.rec
+incomplete='the recording ends here without its end mark: it was cut, or its process was'
+check 3 "cut\\.rec:$(wc -l <cut.rec): $incomplete" "$saish" --replay cut.rec
+check 3 "cut\\.rec:$(wc -l <cut.rec): $incomplete" "$saish" --replay-as-c cut.rec
+head -c -8 cut.rec >middle.rec
+check 3 'middle\.rec:[0-9]+: the recording was cut in this line' "$saish" --replay middle.rec
+coproc killed { SWSDK_RECORD=killed.rec exec "$saish" -; }
+pid=$killed_PID
+printf 'sai_unit_get\nsai_vlan_create 0 10\nsai_unit_get\n' >&"${killed[1]}"
+while read -r line <&"${killed[0]}" && [ "$line" != "sai_vlan_create 0 10" ]; do :; done
+read -r line <&"${killed[0]}"
+[ "$line" = "= 0" ] || fail "a shell that is to be killed said: $line"
+kill -KILL "$pid"
+wait "$pid" 2>/dev/null || true
+check 3 "killed\\.rec:[0-9]+: $incomplete" "$saish" --replay killed.rec
+
+# Version 1 had no end.
+sed '1s/2/1/' cut.rec >old.rec
+check 0 "" "$saish" --replay old.rec
+
 # What a later version may have is skipped.
-sed '2i later kind of line' all.rec | sed '$a call bcm_later(0) = 0' >later.rec
-last=$(wc -l <later.rec)
+sed '2i later kind of line' all.rec | sed '$i call bcm_later(0) = 0' >later.rec
+last=$(($(wc -l <later.rec) - 1))
 check 0 'later\.rec:2: skipped: there is no kind "later" here'$'\n'"later\\.rec:$last: skipped: there is no function \"bcm_later\" here" \
   "$saish" --replay later.rec
 
@@ -78,11 +99,11 @@ check 0 'later\.rec:2: skipped: there is no kind "later" here'$'\n'"later\\.rec:
 check 2 'missing\.rec: cannot be read' "$saish" --replay missing.rec
 : >empty.rec
 check 2 'empty\.rec: is empty, so it is no recording' "$saish" --replay empty.rec
-check 2 'all\.sai:1: not a recording: its first line is not "swsdk recording 1"' "$saish" --replay all.sai
-sed '1s/1/2/' all.rec >new.rec
-check 2 'new\.rec:1: version 2 of the format; this chip reads version 1' "$saish" --replay new.rec
+check 2 'all\.sai:1: not a recording: its first line is not "swsdk recording 2"' "$saish" --replay all.sai
+sed '1s/2/3/' all.rec >new.rec
+check 2 'new\.rec:1: version 3 of the format; this chip reads versions up to 2' "$saish" --replay new.rec
 while IFS='|' read -r line wrong; do
-  printf 'swsdk recording 1\ncall %s\n' "$line" >bad.rec
+  printf 'swsdk recording 2\ncall %s\nend\n' "$line" >bad.rec
   check 2 "bad\\.rec:2: $wrong" "$saish" --replay bad.rec
   check 2 "bad\\.rec:2: $wrong" "$saish" --replay-as-c bad.rec
 done <<'BAD'

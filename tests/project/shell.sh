@@ -45,11 +45,11 @@ for bad in nothing "sai_vlan_create 0" "sai_vlan_create 0 10 10" "sai_vlan_creat
   [ ! -s out ] || fail "$bad: printed $(cat out)"
 done
 check 2 'no such command "a\\nb\\x1b"; help lists them all' "$saish" -c $'"a\nb\e"'
-check 2 'cannot read the script "missing.sai"' "$saish" missing.sai
-check 2 'cannot read the script ""' "$saish" ""
-check 2 'cannot read the script "\."' "$saish" .
-check 2 'cannot read the script "\."' "$saish" -c "source ."
-check 2 'cannot read the script "-"' bash -c '"$0" - <.' "$saish"
+check 2 'cannot read the script "missing.sai": No such file or directory' "$saish" missing.sai
+check 2 'cannot read the script "": No such file or directory' "$saish" ""
+check 2 'cannot read the script "\.": Is a directory' "$saish" .
+check 2 'cannot read the script "\.": Is a directory' "$saish" -c "source ."
+check 2 'cannot read the script "-": Is a directory' bash -c '"$0" - <.' "$saish"
 
 check 2 "$one_line" "$saish" --nonsense
 check 2 "$one_line" "$saish" -c
@@ -73,6 +73,13 @@ printf 'source three.sai\n' >outer.sai
 check 1 'outer\.sai:1: source three\.sai: three\.sai:3: .*' "$saish" outer.sai
 printf 'quit\nexpect 1 sai_unit_get\n' >quit.sai
 check 0 "" "$saish" quit.sai
+
+# What goes to standard error stands behind the line that caused it, where both go into one file.
+printf 'sai_unit_get\nexpect SAI_E_NOT_FOUND sai_vlan_destroy 0 99\nsai_unit_get\n' >failing.sai
+"$saish" failing.sai >out 2>&1
+sed -E 's/^[0-9/]+ [0-9:]+ /TIME /' out | diff - <(printf '%s\n' sai_unit_get "  = 0" \
+  "expect SAI_E_NOT_FOUND sai_vlan_destroy 0 99" "TIME unknown: Failed to destroy vlan 99: Entry not found" \
+  "  = -7 SAI_E_NOT_FOUND" sai_unit_get "  = 0") || fail "one file for both: $(cat out)"
 
 # Standard input is a script too.
 for arguments in "" "-"; do

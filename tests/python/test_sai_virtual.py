@@ -1,4 +1,8 @@
 """The Python module against the libraries that the loader finds."""
+import pathlib
+import subprocess
+import sys
+
 import pytest
 
 import sai_virtual as sai
@@ -74,12 +78,89 @@ def test_records_are_written_in_place(chip):
         entry.prot = 3
 
 
+def test_the_whole_mac_table_comes_as_a_list(chip):
+    assert sai.sai_l2_addr_show(0) == []
+    for last in range(1, 4):
+        chip.learn(f"00:aa:00:00:00:{last:02x}", 1, last)
+    assert sorted((bytes(entry.mac)[5], entry.vlan, entry.port) for entry in sai.sai_l2_addr_show(0)) == [
+        (1, 1, 1),
+        (2, 1, 2),
+        (3, 1, 3),
+    ]
+
+
 @pytest.mark.parametrize("vid", [65536, -1])
 def test_a_number_that_does_not_fit_is_refused(chip, vid):
     with sai.Journal() as journal:
         with pytest.raises(OverflowError):
             sai.sai_vlan_create(0, vid)
         assert journal.lines() == []
+
+
+def test_no_wrong_value_of_any_argument_reaches_the_library():
+    sweep = pathlib.Path(__file__).with_name("wrong_arguments.py")
+    run = subprocess.run([sys.executable, sweep], capture_output=True, text=True, check=False)
+    lines = run.stdout.splitlines()
+    assert run.returncode == 0, f"ended with {run.returncode} at {lines[-1:]}: {run.stderr}"
+    refused = int(lines[-1].split()[0])
+    assert refused > 10000
+
+
+@pytest.mark.parametrize(
+    "call, message",
+    [
+        (
+            lambda: sai.sai_vlan_create(0, "10"),
+            "sai_vlan_create: vid must be an integer from 0 to 65535, not str",
+        ),
+        (
+            lambda: sai.sai_level_match(2),
+            "sai_level_match: text must be a str or bytes without zero bytes or None, not int",
+        ),
+        (lambda: sai.sai_err(True), "sai_err: format must be a str or bytes without zero bytes or None, not bool"),
+        (
+            lambda: sai.sai_sh_process_command(0, 1),
+            "sai_sh_process_command: command must be a str or bytes without zero bytes or None, not int",
+        ),
+        (
+            lambda: sai.sai_l2_mac_entry_add(0, bytes(48)),
+            "sai_l2_mac_entry_add: entry must be a sai_l2_mac_entry_t or None, not bytes",
+        ),
+        (
+            lambda: sai.sai_l2_mac_entry_add(0, sai.sai_vport_t()),
+            "sai_l2_mac_entry_add: entry must be a sai_l2_mac_entry_t or None, not sai_vport_t",
+        ),
+        (
+            lambda: sai.sai_l2_mac_entry_t(vlan="1"),
+            "sai_l2_mac_entry_t: vlan must be an integer from 0 to 4294967295, not str",
+        ),
+        (
+            lambda: sai.close_sai_log(None),
+            "close_sai_log: log must be a sai_log_handle* that the library returned, not NoneType",
+        ),
+        (
+            lambda: sai.Chip.learn("00:aa:00:00:00:01", "10", 3),
+            "swsdk_l2_learn: vid must be an integer from -2147483648 to 2147483647, not str",
+        ),
+        (lambda: sai.link_handler(1), "link_handler: function must be callable, not int"),
+    ],
+)
+def test_a_refusal_names_the_function_the_argument_and_what_would_be_right(call, message):
+    with pytest.raises(TypeError) as error:
+        call()
+    assert str(error.value) == message
+
+
+def test_a_text_with_percent_signs_is_logged_as_it_is(chip):
+    sai.sai_err("100 %s")
+    assert chip.log.lines() == ["100 %s"]
+
+
+def test_the_log_of_a_start_up_has_lines_that_are_empty():
+    with sai.Log() as log, sai.Chip(cold=True):
+        sai.sai_switch_chip_init("02:00:00:00:00:01")
+        led = [f"switch cmd [ led {n} load /usr/sbin/bcm956275k.hex ] error" for n in (0, 1)]
+        assert log.lines() == [led[0], "", led[1], ""]
 
 
 def test_a_wrong_number_of_arguments_is_refused(chip):
@@ -134,6 +215,9 @@ def test_a_recording_replays_and_a_changed_one_differs(tmp_path):
     text = path.read_text()
     path.write_text(text.replace("bcm_vlan_create(0, 10) = 0", "bcm_vlan_create(0, 10) = -6"))
     with pytest.raises(sai.Difference, match=r"run\.rec:\d+: the answer differs"):
+        sai.replay(path)
+    path.write_text(text.removesuffix("end\n"))
+    with pytest.raises(ValueError, match=r"run\.rec:\d+: the recording ends here without its end mark"):
         sai.replay(path)
     path.write_text("nothing\n")
     with pytest.raises(ValueError, match=r"run\.rec:1: not a recording"):

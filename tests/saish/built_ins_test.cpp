@@ -1,7 +1,11 @@
 #include "built_ins.h"
 
+#include <swsdk/chip.h>
+
 #include "library.h"
 #include "saish/shell.h"
+
+extern "C" int sdk_main(int argc, char** argv);
 
 namespace {
 
@@ -18,50 +22,13 @@ class ShellBuiltIns : public support::Shell {
   void open_log() { run("open_sai_log test 0 0 0"); }
 };
 
-TEST_F(ShellBuiltIns, HelpListsEveryCommandAndEveryFunction) {
-  const std::string text = run("help");
-  const auto has_line = [&](const std::string& begin, const std::string& end) {
-    const std::size_t at = text.find("\n  " + begin + " ");
-    return at != std::string::npos && text.substr(at + 1, text.find('\n', at + 1) - at - 1).ends_with(" " + end);
-  };
-  for (const saish::BuiltIn& built_in : saish::built_ins())
-    EXPECT_TRUE(has_line(built_in.usage, built_in.summary)) << built_in.name;
-  for (const saish::Function& function : saish::functions())
-    EXPECT_TRUE(has_line(function.name, function.summary)) << function.name;
-}
-
-TEST_F(ShellBuiltIns, HelpOnAFunctionShowsItsPrototypeItsSentenceAndItsForm) {
-  EXPECT_EQ(run("help sai_vlan_create"),
-            "int32_t sai_vlan_create(int32_t unit, uint16_t vid)\n"
-            "Creates a VLAN with the CPU port as a tagged member.\n"
-            "Here: sai_vlan_create unit vid\n");
-  EXPECT_EQ(run("help sai_unit_get"),
-            "int32_t sai_unit_get(void)\n"
-            "Gives the number of the unit that the library drives: always 0.\n"
-            "Here: sai_unit_get\n");
-  EXPECT_EQ(run("help sai_err"),
-            "void sai_err(const char* format, ...)\n"
-            "Logs a message at level 3, \"errors\"; none without a format.\n"
-            "Here: sai_err format\n");
-}
-
-TEST_F(ShellBuiltIns, HelpOnACommandOfTheShellShowsItsForm) {
-  EXPECT_EQ(run("help expect"), "expect CODE COMMAND\nRuns a command that has to return that code.\n");
-}
-
-TEST_F(ShellBuiltIns, HelpOnAnUnknownNameIsRefused) {
-  EXPECT_EQ(refused("help nothing"), "no such command \"nothing\"; help lists them all");
-  EXPECT_EQ(refused("help sai_vlan_creat"), "no such command \"sai_vlan_creat\"; did you mean sai_vlan_create?");
-}
-
 TEST_F(ShellBuiltIns, TooFewOrTooManyWordsAreRefusedWithTheForm) {
   EXPECT_EQ(refused("show"), "too few arguments; the form is show TABLE [UNIT]");
   EXPECT_EQ(refused("show vlan 0 0"), "too many arguments; the form is show TABLE [UNIT]");
-  EXPECT_EQ(refused("help a b"), "too many arguments; the form is help [NAME]");
   EXPECT_EQ(refused("journal"), "too few arguments; the form is journal on|off|show|clear");
   EXPECT_EQ(refused("journal on off"), "too many arguments; the form is journal on|off|show|clear");
-  EXPECT_EQ(refused("fail"), "too few arguments; the form is fail NAME CODE [NTH|every]");
-  EXPECT_EQ(refused("fail bcm_vlan_init -1 1 1"), "too many arguments; the form is fail NAME CODE [NTH|every]");
+  EXPECT_EQ(refused("fail"), "too few arguments; the form is fail FUNCTION CODE [NTH|every]");
+  EXPECT_EQ(refused("fail bcm_vlan_init -1 1 1"), "too many arguments; the form is fail FUNCTION CODE [NTH|every]");
   EXPECT_EQ(refused("log"), "too few arguments; the form is log LEVEL");
   EXPECT_EQ(refused("source"), "too few arguments; the form is source FILE");
   EXPECT_EQ(refused("quit now"), "too many arguments; the form is quit");
@@ -153,7 +120,7 @@ TEST_F(ShellBuiltIns, FailClearEndsAllFaults) {
 TEST_F(ShellBuiltIns, FailRefusesWhatItDoesNotKnowAndInjectsNothing) {
   EXPECT_EQ(refused("fail bcm_vlan_creat BCM_E_FULL"), "the Chip SDK has no function \"bcm_vlan_creat\"");
   EXPECT_EQ(refused("fail sai_vlan_create BCM_E_FULL"), "the Chip SDK has no function \"sai_vlan_create\"");
-  EXPECT_EQ(refused("fail bcm_vlan_create"), "a code is missing; the form is fail NAME CODE [NTH] or fail clear");
+  EXPECT_EQ(refused("fail bcm_vlan_create"), "a code is missing; the form is fail FUNCTION CODE [NTH] or fail clear");
   for (const std::string code : {"BCM_E_NONSENSE", "SAI_E_FULL", "SAI_LOG_OFF", "full", "2147483648", "-2147483649"})
     EXPECT_EQ(refused("fail bcm_vlan_create " + code), "code: \"" + code + "\" is neither a number nor a BCM_E_ name");
   for (const std::string nth : {"0", "-1", "2147483648", "each", "SAI_LOG_ERRORS"})
@@ -234,11 +201,24 @@ TEST_F(ShellBuiltIns, LearnPutsAnAddressIntoTheMacTable) {
 }
 
 TEST_F(ShellBuiltIns, LearnRefusesWhatIsNotOnTheChip) {
-  EXPECT_EQ(refused("learn 00:00:00:00:00:01 1 13"), "unit 0 has no port 13, or there can be no VLAN 1");
-  EXPECT_EQ(refused("learn 00:00:00:00:00:01 4096 1"), "unit 0 has no port 1, or there can be no VLAN 4096");
-  EXPECT_EQ(refused("learn 00:00:00:00:00:01 1 1 1"), "unit 1 has no port 1, or there can be no VLAN 1");
+  EXPECT_EQ(refused("learn 00:00:00:00:00:01 1 13"), "unit 0 has no port 13");
+  EXPECT_EQ(refused("learn 00:00:00:00:00:01 5000 1"), "vlan: 5000 is not between 1 and 4095");
+  EXPECT_EQ(refused("learn 00:00:00:00:00:01 0 1"), "vlan: 0 is not between 1 and 4095");
+  EXPECT_EQ(refused("learn 00:00:00:00:00:01 1 1 1"), "unit 1 is not attached");
   EXPECT_TRUE(refused("learn 1 1 1").starts_with("mac: \"1\" is not a MAC address"));
   EXPECT_TRUE(refused("learn 00:00:00:00:00:01 x 1").starts_with("vlan: \"x\" is not a number"));
+}
+
+TEST_F(ShellBuiltIns, WhatHappensOnAUnitIsRefusedWithTheReasonWhenTheUnitIsNotUp) {
+  const auto expect_refused = [&](const std::string& reason) {
+    for (const std::string event : {"link 1 up", "learn 00:00:00:00:00:01 1 1", "age 1", "hit 10.0.0.1 source",
+                                    "counter 1 snmpIfInErrors 3", "temperature 40", "classify ingress {}", "send 1 00"})
+      EXPECT_EQ(refused(event), reason) << event;
+  };
+  swsdk_power_off();
+  expect_refused("unit 0 is not attached");
+  sdk_main(0, nullptr);
+  expect_refused("unit 0 is not initialized");
 }
 
 TEST_F(ShellBuiltIns, ACallsEventsAreToldBeforeItsResult) {
@@ -254,7 +234,7 @@ TEST_F(ShellBuiltIns, AgeLetsAddressesGo) {
   EXPECT_EQ(run("age 299 0"), "");
   EXPECT_EQ(run("age 1"), "  ! address 00:00:00:00:00:01 in VLAN 10 on port 1 is deleted\n");
   EXPECT_EQ(refused("age -1"), "seconds: time does not go back");
-  EXPECT_EQ(refused("age 1 1"), "unit 1 is not initialised");
+  EXPECT_EQ(refused("age 1 1"), "unit 1 is not attached");
 }
 
 TEST_F(ShellBuiltIns, HitMarksAHostOrARoute) {
@@ -343,9 +323,7 @@ TEST_F(ShellBuiltIns, ClassifyRefusesWhatIsNoFrame) {
   EXPECT_EQ(refused("classify ingress 1"), "frame: \"1\" is not a record such as {in_port=0}");
   EXPECT_TRUE(
       refused("classify ingress {port=1}").starts_with("frame: there is no field \"port\"; the fields are in_"));
-  EXPECT_EQ(refused("classify ingress {} 1"), "unit 1 is not initialised");
-  const std::string help = run("help classify");
-  EXPECT_NE(help.find("\n  FRAME is {field=value, ...} of in_port, out_port, src_mac, "), std::string::npos) << help;
+  EXPECT_EQ(refused("classify ingress {} 1"), "unit 1 is not attached");
 }
 
 constexpr const char* hello = "send 1 02:00:00:00:00:01 > 02:00:00:00:00:02 ";
@@ -386,7 +364,7 @@ TEST_F(ShellBuiltIns, SendRefusesWhatIsNoFrame) {
   EXPECT_EQ(refused(hello + std::string("udp 5 > 6")), "frame: \"udp\" is no field, or comes before ip");
   EXPECT_EQ(refused(hello + std::string("ip 10.0.0.1 > ::1")), "frame: an IPv4 address does not go with an IPv6 one");
   EXPECT_EQ(refused(hello + std::string("ip 10.0.0.1 > 10.0.0.2 utp 5")), "frame: there is no field \"utp\"");
-  EXPECT_EQ(refused("send 99 00"), "port: unit 0 has no port 99, or is not initialised");
+  EXPECT_EQ(refused("send 99 00"), "unit 0 has no port 99");
 }
 
 }  // namespace

@@ -69,7 +69,7 @@ TEST_F(ShellSession, ForAnUnknownCommandTheNearestNameIsShownWhereOneIsNear) {
 TEST_F(ShellSession, AMessageShowsControlCharactersWrittenOut) {
   EXPECT_EQ(refused("\"a\nb\x1b[31m\x7f\""), "no such command \"a\\nb\\x1b[31m\\x7f\"; help lists them all");
   EXPECT_TRUE(refused("sai_vlan_create 0 \"1\n\t\"").starts_with("vid: \"1\\n\\x09\" is not a number "));
-  EXPECT_EQ(refused("source \"a\r\nb\""), "cannot read the script \"a\\x0d\\nb\"");
+  EXPECT_EQ(refused("source \"a\r\nb\""), "cannot read the script \"a\\x0d\\nb\": No such file or directory");
   EXPECT_TRUE(refused("Z\u00fcrich").starts_with("no such command \"Z\u00fcrich\"; "));
   const std::string file = script("a", "expect 1\tsai_unit_get\r\n");
   EXPECT_TRUE(run_script(file).ends_with("  = 0\nunexpected: " + file +
@@ -187,17 +187,35 @@ TEST_F(ShellSession, AScriptStopsAtBadInputAndNamesFileAndLine) {
 
 TEST_F(ShellSession, AScriptThatIsNotThereIsBadInput) {
   const std::string file = path("missing");
-  EXPECT_EQ(run_script(file), "bad input: cannot read the script \"" + file + "\"\n");
-  EXPECT_EQ(refused("source " + file), "cannot read the script \"" + file + "\"");
+  EXPECT_EQ(run_script(file), "bad input: cannot read the script \"" + file + "\": No such file or directory\n");
+  EXPECT_EQ(refused("source " + file), "cannot read the script \"" + file + "\": No such file or directory");
 }
 
 TEST_F(ShellSession, ADirectoryIsNoScript) {
   const std::string directory = fs::path(path("a")).parent_path().string();
-  EXPECT_EQ(run_script(directory), "bad input: cannot read the script \"" + directory + "\"\n");
-  EXPECT_EQ(refused("source " + directory), "cannot read the script \"" + directory + "\"");
+  EXPECT_EQ(run_script(directory), "bad input: cannot read the script \"" + directory + "\": Is a directory\n");
+  EXPECT_EQ(refused("source " + directory), "cannot read the script \"" + directory + "\": Is a directory");
 }
 
 TEST_F(ShellSession, AnEmptyScriptDoesNothing) { EXPECT_EQ(run_script(script("a", "")), ""); }
+
+TEST_F(ShellSession, AByteOrderMarkBeforeTheFirstLineIsSkipped) {
+  const std::string mark = "\xEF\xBB\xBF";
+  EXPECT_EQ(run_script(script("a", mark + "sai_unit_get\n")), "sai_unit_get\n  = 0\n");
+  EXPECT_EQ(run_script(script("b", mark + "# a comment\n" + mark + "sai_unit_get\n")),
+            "# a comment\n" + mark + "sai_unit_get\nunexpected: " + path("b") + ":2: " + mark +
+                "sai_unit_get: no such command \"" + mark + "sai_unit_get\"; did you mean sai_unit_get?\n");
+}
+
+TEST_F(ShellSession, AnInterruptEndsTheScriptsBeforeTheirNextLine) {
+  const std::string inner = script("inner", "sai_unit_get\nsai_vlan_create 0 10\n");
+  const std::string outer = script("outer", "source " + inner + "\n");
+  saish::Session::interrupt();
+  EXPECT_EQ(run_script(outer),
+            "source " + inner + "\nunexpected: " + outer + ":1: source " + inner + ": interrupted\n");
+  EXPECT_EQ(run("source " + outer).substr(0, 7), "source ") << "the next line runs again";
+  EXPECT_EQ(saish::journal_text(), "bcm_vlan_create(0, 10) = 0\nbcm_vlan_port_add(0, 10, {0}, {}) = 0\n");
+}
 
 TEST_F(ShellSession, SourceRunsAScriptAndTheOtherGoesOn) {
   const std::string inner = script("inner", "sai_vlan_create 0 20\n");
@@ -240,6 +258,12 @@ TEST_F(ShellSession, QuitEndsTheScriptsThatAreRunning) {
   const std::string inner = script("inner", "quit\nsai_vlan_create 0 10\n");
   EXPECT_EQ(run_script(script("outer", "source " + inner + "\nsai_vlan_create 0 20\n")),
             "source " + inner + "\nquit\n");
+  EXPECT_TRUE(session().ended());
+  EXPECT_EQ(saish::journal_text(), "");
+}
+
+TEST_F(ShellSession, ExitEndsTheShellAsQuitDoes) {
+  EXPECT_EQ(run_script(script("a", "exit\nsai_vlan_create 0 10\n")), "exit\n");
   EXPECT_TRUE(session().ended());
   EXPECT_EQ(saish::journal_text(), "");
 }

@@ -46,7 +46,8 @@ inline std::vector<Failure> operator+(std::vector<Failure> a, const std::vector<
 
 // Which SDK result a function converts to its own: that of the last call of some SDK functions, or one of these.
 constexpr const char* last_call = "last";
-constexpr const char* failure_or_value = "last, and a value of its own where that is no failure";
+constexpr const char* failure_or_value = "last, and a value of its own where that is 0";
+constexpr const char* zero_unless_failed = "0 unless the last call failed";
 constexpr const char* always_0 = "always 0";
 constexpr const char* zero_or_fail = "0, or -1 for other results of the last call";
 constexpr const char* zero_or_fail_if_negative = "0, or -1 for negative results of the last call";

@@ -7,6 +7,9 @@
 #include <swsdk/chip.h>
 #include <swsdk/journal.h>
 
+#include <set>
+#include <string>
+
 #include "support/scene.h"
 #include "support/start.h"
 
@@ -55,6 +58,22 @@ TEST_F(Fault, MeetsOnlyItsFunction) {
   ASSERT_EQ(swsdk_fault_inject("bcm_vlan_init", BCM_E_FULL, 1), 0);
   EXPECT_EQ(bcm_vlan_create(0, 10), BCM_E_BUSY);
   EXPECT_EQ(bcm_vlan_init(0), BCM_E_FULL);
+}
+
+TEST_F(Fault, NamesEveryFunctionThatItCanMeet) {
+  std::set<std::string> names;
+  for (int i = 0; swsdk_fault_function(i) != nullptr; ++i) {
+    const std::string name = swsdk_fault_function(i);
+    EXPECT_EQ(swsdk_fault_inject(name.c_str(), BCM_E_BUSY, 1), 0) << name;
+    EXPECT_TRUE(names.insert(name).second) << name << " is named twice";
+  }
+  EXPECT_TRUE(names.contains("bcm_vlan_create"));
+  EXPECT_TRUE(names.contains("sdk_main"));
+  for (const char* none : {"swsdk_l2_learn", "bcm_l2_addr_t_init", "sai_vlan_create"}) {
+    EXPECT_FALSE(names.contains(none)) << none;
+    EXPECT_EQ(swsdk_fault_inject(none, BCM_E_BUSY, 1), -1) << none;
+  }
+  EXPECT_EQ(swsdk_fault_function(-1), nullptr);
 }
 
 TEST_F(Fault, TakesThePlaceOfAnEarlierOne) {

@@ -117,8 +117,6 @@ TEST_F(Field, EntriesHavePolicers) {
   config.pkbits_sec = 128;
   config.pkbits_burst = 16;
   config.pbits_burst_lower = 992;
-  config.action_id = 5;
-  config.sharing_mode = 6;
   EXPECT_EQ(bcm_policer_set(unit, policer, &config), BCM_E_NONE);
   EXPECT_EQ(bcm_field_entry_policer_attach(unit, id, 0, policer), BCM_E_NONE);
   EXPECT_EQ(bcm_field_entry_policer_attach(unit, id, 0, policer), BCM_E_EXISTS);
@@ -136,7 +134,7 @@ TEST_F(Field, EntriesHavePolicers) {
   EXPECT_EQ(bcm_policer_get(unit, found, &kept), BCM_E_NONE);
   EXPECT_EQ(support::journal(),
             "bcm_policer_get(0, 1, &{flags=0x74, mode=3, ckbits_sec=64, ckbits_burst=8, cbits_burst_lower=4000, "
-            "pkbits_sec=128, pkbits_burst=16, pbits_burst_lower=992, action_id=5, sharing_mode=6}) = 0\n");
+            "pkbits_sec=128, pkbits_burst=16, pbits_burst_lower=992}) = 0\n");
 
   EXPECT_EQ(bcm_field_entry_policer_detach(unit, id, 0), BCM_E_NONE);
   EXPECT_EQ(bcm_field_entry_policer_detach(unit, id, 0), BCM_E_NOT_FOUND);

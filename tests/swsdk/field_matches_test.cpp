@@ -1,6 +1,7 @@
 // Which frames an entry meets by each qualifier, through the SDK's calls.
 #include <algorithm>
 
+#include "support/gports.h"
 #include "swsdk/field_fixture.h"
 
 namespace {
@@ -38,7 +39,7 @@ TEST_F(FieldMatches, ComparePorts) {
 }
 
 TEST_F(FieldMatches, TakeGportsOfTheChip) {
-  constexpr int local_5 = BCM_GPORT_TYPE_LOCAL << 26 | 5;
+  constexpr int local_5 = support::gport(BCM_GPORT_TYPE_LOCAL, 5);
   expect_match(
       {bcmFieldQualifyStageIngress, bcmFieldQualifyInPort},
       [](int id) { return bcm_field_qualify_InPort(unit, id, local_5, exact); }, [](swsdk_frame& f) { f.in_port = 5; },

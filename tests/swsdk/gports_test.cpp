@@ -6,22 +6,32 @@
 #include <bcm/types.h>
 #include <bcm/vlan.h>
 
+#include <type_traits>
+
 #include "support/chip_test.h"
+#include "support/gports.h"
 
 namespace {
 
 using chip::gport::of_port;
 using chip::gport::port_of;
+using support::gport;
 
-int gport(int kind, int number) { return static_cast<int>(static_cast<unsigned>(kind) << 26) | number; }
 int module_port(int module, int port) { return gport(BCM_GPORT_TYPE_MODPORT, module << 11 | port); }
 
 class Gports : public support::ChipTest {};
 
 TEST_F(Gports, CarryTheirKindInTheTopBits) {
-  EXPECT_EQ(chip::gport::kind(gport(BCM_GPORT_TYPE_TRUNK, 5)), BCM_GPORT_TYPE_TRUNK);
+  EXPECT_EQ(chip::gport::kind(gport(BCM_GPORT_TYPE_TRUNK, 5)), chip::gport::trunk);
   EXPECT_EQ(chip::gport::kind(gport(63, 5)), 63);
   EXPECT_EQ(chip::gport::kind(12), 0);
+}
+
+TEST_F(Gports, HaveKindsThatAreUnsignedAsInVendorsHeaders) {
+  EXPECT_TRUE((std::is_same_v<decltype(BCM_GPORT_TYPE_LOCAL), unsigned>));
+  EXPECT_TRUE((std::is_same_v<decltype(BCM_GPORT_TYPE_MODPORT), unsigned>));
+  EXPECT_TRUE((std::is_same_v<decltype(BCM_GPORT_TYPE_TRUNK), unsigned>));
+  EXPECT_TRUE((std::is_same_v<decltype(BCM_GPORT_TYPE_MIRROR), unsigned>));
 }
 
 TEST_F(Gports, OfThisChipAreItsPorts) {

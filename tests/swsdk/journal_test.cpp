@@ -140,15 +140,14 @@ TEST_F(Journal, ShowsTheFieldsOfARecordThatDifferFromTheirInitialValue) {
   bcm_vlan_control_vlan_t control;
   bcm_vlan_control_vlan_t_init(&control);
   bcm_vlan_control_vlan_set(0, 1, control);
-  control.vrf = -1;
+  control.broadcast_group = -1;
   control.flags = 0x80001;
-  control.outer_tpid = 0x8100;
   bcm_vlan_control_vlan_set(0, 1, control);
   bcm_vlan_control_vlan_get(0, 1, &control);
   EXPECT_EQ(take(),
             "bcm_vlan_control_vlan_set(0, 1, {}) = 0\n"
-            "bcm_vlan_control_vlan_set(0, 1, {vrf=-1, outer_tpid=0x8100, flags=0x80001}) = 0\n"
-            "bcm_vlan_control_vlan_get(0, 1, &{vrf=-1, outer_tpid=0x8100, flags=0x80001}) = 0\n");
+            "bcm_vlan_control_vlan_set(0, 1, {flags=0x80001, broadcast_group=-1}) = 0\n"
+            "bcm_vlan_control_vlan_get(0, 1, &{flags=0x80001, broadcast_group=-1}) = 0\n");
 }
 
 TEST_F(Journal, ShowsAddressesAndNamesAsPeopleWriteThem) {

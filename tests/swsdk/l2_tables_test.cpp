@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "support/gports.h"
 #include "support/start.h"
 
 namespace {
@@ -30,8 +31,8 @@ class L2Tables : public testing::Test {
     return text;
   }
 
-  static bcm_gport_t gport(int port) { return BCM_GPORT_TYPE_MODPORT << 26 | port; }
-  static bcm_gport_t session(int number) { return BCM_GPORT_TYPE_MIRROR << 26 | number; }
+  static bcm_gport_t gport(int port) { return support::gport(BCM_GPORT_TYPE_MODPORT, port); }
+  static bcm_gport_t session(int number) { return support::gport(BCM_GPORT_TYPE_MIRROR, number); }
 
   static int set_trunk(int id, int psc, const std::vector<bcm_gport_t>& gports) {
     bcm_trunk_info_t info;
@@ -87,7 +88,7 @@ TEST_F(L2Tables, TheMembersOfATrunkAreGportsOfTheChip) {
   EXPECT_EQ(set_trunk(id, 1, {3}), BCM_E_PORT) << "a plain number";
   EXPECT_EQ(set_trunk(id, 1, {gport(13)}), BCM_E_PORT);
   EXPECT_EQ(set_trunk(id, 1, {gport(3) | 1 << 11}), BCM_E_PORT) << "a port of another module";
-  EXPECT_EQ(set_trunk(id, 1, {BCM_GPORT_TYPE_LOCAL << 26 | 3}), BCM_E_NONE);
+  EXPECT_EQ(set_trunk(id, 1, {support::gport(BCM_GPORT_TYPE_LOCAL, 3)}), BCM_E_NONE);
   bcm_trunk_info_t info;
   bcm_trunk_info_t_init(&info);
   EXPECT_EQ(bcm_trunk_set(0, id, &info, -1, nullptr), BCM_E_PARAM);

@@ -16,6 +16,7 @@
 #include <thread>
 #include <utility>
 
+#include "support/gports.h"
 #include "support/scene.h"
 #include "support/start.h"
 
@@ -104,7 +105,7 @@ TEST_F(L2, AnAddedAddressIsRead) {
 
 TEST_F(L2, APortMayBeGivenAsAGport) {
   bcm_l2_addr_t found;
-  ASSERT_EQ(add(1, BCM_GPORT_TYPE_MODPORT << 26 | 5), BCM_E_NONE);
+  ASSERT_EQ(add(1, support::gport(BCM_GPORT_TYPE_MODPORT, 5)), BCM_E_NONE);
   ASSERT_EQ(bcm_l2_addr_get(0, Mac(1), 10, &found), BCM_E_NONE);
   EXPECT_EQ(found.port, 5);
   const int virtual_port = 17 << 26 | 5;
@@ -118,7 +119,7 @@ TEST_F(L2, AnAddressOnATrunkNeedsTheTrunk) {
   EXPECT_EQ(add_on_trunk(1, 128), BCM_E_PARAM);
   const int trunk = create_trunk();
   EXPECT_EQ(add_on_trunk(1, trunk), BCM_E_NONE);
-  EXPECT_EQ(add(2, BCM_GPORT_TYPE_TRUNK << 26 | trunk), BCM_E_NONE);
+  EXPECT_EQ(add(2, support::gport(BCM_GPORT_TYPE_TRUNK, trunk)), BCM_E_NONE);
   bcm_l2_addr_t found;
   ASSERT_EQ(bcm_l2_addr_get(0, Mac(2), 10, &found), BCM_E_NONE);
   EXPECT_EQ(found.flags, static_cast<uint32>(BCM_L2_TRUNK_MEMBER));

@@ -12,6 +12,7 @@
 #include <cstring>
 
 #include "support/chip_test.h"
+#include "support/gports.h"
 #include "support/scene.h"
 
 extern "C" {
@@ -105,7 +106,7 @@ TEST_F(MulticastCalls, WriteDownOnlyTheMembersThatWereListed) {
 
 TEST_F(MulticastCalls, KnowAMemberByEveryNameOfItsPort) {
   const int group = make_group(BCM_MULTICAST_TYPE_L2);
-  constexpr int local_gport = BCM_GPORT_TYPE_LOCAL << 26 | 3;
+  constexpr int local_gport = support::gport(BCM_GPORT_TYPE_LOCAL, 3);
   EXPECT_EQ(bcm_multicast_egress_add(0, group, local_gport, -1), BCM_E_NONE);
   EXPECT_EQ(bcm_multicast_egress_add(0, group, gport_of(3), -1), BCM_E_EXISTS);
   EXPECT_EQ(bcm_multicast_egress_delete(0, group, 3, -1), BCM_E_NONE);

@@ -55,10 +55,12 @@ TEST_F(NetworkInterfaces, HaveANameOfTheirOwnOrNone) {
 
 TEST_F(NetworkInterfaces, TakeANameThatFillsItsRoom) {
   bcm_knet_netif_t wanted = netif("sixteen letters!");
-  wanted.cb_user_data = 0x41414141;
+  wanted.cb_user_data = 0x41414141;  // stands behind the name
   swsdk_journal_record(1);
-  EXPECT_EQ(create(wanted), 1);
+  EXPECT_EQ(create(wanted), BCM_E_UNAVAIL);
   EXPECT_NE(support::journal().find("name=\"sixteen letters!\", "), std::string::npos) << support::journal();
+  wanted.cb_user_data = 0;
+  EXPECT_EQ(create(wanted), 1);
   EXPECT_EQ(shown("netif"), "1   sixteen letters!  02:00:00:00:00:00  1     0x0\n");
   EXPECT_EQ(create(wanted), BCM_E_EXISTS);
 }

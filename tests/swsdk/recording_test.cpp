@@ -17,6 +17,7 @@
 #include <swsdk/frames.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -45,15 +46,23 @@ class Recording : public testing::Test {
     system_init(0);
   }
 
-  /// Ends the recording: its lines after those that start the chip.
-  std::string recorded() const {
-    EXPECT_EQ(swsdk_record_stop(), 0);
+  /// The recording's lines so far, after those that start the chip.
+  std::string written() const {
     std::ifstream file(path_);
     std::ostringstream text;
     text << file.rdbuf();
-    const std::string start = "swsdk recording 1\ncall sdk_main(0, NULL) = 0\ncall system_init(0) = 0\n";
+    const std::string start = "swsdk recording 2\ncall sdk_main(0, NULL) = 0\ncall system_init(0) = 0\n";
     EXPECT_EQ(text.str().substr(0, start.size()), start);
     return text.str().substr(std::min(start.size(), text.str().size()));
+  }
+
+  /// Ends the recording: its lines after those that start the chip, without the one that ends it.
+  std::string recorded() const {
+    EXPECT_EQ(swsdk_record_stop(), 0);
+    const std::string lines = written();
+    const std::string end = "end\n";
+    EXPECT_TRUE(lines.ends_with(end)) << lines;
+    return lines.substr(0, lines.size() - std::min(end.size(), lines.size()));
   }
 
   /// Repeats it: the outcome, and what was told.
@@ -66,7 +75,9 @@ class Recording : public testing::Test {
     return std::to_string(outcome) + told;
   }
 
-  void write(const std::string& lines) const { std::ofstream(path_) << "swsdk recording 1\n" << lines; }
+  void write(const std::string& lines, int version = 2) const {
+    std::ofstream(path_) << "swsdk recording " << version << '\n' << lines;
+  }
 
   const std::string path_ = testing::TempDir() + "recording_test_" + std::to_string(getpid()) + ".rec";
 };
@@ -125,6 +136,61 @@ TEST_F(Recording, GoesOnWhenTheChipIsSwitchedOffAndLeavesTheLastTimeOut) {
   EXPECT_EQ(replayed(), "0");
   swsdk_board_get(&board);
   EXPECT_EQ(board.ports, 4);
+}
+
+constexpr const char* start_and_create =
+    "call sdk_main(0, NULL) = 0\ncall system_init(0) = 0\ncall bcm_vlan_create(0, 10) = 0\n";
+
+TEST_F(Recording, ThatWasCutAtALinesEndIsRepeatedAndSaidToBeIncomplete) {
+  write(start_and_create);
+  EXPECT_EQ(replayed(),
+            "3" + path_ + ":4: the recording ends here without its end mark: it was cut, or its process was\n");
+  EXPECT_EQ(bcm_vlan_create(0, 10), BCM_E_EXISTS);
+}
+
+TEST_F(Recording, ThatWasCutInALineIsRepeatedUpToThatLine) {
+  write(start_and_create + std::string("call bcm_vlan_create(0, 11) = 0"));
+  EXPECT_EQ(replayed(), "3" + path_ + ":5: the recording was cut in this line\n");
+  EXPECT_EQ(bcm_vlan_create(0, 10), BCM_E_EXISTS);
+  EXPECT_EQ(bcm_vlan_create(0, 11), BCM_E_NONE);
+}
+
+TEST_F(Recording, WithoutItsEndWhoseAnswersDifferIsDifferent) {
+  write(start_and_create + std::string("call bcm_vlan_create(0, 10) = 0\n"));
+  EXPECT_TRUE(replayed().starts_with("1" + path_ + ":5: the answer differs\n")) << replayed();
+}
+
+TEST_F(Recording, OfTheFirstVersionHasNoEnd) {
+  write(start_and_create, 1);
+  EXPECT_EQ(replayed(), "0");
+  write(start_and_create, 3);
+  EXPECT_EQ(replayed(), "2" + path_ + ":1: version 3 of the format; this chip reads versions up to 2\n");
+}
+
+TEST_F(Recording, HasNothingBehindItsEnd) {
+  write(start_and_create + std::string("end\n\n"));
+  EXPECT_EQ(replayed(), "0");
+  write(start_and_create + std::string("end\ncall bcm_vlan_create(0, 11) = 0\n"));
+  EXPECT_EQ(replayed(), "2" + path_ + ":6: stands behind the end of the recording\n");
+}
+
+TEST_F(Recording, EndsWithItsProcess) {
+  start();
+  EXPECT_EXIT(bcm_vlan_create(0, 11); std::exit(0), testing::ExitedWithCode(0), "");
+  EXPECT_EQ(written(), "call bcm_vlan_create(0, 11) = 0\nend\n");
+}
+
+TEST_F(Recording, HasNoEndWhenItsProcessWasCut) {
+  start();
+  EXPECT_EXIT(bcm_vlan_create(0, 11); _exit(0), testing::ExitedWithCode(0), "");
+  EXPECT_EQ(written(), "call bcm_vlan_create(0, 11) = 0\n");
+}
+
+TEST_F(Recording, IsNotEndedByAChildThatMakesNoCall) {
+  start();
+  EXPECT_EXIT(std::exit(0), testing::ExitedWithCode(0), "");
+  bcm_vlan_create(0, 11);
+  EXPECT_EQ(recorded(), "call bcm_vlan_create(0, 11) = 0\n");
 }
 
 TEST_F(Recording, BeginsWithTheChipOff) {
@@ -201,7 +267,7 @@ TEST_F(Recording, KeepsTheRoomThatACallFills) {
   // More sensors than there were: the answer differs, and there is room for it.
   write(
       "call sdk_main(0, NULL) = 0\ncall system_init(0) = 0\n"
-      "call bcm_switch_temperature_monitor_get(0, 5, &[] of 5, &0) = 0\n");
+      "call bcm_switch_temperature_monitor_get(0, 5, &[] of 5, &0) = 0\nend\n");
   EXPECT_TRUE(replayed().starts_with("1" + path_ + ":4: the answer differs\n")) << replayed();
 }
 
@@ -244,7 +310,7 @@ TEST_F(Recording, IsNotWrittenByAProcessThatDoesNotWantIt) {
 }
 
 TEST_F(Recording, LeavesTheChipAsItsLastCallDoes) {
-  write("call sdk_main(0, NULL) = 0\ncall system_init(0) = 0\ncall bcm_vlan_create(0, 77) = 0\n");
+  write("call sdk_main(0, NULL) = 0\ncall system_init(0) = 0\ncall bcm_vlan_create(0, 77) = 0\nend\n");
   support::start_chip();
   bcm_vlan_create(0, 88);
   EXPECT_EQ(replayed(), "0");

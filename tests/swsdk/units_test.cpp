@@ -1,6 +1,7 @@
 // Units, their information, and the answers that do not depend on a table.
 #include <appl/diag/system.h>
 #include <bcm/error.h>
+#include <bcm/init.h>
 #include <bcm/l2.h>
 #include <bcm/switch.h>
 #include <bcm/vlan.h>
@@ -55,6 +56,27 @@ TEST_F(Units, AnswerNotInitialisedUntilTheSystemIsInitialised) {
   EXPECT_EQ(bcm_l2_init(0), BCM_E_INIT);
   EXPECT_EQ(system_init(0), BCM_E_NONE);
   EXPECT_EQ(bcm_vlan_create(0, 10), BCM_E_NONE);
+}
+
+TEST_F(Units, TellWhichChipTheyAreAndNoVendor) {
+  swsdk_power_off();
+  const swsdk_board board{.units = 2, .ports = 12, .chip_type = 50};
+  ASSERT_EQ(swsdk_board_set(&board), 0);
+  sdk_main(0, nullptr);
+  ASSERT_EQ(system_init(1), BCM_E_NONE);
+  bcm_info_t info{.vendor = 7, .device = 7, .revision = 7, .capability = 7};
+  swsdk_journal_clear();
+  swsdk_journal_record(1);
+  EXPECT_EQ(bcm_info_get(1, &info), BCM_E_NONE);
+  EXPECT_EQ(bcm_info_get(2, &info), BCM_E_UNIT);
+  EXPECT_EQ(bcm_info_get(1, nullptr), BCM_E_PARAM);
+  swsdk_journal_record(0);
+  EXPECT_EQ(info.device, 50U);
+  for (const uint32 nothing : {info.vendor, info.revision, info.capability}) EXPECT_EQ(nothing, 0U);
+  EXPECT_EQ(support::journal(),
+            "bcm_info_get(1, &{device=0x32}) = 0\n"
+            "bcm_info_get(2, &?) = -3\n"
+            "bcm_info_get(1, NULL) = -4\n");
 }
 
 TEST_F(Units, ThatDoNotExistAreRefused) {

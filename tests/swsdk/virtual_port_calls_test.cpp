@@ -11,18 +11,19 @@
 #include <cstring>
 
 #include "support/chip_test.h"
+#include "support/gports.h"
 #include "support/scene.h"
 
 namespace {
 
 constexpr int first_virtual_port = 17 << 26 | 1;
 
-bcm_vlan_port_t stacked(int port, bcm_vlan_t outer, bcm_vlan_t inner) {
+bcm_vlan_port_t stacked_record(int port, bcm_vlan_t outer, bcm_vlan_t inner) {
   bcm_vlan_port_t result;
   bcm_vlan_port_t_init(&result);
   result.criteria = BCM_VLAN_PORT_MATCH_PORT_VLAN_STACKED;
   result.flags = BCM_VLAN_PORT_NETWORK | BCM_VLAN_PORT_INNER_VLAN_PRESERVE;
-  result.port = BCM_GPORT_TYPE_LOCAL << 26 | port;
+  result.port = support::gport(BCM_GPORT_TYPE_LOCAL, port);
   result.match_vlan = outer;
   result.match_inner_vlan = inner;
   result.egress_vlan = 20;
@@ -49,7 +50,7 @@ class VirtualPortCalls : public support::ChipTest {
 };
 
 TEST_F(VirtualPortCalls, FindAVirtualPortByItsGportAndByItsMatch) {
-  bcm_vlan_port_t made = stacked(3, 100, 10);
+  bcm_vlan_port_t made = stacked_record(3, 100, 10);
   ASSERT_EQ(bcm_vlan_port_create(0, &made), BCM_E_NONE);
   EXPECT_EQ(made.vlan_port_id, first_virtual_port);
 
@@ -70,11 +71,11 @@ TEST_F(VirtualPortCalls, FindAVirtualPortByItsGportAndByItsMatch) {
 }
 
 TEST_F(VirtualPortCalls, LeaveARecordAloneWhenTheyFail) {
-  create(stacked(3, 100, 10));
-  bcm_vlan_port_t same = stacked(3, 100, 10);
+  create(stacked_record(3, 100, 10));
+  bcm_vlan_port_t same = stacked_record(3, 100, 10);
   EXPECT_EQ(bcm_vlan_port_create(0, &same), BCM_E_EXISTS);
   EXPECT_EQ(same.vlan_port_id, 0);
-  bcm_vlan_port_t other = stacked(3, 100, 11);
+  bcm_vlan_port_t other = stacked_record(3, 100, 11);
   EXPECT_EQ(bcm_vlan_port_find(0, &other), BCM_E_NOT_FOUND);
   other.vlan_port_id = first_virtual_port + 1;
   EXPECT_EQ(bcm_vlan_port_find(0, &other), BCM_E_NOT_FOUND);
@@ -84,7 +85,7 @@ TEST_F(VirtualPortCalls, LeaveARecordAloneWhenTheyFail) {
 }
 
 TEST_F(VirtualPortCalls, DestroyAVirtualPort) {
-  const bcm_gport_t gport = create(stacked(3, 100, 10));
+  const bcm_gport_t gport = create(stacked_record(3, 100, 10));
   EXPECT_EQ(bcm_vlan_port_destroy(0, 3), BCM_E_PORT);
   EXPECT_EQ(bcm_vlan_port_destroy(0, gport), BCM_E_NONE);
   EXPECT_EQ(bcm_vlan_port_destroy(0, gport), BCM_E_NOT_FOUND);
@@ -93,7 +94,7 @@ TEST_F(VirtualPortCalls, DestroyAVirtualPort) {
 TEST_F(VirtualPortCalls, MakeGportsMembersOfAVlan) {
   ASSERT_EQ(bcm_vlan_create(0, 10), BCM_E_NONE);
   EXPECT_EQ(bcm_vlan_gport_add(0, 10, first_virtual_port, 0), BCM_E_NOT_FOUND);
-  const bcm_gport_t gport = create(stacked(3, 100, 10));
+  const bcm_gport_t gport = create(stacked_record(3, 100, 10));
   EXPECT_EQ(bcm_vlan_gport_add(0, 10, gport, 0), BCM_E_NONE);
   EXPECT_EQ(bcm_vlan_gport_add(0, 11, gport, 0), BCM_E_NOT_FOUND);
   EXPECT_EQ(bcm_vlan_gport_add(0, 10, gport, 1), BCM_E_UNAVAIL);
@@ -101,7 +102,7 @@ TEST_F(VirtualPortCalls, MakeGportsMembersOfAVlan) {
   EXPECT_EQ(bcm_vlan_port_destroy(0, gport), BCM_E_NONE);
   EXPECT_EQ(bcm_vlan_gport_delete(0, 10, gport), BCM_E_NONE);
   EXPECT_EQ(bcm_vlan_gport_delete(0, 10, gport), BCM_E_NOT_FOUND);
-  EXPECT_EQ(bcm_vlan_gport_add(0, 10, BCM_GPORT_TYPE_LOCAL << 26 | 3, 0), BCM_E_NONE);
+  EXPECT_EQ(bcm_vlan_gport_add(0, 10, support::gport(BCM_GPORT_TYPE_LOCAL, 3), 0), BCM_E_NONE);
   EXPECT_NE(support::table("vlan").find("10    {3}"), std::string::npos);
   EXPECT_EQ(bcm_vlan_gport_delete(0, 10, 3), BCM_E_NONE);
   EXPECT_EQ(bcm_vlan_gport_add(0, 10, 13, 0), BCM_E_PORT);
@@ -112,8 +113,8 @@ TEST_F(VirtualPortCalls, MakeGportsMembersOfAVlan) {
 }
 
 TEST_F(VirtualPortCalls, GiveEachVirtualPortAnEncapsulation) {
-  const bcm_gport_t first = create(stacked(3, 100, 10));
-  const bcm_gport_t second = create(stacked(3, 100, 11));
+  const bcm_gport_t first = create(stacked_record(3, 100, 10));
+  const bcm_gport_t second = create(stacked_record(3, 100, 11));
   int group = 0;
   ASSERT_EQ(bcm_multicast_create(0, BCM_MULTICAST_TYPE_VLAN, &group), BCM_E_NONE);
   int of_first = 0;
@@ -194,10 +195,10 @@ TEST_F(VirtualPortCalls, KeepTheSettingsOfANetworkGroupWhateverTheDestination) {
 TEST_F(VirtualPortCalls, FillTheirTableForPeople) {
   bcm_vlan_create(0, 20);
   bcm_vlan_create(0, 30);
-  const bcm_gport_t gport = create(stacked(3, 100, 10));
+  const bcm_gport_t gport = create(stacked_record(3, 100, 10));
   bcm_vlan_gport_add(0, 20, gport, 0);
   bcm_vlan_gport_add(0, 30, gport, 0);
-  bcm_vlan_port_t single = stacked(4, 100, 0);
+  bcm_vlan_port_t single = stacked_record(4, 100, 0);
   single.criteria = BCM_VLAN_PORT_MATCH_PORT_VLAN;
   single.flags = 0;
   single.egress_vlan = single.egress_inner_vlan = 0;

@@ -131,7 +131,7 @@ TEST_F(Vlans, LoseRemovedPortsAndLeaveOthersAlone) {
 
 TEST_F(Vlans, KeepTheirControlRecord) {
   vlans.create(10);
-  const chip::VlanControl wanted{.vrf = 3, .flags = 0x80001, .unknown_unicast_group = 7};
+  const chip::VlanControl wanted{.flags = 0x80001, .unknown_unicast_group = 7};
   EXPECT_EQ(vlans.set_control(10, wanted), Status::ok);
   chip::VlanControl found;
   EXPECT_EQ(vlans.control(10, found), Status::ok);

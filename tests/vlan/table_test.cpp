@@ -229,9 +229,9 @@ TEST_F(VlanTable, LearnAndLookupLeaveAllOtherBitsAndFieldsAsTheyAre) {
   bcm_vlan_control_vlan_t control;
   bcm_vlan_control_vlan_t_init(&control);
   control.flags = 0xFFFFFFFF;
-  control.vrf = 5;
-  control.outer_tpid = 0x88A8;
-  control.flags2 = 0x3;
+  control.l2_mcast_flood_mode = BCM_VLAN_MCAST_FLOOD_NONE;
+  control.broadcast_group = 5;
+  control.unknown_unicast_group = 7;
   set_control(10, control);
 
   EXPECT_EQ(sai_vlan_l2_learn_set(unit, 10, 1), 0);
@@ -241,8 +241,10 @@ TEST_F(VlanTable, LearnAndLookupLeaveAllOtherBitsAndFieldsAsTheyAre) {
   EXPECT_EQ(sai_vlan_l2_learn_set(unit, 10, 0), 0);
   EXPECT_EQ(flags(10), 0xFFF7FFFFU);
   EXPECT_EQ(observe([] { return sai_vlan_l2_lookup_set(unit, 10, 1); }),
-            "bcm_vlan_control_vlan_get(0, 10, &{vrf=5, outer_tpid=0x88a8, flags=0xfff7ffff, flags2=0x3}) = 0\n"
-            "bcm_vlan_control_vlan_set(0, 10, {vrf=5, outer_tpid=0x88a8, flags=0xffffffff, flags2=0x3}) = 0\n"
+            "bcm_vlan_control_vlan_get(0, 10, &{flags=0xfff7ffff, l2_mcast_flood_mode=2, broadcast_group=5, "
+            "unknown_unicast_group=7}) = 0\n"
+            "bcm_vlan_control_vlan_set(0, 10, {flags=0xffffffff, l2_mcast_flood_mode=2, broadcast_group=5, "
+            "unknown_unicast_group=7}) = 0\n"
             "returned 0\n");
 }
 

@@ -58,11 +58,11 @@ TEST_F(PolicersOfTheChip, AreReadBackAsTheyWereSet) {
   EXPECT_EQ(pbs, 999U);
 }
 
-TEST_F(PolicersOfTheChip, ReadBurstsModulo2ToThe29) {
-  ASSERT_EQ(set(0x1FFFFFFF, 0x20000005), 0);
+TEST_F(PolicersOfTheChip, ReadTheLargestBurstsBackAsTheyWereSet) {
+  ASSERT_EQ(set(0x20000005, 0xFFFFFFFF), 0);
   ASSERT_EQ(get(), 0);
-  EXPECT_EQ(cbs, 0x1FFFFFFFU);
-  EXPECT_EQ(pbs, 5U);
+  EXPECT_EQ(cbs, 0x20000005U);
+  EXPECT_EQ(pbs, 0xFFFFFFFFU);
 }
 
 TEST_F(PolicersOfTheChip, AreAllTracedByTheirId) {

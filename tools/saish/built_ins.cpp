@@ -1,6 +1,7 @@
 #include "built_ins.h"
 
 #include <bcm/stat.h>
+#include <soc/drv.h>
 #include <swsdk/chip.h>
 #include <swsdk/fault.h>
 #include <swsdk/field.h>
@@ -14,6 +15,7 @@
 #include <string>
 
 #include "frame_text.h"
+#include "help.h"
 #include "library.h"
 #include "session.h"
 #include "tables.h"
@@ -23,31 +25,9 @@ namespace saish {
 namespace {
 
 constexpr int any_length = 1000;
+constexpr int highest_vlan = 4095;
 
-void help_on_fields(const std::string& name, std::span<const Field> fields) {
-  if (!fields.empty()) std::printf("  %s is {field=value, ...} of %s\n", name.c_str(), names_text(fields).c_str());
-}
-
-void help_on(std::string_view name) {
-  if (const BuiltIn* built_in = find_built_in(name)) {
-    std::printf("%s\n%s\n", built_in->usage, built_in->summary);
-    help_on_fields("FRAME", built_in->fields);
-    if (built_in->note != nullptr) std::printf("  %s\n", built_in->note);
-  } else if (const Function* function = find_function(name)) {
-    std::printf("%s\n%s\nHere: %s\n", function->prototype, function->summary, usage(*function).c_str());
-    for (const Parameter& parameter : function->parameters) help_on_fields(parameter.name, parameter.fields);
-  } else {
-    throw unknown_command(name);
-  }
-}
-
-void help(Session& /*session*/, const Words& arguments) {
-  if (!arguments.empty()) return help_on(arguments[0]);
-  std::printf("Commands of the shell:\n");
-  for (const BuiltIn& built_in : built_ins()) std::printf("  %-42s %s\n", built_in.usage, built_in.summary);
-  std::printf("\nFunctions of the library; help NAME tells more:\n");
-  for (const Function& function : functions()) std::printf("  %-42s %s\n", function.name, function.summary);
-}
+void help(Session& /*session*/, const Words& arguments) { print_help(arguments); }
 
 int unit_number(const std::string& word) {
   const std::optional<int> unit = number<int>(word);
@@ -58,6 +38,19 @@ int unit_number(const std::string& word) {
 /// The unit that a word at the end names; 0 when it is left out.
 int unit_at(const Words& arguments, std::size_t index) {
   return arguments.size() > index ? unit_number(arguments[index]) : 0;
+}
+
+/// The same; something can happen on it.
+int initialized_unit_at(const Words& arguments, std::size_t index) {
+  const int unit = unit_at(arguments, index);
+  if (unit >= soc_ndev) throw BadInput("unit " + std::to_string(unit) + " is not attached");
+  if (swsdk_phy_register_get(unit, 0, SWSDK_PHY_CLAUSE22, 0) < 0)
+    throw BadInput("unit " + std::to_string(unit) + " is not initialized");
+  return unit;
+}
+
+BadInput no_port(int unit, int port) {
+  return BadInput("unit " + std::to_string(unit) + " has no port " + std::to_string(port));
 }
 
 template <class T>
@@ -88,7 +81,7 @@ void show(Session& /*session*/, const Words& arguments) {
 
 void fail(Session& /*session*/, const Words& arguments) {
   if (arguments[0] == "clear" && arguments.size() == 1) return swsdk_fault_clear();
-  if (arguments.size() < 2) throw BadInput("a code is missing; the form is fail NAME CODE [NTH] or fail clear");
+  if (arguments.size() < 2) throw BadInput("a code is missing; the form is fail FUNCTION CODE [NTH] or fail clear");
 
   const std::optional<int> code = named_number<int>(arguments[1], "BCM_E_");
   if (!code) throw BadInput("code: \"" + arguments[1] + "\" is neither a number nor a BCM_E_ name");
@@ -130,7 +123,7 @@ void link(Session& /*session*/, const Words& arguments) {
   const std::optional<int> port = number<int>(arguments[0]);
   const bool up = arguments[1] == "up";
   if (!up && arguments[1] != "down") throw BadInput("\"" + arguments[1] + "\" is neither up nor down");
-  const int unit = unit_at(arguments, 2);
+  const int unit = initialized_unit_at(arguments, 2);
   if (!port || *port < 0 || swsdk_link_event(unit, *port, up) != 0)
     throw BadInput("port: unit " + std::to_string(unit) + " has no Ethernet port \"" + arguments[0] + "\"");
   swsdk_events_drain();
@@ -141,20 +134,19 @@ void learn(Session& /*session*/, const Words& arguments) {
   read("mac", arguments[0], mac);
   const int vlan = value<int>("vlan", arguments[1]);
   const int port = value<int>("port", arguments[2]);
-  const int unit = unit_at(arguments, 3);
+  if (vlan < 1 || vlan > highest_vlan)
+    throw BadInput("vlan: " + std::to_string(vlan) + " is not between 1 and " + std::to_string(highest_vlan));
+  const int unit = initialized_unit_at(arguments, 3);
   const int learned = swsdk_l2_learn(unit, vlan, mac, port, 0);
-  if (learned < 0)
-    throw BadInput("unit " + std::to_string(unit) + " has no port " + std::to_string(port) +
-                   ", or there can be no VLAN " + std::to_string(vlan));
+  if (learned < 0) throw no_port(unit, port);
   swsdk_events_drain();
   std::printf("  %s\n", learned != 0 ? "learned" : "not learned");
 }
 
 void age(Session& /*session*/, const Words& arguments) {
   const int seconds = value<int>("seconds", arguments[0]);
-  const int unit = unit_at(arguments, 1);
   if (seconds < 0) throw BadInput("seconds: time does not go back");
-  if (swsdk_clock_step(unit, seconds) != 0) throw BadInput("unit " + std::to_string(unit) + " is not initialised");
+  swsdk_clock_step(initialized_unit_at(arguments, 1), seconds);
   swsdk_events_drain();
 }
 
@@ -168,7 +160,7 @@ void hit(Session& /*session*/, const Words& arguments) {
   if (arguments[1] != "source" && arguments[1] != "destination")
     throw BadInput("\"" + arguments[1] + "\" is neither source nor destination");
   const unsigned as = arguments[1] == "source" ? 0x4 : 0x8;  // the two bits of BCM_L3_HIT
-  const int unit = unit_at(arguments, 2);
+  const int unit = initialized_unit_at(arguments, 2);
   const uint32_t mask = length == 0 ? 0 : ~uint32_t{0} << (32 - length);
   if ((is_route ? swsdk_l3_route_hit(unit, address, mask, as) : swsdk_l3_host_hit(unit, address, as)) != 0)
     throw BadInput("unit " + std::to_string(unit) + " has no " + (is_route ? "route" : "host") + " " + target);
@@ -181,9 +173,8 @@ void counter(Session& /*session*/, const Words& arguments) {
   if (stat == std::end(names))
     throw BadInput("there is no counter \"" + arguments[1] + "\"; sai_port_stat_show 0 1 shows them all");
   const auto count = value<unsigned long long>("value", arguments[2]);
-  const int unit = unit_at(arguments, 3);
-  if (swsdk_counter_set(unit, port, static_cast<int>(stat - names), count) != 0)
-    throw BadInput("unit " + std::to_string(unit) + " has no port " + std::to_string(port));
+  const int unit = initialized_unit_at(arguments, 3);
+  if (swsdk_counter_set(unit, port, static_cast<int>(stat - names), count) != 0) throw no_port(unit, port);
 }
 
 /// Degrees Celsius, as tenths.
@@ -204,8 +195,7 @@ void temperature(Session& /*session*/, const Words& arguments) {
     const int current = tenths(word.substr(0, slash));
     readings.push_back({current, slash == word.size() ? current : tenths(word.substr(slash + 1))});
   }
-  if (swsdk_temperatures_set(0, readings.data(), static_cast<int>(readings.size())) != 0)
-    throw BadInput("unit 0 is not initialised");
+  swsdk_temperatures_set(initialized_unit_at({}, 0), readings.data(), static_cast<int>(readings.size()));
 }
 
 constexpr Field frame_fields[] = {
@@ -253,11 +243,9 @@ void classify(Session& /*session*/, const Words& arguments) {
     throw BadInput("\"" + arguments[0] + "\" is neither ingress nor egress");
   swsdk_frame frame{};
   read_fields(frame_fields, "frame", arguments[1], &frame);
-  const int unit = unit_at(arguments, 2);
-  swsdk_verdict verdict;
-  if (swsdk_field_classify(unit, arguments[0] == "ingress" ? SWSDK_FIELD_INGRESS : SWSDK_FIELD_EGRESS, &frame,
-                           &verdict) != 0)
-    throw BadInput("unit " + std::to_string(unit) + " is not initialised");
+  const int unit = initialized_unit_at(arguments, 2);
+  swsdk_verdict verdict{};
+  swsdk_field_classify(unit, arguments[0] == "ingress" ? SWSDK_FIELD_INGRESS : SWSDK_FIELD_EGRESS, &frame, &verdict);
   std::printf("  %s\n", verdict_text(verdict).c_str());
 }
 
@@ -268,9 +256,10 @@ void capture(Session& session, const Words& /*arguments*/) {
 void send(Session& session, const Words& arguments) {
   const int port = value<int>("port", arguments[0]);
   const std::vector<uint8_t> frame = frame_bytes(std::span(arguments).subspan(1));
-  session.capture().watch(0);
-  const int outcome = swsdk_frame_send(0, port, frame.data(), frame.size());
-  if (outcome < 0) throw BadInput("port: unit 0 has no port " + std::to_string(port) + ", or is not initialised");
+  const int unit = initialized_unit_at({}, 0);
+  session.capture().watch(unit);
+  const int outcome = swsdk_frame_send(unit, port, frame.data(), frame.size());
+  if (outcome < 0) throw no_port(unit, port);
   swsdk_events_drain();
   if (outcome == 0)
     std::printf("  passed on\n");
@@ -278,7 +267,9 @@ void send(Session& session, const Words& arguments) {
     std::printf("  not passed on: %s\n", swsdk_drop_name(outcome));
 }
 
-void diff(Session& /*session*/, const Words& arguments) {
+void diff(Session& session, const Words& arguments) {
+  if (session.is_compared())
+    throw BadInput("a script whose tables are compared or printed can have no diff; remove this line");
   compare_with(arguments[0]);
   std::printf("  no difference\n");
 }
@@ -291,12 +282,13 @@ void quit(Session& session, const Words& /*arguments*/) { session.end(); }
 void expect(Session& /*session*/, const Words& /*arguments*/) {}
 
 constexpr BuiltIn all_built_ins[] = {
-    {"help", "help [NAME]", "Lists the commands, or tells about one.", 0, 1, help},
+    {"help", "help [WORD...]", "Tells about a command, lists a family of them, or finds some by words.", 0, any_length,
+     help},
     {"show", "show TABLE [UNIT]", "Shows one of the chip's tables.", 1, 2, show},
     {"journal", "journal on|off|show|clear", "Shows the SDK calls of each command, or of all since the last clear.", 1,
      1, journal},
-    {"fail", "fail NAME CODE [NTH|every]", "Makes the nth call of an SDK function fail; \"fail clear\" ends all.", 1, 3,
-     fail},
+    {"fail", "fail FUNCTION CODE [NTH|every]", "Makes the nth call of an SDK function fail; \"fail clear\" ends all.",
+     1, 3, fail},
     {"log", "log LEVEL", "Shows log messages up to a level on the console; off: none.", 1, 1, log},
     {"expect", "expect CODE COMMAND", "Runs a command that has to return that code.", 2, any_length, expect},
     {"link", "link PORT up|down [UNIT]", "Takes a port's link up or down; who is registered is told.", 2, 3, link},
@@ -305,7 +297,7 @@ constexpr BuiltIn all_built_ins[] = {
     {"age", "age SECONDS [UNIT]", "Lets time pass on the chip, so that addresses that are not seen again age.", 1, 2,
      age},
     {"hit", "hit IP[/LENGTH] source|destination [UNIT]", "Marks a host or a route as used, as by frames.", 2, 3, hit},
-    {"counter", "counter PORT NAME VALUE [UNIT]", "Sets one of a port's counters, as frames do.", 3, 4, counter},
+    {"counter", "counter PORT COUNTER VALUE [UNIT]", "Sets one of a port's counters, as frames do.", 3, 4, counter},
     {"temperature", "temperature NOW[/PEAK]...", "Sets the chip's temperature sensors, in degrees Celsius.", 1, 256,
      temperature},
     {"classify", "classify ingress|egress FRAME [UNIT]", "Says what the field entries do with a frame.", 2, 3, classify,
@@ -324,6 +316,7 @@ constexpr BuiltIn all_built_ins[] = {
      diff},
     {"source", "source FILE", "Runs a script.", 1, 1, source},
     {"quit", "quit", "Ends the shell.", 0, 0, quit},
+    {"exit", "exit", "Ends the shell, as quit does.", 0, 0, quit},
 };
 
 }  // namespace

@@ -14,7 +14,6 @@ namespace saish {
 
 namespace {
 
-/// The Chip SDK's result codes, for `fail`.
 constexpr Name sdk_names[] = {
     {"BCM_E_NONE", BCM_E_NONE},         {"BCM_E_INTERNAL", BCM_E_INTERNAL},   {"BCM_E_MEMORY", BCM_E_MEMORY},
     {"BCM_E_UNIT", BCM_E_UNIT},         {"BCM_E_PARAM", BCM_E_PARAM},         {"BCM_E_EMPTY", BCM_E_EMPTY},
@@ -34,6 +33,8 @@ const Name* find(std::span<const Name> list, std::string_view word) {
 }  // namespace
 
 std::span<const Function> functions() { return function_table; }
+
+std::span<const Name> sdk_results() { return sdk_names; }
 
 const Function* find_function(std::string_view name) {
   for (const Function& function : function_table)

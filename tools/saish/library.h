@@ -23,7 +23,7 @@ struct Function {
   Outcome (*run)(const Parameters& parameters, const Words& words);
 };
 
-/// An enumerator of sai.h.
+/// An enumerator of sai.h, or a result code of the Chip SDK.
 struct Name {
   const char* name;
   int32_t value;
@@ -31,6 +31,9 @@ struct Name {
 
 std::span<const Function> functions();
 const Function* find_function(std::string_view name);
+
+/// The Chip SDK's result codes, for `fail`.
+std::span<const Name> sdk_results();
 
 /// The form of a call: the name and the parameters that take a word.
 std::string usage(const Function& function);

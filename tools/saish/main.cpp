@@ -6,8 +6,9 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <string>
-#include <tuple>
+#include <vector>
 
+#include "board.h"
 #include "editor.h"
 #include "session.h"
 #include "style.h"
@@ -17,6 +18,7 @@ namespace {
 
 constexpr int unexpected_result = 1;  // or one that could not be written
 constexpr int bad_start = 2;
+constexpr int cut_recording = 3;
 
 /// Tells what is wrong on standard error, after what was printed before.
 void tell(const std::exception& error) {
@@ -46,16 +48,16 @@ int replay(const std::string& recording, bool as_c) {
   const int outcome = as_c ? swsdk_replay_as_c(recording.c_str(), print_line, tell_line, nullptr)
                            : swsdk_replay(recording.c_str(), tell_line, nullptr);
   swsdk_power_off();
-  return outcome == SWSDK_REPLAY_SAME ? 0 : outcome == SWSDK_REPLAY_DIFFERENT ? unexpected_result : bad_start;
-}
-
-int print_tables_after(const std::string& script) {
-  std::FILE* const output = fdopen(dup(STDOUT_FILENO), "w");
-  if (output == nullptr || std::freopen("/dev/null", "w", stdout) == nullptr) return bad_start;
-  saish::Session session(false);
-  session.run_script(script);
-  std::fputs(text(saish::tables()).c_str(), output);
-  return std::fclose(output) == 0 ? 0 : unexpected_result;
+  switch (outcome) {
+    case SWSDK_REPLAY_SAME:
+      return 0;
+    case SWSDK_REPLAY_DIFFERENT:
+      return unexpected_result;
+    case SWSDK_REPLAY_INCOMPLETE:
+      return cut_recording;
+    default:
+      return bad_start;
+  }
 }
 
 /// Runs what the command line asks for.
@@ -67,35 +69,40 @@ int run(int argc, char** argv) {
   std::string replayed;
   std::string program;
   std::string intended;
-  std::string shown;
+  std::string board;
+  std::vector<std::string> shown;
   bool cold = false;
   app.add_option("FILE", script, "script to run; - is standard input; without one, type commands");
   app.add_option("-c,--command", command, "one command to run in place of a script")->excludes("FILE");
   app.add_flag("--cold", cold, "leave the chip off: sdk_main and system_init are still to come");
   app.add_option("--record", recording, "write every SDK call into this file");
   app.add_option("--diff", intended, "at the end compare the chip's tables with those that this script would leave");
-  for (const auto& [name, path, what] :
-       {std::tuple{"--tables", &shown, "run a script silently and print all tables that it leaves"},
-        std::tuple{"--replay", &replayed, "repeat a recording; stop at the first answer that differs"},
-        std::tuple{"--replay-as-c", &program, "print a C program that makes the calls of a recording"}})
-    app.add_option(name, *path, what)
-        ->excludes("FILE")
-        ->excludes("--command")
-        ->excludes("--cold")
-        ->excludes("--record")
-        ->excludes("--diff");
-  app.get_option("--replay")->excludes("--replay-as-c")->excludes("--tables");
-  app.get_option("--replay-as-c")->excludes("--tables");
+  app.add_option("--board", board, saish::board_help);
+  CLI::Option* const tables =
+      app.add_option("--tables", shown, "run a script silently and print all tables that it leaves; again for more")
+          ->allow_extra_args(false);
+  CLI::Option* const repeat =
+      app.add_option("--replay", replayed, "repeat a recording; stop at the first answer that differs");
+  CLI::Option* const as_c =
+      app.add_option("--replay-as-c", program, "print a C program that makes the calls of a recording");
+  for (CLI::Option* const option : {tables, repeat, as_c})
+    for (const char* other : {"FILE", "--command", "--cold", "--record", "--diff"}) option->excludes(other);
+  for (CLI::Option* const option : {repeat, as_c}) option->excludes("--board")->excludes(tables);
+  repeat->excludes(as_c);
   app.set_version_flag("--version", "saish " SAI_VERSION);
 
   try {
     app.parse(argc, argv);
     if (app.count("--replay") > 0) return replay(replayed, false);
     if (app.count("--replay-as-c") > 0) return replay(program, true);
-    if (app.count("--tables") > 0) return print_tables_after(shown);
     const bool recorded = app.count("--record") > 0;
     const std::string unwritable = "cannot write the recording \"" + recording + '"';
     if (recorded && swsdk_record_start(recording.c_str()) != 0) throw saish::BadInput(unwritable);
+    if (app.count("--board") > 0) saish::set_board(board);
+    if (app.count("--tables") > 0) {
+      saish::print_tables_after(shown);
+      return 0;
+    }
     saish::Session session(cold);
     if (app.count("--command") > 0)
       session.run_well(command);

@@ -5,13 +5,13 @@
 #include <swsdk/chip.h>
 #include <swsdk/journal.h>
 
+#include <csignal>
 #include <cstdio>
-#include <fstream>
-#include <iostream>
 #include <sstream>
 
 #include "built_ins.h"
 #include "library.h"
+#include "script.h"
 #include "style.h"
 
 extern "C" int sdk_main(int argc, char** argv);
@@ -21,6 +21,21 @@ namespace saish {
 namespace {
 
 constexpr int most_scripts = 16;
+
+volatile std::sig_atomic_t interrupted = 0;
+
+/// Is one more as long as it lives.
+class Counted {
+ public:
+  explicit Counted(int& count) : count_(count) { ++count_; }
+  ~Counted() { --count_; }
+
+  Counted(const Counted&) = delete;
+  Counted& operator=(const Counted&) = delete;
+
+ private:
+  int& count_;
+};
 
 /// Checks how many words a command was given.
 void check_count(const std::string& form, std::size_t given, std::size_t fewest, std::size_t most) {
@@ -103,6 +118,7 @@ void Session::execute(std::string_view line, bool well) {
     given.erase(given.begin(), given.begin() + 2);
   }
   const Words arguments(given.begin() + 1, given.end());
+  std::fflush(stdout);  // what goes to standard error meanwhile comes behind the lines before it
 
   const BuiltIn* built_in = find_built_in(given[0]);
   if (built_in != nullptr && !expected) {
@@ -120,34 +136,32 @@ void Session::execute(std::string_view line, bool well) {
                    result_text(*function, *result));
 }
 
-void Session::run(std::string_view line) { execute(line, false); }
+void Session::interrupt() { interrupted = 1; }
+
+void Session::run(std::string_view line) {
+  interrupted = 0;
+  execute(line, false);
+}
 
 void Session::run_well(std::string_view line) { execute(line, true); }
 
 void Session::run_script(const std::string& path) {
-  std::ifstream file;
-  if (path != "-") file.open(path);
-  std::istream& script = path == "-" ? std::cin : file;
-  const BadInput unreadable("cannot read the script \"" + path + "\"");
-  if (!script) throw unreadable;
+  Script script(path);
   if (scripts_ == most_scripts)
     throw BadInput("scripts that run each other end at a depth of " + std::to_string(most_scripts));
 
-  ++scripts_;
+  const Counted counted(scripts_);
   int number = 0;
-  for (std::string line; !ended_ && std::getline(script, line);) {
+  for (std::string line; !ended_ && script.next(line);) {
     ++number;
     std::printf("%s\n", line.c_str());
     try {
+      if (interrupted != 0) throw Unexpected("interrupted");
       run_well(line);
     } catch (const std::runtime_error& error) {
-      --scripts_;
       throw Unexpected(path + ":" + std::to_string(number) + ": " + line + ": " + error.what());
     }
   }
-  --scripts_;
-  // A directory opens like a file; only reading it fails, which std::cin does not tell.
-  if (script.bad() || (path == "-" && std::ferror(stdin) != 0)) throw unreadable;
 }
 
 }  // namespace saish

@@ -35,12 +35,19 @@ class Session {
   /// not give what it should.
   void run_script(const std::string& path);
 
+  /// Ends the scripts that are running before their next line, until the next run(). A signal handler may call it.
+  static void interrupt();
+
   /// Whether every command prints the SDK calls that it made.
   void follow_journal(bool on);
   void clear_journal();
 
   /// What leaves the units that frames were sent into.
   Capture& capture() { return capture_; }
+
+  /// Whether its tables are for a comparison, so that it makes none itself: comparisons would start each other forever.
+  void set_compared() { compared_ = true; }
+  bool is_compared() const { return compared_; }
 
   void end() { ended_ = true; }
   bool ended() const { return ended_; }
@@ -52,6 +59,7 @@ class Session {
 
   Capture capture_;
   bool ended_ = false;
+  bool compared_ = false;
   bool following_ = false;
   std::size_t journal_shown_ = 0;
   int scripts_ = 0;  // that are running each other

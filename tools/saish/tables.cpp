@@ -1,20 +1,22 @@
 #include "tables.h"
 
-#include <fcntl.h>
 #include <soc/drv.h>
 #include <spawn.h>
 #include <swsdk/chip.h>
 #include <swsdk/recording.h>
+#include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <map>
-#include <optional>
 #include <sstream>
 #include <string_view>
 
+#include "board.h"
 #include "session.h"
 
 namespace saish {
@@ -106,10 +108,39 @@ Rows different_rows(const Table& wanted, const Table& there) {
   return result;
 }
 
-/// What the shell prints when it is run with these arguments; nothing when that fails.
-std::optional<std::string> output_of_shell(std::vector<std::string> arguments) {
-  int ends[2];
-  if (pipe2(ends, O_CLOEXEC) != 0) return std::nullopt;
+/// A file without a name, for what another process reads or writes.
+class Scratch {
+ public:
+  explicit Scratch(std::string_view text = "") : number_(memfd_create("saish", MFD_CLOEXEC)) {
+    good_ = number_ >= 0 && write(number_, text.data(), text.size()) == static_cast<ssize_t>(text.size()) &&
+            lseek(number_, 0, SEEK_SET) == 0;
+  }
+  ~Scratch() {
+    if (number_ >= 0) close(number_);
+  }
+  Scratch(const Scratch&) = delete;
+  Scratch& operator=(const Scratch&) = delete;
+
+  bool good() const { return good_; }
+  int number() const { return number_; }
+
+  std::string text() const {
+    std::string result;
+    char buffer[4096];
+    off_t at = 0;
+    for (ssize_t count = 0; (count = pread(number_, buffer, sizeof buffer, at)) > 0; at += count)
+      result.append(buffer, static_cast<std::size_t>(count));
+    return result;
+  }
+
+ private:
+  const int number_;
+  bool good_ = false;
+};
+
+/// Runs this program with these arguments and streams. Whether it exits with 0.
+bool run_again(std::vector<std::string> arguments, const Scratch& input, const Scratch& output, const Scratch& errors) {
+  arguments.insert(arguments.begin(), program_invocation_short_name);
   std::vector<char*> argv;
   for (std::string& argument : arguments) argv.push_back(argument.data());
   argv.push_back(nullptr);
@@ -121,20 +152,28 @@ std::optional<std::string> output_of_shell(std::vector<std::string> arguments) {
 
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-  posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
+  posix_spawn_file_actions_adddup2(&actions, input.number(), STDIN_FILENO);
+  posix_spawn_file_actions_adddup2(&actions, output.number(), STDOUT_FILENO);
+  posix_spawn_file_actions_adddup2(&actions, errors.number(), STDERR_FILENO);
   pid_t child = 0;
   const bool started = posix_spawn(&child, "/proc/self/exe", &actions, nullptr, argv.data(), environment.data()) == 0;
   posix_spawn_file_actions_destroy(&actions);
-  close(ends[1]);
-  std::string text;
-  char buffer[4096];
-  for (ssize_t count = 0; (count = ::read(ends[0], buffer, sizeof buffer)) > 0;)
-    text.append(buffer, static_cast<std::size_t>(count));
-  close(ends[0]);
   int status = 0;
-  if (!started || waitpid(child, &status, 0) != child || status != 0) return std::nullopt;
-  return text;
+  return started && waitpid(child, &status, 0) == child && status == 0;
+}
+
+/// Commands that give another chip the links that this one has.
+std::string link_commands(const std::vector<Table>& tables) {
+  std::string result;
+  int unit = 0;
+  for (const Table& table : tables) {
+    if (!table.title.starts_with("port")) continue;
+    for (const std::string& line : table.lines)
+      if (const auto cells = cells_of(line); cells[2] == "up" || cells[2] == "down")
+        result += "link " + cells[0] + ' ' + cells[2] + ' ' + std::to_string(unit) + '\n';
+    ++unit;
+  }
+  return result;
 }
 
 }  // namespace
@@ -177,12 +216,33 @@ int print_differences(const std::vector<Table>& intended, const std::vector<Tabl
   return static_cast<int>(differences);
 }
 
+void print_tables_after(const std::vector<std::string>& scripts) {
+  // What the scripts print goes nowhere.
+  std::FILE* const output = fdopen(dup(STDOUT_FILENO), "w");
+  if (output == nullptr || std::freopen("/dev/null", "w", stdout) == nullptr)
+    throw BadInput("cannot print the tables: " + std::string(std::strerror(errno)));
+  Session session(false);
+  session.set_compared();
+  for (const std::string& script : scripts) session.run_script(script);
+  std::fputs(text(tables()).c_str(), output);
+  if (std::fclose(output) != 0) throw Unexpected("cannot print the tables: " + std::string(std::strerror(errno)));
+}
+
 void compare_with(const std::string& script) {
   if (soc_ndev == 0) throw BadInput("the chip is off; there is nothing to compare");
+  std::vector<Table> actual = tables();
+  std::erase_if(actual, [](const Table& table) { return table.title.starts_with("counters"); });
+
+  // The links last: a script may initialize the chip.
+  const Scratch links(link_commands(actual));
+  const Scratch output;
+  const Scratch errors;
+  if (!links.good() || !output.good() || !errors.good()) throw BadInput("no memory for a comparison");
+  const bool ran = run_again({"--board", board_text(), "--tables", script, "--tables", "-"}, links, output, errors);
   std::fflush(stdout);
-  const std::optional<std::string> text = output_of_shell({"saish", "--tables", script});
-  if (!text) throw BadInput("the script \"" + script + "\" fails on a fresh chip");
-  const int lines = print_differences(parsed(*text), tables());
+  std::fputs(errors.text().c_str(), stderr);
+  if (!ran) throw BadInput("the script \"" + script + "\" fails on a fresh chip");
+  const int lines = print_differences(parsed(output.text()), actual);
   if (lines > 0)
     throw Unexpected(std::to_string(lines) + (lines == 1 ? " line differs" : " lines differ") + " from what \"" +
                      script + "\" would leave");

@@ -14,11 +14,13 @@ struct Table {
 /// Of all units.
 std::vector<Table> tables();
 
-/// One text, as the process that runs a script on a fresh chip hands it over.
-std::string text(const std::vector<Table>& tables);
+/// Runs the scripts silently on a fresh chip, and prints all tables that they leave. Throws as Session::run_script, and
+/// BadInput when the tables cannot be printed. Every program that compares tables does this after --tables.
+void print_tables_after(const std::vector<std::string>& scripts);
 
-/// Prints in which tables the chip differs from one on which only the script ran, in a process of its own. Throws
-/// Unexpected when it differs, BadInput when the script fails there.
+/// Prints in which tables the chip differs from one on which only the script ran, in a process of its own: on the same
+/// board, with the same links. Counters are left out, because frames change them and scripts do not. Throws Unexpected
+/// when the chip differs, BadInput when the script fails there.
 void compare_with(const std::string& script);
 
 /// Prints the lines that only one of the two has: "-" intended, "+" there. How many they are.

@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 
 #include "words.h"
 
@@ -43,6 +44,7 @@ struct Field {
   const char* name;
   void (*read)(const std::string& where, const std::string& word, void* record);
   std::string (*text)(const void* record);
+  const char* type;  // for people
 };
 
 /// The fields of a record of sai.h; commands.cmake finds them there. A record with a field that is neither a number, a
@@ -133,9 +135,27 @@ struct MemberOf<T R::*> {
   using Record = R;
 };
 
+/// What people call the values of a type.
+template <class T>
+constexpr const char* type_name() {
+  if constexpr (std::same_as<T, uint8_t[6]>)
+    return "MAC address";
+  else if constexpr (std::same_as<T, uint8_t[16]>)
+    return "IPv6 address";
+  else if constexpr (std::is_array_v<T>)
+    return "[list]";
+  else if constexpr (std::is_class_v<T>)
+    return "{record}";
+  else if constexpr (std::is_signed_v<T>)
+    return sizeof(T) == 1 ? "int8_t" : sizeof(T) == 2 ? "int16_t" : sizeof(T) == 4 ? "int32_t" : "int64_t";
+  else
+    return sizeof(T) == 1 ? "uint8_t" : sizeof(T) == 2 ? "uint16_t" : sizeof(T) == 4 ? "uint32_t" : "uint64_t";
+}
+
 template <auto member, Form form = Form::number>
 constexpr Field field(const char* name) {
   using Record = typename MemberOf<decltype(member)>::Record;
+  using Type = std::remove_reference_t<decltype(std::declval<Record&>().*member)>;
   const auto read_one = [](const std::string& where, const std::string& word, void* record) {
     auto& value = static_cast<Record*>(record)->*member;
     if constexpr (form == Form::number)
@@ -154,7 +174,7 @@ constexpr Field field(const char* name) {
     else
       return ip4_text(other_order(value));
   };
-  return {name, read_one, text_of_one};
+  return {name, read_one, text_of_one, form == Form::number ? type_name<Type>() : "IPv4 address"};
 }
 
 }  // namespace saish

@@ -2,7 +2,7 @@
 
 namespace vswitch {
 
-std::unique_ptr<Attachment> attach(const std::string& text) {
+std::unique_ptr<Attachment> attach(const std::string& text, const Tell& tell) {
   constexpr std::string_view tap = "tap:";
   constexpr std::string_view pcap = "pcap:";
   if (text.starts_with(tap)) return attach_tap(text.substr(tap.size()), nullptr);
@@ -10,7 +10,7 @@ std::unique_ptr<Attachment> attach(const std::string& text) {
   const std::string files = text.substr(pcap.size());
   const std::size_t colon = files.find(':');
   if (colon == std::string::npos) throw CannotStart('"' + text + "\" is not pcap:IN:OUT; either file can be left out");
-  return attach_pcap(files.substr(0, colon), files.substr(colon + 1));
+  return attach_pcap(files.substr(0, colon), files.substr(colon + 1), tell);
 }
 
 }  // namespace vswitch

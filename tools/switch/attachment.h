@@ -19,6 +19,9 @@ struct CannotStart : std::runtime_error {
 using Bytes = std::span<const uint8_t>;
 using Receiver = std::function<void(Bytes frame)>;
 
+/// Takes what went wrong while frames passed: one line for a person.
+using Tell = std::function<void(const std::string& trouble)>;
+
 class Attachment {
  public:
   Attachment() = default;
@@ -26,8 +29,11 @@ class Attachment {
   Attachment(const Attachment&) = delete;
   Attachment& operator=(const Attachment&) = delete;
 
-  /// What becomes readable when frames have come; -1 when they need not be waited for.
+  /// What becomes readable when frames have come; -1 when there is nothing to wait for.
   virtual int descriptor() const = 0;
+
+  /// Whether there are frames without waiting.
+  virtual bool has_frames() const { return false; }
 
   /// Hands over frames that have come, but not so many that others have to wait. Never blocks.
   virtual void receive(const Receiver& receiver) = 0;
@@ -36,6 +42,12 @@ class Attachment {
   virtual void send(Bytes frame) = 0;
 
   virtual bool has_link() const = 0;
+
+  /// Lets go of what has gone, and takes what is there by the same name. Whether it took something.
+  virtual bool plug_again() { return false; }
+
+  /// How many frames the host dropped because they came faster than they were received.
+  virtual uint64_t lost() { return 0; }
 
   /// Whether nothing more will come.
   virtual bool is_over() const { return false; }
@@ -49,12 +61,13 @@ constexpr std::size_t tag_at = 12;
 constexpr std::size_t tag_size = 4;
 
 /// Plugs in what the text names: IFACE, tap:NAME or pcap:IN:OUT. Throws CannotStart.
-std::unique_ptr<Attachment> attach(const std::string& text);
+std::unique_ptr<Attachment> attach(const std::string& text, const Tell& tell);
 
 std::unique_ptr<Attachment> attach_interface(const std::string& name);
-std::unique_ptr<Attachment> attach_pcap(const std::string& input, const std::string& output);
+std::unique_ptr<Attachment> attach_pcap(const std::string& input, const std::string& output, const Tell& tell);
 
-/// A new interface of the host with that name, gone when the attachment is; with no MAC address given it gets any.
+/// A new interface of the host with that name, gone when the attachment is; with no MAC address given it gets any. When
+/// somebody deletes it and makes another TAP interface by its name, that one is used.
 std::unique_ptr<Attachment> attach_tap(const std::string& name, const uint8_t* mac);
 
 }  // namespace vswitch

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 
 struct ifreq;
 
@@ -9,10 +10,13 @@ namespace vswitch {
 
 class Descriptor {
  public:
-  explicit Descriptor(int number) : number_(number) {}
+  explicit Descriptor(int number = -1) : number_(number) {}
+  Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
+  Descriptor& operator=(Descriptor&& other) noexcept {
+    std::swap(number_, other.number_);
+    return *this;
+  }
   ~Descriptor();
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
 
   int get() const { return number_; }
 

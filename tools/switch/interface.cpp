@@ -18,35 +18,42 @@ namespace vswitch {
 namespace {
 
 constexpr std::size_t most = 65536;
+constexpr int room_for_frames = 8 << 20;  // bytes: some 10000 frames wait while the program does something else
 
 class Interface : public Attachment {
  public:
-  explicit Interface(const std::string& name)
-      : name_(name), socket_(socket(AF_PACKET, SOCK_RAW | SOCK_CLOEXEC | SOCK_NONBLOCK, 0)) {
+  explicit Interface(const std::string& name) : name_(name) {
     request_for(name);  // refuses what is no name
-    if (socket_.get() < 0) throw CannotStart(system_error("cannot open a raw socket on \"" + name + '"'));
-    const unsigned index = if_nametoindex(name.c_str());
+    const int index = present_index();
     if (index == 0) throw CannotStart("there is no interface \"" + name + "\"; ip link shows those that are there");
-    const int interface = static_cast<int>(index);
-    set(PACKET_AUXDATA, 1);
-    set(PACKET_IGNORE_OUTGOING, 1);
-    packet_mreq everything{};
-    everything.mr_ifindex = interface;
-    everything.mr_type = PACKET_MR_PROMISC;
-    set(PACKET_ADD_MEMBERSHIP, everything);
-
-    // Bound last: no frame comes before the settings hold.
-    sockaddr_ll address{};
-    address.sll_family = AF_PACKET;
-    address.sll_protocol = htons(ETH_P_ALL);
-    address.sll_ifindex = interface;
-    if (bind(socket_.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
-      throw CannotStart(system_error("cannot bind to \"" + name + '"'));
+    socket_ = socket_at(index);
   }
 
   int descriptor() const override { return socket_.get(); }
   bool has_link() const override { return vswitch::has_link(socket_.get(), name_); }
   void send(Bytes frame) override { ::send(socket_.get(), frame.data(), frame.size(), 0); }
+
+  bool plug_again() override {
+    const int index = present_index();
+    if (index != 0 && index == bound_index()) return false;
+    lost();  // those of this socket
+    socket_ = Descriptor();
+    if (index == 0) return false;
+    try {
+      socket_ = socket_at(index);
+      return true;
+    } catch (const CannotStart&) {
+      return false;  // gone again: that is news too
+    }
+  }
+
+  uint64_t lost() override {
+    tpacket_stats since_last_time{};
+    socklen_t size = sizeof since_last_time;
+    if (getsockopt(socket_.get(), SOL_PACKET, PACKET_STATISTICS, &since_last_time, &size) == 0)
+      lost_ += since_last_time.tp_drops;
+    return lost_;
+  }
 
   void receive(const Receiver& receiver) override {
     for (int i = 0; i < burst; ++i) {
@@ -57,9 +64,43 @@ class Interface : public Attachment {
   }
 
  private:
+  /// Of the interface that has the name now; 0 when there is none.
+  int present_index() const { return static_cast<int>(if_nametoindex(name_.c_str())); }
+
+  /// Of the interface whose frames come; after its end -1, also when one with the same index is made.
+  int bound_index() const {
+    sockaddr_ll address{};
+    socklen_t size = sizeof address;
+    const int outcome = getsockname(socket_.get(), reinterpret_cast<sockaddr*>(&address), &size);
+    return outcome == 0 ? address.sll_ifindex : -1;
+  }
+
+  Descriptor socket_at(int index) const {
+    Descriptor made(socket(AF_PACKET, SOCK_RAW | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    if (made.get() < 0) throw CannotStart(system_error("cannot open a raw socket on \"" + name_ + '"'));
+    // Beyond the system's limit, where that is allowed.
+    if (setsockopt(made.get(), SOL_SOCKET, SO_RCVBUFFORCE, &room_for_frames, sizeof room_for_frames) != 0)
+      setsockopt(made.get(), SOL_SOCKET, SO_RCVBUF, &room_for_frames, sizeof room_for_frames);
+    set(made, PACKET_AUXDATA, 1);
+    set(made, PACKET_IGNORE_OUTGOING, 1);
+    packet_mreq everything{};
+    everything.mr_ifindex = index;
+    everything.mr_type = PACKET_MR_PROMISC;
+    set(made, PACKET_ADD_MEMBERSHIP, everything);
+
+    // Bound last: no frame comes before the settings hold.
+    sockaddr_ll address{};
+    address.sll_family = AF_PACKET;
+    address.sll_protocol = htons(ETH_P_ALL);
+    address.sll_ifindex = index;
+    if (bind(made.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
+      throw CannotStart(system_error("cannot bind to \"" + name_ + '"'));
+    return made;
+  }
+
   template <class Value>
-  void set(int option, const Value& value) {
-    if (setsockopt(socket_.get(), SOL_PACKET, option, &value, sizeof value) != 0)
+  void set(const Descriptor& made, int option, const Value& value) const {
+    if (setsockopt(made.get(), SOL_PACKET, option, &value, sizeof value) != 0)
       throw CannotStart(system_error("cannot set up the raw socket on \"" + name_ + '"'));
   }
 
@@ -97,7 +138,8 @@ class Interface : public Attachment {
   }
 
   const std::string name_;
-  const Descriptor socket_;
+  Descriptor socket_;
+  uint64_t lost_ = 0;
   std::vector<uint8_t> buffer_ = std::vector<uint8_t>(tag_size + most);  // frames begin behind the room of a tag
 };
 

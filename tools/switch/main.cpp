@@ -4,19 +4,23 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <functional>
 #include <string>
 #include <vector>
 
+#include "board.h"
+#include "console.h"
 #include "descriptor.h"
 #include "session.h"
 #include "switch.h"
+#include "tables.h"
 
 namespace {
 
 constexpr int failed = 1;
 constexpr int bad_start = 2;
 
-/// Becomes readable when the program is to end. The chip's threads, which start later, inherit that the signals wait.
+/// Becomes readable when the program is to end. Threads start later and inherit that the signals wait.
 int end_signals() {
   sigset_t signals;
   sigemptyset(&signals);
@@ -27,9 +31,19 @@ int end_signals() {
 }
 
 int tell(const std::exception& error, int code) {
-  std::fflush(stdout);
-  std::fprintf(stderr, "swsdk-switch: %s\n", error.what());
+  vswitch::tell(error.what());
   return code;
+}
+
+/// The exit code of what the program is to do; what goes wrong is told.
+int code_of(const std::function<int()>& work) {
+  try {
+    return work();
+  } catch (const saish::Unexpected& error) {
+    return tell(error, failed);
+  } catch (const std::runtime_error& error) {
+    return tell(error, bad_start);
+  }
 }
 
 void plug(vswitch::Switch& chip, const std::string& given) {
@@ -46,16 +60,44 @@ int run(int argc, char** argv) {
       "from standard input."};
   std::string config;
   std::string cpu;
+  std::string board;
   std::vector<std::string> ports;
-  app.add_option("CONFIG", config, "script of the shell that sets the chip up")->required();
+  std::vector<std::string> shown;
+  app.add_option("CONFIG", config, "script of the shell that sets the chip up");
   app.add_option("--cpu", cpu, "name of the CPU's network interface, in place of the one that the script asks for");
   app.add_option("--port", ports, "N=IFACE, N=tap:NAME or N=pcap:IN:OUT: what port N is plugged into")
       ->allow_extra_args(false);
+  app.add_option("--board", board, saish::board_help);
+  app.add_option("--tables", shown, "run a script silently and print all tables that it leaves; again for more")
+      ->allow_extra_args(false)
+      ->excludes("CONFIG")
+      ->excludes("--cpu")
+      ->excludes("--port");
   app.set_version_flag("--version", "swsdk-switch " SAI_VERSION);
 
   try {
     app.parse(argc, argv);
-    const vswitch::Descriptor signals(end_signals());
+    if (app.count("CONFIG") + app.count("--tables") == 0) throw CLI::RequiredError("CONFIG");
+  } catch (const CLI::Success& help_or_version) {
+    return app.exit(help_or_version);
+  } catch (const CLI::ParseError& error) {
+    return tell(std::runtime_error(std::string(error.what()) + "; --help tells what can be given"), bad_start);
+  }
+  const auto choose_board = [&] {
+    if (app.count("--board") > 0) saish::set_board(board);
+  };
+  if (app.count("--tables") > 0)
+    return code_of([&] {
+      choose_board();
+      saish::print_tables_after(shown);
+      return 0;
+    });
+
+  signal(SIGPIPE, SIG_IGN);  // a reader that leaves ends nothing
+  const vswitch::Descriptor signals(end_signals());
+  vswitch::Console console;
+  const int code = code_of([&] {
+    choose_board();
     saish::Session session(false);
     session.run_script(config);
     vswitch::Switch chip(session, cpu);
@@ -63,16 +105,9 @@ int run(int argc, char** argv) {
     std::printf("The switch is up.\n");
     std::fflush(stdout);
     chip.run(signals.get());
-    return 0;
-  } catch (const CLI::Success& help_or_version) {
-    return app.exit(help_or_version);
-  } catch (const CLI::ParseError& error) {
-    return tell(std::runtime_error(std::string(error.what()) + "; --help tells what can be given"), bad_start);
-  } catch (const saish::Unexpected& error) {
-    return tell(error, failed);
-  } catch (const std::runtime_error& error) {
-    return tell(error, bad_start);
-  }
+    return chip.had_trouble() ? failed : 0;
+  });
+  return console.finish(signals.get()) || code != 0 ? code : failed;
 }
 
 }  // namespace

@@ -8,6 +8,9 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <utility>
+
+#include "console.h"
 
 namespace vswitch {
 
@@ -37,7 +40,10 @@ void Switch::plug(int port, const std::string& what) {
   if (ports_.contains(port)) throw CannotStart(where + "it is plugged in twice");
   if (swsdk_link_event(unit, port, 0) != 0) throw CannotStart(where + "the chip has no such port");
   try {
-    ports_[port] = attach(what);
+    ports_[port] = attach(what, [this, where](const std::string& trouble) {
+      had_trouble_ = true;
+      tell(where + trouble);
+    });
   } catch (const CannotStart& error) {
     throw CannotStart(where + error.what());
   }
@@ -73,14 +79,15 @@ void Switch::advance_clock() {
 }
 
 void Switch::follow_links() {
-  constexpr std::chrono::milliseconds interval(50);
-  if (now_ - links_seen_ < interval) return;
-  links_seen_ = now_;
-  for (const auto& [port, attachment] : ports_)
-    if (const bool up = attachment->has_link(); up != links_[port]) {
-      links_[port] = up;
-      swsdk_link_event(unit, port, up ? 1 : 0);
-    }
+  for (const auto& [port, attachment] : ports_) {
+    if (attachment->plug_again()) set_link(port, false);
+    set_link(port, attachment->has_link());
+  }
+  for (const HostInterface& host : host_interfaces_) host.attachment->plug_again();
+}
+
+void Switch::set_link(int port, bool up) {
+  if (std::exchange(links_[port], up) != up) swsdk_link_event(unit, port, up ? 1 : 0);
 }
 
 /// Each line is echoed first, as in scripts: who gives commands through a pipe sees what is the answer to which.
@@ -110,24 +117,42 @@ bool Switch::is_over() const {
 }
 
 void Switch::run(int signals) {
+  pass_frames(signals);
+  tell_losses();
+}
+
+void Switch::tell_losses() {
+  for (const auto& [port, attachment] : ports_)
+    if (const uint64_t lost = attachment->lost(); lost > 0)
+      tell("port " + std::to_string(port) + ": " + std::to_string(lost) + (lost == 1 ? " frame was" : " frames were") +
+           " lost, for they came faster than the switch took them");
+}
+
+void Switch::pass_frames(int signals) {
   constexpr int rest = 10;  // milliseconds: how far the chip's clock stays behind at most
+  follow_links();
   while (!is_over()) {
     // Descriptors that are -1 are passed over.
-    std::vector<pollfd> polled{{signals, POLLIN, 0}, {commands_ ? STDIN_FILENO : -1, POLLIN, 0}};
+    std::vector<pollfd> polled{
+        {signals, POLLIN, 0}, {commands_ ? STDIN_FILENO : -1, POLLIN, 0}, {link_news_.descriptor(), POLLIN, 0}};
+    const std::size_t first_port = polled.size();
     bool waits = true;
     for (const auto& [port, attachment] : ports_) {
       polled.push_back({attachment->descriptor(), POLLIN, 0});
-      waits = waits && (attachment->descriptor() >= 0 || attachment->is_over());
+      waits = waits && !attachment->has_frames();
     }
     for (const HostInterface& host : host_interfaces_) polled.push_back({host.attachment->descriptor(), POLLIN, 0});
     poll(polled.data(), polled.size(), waits ? rest : 0);
 
     advance_clock();
-    follow_links();
     if (polled[0].revents != 0) return;
-    auto next = polled.begin() + 2;
+    if (polled[2].revents != 0) {
+      link_news_.forget();
+      follow_links();
+    }
+    auto next = polled.begin() + static_cast<std::ptrdiff_t>(first_port);
     for (const auto& [port, attachment] : ports_)
-      if (const pollfd& ready = *next++; ready.fd < 0 || ready.revents != 0)
+      if ((next++)->revents != 0 || attachment->has_frames())
         attachment->receive([at = port](Bytes frame) { receive_at(at, frame); });
     for (const HostInterface& host : host_interfaces_)
       if ((next++)->revents != 0) host.attachment->receive([](Bytes frame) { receive_at(cpu_port, frame); });

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "attachment.h"
+#include "link_news.h"
 #include "session.h"
 
 namespace vswitch {
@@ -22,9 +23,12 @@ class Switch {
   /// Plugs a port in. Throws CannotStart.
   void plug(int port, const std::string& what);
 
-  /// Passes frames until `signals` becomes readable, a command ends the session, or all ports are files at their end.
-  /// Commands come from standard input, if it is a terminal or a pipe.
+  /// Passes frames until `signals` becomes readable, a command ends the session, or all ports are files at their end;
+  /// then tells what was lost. Commands come from standard input, if it is a terminal or a pipe.
   void run(int signals);
+
+  /// Whether anything went wrong meanwhile; standard error has it.
+  bool had_trouble() const { return had_trouble_; }
 
  private:
   struct HostInterface {
@@ -36,18 +40,22 @@ class Switch {
   void transmit(const swsdk_out& out);
   void advance_clock();
   void follow_links();
+  void set_link(int port, bool up);
   void run_commands();
   bool is_over() const;
+  void pass_frames(int signals);
+  void tell_losses();
 
   saish::Session& session_;
   const std::string cpu_;
   std::map<int, std::unique_ptr<Attachment>> ports_;
   std::map<int, bool> links_;
+  LinkNews link_news_;
   std::vector<HostInterface> host_interfaces_;
   std::chrono::steady_clock::time_point now_ = std::chrono::steady_clock::now();
-  std::chrono::steady_clock::time_point links_seen_{};
   bool commands_ = false;  // can still come
-  std::string typed_;      // of a command line that is not complete yet
+  bool had_trouble_ = false;
+  std::string typed_;  // of a command line that is not complete yet
 };
 
 }  // namespace vswitch

@@ -7,7 +7,10 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cstring>
+#include <optional>
 #include <vector>
 
 #include "attachment.h"
@@ -20,25 +23,26 @@ namespace {
 class Tap : public Attachment {
  public:
   Tap(const std::string& name, const uint8_t* mac)
-      : name_(name),
-        device_(open("/dev/net/tun", O_RDWR | O_NONBLOCK | O_CLOEXEC)),
-        socket_(socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0)) {
-    ifreq request = request_for(name);
-    request.ifr_flags = static_cast<short>(IFF_TAP | IFF_NO_PI | IFF_TUN_EXCL);
-    check(device_.get() >= 0 && socket_.get() >= 0 && ioctl(device_.get(), TUNSETIFF, &request) == 0);
-    if (mac != nullptr) {
-      request = request_for(name);
-      request.ifr_hwaddr.sa_family = ARPHRD_ETHER;
-      std::memcpy(request.ifr_hwaddr.sa_data, mac, 6);
-      check(ioctl(socket_.get(), SIOCSIFHWADDR, &request) == 0);
-    }
-    request = request_for(name);
-    request.ifr_flags = IFF_UP;
-    check(ioctl(socket_.get(), SIOCSIFFLAGS, &request) == 0);
+      : name_(name), socket_(socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0)) {
+    if (mac != nullptr) std::copy_n(mac, 6, mac_.emplace().begin());
+    device_ = attached(IFF_TUN_EXCL);
   }
 
   int descriptor() const override { return device_.get(); }
   bool has_link() const override { return vswitch::has_link(socket_.get(), name_); }
+
+  bool plug_again() override {
+    ifreq request{};
+    if (ioctl(device_.get(), TUNGETIFF, &request) == 0) return false;
+    device_ = Descriptor();
+    if (if_nametoindex(name_.c_str()) == 0) return false;
+    try {
+      device_ = attached(0);
+      return true;
+    } catch (const CannotStart&) {
+      return false;  // it is another kind of interface, or somebody else's
+    }
+  }
 
   void receive(const Receiver& receiver) override {
     for (int i = 0; i < burst; ++i) {
@@ -53,13 +57,32 @@ class Tap : public Attachment {
   }
 
  private:
+  /// To the interface, which is made when there is none, and put up.
+  Descriptor attached(int flags) const {
+    Descriptor device(open("/dev/net/tun", O_RDWR | O_NONBLOCK | O_CLOEXEC));
+    ifreq request = request_for(name_);
+    request.ifr_flags = static_cast<short>(IFF_TAP | IFF_NO_PI | flags);
+    check(device.get() >= 0 && socket_.get() >= 0 && ioctl(device.get(), TUNSETIFF, &request) == 0);
+    if (mac_) {
+      request = request_for(name_);
+      request.ifr_hwaddr.sa_family = ARPHRD_ETHER;
+      std::memcpy(request.ifr_hwaddr.sa_data, mac_->data(), mac_->size());
+      check(ioctl(socket_.get(), SIOCSIFHWADDR, &request) == 0);
+    }
+    request = request_for(name_);
+    request.ifr_flags = IFF_UP;
+    check(ioctl(socket_.get(), SIOCSIFFLAGS, &request) == 0);
+    return device;
+  }
+
   void check(bool good) const {
     if (!good) throw CannotStart(system_error("cannot make the interface \"" + name_ + '"'));
   }
 
   const std::string name_;
-  const Descriptor device_;
+  std::optional<std::array<uint8_t, 6>> mac_;
   const Descriptor socket_;  // for requests about the interface
+  Descriptor device_;
   std::vector<uint8_t> buffer_ = std::vector<uint8_t>(65536);
 };
 

@@ -41,11 +41,11 @@ typedef uint16 bcm_port_ethertype_t;
 typedef uint32 bcm_tunnel_id_t;
 typedef int bcm_switch_network_group_t;
 
-/** Kinds of global ports. */
-#define BCM_GPORT_TYPE_LOCAL 1
-#define BCM_GPORT_TYPE_MODPORT 2
-#define BCM_GPORT_TYPE_TRUNK 3
-#define BCM_GPORT_TYPE_MIRROR 15
+/** Kinds of global ports; unsigned, unlike the global ports themselves. */
+#define BCM_GPORT_TYPE_LOCAL 1U
+#define BCM_GPORT_TYPE_MODPORT 2U
+#define BCM_GPORT_TYPE_TRUNK 3U
+#define BCM_GPORT_TYPE_MIRROR 15U
 
 /** Ports of a bitmap: 0 to BCM_PBMP_PORT_MAX - 1. */
 #define BCM_PBMP_PORT_MAX 256
@@ -55,7 +55,6 @@ typedef struct bcm_pbmp_s {
   uint32 pbits[8];
 } bcm_pbmp_t;
 
-#define BCM_PBMP_WORD_GET(pbmp, i) ((pbmp).pbits[(i)])
 #define BCM_PBMP_CLEAR(pbmp)                                                                                   \
   ((pbmp).pbits[0] = (pbmp).pbits[1] = (pbmp).pbits[2] = (pbmp).pbits[3] = (pbmp).pbits[4] = (pbmp).pbits[5] = \
        (pbmp).pbits[6] = (pbmp).pbits[7] = 0U)

@@ -26,6 +26,13 @@ extern "C" {
  */
 int swsdk_fault_inject(const char* function, int code, int nth);
 
+/**
+ * Names the functions that swsdk_fault_inject() can make fail.
+ *
+ * @return the name of function number `index`, from 0, or null past the last
+ */
+const char* swsdk_fault_function(int index);
+
 /** Removes all faults, those that are still waiting for their call too. */
 void swsdk_fault_clear(void);
 

@@ -2,11 +2,12 @@
  * @file swsdk/recording.h
  * Recordings of the virtual chip: every SDK call as a line of a file, to be repeated and compared later.
  *
- *     swsdk recording 1
+ *     swsdk recording 2
  *     call sdk_main(0, NULL) = 0
  *     call bcm_vlan_create(0, 10) = 0
  *     fault bcm_vlan_create(0, 11) = -4
  *     action swsdk_link_event(0, 1, 1) = 0
+ *     end
  *
  * The first line names the format and its version. Each line after it begins with its kind: `call`, a call that the
  * chip answered; `fault`, one that an injected fault answered; `action`, what the control interface of swsdk/chip.h did
@@ -46,6 +47,7 @@ int swsdk_record_stop(void);
 #define SWSDK_REPLAY_SAME 0       /**< every answer was the recorded one */
 #define SWSDK_REPLAY_DIFFERENT 1  /**< an answer was another one */
 #define SWSDK_REPLAY_UNREADABLE 2 /**< the file cannot be read or is no recording */
+#define SWSDK_REPLAY_INCOMPLETE 3 /**< every answer was the recorded one, but the recording lacks its end */
 
 /** Is handed a line of text, or several of a program; without the last newline. */
 typedef void (*swsdk_line_t)(const char* line, void* data);
@@ -71,7 +73,8 @@ int swsdk_replay(const char* path, swsdk_line_t tell, void* data);
  * @param write  is handed the lines of the program
  * @param tell   is told of notices and of what is wrong, with file and line
  * @param data   handed to both
- * @return SWSDK_REPLAY_SAME, or SWSDK_REPLAY_UNREADABLE; the program is of no use then
+ * @return SWSDK_REPLAY_SAME; SWSDK_REPLAY_INCOMPLETE, and the program makes the calls that are there; or
+ *         SWSDK_REPLAY_UNREADABLE, and it is of no use
  */
 int swsdk_replay_as_c(const char* path, swsdk_line_t write, swsdk_line_t tell, void* data);
 
