@@ -15,6 +15,7 @@ using fuzz::require;
 namespace {
 
 constexpr char header[] = "swsdk recording ";
+/// Of the version that needs no mark at its end.
 constexpr char started_chip[] = "swsdk recording 1\ncall sdk_main(0, NULL) = 0\ncall system_init(0) = 0\n";
 
 /// Where the line behind the first so many begins.
@@ -49,7 +50,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (!text.starts_with(header)) text.insert(0, started_chip);
 
   // A repetition ends at the first line that cannot be read or has another answer. The next one is of what was recorded
-  // up to there, which has to repeat, and of the lines behind.
+  // up to there, which has to repeat, and of the lines behind, before the mark of the recording's end.
   std::ptrdiff_t recorded_lines = 0;
   for (int repetition = 1;; ++repetition) {
     given.write(text);
@@ -60,10 +61,11 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
       break;
     }
     require(result.line > recorded_lines, "a recording of what the chip did does not repeat");
-    const std::string rest = text.substr(line_start(text, result.line));
+    std::string rest = text.substr(line_start(text, result.line));
+    if (!rest.empty() && !rest.ends_with('\n')) rest += '\n';
     text = made.text();
-    recorded_lines = std::count(text.begin(), text.end(), '\n');
-    if (repetition < most_repetitions) text += rest;
+    recorded_lines = std::count(text.begin(), text.end(), '\n') - 1;
+    if (repetition < most_repetitions) text.insert(line_start(text, static_cast<int>(recorded_lines)), rest);
   }
   swsdk_power_off();
   return 0;
