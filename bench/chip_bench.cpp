@@ -17,6 +17,7 @@
 #include <limits>
 
 #include "scale.h"
+#include "thread_clock.h"
 
 using bench::unit;
 
