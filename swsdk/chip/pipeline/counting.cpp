@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "chip/pipeline/meters.h"
+
 namespace chip {
 
 namespace {
@@ -76,9 +78,6 @@ constexpr int ip6_forwarded = 70;  // where packets leave, unlike that of IPv4
 constexpr int ip6_multicast_received = 72;
 constexpr int ip6_multicast_sent = 73;
 
-constexpr std::size_t checksum = 4;
-constexpr std::size_t shortest = 64;
-
 /// The longest frame of each size that is counted apart.
 constexpr std::size_t sizes[] = {64, 127, 255, 511, 1023, 1518, 2047, 4095, 9216};
 /// The same for both directions together, where the sizes beyond 1518 are divided otherwise.
@@ -101,7 +100,7 @@ uint64_t& counter(Counters& counters, int port, int number) {
 
 void count(Counters::Values& values, const Direction& to, const Mac& destination, std::size_t bytes, int tags) {
   const auto add = [&](int counter, uint64_t amount = 1) { values[static_cast<std::size_t>(counter)] += amount; };
-  const std::size_t length = std::max(bytes + checksum, shortest);
+  const std::size_t length = size_on_wire(bytes);
   const bool is_multicast = is_group(destination);
   const bool is_broadcast = std::all_of(destination.begin(), destination.end(), [](int byte) { return byte == 0xFF; });
   add(to.octets, length);

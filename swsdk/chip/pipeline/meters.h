@@ -36,11 +36,10 @@ class Meters {
   std::array<std::vector<Bucket>, kinds> buckets_;  // by number
 };
 
-/// What a frame, checksum not counted, takes out of a bucket of bits: what it is on the wire.
-constexpr uint64_t bits_of(std::size_t bytes) {
-  constexpr std::size_t checksum = 4;
-  constexpr std::size_t shortest = 64;  // less is padded
-  return std::max(bytes + checksum, shortest) * 8;
-}
+/// How long a frame, checksum not counted, is on the wire: with its checksum, and padded where it is too short.
+constexpr std::size_t size_on_wire(std::size_t bytes) { return std::max<std::size_t>(bytes + 4, 64); }
+
+/// What a frame, checksum not counted, takes out of a bucket of bits.
+constexpr uint64_t bits_of(std::size_t bytes) { return size_on_wire(bytes) * 8; }
 
 }  // namespace chip
