@@ -38,6 +38,7 @@ sai_register_l2_service 0 print
 link 1 up
 learn 00:aa:00:00:00:01 10 0
 send 1 02:00:00:00:00:01 > ff:ff:ff:ff:ff:ff vlan 10 arp 10.0.0.1 > 10.0.0.2
+classify ingress {in_port=1, src_mac=02:00:00:00:00:01, ether_type=0x0800, src_ip=10.0.0.1, ttl=3}
 sai_l2_addr_show 0
 sai_knet_ktag_set 36996 1
 SAI
