@@ -53,7 +53,7 @@ for program in "$work/unit/consumer" "$prefix/bin/saish"; do
 done
 
 page=$prefix/share/man/man3/sai_vlan_create.3
-index=$(grep -Eo '[a-z/]+/messages\.md' "$page")
+index=$(tr -d '\\' <"$page" | grep -Eo 'share/doc/[a-z/-]+/messages\.md')
 [ -f "$prefix/$index" ] || fail "$page names $index, which is not installed"
 
 # This machine's Python loads this machine's libraries.
