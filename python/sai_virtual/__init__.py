@@ -220,7 +220,7 @@ class Chip:
     @staticmethod
     def age(seconds, unit=0):
         """Lets time pass."""
-        _check(_clock_step(unit, seconds), f"unit {unit} is not initialised, or time would go back")
+        _check(_clock_step(unit, seconds), f"unit {unit} is not initialized, or time would go back")
         _swsdk.swsdk_events_drain()
 
 

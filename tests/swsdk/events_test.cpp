@@ -104,7 +104,7 @@ TEST_F(Events, OfLinksReachEveryHandlerInTheOrderOfTheirRegistration) {
   EXPECT_EQ(take(), (Told{"b 0/3 up", "a 0/3 up", "b 0/3 down", "a 0/3 down", "b 0/12 up", "a 0/12 up"}));
 }
 
-TEST_F(Events, OfLinksThatHaveACableComeAgainWhenTheChipIsInitialisedAnew) {
+TEST_F(Events, OfLinksThatHaveACableComeAgainWhenTheChipIsInitializedAnew) {
   bcm_linkscan_register(0, first);
   swsdk_link_event(0, 3, up);
   swsdk_link_event(0, 5, up);

@@ -105,7 +105,7 @@ TEST_F(Units, AreInitialisedAnewWithEmptyTables) {
   EXPECT_EQ(mode, 0);
 }
 
-TEST_F(Units, KeepTheirCablesWhenTheyAreInitialisedAnew) {
+TEST_F(Units, KeepTheirCablesWhenTheyAreInitializedAnew) {
   start_chip();
   EXPECT_EQ(swsdk_link_event(0, 3, 1), 0);
   bcm_port_enable_set(0, 3, 0);

@@ -72,7 +72,7 @@ int swsdk_link_event(int unit, int port, int up);
  * @param vid        VLAN of the address, 1 to 4095
  * @param mac        the address, 6 bytes
  * @param port       its port
- * @return 0, or -1 when there is no such initialised unit or port, or the VLAN is out of range
+ * @return 0, or -1 when there is no such initialized unit or port, or the VLAN is out of range
  */
 int swsdk_l2_event(int unit, int operation, int vid, const unsigned char* mac, int port);
 
@@ -88,7 +88,7 @@ int swsdk_l2_event(int unit, int operation, int vid, const unsigned char* mac, i
  * @return 1 when the address is in the table for that place now; 0 when it is not: it is a multicast address or all
  *         zeros, has a static entry elsewhere, its VLAN does not exist or does not learn, nor does the port's
  *         spanning-tree state there, a learn limit is reached, or its bucket is full; -1 when there is no such
- *         initialised unit or port, or the VLAN is out of range
+ *         initialized unit or port, or the VLAN is out of range
  */
 int swsdk_l2_learn(int unit, int vid, const unsigned char* mac, int port, unsigned tunnel);
 
