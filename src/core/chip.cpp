@@ -15,7 +15,7 @@ namespace {
 // Meant: only the ports up to number 8, the board's front panel, trap control frames.
 constexpr int last_trapping_port = 8;
 
-/// A switch control that is set to 1 on a port, and what is logged when it cannot be.
+/// A switch control that is set to 1 on a port, and the message for a failure.
 struct PortControl {
   bcm_switch_control_t control;
   sai::Format<int, const char*> failure;
@@ -40,7 +40,7 @@ void check_vlan_membership(int unit) {
   });
 }
 
-/// Gives the code of the one step that start-up remembers.
+/// Returns the code of its last step, the only one whose result start-up keeps.
 int prepare_multicast(int unit) {
   log_if_failed(bcm_l2_cache_delete_all(unit), "bcm_l2_cache_delete_all failed: %s");
   log_if_failed(bcm_multicast_init(unit), "bcm_multicast_init failed: %s");
@@ -53,7 +53,7 @@ int prepare_multicast(int unit) {
 }
 
 void trap_routed_and_dhcp_frames(int unit) {
-  // Three walks: each is done before the next begins.
+  // Three passes over the ports: each ends before the next begins.
   enable_on_front_panel(
       unit, Ports::ethernet,
       PortControl{bcmSwitchNonIpL3ErrToCpu, "Failed to set port [%d] bcmSwitchNonIpL3ErrToCpu: %s"},
@@ -68,7 +68,7 @@ void trap_routed_and_dhcp_frames(int unit) {
 void capture_slow_protocols(int unit) {
   constexpr uint8_t mac[6] = {0x01, 0x80, 0xC2, 0x00, 0x00, 0x02};
   int32_t index = 0;
-  sai_bpdu_set(unit, mac, &index);  // Meant: the entry stays for good, so nobody needs its index.
+  sai_bpdu_set(unit, mac, &index);  // Meant: the entry is never deleted, so its index is not kept.
 }
 
 void keep_floods_from_cpu(int unit) {
@@ -108,7 +108,7 @@ void reserve_ip6_multicast(int unit) {
   if (rv < 0) printf("bcm_switch_ipv6_reserved_multicast_addr_multi_set: %s\n", error_text(rv));
 }
 
-/// Every step is tried, whatever became of the ones before. The code of the one that is remembered.
+/// Runs every step, whether or not earlier steps failed. Returns the code of prepare_multicast().
 int bring_up(int unit, const uint8_t* system_mac) {
   constexpr int32_t netif_id = 1;
   sai_serial_led_config(unit);
@@ -138,5 +138,5 @@ int32_t sai_switch_chip_init(const uint8_t* system_mac) {
     else
       printf("Initialize firmware unit %d failed.\r\n", unit);
   }
-  return sdk_to_sai(rv);  // Meant: of the last unit alone.
+  return sdk_to_sai(rv);  // Meant: the result of the last unit only.
 }

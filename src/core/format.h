@@ -44,7 +44,7 @@ constexpr bool takes(char conversion, Length length) {
 
 constexpr bool is_digit(char c) { return c >= '0' && c <= '9'; }
 
-/// Moves `at` to the next conversion character, or to the end of the text; "%%" is no conversion.
+/// Moves `at` to the next conversion character, or to the end of the text; "%%" is not a conversion.
 constexpr const char* next_conversion(const char* at, Length& length) {
   for (; *at != '\0'; ++at) {
     if (*at != '%') continue;
@@ -76,12 +76,12 @@ consteval bool matches(const char* text) {
   return each_fits && *next_conversion(at, length) == '\0';
 }
 
-/// Not constexpr: a call of it in a constant expression is the compile error.
+/// Not constexpr: calling it in a constant expression is the compile error.
 void format_does_not_fit_its_arguments();
 
 }  // namespace format_check
 
-/// A printf format for arguments of the types Args; made from a string literal that fits them, or not at all.
+/// A printf format for arguments of the types Args; a string literal that does not fit them does not compile.
 template <class... Args>
 class Format {
  public:
@@ -96,7 +96,7 @@ class Format {
   const char* text_;
 };
 
-/// What "%d" shows of a pointer.
+/// The value that "%d" prints for a pointer.
 inline int low_word(const void* pointer) { return static_cast<int>(reinterpret_cast<uintptr_t>(pointer)); }
 
 }  // namespace sai

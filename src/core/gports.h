@@ -5,12 +5,12 @@
 
 namespace sai::gport {
 
-/// The kind of virtual ports, which has no name here.
+/// The kind of virtual ports, for which the SDK's headers have no name here.
 constexpr unsigned vlan_port = 17;
 
 constexpr unsigned kind(int port) { return static_cast<unsigned>(port) >> 26; }
 
-/// Whether `port` is a gport; plain port numbers, negative ones too, are none.
+/// Whether `port` is a gport; plain port numbers, including negative ones, are not.
 constexpr bool is_gport(int port) { return BCM_GPORT_TYPE_LOCAL <= kind(port) && kind(port) <= 51; }
 
 constexpr bool is_vlan_port(int port) { return kind(port) == vlan_port; }

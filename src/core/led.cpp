@@ -7,12 +7,12 @@ namespace {
 
 constexpr char program[] = "/usr/sbin/bcm956275k.hex";
 
-/// Formats a line of the diagnostic shell, cut to 63 characters, and runs it; logs it when the shell refuses.
+/// Formats a line of the diagnostic shell, cut to 63 characters, and runs it; logs it when the shell fails.
 template <class... Args>
 bool run(int unit, const char* format, Args... args) {
   char command[64] = {};
   snprintf(command, sizeof command, format, args...);
-  char line[sizeof command];  // the shell may take its line apart
+  char line[sizeof command];  // the shell may modify its line
   __builtin_memcpy(line, command, sizeof line);
   if (sh_process_command(unit, line) == 0) return true;
   sai_err("switch cmd [ %s ] error\n", command);  // Meant: the message has a newline of its own.

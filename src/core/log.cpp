@@ -17,7 +17,7 @@ const char* sai_log_module_names[3] = {"NONE", "STG", nullptr};
 
 namespace {
 
-/// The date text of the last second that was stamped; made anew only when the second changes.
+/// The date text of the last second that was stamped; formatted again only when the second changes.
 struct DateCache {
   time_t second;
   size_t length;
@@ -26,7 +26,7 @@ struct DateCache {
 
 DateCache date_cache;
 
-/// The stamp of one message: made once, printed on each of its lines.
+/// The time stamp of one message: made once, printed on each of its lines.
 struct Stamp {
   size_t length;
   int32_t precision;
@@ -65,7 +65,7 @@ void make(Stamp& stamp) {
   refresh(date_cache, now.tv_sec);
 
   stamp.made = true;
-  if (date_cache.length >= sizeof stamp.text) return;  // the stamp stays the empty string
+  if (date_cache.length >= sizeof stamp.text) return;  // the stamp stays empty
 
   memcpy(stamp.text, date_cache.text, date_cache.length);
   stamp.text[date_cache.length] = '\0';
@@ -153,7 +153,7 @@ void close_sai_log(sai_log_handle* log) {
 
 void sai_log_set_level(sai_log_handle* log, int32_t destination, int32_t level) {
   if (log == nullptr) log = sai_log_default;
-  if (log != nullptr) log->max_level[destination] = level;  // Meant: unchecked, as callers know the three.
+  if (log != nullptr) log->max_level[destination] = level;  // Meant: not checked; callers know the three destinations.
 }
 
 int32_t sai_level_match(const char* text) {

@@ -1,4 +1,4 @@
-// What the library itself needs of its log beyond sai.h: traces.
+// Traces: the part of the log that only the library itself uses.
 #pragma once
 
 #include <sai.h>
@@ -20,12 +20,12 @@ inline bool heard(int32_t level) {
 template <class T>
 requires std::is_scalar_v<T> T trace_text(T value) { return value; }
 
-// Format has checked what the compiler cannot see here.
+// Format has checked the format string, which the compiler cannot see here.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-security"
 
-/// Logs at level "debugging" when somebody listens. An argument whose text costs work is passed as a small record of
-/// what it is made from; its trace_text() runs only then.
+/// Logs at level "debugging" if that level is written anywhere. An argument that is costly to format is passed as a
+/// small record of its parts; its trace_text() runs only then.
 template <class... Args>
 void trace(Format<std::type_identity_t<decltype(trace_text(std::declval<const Args&>()))>...> format,
            const Args&... args) {

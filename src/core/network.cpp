@@ -10,7 +10,7 @@ using sai::result;
 
 namespace {
 
-/// Commands of the kernel module, as it takes them: a type and an opcode, then words in host order from byte 8 on.
+/// A command in the kernel module's layout: a type and an opcode, then words in host order from byte 8 on.
 struct Command {
   uint8_t type = 0;
   uint8_t opcode = 0;

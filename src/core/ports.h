@@ -13,8 +13,8 @@ inline bcm_pbmp_t no_ports() {
   return ports;
 }
 
-/// The caller sees to it that the port fits. Every word is made whole: a bit that is written into a cleared bitmap
-/// delays the copy that the SDK takes by several calls' worth.
+/// The caller checks that the port fits. Each word is stored whole: setting a bit in a cleared bitmap delays the copy
+/// that the SDK takes by the time of several calls.
 inline bcm_pbmp_t only_port(int port) {
   constexpr int bits = 32;
   bcm_pbmp_t ports;

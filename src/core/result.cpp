@@ -6,7 +6,7 @@ namespace {
 
 constexpr int lowest_code = -22;
 
-/// Library codes by SDK code + 22. The gaps of the library's numbering are meant.
+/// Library codes by SDK code + 22. The gaps in the library's numbering are intended.
 constexpr int32_t library_codes[1 - lowest_code] = {
     SAI_E_FAIL,       // -22
     SAI_E_FAIL,       // -21

@@ -1,4 +1,4 @@
-// The one way to fail: a failed SDK call is logged once and converted once.
+// The only error path: a failed SDK call is logged once and converted once.
 #pragma once
 
 #include <sai.h>
@@ -9,29 +9,28 @@
 
 namespace sai {
 
-/// Where the Chip SDK's table of error texts has that of `rv`; for codes that it does not have, its unknown-error slot.
+/// Index of the text for `rv` in the Chip SDK's table of error texts; its unknown-error slot for unknown codes.
 [[gnu::cold]] int error_index(int rv);
 
-/// The Chip SDK's text for the result `rv`; its unknown-error text for codes that it does not have. Cold, and so is
-/// every path that asks for it: a successful call carries none of it.
+/// The Chip SDK's text for the result `rv`; its unknown-error text for unknown codes. Cold, and so is every path
+/// that calls it: a successful call has none of that code.
 [[gnu::cold]] const char* error_text(int rv);
 
-/// What is left to do for a call that failed, out of line: a successful one keeps the arguments for it and nothing
-/// else.
+/// The rest of the work for a failed call, out of line: a successful call only keeps the arguments for it.
 template <class... Args>
 [[gnu::cold, gnu::noinline]] void log_failure(int rv, const char* format, Args... args) {
   sai_err(format, args..., error_text(rv));
 }
 
-/// The library code of `rv`, which is not 0, and logs when it is a failure. One call, which result() ends with.
+/// Returns the library code of `rv`, which is not 0, and logs a failure. A single call, with which result() ends.
 template <class... Args>
 [[gnu::cold, gnu::noinline]] int32_t code_of(int rv, const char* format, Args... args) {
   if (rv < 0) log_failure(rv, format, args...);
   return sdk_to_sai(rv);
 }
 
-/// Logs `format`, whose last conversion takes the SDK's text for `rv`, when `rv` is an SDK failure. For steps after
-/// which the sequence goes on whatever came of them.
+/// Logs `format`, whose last conversion takes the SDK's text for `rv`, when `rv` is an SDK failure. For steps whose
+/// failure does not end the sequence.
 template <class... Args>
 void log_if_failed(int rv, Format<std::type_identity_t<Args>..., const char*> format, Args... args) {
   if (rv < 0) [[unlikely]]

@@ -1,5 +1,5 @@
-// The door to the Chip SDK (sai.h takes the one header that its callbacks need): its headers, parts of which are plain
-// C without C++ guards, and what it exports without a public header.
+// The only includes of the Chip SDK (except the one header that sai.h includes for its callbacks): its headers, some of
+// them plain C without C++ guards, and its exports that have no public header.
 #pragma once
 
 extern "C" {

@@ -1,11 +1,11 @@
-// What the library reads of the Chip SDK's information on a unit; it is read nowhere else.
+// Access to the Chip SDK's information on a unit; no other file reads it.
 #pragma once
 
 #include "core/sdk.h"
 
 namespace sai {
 
-/// The port through which the switch's own processor is attached.
+/// The port to which the switch's CPU is attached.
 int cpu_port(int unit);
 
 /// The unit's chip-type code; -1 when there is no such unit.
@@ -20,10 +20,10 @@ enum class Ports { ethernet, front };
 int lowest_port(int unit, Ports set);
 int highest_port(int unit, Ports set);
 bool has_port(int unit, Ports set, int port);
-/// The whole set, as its bitmap alone tells; empty when there is no such unit.
+/// The whole set, from its bitmap only; empty when there is no such unit.
 bcm_pbmp_t ports(int unit, Ports set);
 
-/// Runs `body` for each port of the set in ascending order. Meant: the highest port is read anew after each.
+/// Runs `body` for each port of the set in ascending order. Meant: the highest port is read again after each.
 template <class Body>
 void for_each_port(int unit, Ports set, Body body) {
   const int lowest = lowest_port(unit, set);

@@ -19,7 +19,7 @@ static_assert(offsetof(sai_acl_rule_t, src_mac) == 12 && offsetof(sai_acl_rule_t
 
 namespace {
 
-/// Which steps a kind of rule takes, besides the port, the priority and the action that all have.
+/// The steps that build a kind of rule, in addition to the port, the priority and the action that all rules have.
 struct Installer {
   const char* name;
   bool layer2;    ///< MAC addresses, outer VLAN, EtherType
@@ -89,10 +89,10 @@ bool qualify_protocol(FieldEntry& entry, const sai_acl_rule_t& rule) {
                       "bcm_field_qualify_IpProtocol");
 }
 
-// Meant, here and for the addresses: nobody looks at the results.
+// Meant, here and for the addresses: the results are ignored.
 void qualify_service(const FieldEntry& entry, const sai_acl_rule_t& rule) {
   const auto shifted = [&](int bits, int factor) { return static_cast<uint8>((rule.tos_value & bits) * factor); };
-  constexpr uint8 mask = 0xFF;  // Meant: of all the byte, even where three bits are given.
+  constexpr uint8 mask = 0xFF;  // Meant: the whole byte, even where only three bits are given.
   switch (rule.tos_mode) {
     case SAI_ACL_TOS:
       bcm_field_qualify_Tos(entry.unit, entry.id, shifted(15, 2), mask);
@@ -148,7 +148,7 @@ int32_t install(const Installer& installer, int unit, int port, int direction, i
                 int32_t* id) {
   FieldEntry entry{installer.name, unit, group};
   entry.rv = rule == nullptr || id == nullptr ? BCM_E_PARAM : bcm_field_entry_create(unit, group, &entry.id);
-  if (id != nullptr) *id = entry.id;  // Meant: at once, so that the caller can destroy what fails half-way.
+  if (id != nullptr) *id = entry.id;  // Meant: already here, so that the caller can destroy a partly built entry.
   // Meant: the text names the call that takes an id.
   if (failed(entry.rv, "%s group %d bcm_field_entry_create_id 0x%x(%d) failed: %s", installer.name, group, entry.id,
              entry.id))
@@ -157,7 +157,7 @@ int32_t install(const Installer& installer, int unit, int port, int direction, i
   const bcm_field_action_t action = rule->action == SAI_ACL_PERMIT ? bcmFieldActionDropCancel : bcmFieldActionDrop;
   if (entry.passed(bcm_field_qualify_clear(unit, entry.id), "bcm_field_qualify_clear") &&
       qualify_port(entry, direction, port) && qualify(entry, installer, *rule) &&
-      // Meant: its id is its priority.
+      // Meant: the entry's id is its priority.
       entry.passed(bcm_field_entry_prio_set(unit, entry.id, entry.id), "bcm_field_entry_prio_set") &&
       entry.passed(bcm_field_action_add(unit, entry.id, action, 0, 0), "bcm_field_action_add"))
     entry.passed(bcm_field_entry_install(unit, entry.id), "bcm_field_entry_install");

@@ -7,7 +7,7 @@
 
 namespace sai {
 
-/// A step that fails is logged in the name of the function that takes it. What the last step gave stays in `rv`.
+/// A failed step is logged under the name of the function that runs it. `rv` keeps the result of the last step.
 struct FieldEntry {
   const char* function;
   int unit;
@@ -15,7 +15,7 @@ struct FieldEntry {
   int id = -1;
   int rv = BCM_E_NONE;
 
-  /// Whether `call`, which gave `result`, did not fail.
+  /// Whether `call`, which returned `result`, succeeded.
   bool passed(int result, const char* call) {
     rv = result;
     return !failed(rv, "%s %s entry %d failed: %s", function, call, id);

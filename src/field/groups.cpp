@@ -12,7 +12,7 @@ using sai::result;
 
 namespace {
 
-/// What sets the kinds of groups apart, besides their rows.
+/// How the kinds of groups differ, apart from their rows.
 enum class Kind {
   acl,          ///< its priority is its own id
   trap,         ///< its id is traced
@@ -21,12 +21,12 @@ enum class Kind {
 
 struct Group {
   Kind kind;
-  const char* creating;  ///< what it is called when it cannot be created
-  const char* enabling;  ///< what it is called when it cannot be enabled
+  const char* creating;  ///< its name in the message of a failed creation
+  const char* enabling;  ///< its name in the message of a failed enable
   std::initializer_list<bcm_field_qualify_t> qualifiers;
 };
 
-// The names in messages are meant as they are: some groups are called "any" once or twice, and "inress" stays.
+// The names in messages are intended: some groups are called "any" once or twice, and "inress" stays.
 
 constexpr Group ifp_l2{Kind::acl,
                        "l2 ingress",
@@ -78,7 +78,7 @@ constexpr Group efp_mac_ipv6{
      bcmFieldQualifyEtherType, bcmFieldQualifyIpProtocol, bcmFieldQualifyDSCP, bcmFieldQualifyIpType,
      bcmFieldQualifyOutPort, bcmFieldQualifyStageEgress}};
 
-// Meant, here and in the next: VLAN format and ARP target address, which no rule of theirs matches.
+// Meant, here and in the next group: VLAN format and ARP target address, though no rule of the groups matches on them.
 constexpr Group system_ipv4{
     Kind::trap,
     "ipv4 any",

@@ -24,7 +24,7 @@ int match_ipv4(int id) { return bcm_field_qualify_EtherType(unit, id, ipv4, all_
 
 int match_vlan(int id, int vlan) { return bcm_field_qualify_OuterVlan(unit, id, vlan_id(vlan), vlan_id_mask); }
 
-/// Meant: whatever fails while a port is guarded has this one text.
+/// Meant: every failed step of guarding a port logs this one text.
 bool guarded(FieldEntry& entry, int rv) { return entry.passed_in_group(rv, "bcm_field_entry_reinstall"); }
 
 bool build_drop(FieldEntry& entry, int vlan, int port) {
@@ -61,7 +61,7 @@ bool build_permit(FieldEntry& entry, uint32_t src_ip, uint32_t src_ip_mask, int 
          entry.passed_in_group(match_ipv4(entry.id), "bcm_field_qualify_EtherType") &&
          (vlan <= 0 || entry.passed_in_group(match_vlan(entry.id, vlan), "bcm_field_qualify_OuterVlan")) &&
          (src_ip == 0 ||
-          // Meant: the address is turned to host order, the mask comes in it.
+          // Meant: the address is converted to host order; the mask is in host order already.
           entry.passed_in_group(bcm_field_qualify_SrcIp(unit, entry.id, ntohl(src_ip), src_ip_mask),
                                 "bcm_field_qualify_SrcIp")) &&
          set_permit_priority(entry) &&
@@ -78,7 +78,7 @@ int32_t sai_ipsg_verify_config(int32_t group, int32_t vlan, int32_t /*ignored*/,
     guarded(drop, BCM_E_PARAM);
     return sdk_to_sai(drop.rv);
   }
-  if (*entry != 0) {  // Meant: a negative id is an entry too, unlike that of a binding.
+  if (*entry != 0) {  // Meant: a negative id is an entry too, unlike for a binding.
     drop.id = *entry;
     return guarded(drop, match_port(drop.id, port)) && guarded(drop, bcm_field_entry_reinstall(unit, drop.id))
                ? SAI_E_NONE

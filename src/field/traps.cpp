@@ -1,4 +1,4 @@
-// Rules that send control protocols to the CPU, and the egress entries and DHCP switches beside them.
+// Rules that send control protocols to the CPU, and the related egress entries.
 #include <sai.h>
 
 #include <initializer_list>
@@ -19,7 +19,7 @@ using sai::vlan_id_mask;
 
 namespace {
 
-/// How the failures of a rule's steps are worded. Meant: the families differ.
+/// The wording of a failed step of a rule. Meant: the families differ.
 enum class Wording { call, call_in_group, plain };
 
 /// What the caller gives; a rule reads what its steps need.
@@ -37,12 +37,12 @@ struct Trap : FieldEntry {
   Wording wording;
   Given given;
 
-  /// Whether `call`, which gave `result`, did not fail; worded as the family does.
+  /// Whether `call`, which returned `result`, succeeded; a failure has the family's wording.
   bool passed_as_worded(int result, const char* call) {
     return wording == Wording::call_in_group ? passed_in_group(result, call) : passed(result, call);
   }
 
-  /// The same for what the plain family words without the call's name.
+  /// The same for steps that the plain family words without the call's name.
   bool passed_as_worded(int result, const char* call, sai::Format<const char*, int, const char*> plain) {
     if (wording != Wording::plain) return passed_as_worded(result, call);
     rv = result;
@@ -58,7 +58,7 @@ constexpr const uint8_t* broadcast = all_ones;
 
 using Step = bool (*)(Trap& trap);
 
-// Meant, here and for the output port: never worded with the group.
+// Meant, here and for the output port: the message never names the group.
 bool in_port(Trap& trap) {
   return trap.passed(bcm_field_qualify_InPort(trap.unit, trap.id, trap.given.port, BCM_FIELD_EXACT_MATCH_MASK),
                      "bcm_field_qualify_InPort");
@@ -124,7 +124,7 @@ bool next_header(Trap& trap) {
 }
 
 bool icmp_type(Trap& trap) {
-  // Meant: worded as the call for the type alone.
+  // Meant: the message names the call for the type only.
   return trap.passed_as_worded(
       bcm_field_qualify_IcmpTypeCode(trap.unit, trap.id, static_cast<uint16>(trap.given.icmp_type << 8), 0xFFFF),
       "bcm_field_qualify_IcmpType");
@@ -201,7 +201,7 @@ constexpr Rule loopd{"sai_fp_loopd_packet_to_cpu_set",
                      Wording::call_in_group,
                      {in_port, src_mac, ether_type<loop_detection>, packet_priority<7>, redirect_to_cpu}};
 
-// Meant, of the three: a VLAN and no port.
+// Meant, for all three: they match a VLAN and no port.
 constexpr Rule dhcp_request{"sai_fp_dhcp_requeset_to_cpu_set",
                             Wording::call_in_group,
                             {outer_vlan, ip_type<bcmFieldIpTypeIp>, ip_protocol<udp>, l4_dst_port<67>,
@@ -241,7 +241,7 @@ constexpr Rule mld_exclude{"sai_fp_mld_packet_exclude_filter_set",
                            Wording::call_in_group,
                            {out_port<BCM_FIELD_EXACT_MATCH_MASK>, src_ip6, dst_ip6, drop}};
 
-// Meant: the low 8 bits of the port, and no action.
+// Meant: it matches the low 8 bits of the port and has no action.
 constexpr Rule vport{"sai_fp_vport_qualify_set", Wording::call_in_group, {out_port<0xFF>, all_of_vlan_tag}};
 
 bool create(Trap& trap, const int32_t* entry) {
@@ -302,7 +302,7 @@ int32_t sai_fp_igmp_packet_to_cpu(int32_t unit, int32_t port, int32_t group, int
 }
 
 int32_t sai_fp_mld_packet_to_cpu(int32_t unit, int32_t port, int32_t group, int32_t* entry) {
-  // Meant: each goes in whatever became of the others; the id and the result are those of the last.
+  // Meant: each is installed even if others failed; the id and the result are those of the last.
   constexpr uint8_t types[] = {130, 131, 132, 143};
   int32_t last = SAI_E_NONE;
   for (const uint8_t type : types) last = install(mld_packet, unit, group, {.port = port, .icmp_type = type}, entry);
@@ -332,7 +332,7 @@ int32_t sai_fp_vport_qualify_set(int32_t unit, int32_t port, int32_t group, int3
   sai::trace("sai_fp_vport_qualify_set port %d vlan %d", port, vlan);
   Trap trap{{vport.name, unit, group}, vport.wording, {.port = port, .vlan = vlan}};
   build(trap, vport, entry);
-  if (trap.rv == BCM_E_NONE) *entry = trap.id;  // Meant: uninstalled, for sai_fp_vport_qualify_action().
+  if (trap.rv == BCM_E_NONE) *entry = trap.id;  // Meant: not yet installed, for sai_fp_vport_qualify_action().
   return sdk_to_sai(trap.rv);
 }
 
@@ -347,17 +347,4 @@ int32_t sai_fp_entry_policer_detach(int32_t unit, int32_t entry) {
   constexpr int first_level = 0;
   return result(bcm_field_entry_policer_detach(unit, entry, first_level),
                 "bcm_field_entry_policer_detach entry_id %d failed: %s", entry);
-}
-
-int32_t sai_dhcp_packet_to_cpu(int32_t unit, int32_t enable) {
-  // Meant: switched off, packets still go to the CPU, and any value but 1 switches off. Failures do not show.
-  const int on = enable == 1;
-  sai::for_each_port(unit, sai::Ports::ethernet, [=](int port) {
-    if (on)
-      log_if_failed(bcm_switch_control_port_set(unit, port, bcmSwitchDhcpPktToCpu, on),
-                    "Failed to set port [%d] bcmSwitchDhcpPktToCpu: %s", port);
-    log_if_failed(bcm_switch_control_port_set(unit, port, bcmSwitchDhcpPktDrop, on),
-                  "Failed to set port [%d] bcmSwitchDhcpPktDrop: %s", port);
-  });
-  return SAI_E_NONE;
 }

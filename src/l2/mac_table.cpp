@@ -22,7 +22,7 @@ namespace {
 /// Chip types that keep no counts of their objects: none of those known today.
 constexpr std::array<int, 0> types_without_counts{};
 
-/// The entry's VLAN as the SDK takes it; the upper half does not count.
+/// The entry's VLAN as the SDK takes it; the upper half is ignored.
 bcm_vlan_t vlan(const sai_l2_mac_entry_t& entry) { return static_cast<bcm_vlan_t>(entry.vlan); }
 
 uint32_t sdk_flags(const sai_l2_mac_entry_t& entry) {
@@ -41,7 +41,7 @@ uint32_t sdk_flags(const sai_l2_mac_entry_t& entry) {
   return flags;
 }
 
-/// Meant: a failure does not end the walk, and the last port's result is the one that counts.
+/// Meant: a failure does not end the walk, and the result is that of the last port.
 int delete_of_every_port(int unit, uint32_t flags) {
   int rv = BCM_E_NONE;
   sai::for_each_port(unit, Ports::front, [&](int port) {
@@ -52,19 +52,19 @@ int delete_of_every_port(int unit, uint32_t flags) {
   return rv;
 }
 
-/// The first of the mode's bits decides.
+/// The first bit that is set decides, in the order of the tests.
 int delete_by_mode(int unit, sai_l2_mac_entry_t entry, uint8_t mode) {
   constexpr int own_module = 0;
   if (mode & SAI_L2_DELETE_ENTRY) return bcm_l2_addr_delete(unit, entry.mac, vlan(entry));
   if (mode & SAI_L2_DELETE_BY_MAC) return bcm_l2_addr_delete_by_mac(unit, entry.mac, entry.flags);
   if (mode & SAI_L2_DELETE_BY_VLAN) return bcm_l2_addr_delete_by_vlan(unit, vlan(entry), entry.flags);
   if (mode & SAI_L2_DELETE_BY_PORT) return bcm_l2_addr_delete_by_port(unit, own_module, entry.port, entry.flags);
-  // Meant: the one mode that leaves the entry's flags out.
+  // Meant: the only mode that ignores the entry's flags.
   if (mode & SAI_L2_DELETE_BY_TRUNK) return bcm_l2_addr_delete_by_trunk(unit, entry.trunk, 0);
   return delete_of_every_port(unit, entry.flags);
 }
 
-/// Finds what the chip's table has of the entry.
+/// Looks the entry up in the chip's table.
 int find(int unit, sai_l2_mac_entry_t* entry, bcm_l2_addr_t& found) {
   if (entry == nullptr) return BCM_E_PARAM;
   found = {};
@@ -79,7 +79,7 @@ int add(int unit, const sai_l2_mac_entry_t& entry) {
   return bcm_l2_addr_add(unit, &address);
 }
 
-/// Reads the gport of the port that a virtual port lies on.
+/// Reads the gport of the port that a virtual port is on.
 int gport_get(int unit, bcm_gport_t virtual_port, bcm_gport_t& gport) {
   bcm_vlan_port_t key{};
   key.vlan_port_id = virtual_port;
@@ -88,7 +88,7 @@ int gport_get(int unit, bcm_gport_t virtual_port, bcm_gport_t& gport) {
   return rv;
 }
 
-/// The SDK's record with those of the limit's scopes and actions that are in `bits`, and what identifies the scopes.
+/// The SDK's record with the limit's scopes and actions that are in `bits`, and the ids of those scopes.
 bcm_l2_learn_limit_t sdk_limit(const sai_l2_learn_limit_t& own, uint32_t bits) {
   bcm_l2_learn_limit_t sdk;
   bcm_l2_learn_limit_t_init(&sdk);
@@ -115,7 +115,7 @@ int limit_get(int unit, sai_l2_learn_limit_t& limit) {
   return rv;
 }
 
-/// Where the next entry of the table goes.
+/// Where to store the next entry of the table.
 struct sai_l2_show_ctx {
   uint32_t count;
   sai_l2_mac_entry_t* entries;
@@ -133,7 +133,7 @@ int show(int unit, bcm_l2_addr_t* entry, void* user_data) {
   sai_l2_mac_entry_t& slot = context->entries[context->count];
   slot.vlan = entry->vid;
   if (sai::gport::is_vlan_port(entry->port)) {
-    // Meant: the mark's low byte alone, which nobody takes back; and a virtual port that cannot be found is no failure.
+    // Meant: only the mark's low byte is set, and never cleared; a virtual port that cannot be found is not a failure.
     slot.is_vport = (slot.is_vport & ~0xFFU) | 1;
     bcm_gport_t gport = 0;
     bcm_port_t local = 0;
@@ -151,7 +151,7 @@ int show(int unit, bcm_l2_addr_t* entry, void* user_data) {
 
 int32_t sai_l2_init(sai_l2_mac_entry_t* entry) {
   if (entry == nullptr) return SAI_E_PARAM;
-  memset(entry, 0, sizeof *entry);  // the bytes between its fields too
+  memset(entry, 0, sizeof *entry);  // including the padding between its fields
   return SAI_E_NONE;
 }
 
@@ -163,17 +163,17 @@ int32_t sai_l2_mac_age_time_set(int32_t unit, int32_t seconds) {
 
 int32_t sai_l2_mac_age_time_get(int32_t unit, int32_t* seconds) {
   const int rv = sai::read_into(seconds, [&](int* time) { return bcm_l2_age_timer_get(unit, time); });
-  // Meant: the pointer for a value.
+  // Meant: the message shows the pointer, not a value.
   return result(rv, "Failed to get mac age time %d: %s", low_word(seconds));
 }
 
 int32_t sai_l2_mac_entry_get(int32_t /*unit*/, sai_l2_mac_entry_t* entry) {
-  constexpr int first_unit = 0;  // Meant: whatever unit is given.
+  constexpr int first_unit = 0;  // Meant: for any unit.
   bcm_l2_addr_t found;
   const int rv = find(first_unit, entry, found);
   if (rv == BCM_E_NONE) {
     if (found.flags & BCM_L2_STATIC) entry->flags |= SAI_L2_MAC_STATIC;
-    entry->port_out = found.port;  // Meant: the two lookups of the port below answer in `port`.
+    entry->port_out = found.port;  // Meant: the two port lookups below write `port` instead.
   }
   return result(rv, "Failed to get mac entry: %s");
 }
@@ -268,6 +268,6 @@ int32_t sai_l2_dst_hit_enable_set(int32_t unit, int32_t enable) {
 
 int32_t sai_l2_dst_hit_enable_get(int32_t unit, int32_t* enable) {
   const auto get = [&](int* value) { return bcm_switch_control_get(unit, bcmSwitchL2DstHitEnable, value); };
-  // Meant: the text of the set.
+  // Meant: the setter's text.
   return result(sai::read_into(enable, get), "bcm_switch_control_set bcmSwitchL2DstHitEnable failed: %s");
 }

@@ -19,10 +19,10 @@ constexpr bool is_member(uint32_t bitmap, int port) {
   return (bitmap >> bit & 1) != 0;
 }
 
-/// The member slots, more than the bitmap fills: the count that goes with them is the caller's.
+/// The member slots, more than the bitmap can fill, because the caller gives the count.
 using Members = bcm_trunk_member_t[BCM_PBMP_PORT_MAX];
 
-/// Fills one slot for each port of the bitmap, in ascending order. The first port that cannot be mapped ends it.
+/// Fills one slot for each port of the bitmap, in ascending order. Stops at the first port that cannot be mapped.
 int fill(int unit, int module, uint32_t bitmap, Members& members) {
   int found = 0;
   for (int port = 0; port < bitmap_ports; ++port) {
@@ -68,14 +68,14 @@ int32_t sai_trunk_set(int32_t unit, int32_t tid, int32_t psc, uint32_t member_bi
   bcm_trunk_info_t info;
   bcm_trunk_info_t_init(&info);
   info.psc = sai_hash_to_sdk(static_cast<uint32_t>(psc));
-  // Meant: the count is the caller's, whatever the bitmap holds, as far as there are slots.
+  // Meant: the caller's count is passed on, whatever the bitmap holds, up to the number of slots.
   rv = member_count <= static_cast<int>(std::size(members)) ? bcm_trunk_set(unit, tid, &info, member_count, members)
                                                             : BCM_E_PARAM;
   return result(rv, "Failed to set trunk %d psc [%d]: %s", tid, psc);
 }
 
 int32_t sai_trunk_psc_set(int32_t unit, int32_t tid, int32_t psc) {
-  // Meant: the message shows the SDK's criterion, that of sai_trunk_set() the library's.
+  // Meant: this message shows the SDK's criterion; that of sai_trunk_set() shows the library's.
   const int criterion = sai_hash_to_sdk(static_cast<uint32_t>(psc));
   return result(bcm_trunk_psc_set(unit, tid, criterion), "Failed to set trunk [%d] psc %d: %s", tid, criterion);
 }

@@ -1,4 +1,4 @@
-// What traces show of addresses and results.
+// How traces show addresses and results.
 #pragma once
 
 #include "core/result.h"
@@ -6,8 +6,8 @@
 
 namespace sai {
 
-// Arguments of traces. Each brings room for its text, so that nothing static is shared; the room stays untouched until
-// somebody listens.
+// Arguments of traces. Each has a buffer for its text, so that no static buffer is shared; it is written only when the
+// trace is logged.
 
 template <class Address, int size>
 class AddressText {

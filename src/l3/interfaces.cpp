@@ -20,12 +20,12 @@ namespace {
 
 constexpr bcm_mac_t no_mac = {};
 
-/// How to tell a lookup that ends the work.
+/// Which result of a lookup ends the work.
 using Ends = bool (*)(int rv);
 constexpr Ends unless_zero = [](int rv) { return rv != BCM_E_NONE; };
 constexpr Ends if_negative = [](int rv) { return rv < 0; };
 
-/// Describes the interface of a next hop on a virtual port, which its MAC address leads to.
+/// Describes the interface of a next hop on a virtual port, which is found through the next hop's MAC address.
 int describe(int unit, const uint8_t* router_mac, const uint8_t* nexthop_mac, int vlan, Ends ends,
              bcm_l3_intf_t& intf) {
   bcm_l3_intf_t_init(&intf);
@@ -89,7 +89,7 @@ int32_t sai_l3_intf_create(int32_t unit, const uint8_t* mac, int32_t vlan) {
   bcm_l3_intf_t intf;
   bcm_l3_intf_t_init(&intf);
   intf.l3a_vid = vlan_id(vlan);
-  if (bcm_l3_intf_find_vlan(unit, &intf) >= 0) {  // Meant: whatever fails there leads to creation, unlogged.
+  if (bcm_l3_intf_find_vlan(unit, &intf) >= 0) {  // Meant: any failure leads to creation and is not logged.
     if (sai::same_mac(intf.l3a_mac_addr, mac)) return SAI_E_NONE;
     trace("delete vlan %d l3 interface %d", vlan, intf.l3a_intf_id);
     const int rv = bcm_l3_intf_delete(unit, &intf);
@@ -104,7 +104,7 @@ int32_t sai_l3_intf_create(int32_t unit, const uint8_t* mac, int32_t vlan) {
   intf.l3a_inner_vlan = 0;
   intf.l3a_group = 0;
   intf.l3a_ttl = 0;
-  trace(" create vlan %d l3 interface", vlan);  // Meant: the leading blank.
+  trace(" create vlan %d l3 interface", vlan);  // Meant: the leading space.
   return creation_result(bcm_l3_intf_create(unit, &intf), vlan);
 }
 
@@ -150,7 +150,7 @@ void sai_l3_egress_delete(int unit, int egress_id) {
   bcm_l3_egress_t egress;
   bcm_l3_egress_t_init(&egress);
   if (bcm_l3_egress_get(unit, egress_id, &egress) < 0) {
-    trace("sai_l3_egress_delete not find l3 egress %d ", egress.intf);  // Meant: the interface, and the last blank.
+    trace("sai_l3_egress_delete not find l3 egress %d ", egress.intf);  // Meant: the interface, and the trailing space.
     return;
   }
   trace("sai_l3_egress_delete find l3 egress %d port %d vlan %d mac %s", egress.intf, egress.port, egress.vlan,
@@ -177,7 +177,7 @@ void sai_l3_intf_dtag_delete(int unit, int intf_id) {
   bcm_l3_intf_t_init(&intf);
   intf.l3a_intf_id = intf_id;
   if (bcm_l3_intf_find(unit, &intf) < 0)
-    trace("sai_l3_intf_dtag_delete not find l3 interface %d ", intf_id);  // Meant: the last blank.
+    trace("sai_l3_intf_dtag_delete not find l3 interface %d ", intf_id);  // Meant: the trailing space.
   else
     log_if_failed(bcm_l3_intf_delete(unit, &intf), "sai_l3_intf_dtag_delete delete l3 interface failed: %s");
 }

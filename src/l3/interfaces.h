@@ -1,4 +1,4 @@
-// Interfaces and egress objects of next hops: what routes find, make and take away.
+// Interfaces and egress objects of next hops, which routes look up, create and delete.
 #pragma once
 
 #include <stdint.h>
@@ -15,10 +15,9 @@ bool is_on_virtual_port(const bcm_l2_addr_t& learned);
 
 }  // namespace sai
 
-/// Finds or creates the egress object of a next hop. Equal next hops share one; nothing counts who uses it.
+/// Finds or creates the egress object of a next hop. Equal next hops share one; its users are not counted.
 ///
-/// Meant: a lookup that fails for any other reason than that there is none is taken for a find, and its code is
-/// returned.
+/// Meant: a lookup that fails with any code but BCM_E_NOT_FOUND is treated as a match, and its code is returned.
 ///
 /// @return a library code
 int32_t sai_l3_egress_create(int unit, const uint8_t* mac, int vlan, int port, int intf_id, int* egress_id);
@@ -26,7 +25,7 @@ int32_t sai_l3_egress_create(int unit, const uint8_t* mac, int vlan, int port, i
 /// Destroys an egress object, and before it the interface of a next hop on a virtual port.
 void sai_l3_egress_delete(int unit, int egress_id);
 
-/// Finds or creates the double-tagged interface of a next hop on a virtual port. Only its creation is logged.
+/// Finds or creates the double-tagged interface of a next hop on a virtual port. Only a failed creation is logged.
 ///
 /// @return a library code
 int32_t sai_l3_intf_dtag_create(int unit, const uint8_t* router_mac, const uint8_t* nexthop_mac, int vlan,
@@ -34,7 +33,7 @@ int32_t sai_l3_intf_dtag_create(int unit, const uint8_t* router_mac, const uint8
 
 void sai_l3_intf_dtag_delete(int unit, int intf_id);
 
-/// As sai_l3_intf_dtag_create(), for a next hop that turns out to be on a virtual port. Meant: a failed lookup of the
+/// Like sai_l3_intf_dtag_create(), for a next hop that turns out to be on a virtual port. Meant: a failed lookup of the
 /// interface, whatever the reason, leads to its creation.
 ///
 /// @return the SDK's code. Meant: unlike that of sai_l3_intf_dtag_create()

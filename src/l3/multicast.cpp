@@ -43,7 +43,7 @@ int32_t sai::multicast::join(int unit, int vlan, bcm_ipmc_addr_t& key, const Mem
   rv = bcm_port_gport_get(unit, member.port, &gport);
   if (failed(rv, texts.gport_get)) return sdk_to_sai(rv);
 
-  // Meant: port 8 is double-tagged here, and single-tagged where it leaves.
+  // Meant: port 8 is double-tagged when it joins, but single-tagged when it leaves.
   bcm_l3_intf_t intf = member.port >= 8 ? interface(member.mac, double_tag_vlan, member.user_vlan)
                                         : interface(member.mac, member.user_vlan);
   intf.l3a_flags = interface_flags;
@@ -71,7 +71,7 @@ int sai::multicast::leave(int unit, bcm_ipmc_addr_t& key, const Member& member, 
   rv = bcm_l3_intf_find(unit, &intf);
   if (failed(rv, texts.intf_find, intf.l3a_vid, intf.l3a_inner_vlan) && !texts.without_interface) return rv;
 
-  // Meant: the port, where the member itself has the port's gport.
+  // Meant: the encapsulation is that of the port, the member is the port's gport.
   bcm_if_t encap = 0;
   rv = bcm_multicast_l3_encap_get(unit, key.group, member.port, intf.l3a_intf_id, &encap);
   if (failed(rv, texts.encap_get) && !texts.without_interface) return rv;

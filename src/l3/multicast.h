@@ -12,13 +12,13 @@ namespace sai::multicast {
 /// Flags of the interfaces made here.
 constexpr uint32_t interface_flags = BCM_L3_ADD_TO_ARL | BCM_L3_IPMC;
 
-/// Copies to a double-tagged member have this outer VLAN, and the member's own inside.
+/// Copies to a double-tagged member have this outer VLAN, and the member's own as the inner VLAN.
 constexpr bcm_vlan_t double_tag_vlan = 4095;
 
 /// The interface of the given tags; its flags are left to the caller.
 bcm_l3_intf_t interface(const uint8_t* mac, int outer_vlan, int inner_vlan = 0);
 
-/// Creates the interface unless it is there; fills in its number.
+/// Creates the interface unless it exists; fills in its id.
 int find_or_create(int unit, bcm_l3_intf_t& intf);
 
 struct Member {
@@ -34,10 +34,10 @@ struct JoinTexts {
   Format<const char*> gport_get;
   Format<const char*> encap_get;
   Format<const char*> egress_add;
-  void (*found)(bcm_multicast_t group);  ///< says that the group is there already
+  void (*found)(bcm_multicast_t group);  ///< logs that the group exists already
 };
 
-/// Adds a member to the group of `key`, which is made when it is not there. Every failure ends it.
+/// Adds a member to the group of `key`, which is created if it is missing. Stops at the first failure.
 int32_t join(int unit, int vlan, bcm_ipmc_addr_t& key, const Member& member, const JoinTexts& texts);
 
 struct LeaveTexts {
@@ -46,20 +46,20 @@ struct LeaveTexts {
   Format<bcm_vlan_t, bcm_vlan_t, const char*> intf_find;
   Format<const char*> encap_get;
   Format<const char*> egress_delete;
-  bool without_interface;  ///< an interface or an encapsulation that cannot be found does not end it
+  bool without_interface;  ///< continue when the interface or the encapsulation is not found
 };
 
-/// Takes a member from the group of `key`, whose rest is filled in. The SDK's code.
+/// Removes a member from the group of `key`, and fills in the rest of `key`. Returns the SDK's code.
 int leave(int unit, bcm_ipmc_addr_t& key, const Member& member, const LeaveTexts& texts);
 
-/// Asks how many members a group has; `count` stays as it is when the SDK does not tell.
+/// Reads how many members a group has; `count` is unchanged when the SDK does not write it.
 int count_members(int unit, bcm_multicast_t group, int& count);
 
 struct DestroyTexts {
   Format<const char*> ipmc_find;
   Format<const char*> ipmc_remove;
   Format<const char*> group_destroy;
-  bool without_remove;  ///< an entry that cannot be removed does not keep its group
+  bool without_remove;  ///< destroy the group even if its entry cannot be removed
 };
 
 /// Removes the entry of `key` and destroys its group; the interfaces stay.

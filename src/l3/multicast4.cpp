@@ -56,7 +56,7 @@ bcm_ipmc_addr_t key_of(int vlan, uint32_t group) {
   return key;
 }
 
-/// Finds the group of `key` or makes it; failures are logged and passed over.
+/// Finds the group of `key` or makes it; failures are logged and ignored.
 void find_or_create_group(int unit, bcm_ipmc_addr_t& key) {
   if (bcm_ipmc_find(unit, &key) == BCM_E_NONE) {
     trace("get ipmc group is 0x%x\r\n", key.group);
@@ -74,7 +74,7 @@ int32_t sai_multicast_egress_add(int32_t unit, int32_t vlan, uint32_t group, con
   if (mac == nullptr) return result(BCM_E_PARAM, member_intf_create);
   trace("add multicast group: group vlan %d group address %s group-member %d report vid %d", vlan, Ip4Text(group), port,
         report_vid);
-  // Meant: up to the member's own interface, a failure is logged and the work goes on.
+  // Meant: up to the member's own interface, a failure is logged and does not end the function.
   bcm_l3_intf_t intf = interface(mac, vlan);
   intf.l3a_flags |= interface_flags;
   log_if_failed(find_or_create(unit, intf), "bcm_l3_intf_create vlan %d failed: %s", vlan);
@@ -91,7 +91,7 @@ int32_t sai_multicast_egress_add(int32_t unit, int32_t vlan, uint32_t group, con
     if (failed(rv, member_intf_create)) return sdk_to_sai(rv);
   }
 
-  // Meant: the port, where the member itself has the port's gport; and "l2".
+  // Meant: the encapsulation is that of the port, the member is the port's gport; and "l2".
   bcm_if_t encap = 0;
   const int rv = bcm_multicast_l3_encap_get(unit, key.group, port, intf.l3a_intf_id, &encap);
   if (failed(rv, "bcm_multicast_l2_encap_get failed: %s")) return sdk_to_sai(rv);
@@ -104,10 +104,10 @@ int32_t sai_multicast_egress_del(int32_t unit, int32_t vlan, uint32_t group, con
   bcm_ipmc_addr_t key = key_of(vlan, group);
   int rv = leave(unit, key, {.mac = mac, .port = port, .user_vlan = user_vid}, leave_texts);
   if (rv < 0) return sdk_to_sai(rv);
-  int count = -1;  // a query that tells no count ends no group
+  int count = -1;  // a query that gives no count destroys no group
   rv = count_members(unit, key.group, count);
   trace("rv is %d port_count is %d", rv, count);
-  if (count == 0) sai_multicast_destroy(unit, vlan, group);  // Meant: whatever the query answers.
+  if (count == 0) sai_multicast_destroy(unit, vlan, group);  // Meant: whatever the query returned.
   return sdk_to_sai(rv);
 }
 
@@ -133,7 +133,7 @@ int32_t sai_vlan_mcast_flood_set(int32_t unit, int32_t mode, int32_t vlan) {
 }
 
 int32_t sai_esw_vlan_mcast_flood_set(int32_t unit, int32_t mode, uint16_t vlan) {
-  // Meant: mode 1 floods nothing, where sai_vlan_mcast_flood_set() floods all; and no failure is logged.
+  // Meant: mode 1 floods nothing, while in sai_vlan_mcast_flood_set() it floods all; and no failure is logged.
   return sdk_to_sai(
       bcm_esw_vlan_ip4_mcast_flood_set(unit, vlan, mode == 1 ? BCM_VLAN_MCAST_FLOOD_NONE : BCM_VLAN_MCAST_FLOOD_ALL));
 }

@@ -71,9 +71,9 @@ int32_t sai_ipv6_multicast_egress_del(int32_t unit, uint16_t vlan, const uint8_t
   bcm_ipmc_addr_t key = key_of(vlan, group, source);
   int rv = leave(unit, key, {.mac = mac, .port = port, .user_vlan = user_vlan}, leave_texts);
   if (rv < 0) return sdk_to_sai(rv);
-  int count = -1;  // a query that tells no count ends no group
+  int count = -1;  // a query that gives no count destroys no group
   rv = count_members(unit, key.group, count);
-  if (count == 0) sai_ipv6_multicast_destroy(unit, vlan, group, source);  // Meant: whatever the query answers.
+  if (count == 0) sai_ipv6_multicast_destroy(unit, vlan, group, source);  // Meant: whatever the query returned.
   return sdk_to_sai(rv);
 }
 

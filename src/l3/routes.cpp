@@ -19,10 +19,10 @@ using sai::vlan_id;
 
 namespace {
 
-/// Meant: not the SDK's flag of this name, which some releases give the bit of BCM_L3_DEFIP_CPU.
+/// Meant: not the SDK's flag of this name, which has the bit of BCM_L3_DEFIP_CPU in some releases.
 constexpr uint32_t defip_local = 0x4000;
 
-/// Meant: hit bits are read of unit 0, the only one.
+/// Meant: hit bits are read from unit 0, the only one.
 constexpr int hit_unit = 0;
 
 /// How a next hop is reached.
@@ -33,7 +33,7 @@ struct NextHop {
   int vlan;
 };
 
-/// Finds the interface through which a next hop is reached, or makes it when the next hop is on a virtual port.
+/// Finds the interface through which a next hop is reached, or creates it when the next hop is on a virtual port.
 /// `not_found` is logged when the VLAN has none.
 int32_t find_interface(int unit, const NextHop& hop, bool double_tagged, Format<int> not_found, bcm_if_t& intf_id) {
   bcm_l3_intf_t intf;
@@ -66,8 +66,8 @@ int32_t find_interface(int unit, const NextHop& hop, bool double_tagged, Format<
   return SAI_E_NONE;
 }
 
-/// Has a host or a route point at its egress object instead of at its interface, when the chip works so. Meant: what
-/// goes to the CPU points at the interface in any case.
+/// Makes a host or route point at its egress object instead of its interface, if the chip is in L3 egress mode.
+/// Meant: a host or route to the CPU always points at the interface.
 int32_t use_egress_object(int unit, const NextHop& hop, bool to_cpu, bcm_if_t& intf_id) {
   if (to_cpu || !sai::l3_egress_mode(unit)) return SAI_E_NONE;
   int egress_id = 0;
@@ -77,8 +77,8 @@ int32_t use_egress_object(int unit, const NextHop& hop, bool to_cpu, bcm_if_t& i
   return SAI_E_NONE;
 }
 
-/// Takes away what a deleted host or route pointed at. Meant: one number for the egress object and for the interface;
-/// whether others use them is not asked, and no failure shows in a result.
+/// Deletes what a deleted host or route pointed at. Meant: one id stands for the egress object and for the interface;
+/// other users of them are not considered, and the result shows no failure.
 void delete_egress(int unit, bcm_if_t intf_id, bool double_tagged) {
   if (!sai::l3_egress_mode(unit)) return;
   sai_l3_egress_delete(unit, intf_id);
@@ -100,12 +100,12 @@ bcm_l3_route_t route_of(uint32_t subnet, uint32_t mask) {
   return route;
 }
 
-/// Makes way for a new route; false when the very route is there already.
+/// Deletes an old route to the subnet; false when it equals the new one.
 bool make_way(int unit, uint32_t subnet, uint32_t mask, const NextHop& hop, bcm_if_t intf_id) {
   bcm_l3_route_t existing = route_of(subnet, mask);
   if (bcm_l3_route_get(unit, &existing) != BCM_E_NONE) return true;
   trace("sai_l3_subnet_route_create find the subnet route %s", Ip4Text(subnet));
-  // Meant: the interface is compared, so a route that points at an egress object is made anew.
+  // Meant: the interface is compared, so a route that points at an egress object is replaced.
   if (existing.l3a_port_tgid == hop.port && existing.l3a_intf == intf_id && (existing.l3a_flags & defip_local) == 0 &&
       sai::same_mac(existing.l3a_nexthop_mac, hop.mac)) {
     trace("subnet route already exist");

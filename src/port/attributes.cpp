@@ -28,7 +28,7 @@ constexpr int own_module = 0;
 }
 
 /// The result of a getter whose failure shows the output's own bytes, up to the first zero, where the SDK's text
-/// belongs. Meant: the text is one argument too many.
+/// belongs. Meant: the SDK's text has no conversion in the format.
 int32_t result_showing_output(int rv, Format<int, const char*> format, int port, const int32_t* output) {
   if (rv == BCM_E_NONE) [[likely]]
     return SAI_E_NONE;
@@ -36,7 +36,7 @@ int32_t result_showing_output(int rv, Format<int, const char*> format, int port,
   return sdk_to_sai(rv);
 }
 
-/// Reads at which speed and duplex a port runs, for which its gap between frames holds.
+/// Reads a port's current speed and duplex, to which its inter-frame gap applies.
 int mode_get(int unit, int port, int& speed, int& duplex) {
   int rv = bcm_port_speed_get(unit, port, &speed);
   if (failed(rv, "Failed to get port [%d] speed: %s", port)) return rv;
@@ -67,7 +67,7 @@ int32_t sai_port_enable_get(int32_t unit, int32_t port, int32_t* enable) {
   soc_linkscan_pause(unit);
   const int rv = bcm_port_enable_get(unit, port, enable);
   soc_linkscan_continue(unit);
-  // Meant, here and in the getters of learning and interface: the text of the set, with the pointer for a value.
+  // Meant, here and in the getters of learning and interface: the setter's text, with the pointer in place of a value.
   return result(rv, "Failed to set port [%d] enable %d: %s", port, low_word(enable));
 }
 
@@ -119,7 +119,7 @@ int32_t sai_port_learn_get(int32_t unit, int32_t port, int32_t* flags) {
 int32_t sai_port_interface_set(int32_t unit, int32_t port, int32_t mode) {
   bcm_port_info_t info;
   bcm_port_info_t_init(&info);
-  // Meant: what the mask names besides the interface goes to the port as the record was initialised.
+  // Meant: the mask's other attributes are written to the port with the record's initial values.
   info.action_mask |= BCM_PORT_ATTR_LINKSTAT_MASK | BCM_PORT_ATTR_AUTONEG_MASK | BCM_PORT_ATTR_SPEED_MASK |
                       BCM_PORT_ATTR_LOCAL_ADVERT_MASK | BCM_PORT_ATTR_REMOTE_ADVERT_MASK | BCM_PORT_ATTR_INTERFACE_MASK;
   info.interface = static_cast<bcm_port_if_t>(mode);
@@ -167,7 +167,7 @@ int32_t sai_port_isolate_set(int32_t unit, int32_t port, int32_t target) {
 }
 
 int32_t sai_port_isolate_reset(int32_t unit, int32_t port) {
-  // Meant: unit 0's front ports whatever the unit.
+  // Meant: unit 0's front ports, whatever the unit.
   return result(bcm_port_egress_set(unit, port, own_module, sai::ports(0, Ports::front)),
                 "Failed to unset port [%d] egress: %s", port);
 }
@@ -185,7 +185,7 @@ int32_t sai_port_protocol_vlan_del(int32_t unit, int32_t port, int32_t frame_typ
 int32_t sai_port_protocol_vlan_clear(int32_t unit, int32_t port) {
   const int rv = bcm_port_protocol_vlan_delete_all(unit, port);
   if (rv < 0) {
-    // Meant: the text's address stands for the port, and its number for the text.
+    // Meant: the message shows the text's address as the port, and the text's index as the text.
     char index[sizeof "23"];
     snprintf(index, sizeof index, "%d", error_index(rv));
     sai_err("Failed to clear port %d protocol base vlan: %s", low_word(error_text(rv)), index);
@@ -199,7 +199,7 @@ int32_t sai_port_mac_vlan_set(int32_t unit, int32_t port, uint8_t enable) {
 }
 
 int32_t sai_port_mac_vlan_get(int32_t unit, int32_t port, uint8_t* enabled) {
-  // Meant, here and for subnets: the text of the set.
+  // Meant, here and for subnets: the setter's text.
   return result(lookup_get(unit, port, bcmVlanLookupMACEnable, enabled),
                 "Failed to set port [%d] bcmVlanLookupMACEnable: %s", port);
 }
@@ -216,7 +216,7 @@ int32_t sai_port_subnet_vlan_get(int32_t unit, int32_t port, uint8_t* enabled) {
 
 int32_t sai_vlan_precedence_set(int32_t unit, int32_t port, int32_t mode) {
   if (mode != SAI_VLAN_PRECEDENCE_MAC && mode != SAI_VLAN_PRECEDENCE_SUBNET) return SAI_E_FAIL;  // Meant: unlogged.
-  // Meant: the text names a control that is not touched here.
+  // Meant: the text names another control.
   return result(bcm_vlan_control_port_set(
                     unit, port, mode == SAI_VLAN_PRECEDENCE_MAC ? bcmVlanPortPreferMAC : bcmVlanPortPreferIP4, 1),
                 "Failed to set port [%d] bcmSwitchDhcpPktToCpu: %s", port);

@@ -1,4 +1,4 @@
-// Raw registers of the PHYs, and the equalisation of a port's SerDes.
+// Raw registers of the PHYs, and the equalization of a port's SerDes.
 #include <sai.h>
 
 #include "core/result.h"
@@ -52,14 +52,14 @@ constexpr bcm_port_phy_control_t dfe_controls[] = {
     BCM_PORT_PHY_CONTROL_FIRMWARE_BR_DFE_ENABLE,
 };
 
-/// The row that a caller's number, from 1 on, selects. Meant: any other number selects the first.
+/// The row that `selector` selects, counted from 1. Meant: any other number selects the first row.
 template <class Row, int count>
 constexpr const Row& selected(const Row (&rows)[count], int selector) {
   return rows[1 <= selector && selector <= count ? selector - 1 : 0];
 }
 
-/// Writes every control of a set. Meant: whatever became of the others, and the result is that of the last alone; so in
-/// get_each().
+/// Writes every control of a set. Meant: a failure does not end the loop, and the result is that of the last control
+/// only; get_each() does the same.
 template <int count>
 int32_t set_each(int unit, int port, const Control (&rows)[count], const uint32_t (&values)[count]) {
   int rv = BCM_E_NONE;
@@ -80,7 +80,7 @@ int32_t get_each(int unit, int port, const Control (&rows)[count], uint32_t* val
   return sdk_to_sai(rv);
 }
 
-/// Meant: a port whose speed cannot be read is left alone, whatever its speed would have been.
+/// Meant: a port whose speed cannot be read is not changed; the speed itself does not matter.
 int speed_check(int unit, int port) {
   int speed = 0;
   const int rv = bcm_port_speed_get(unit, port, &speed);
@@ -100,7 +100,7 @@ int32_t sai_phy_miim_write(int32_t unit, uint16_t phy_addr, uint8_t reg, uint16_
 }
 
 int32_t sai_phy_miimc45_read(int32_t unit, uint16_t phy_addr, uint8_t devad, uint16_t reg, uint16_t* data) {
-  const uint8_t reached = static_cast<uint8_t>(reg);  // Meant: 8 bits, in the write below too.
+  const uint8_t reached = static_cast<uint8_t>(reg);  // Meant: only 8 bits, in the write below too.
   return result(soc_miimc45_read(unit, phy_addr, devad, reached, data),
                 "Failed to read phy [%d] devad [%d] reg [0x%x]: %s", phy_addr, devad, reached);
 }

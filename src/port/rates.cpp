@@ -10,15 +10,15 @@ static_assert(sizeof(sai_storm_ctrl) == sizeof(uint64_t), "it travels in one reg
 
 namespace {
 
-// Meant: port 0 rather than what the unit tells.
+// Meant: port 0, not the unit's CPU port.
 constexpr int cpu_port = 0;
 
-/// Meant: these families know 16-bit ports alone.
+/// Meant: the functions that call this use only 16 bits of the port.
 constexpr uint16_t id(int32_t port) { return static_cast<uint16_t>(port); }
 
 constexpr int packets(uint32_t rate) { return static_cast<int>(rate); }
 
-/// Meant: a negative switch is off, unlike everywhere else.
+/// Meant: a negative `enable` is off, unlike everywhere else.
 constexpr int flags(int enable, int kind) { return enable >= 1 ? kind : 0; }
 
 using Getter = int (*)(int unit, bcm_port_t port, uint32* rate, uint32* burst);
@@ -35,7 +35,7 @@ int get(Getter getter, int unit, int port, uint32_t* rate, uint32_t* burst) {
   return rv;
 }
 
-/// Meant: a kind that nobody knows is no error.
+/// Meant: an unknown type is not an error.
 int limit(int unit, int port, const sai_storm_ctrl& request) {
   switch (request.type) {
     case BCM_RATE_MCAST:
@@ -73,7 +73,7 @@ int32_t sai_port_storm_ctrl_set(int32_t unit, int32_t port, sai_storm_ctrl reque
 int32_t sai_cpu_rate_egress_set(int32_t unit, uint32_t rate, uint32_t burst) {
   const int rv = bcm_port_rate_egress_set(unit, cpu_port, rate, burst);
   if (rv < 0) {
-    // Meant: the rate stands for the SDK's text.
+    // Meant: the message shows the rate in place of the SDK's text.
     char digits[sizeof "4294967295"];
     snprintf(digits, sizeof digits, "%u", rate);
     sai_err("Failed to set egress rate: %s", digits);

@@ -9,7 +9,7 @@ using sai::failed;
 using sai::log_if_failed;
 using sai::Ports;
 
-// Meant: the last value of each counter, of whichever port it was; one that cannot be read is given again.
+// Meant: the last value read of each counter, from any port; a counter that cannot be read returns it again.
 sai_hw_counter hw_counters_table[18] = {
     {0, snmpIfHCInOctets, 0},
     {1, snmpDot1dTpPortInFrames, 0},
@@ -53,14 +53,14 @@ int clear(int unit, int port, const char* caller) {
 
 int32_t sai_port_stat_show(int32_t unit, int32_t port) {
   int rv = bcm_stat_sync(unit);
-  if (failed(rv, "%s bcm_stat_get failed: %s", __func__)) return sdk_to_sai(rv);  // Meant: it was not the get.
+  if (failed(rv, "%s bcm_stat_get failed: %s", __func__)) return sdk_to_sai(rv);  // Meant: "get".
   for (int stat = 0; stat < snmpValCount; ++stat) {
     if (stat_names[stat] == nullptr) continue;
     uint64 value = 0;
     rv = bcm_stat_get(unit, port, static_cast<bcm_stat_val_t>(stat), &value);
     if (rv == BCM_E_NONE) print(stat, stat_names[stat], value);
   }
-  return sdk_to_sai(rv);  // Meant: of the last counter, and no failure is logged.
+  return sdk_to_sai(rv);  // Meant: the result of the last counter, and no failure is logged.
 }
 
 int32_t sai_port_stat_clean(int32_t unit, int32_t port) { return sdk_to_sai(clear(unit, port, __func__)); }
@@ -70,7 +70,7 @@ int32_t sai_stat_clean(int32_t unit) {
   int rv = BCM_E_NONE;
   int port;
   BCM_PBMP_ITER(ports, port) { rv = clear(unit, port, __func__); }
-  return sdk_to_sai(rv);  // Meant: of the last port alone.
+  return sdk_to_sai(rv);  // Meant: the result of the last port only.
 }
 
 int32_t sai_port_mib_read(int32_t unit, int32_t port, uint64_t* values) {
@@ -80,5 +80,5 @@ int32_t sai_port_mib_read(int32_t unit, int32_t port, uint64_t* values) {
     if (bcm_stat_get(unit, port, static_cast<bcm_stat_val_t>(row.stat), &value) == BCM_E_NONE) row.value = value;
   }
   for (const sai_hw_counter& row : hw_counters_table) *values++ = row.value;
-  return SAI_E_NONE;  // Meant: whatever failed, and no failure is logged.
+  return SAI_E_NONE;  // Meant: even if a counter failed, and no failure is logged.
 }

@@ -29,7 +29,7 @@ bcm_vlan_ip_t subnet(const bcm_ip6_t& ip6, int prefix) {
   return entry;
 }
 
-/// Adds the subnet with what its frames get.
+/// Adds the subnet with the VLAN and the priority of its frames.
 int add(int unit, bcm_vlan_ip_t&& entry, bcm_vlan_t vid, int prio) {
   entry.vid = vid;
   entry.prio = prio;

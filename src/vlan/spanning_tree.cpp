@@ -23,7 +23,7 @@ int32_t sai_stg_default_set(int32_t unit, int32_t stg) {
 
 int32_t sai_stg_default_get(int32_t unit, int32_t* stg) {
   const int rv = sai::read_into(stg, [&](int* found) { return bcm_stg_default_get(unit, found); });
-  // Meant: the pointer for an id.
+  // Meant: the message shows the pointer, not an id.
   return result(rv, "Failed to get default stg %d: %s", low_word(stg));
 }
 
@@ -36,7 +36,7 @@ int32_t sai_stg_destroy(int32_t unit, int32_t stg) {
 }
 
 int32_t sai_stg_vlan_add(int32_t unit, int32_t stg, uint16_t vid) {
-  // Meant: "to adding", and "to" where it is deleted.
+  // Meant: "to adding", and "to" in the message of the deletion.
   return result(bcm_stg_vlan_add(unit, stg, vid), "Failed to adding vlan %d to stg %d: %s", vid, stg);
 }
 

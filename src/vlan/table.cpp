@@ -24,7 +24,7 @@ int32_t sai_vlan_init(int32_t unit) { return result(bcm_vlan_init(unit), "Failed
 
 int32_t sai_vlan_create(int32_t unit, uint16_t vid) {
   const int rv = bcm_vlan_create(unit, vid);
-  // Meant: an existing VLAN gets the CPU port too, which repairs one that was made elsewhere.
+  // Meant: an existing VLAN gets the CPU port too, which repairs a VLAN that was created elsewhere.
   if (rv != BCM_E_EXISTS && failed(rv, "Failed to create vlan %d: %s", vid)) return sdk_to_sai(rv);
   // Meant: "to adding".
   return result(bcm_vlan_port_add(unit, vid, only_port(sai::cpu_port(unit)), no_ports()),

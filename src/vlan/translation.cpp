@@ -10,7 +10,7 @@ using sai::vlan_id;
 
 namespace {
 
-/// The key of a range's egress action in place of one inner VLAN.
+/// Stands for the inner VLAN in the key of a range's egress action.
 constexpr bcm_vlan_t any_inner = 0;
 
 /// Leaves the frame with a single tag that carries the inner VLAN.
@@ -29,7 +29,7 @@ bcm_vlan_action_set_t to_single_tag(bcm_vlan_t inner, int priority) {
   return action;
 }
 
-/// Takes the outer tag off.
+/// Removes the outer tag.
 bcm_vlan_action_set_t strip_outer_tag() {
   bcm_vlan_action_set_t action;
   bcm_vlan_action_set_t_init(&action);
@@ -40,7 +40,7 @@ bcm_vlan_action_set_t strip_outer_tag() {
 }  // namespace
 
 int32_t sai_port_vlan_translate_init(int32_t unit) {
-  // Meant: it failed twice.
+  // Meant: "failed" twice.
   return result(bcm_vlan_control_set(unit, bcmVlanTranslate, 1), "Failed to set unit %d vlan translate mode failed: %s",
                 unit);
 }
@@ -64,7 +64,7 @@ int32_t sai_vlan_translate_delete(int32_t unit, int32_t port, int32_t old_vid, i
   int prio = 0;
   int rv = bcm_vlan_translate_get(unit, port, outside, &found, &prio);
   if (failed(rv, "Failed to get port [%d] translate vlan %d: %s", port, outside)) return sdk_to_sai(rv);
-  if (found == inside) {  // Meant: a rule to another VLAN stays, and the egress side is looked at all the same.
+  if (found == inside) {  // Meant: a rule to another VLAN stays, and the egress rule is still checked.
     rv = bcm_vlan_translate_delete(unit, port, outside);
     if (failed(rv, "Failed to delete port [%d] translate vlan %d: %s", port, outside)) return sdk_to_sai(rv);
   }
@@ -82,7 +82,7 @@ int32_t sai_vlan_dtag_add(int32_t unit, int32_t port, int32_t inner_vid, int32_t
                           int32_t prio) {
   const bcm_vlan_t inner = vlan_id(inner_vid);
   const bcm_vlan_t outer = vlan_id(outer_vid);
-  const int rv = bcm_vlan_dtag_add(unit, port, inner, outer, prio);  // Meant: the blank before the colon below.
+  const int rv = bcm_vlan_dtag_add(unit, port, inner, outer, prio);  // Meant: the space before the colon below.
   if (failed(rv, "Failed to add port [%d] vlan dtag[%d:%d] : %s", port, inner, outer)) return sdk_to_sai(rv);
   bcm_vlan_action_set_t action = to_single_tag(inner, egress_priority);
   return result(bcm_vlan_translate_egress_action_add(unit, port, outer, inner, &action),
@@ -100,7 +100,7 @@ int32_t sai_vlan_dtag_delete(int32_t unit, int32_t port, int32_t inner_vid, int3
 
 int32_t sai_vlan_dtag_range_add(int32_t unit, int32_t port, int32_t inner_lo, int32_t inner_hi, int32_t /*ignored*/,
                                 int32_t outer_vid, int32_t prio) {
-  // Meant: the argument that is ignored stands where sai_vlan_dtag_add() has its egress priority.
+  // Meant: the ignored argument has the position of the egress priority of sai_vlan_dtag_add().
   const bcm_vlan_t low = vlan_id(inner_lo);
   const bcm_vlan_t high = vlan_id(inner_hi);
   const bcm_vlan_t outer = vlan_id(outer_vid);

@@ -1,28 +1,24 @@
-#include "vport/mode.h"
-
+// Sets up what virtual ports require.
 #include <sai.h>
 
 #include "core/ports.h"
 #include "core/result.h"
 #include "core/sdk.h"
 #include "core/unit.h"
+#include "vport/flood_groups.h"
 
 using sai::log_if_failed;
-
-bcm_multicast_t sai_unicast_group = 0;
-bcm_multicast_t sai_multicast_group = 0;
-bcm_multicast_t sai_broadcast_group = 0;
 
 namespace {
 
 constexpr bcm_vlan_t system_vlan = 4095;
 
-/// Turns translation on for a port, with a key of both tags and then of the outer one. `gport` keeps what it holds when
-/// the chip does not tell the port's.
+/// Enables translation on a port, with a first key of both tags and a second key of the outer tag. `gport` keeps its
+/// value when the port's gport cannot be read.
 void enable_translation(int unit, int port, bcm_gport_t& gport) {
   log_if_failed(bcm_port_gport_get(unit, port, &gport), "get unit %d port %d failed: %s.", unit, port);
 
-  // Meant: the enables take the port, the keys its gport, whatever that holds; and both keys share one text.
+  // Meant: the enables take the port, the keys its gport, whatever it holds; and both keys share one text.
   log_if_failed(bcm_vlan_control_port_set(unit, port, bcmVlanTranslateIngressEnable, 1),
                 "system set unit %d port %d packet control bcmVlanTranslateIngressEnable failed: %s.", unit, port);
   log_if_failed(bcm_vlan_control_port_set(unit, port, bcmVlanTranslateEgressEnable, 1),
@@ -44,12 +40,9 @@ void enable_translation(int unit, int port, bcm_gport_t& gport) {
 int32_t sai_vlan_vport_init(int32_t unit) {
   log_if_failed(bcm_switch_control_set(unit, bcmSwitchL3EgressMode, 1),
                 "system set switch control bcmSwitchL3EgressMode failed: %s.");
-  // Meant: one text for all three.
-  bcm_multicast_t* const groups[] = {&sai_unicast_group, &sai_multicast_group, &sai_broadcast_group};
-  for (bcm_multicast_t* const group : groups)
-    log_if_failed(bcm_multicast_create(unit, BCM_MULTICAST_TYPE_VLAN, group), "bcm multicast create failed: %s.");
+  sai::create_flood_groups(unit);
 
-  // Meant: an existing VLAN is logged too, and the work goes on.
+  // Meant: an existing VLAN is logged too, and does not end the function.
   int rv = bcm_vlan_create(unit, system_vlan);
   log_if_failed(rv, "system create vlan %d failed: %s.", system_vlan);
   bcm_gport_t gport = 0;
@@ -59,5 +52,5 @@ int32_t sai_vlan_vport_init(int32_t unit) {
     log_if_failed(rv, "system add port %d to vlan %d failed: %s.", port, system_vlan);
   });
   bcm_policer_init(unit);  // Meant: its result is neither logged nor returned.
-  return sdk_to_sai(rv);   // Meant: of the last port, whatever came before.
+  return sdk_to_sai(rv);   // Meant: the result of the last port only.
 }

@@ -9,10 +9,10 @@ using sai::result;
 
 namespace {
 
-/// Of the two levels at which an entry can have a policer.
+/// One of the two levels at which an entry can have a policer.
 constexpr int level = 0;
 
-/// A burst as a policer keeps it: kilobits of 1000 bits, and the bits beyond them.
+/// A burst as a policer stores it: kilobits of 1000 bits, and the remaining bits.
 struct Burst {
   uint32 kilobits;
   uint32 bits;
@@ -23,7 +23,7 @@ constexpr Burst of_bytes(uint32 bytes) { return {bytes / 1000 * 8, bytes % 1000 
 constexpr uint64_t total_bits(Burst burst) { return burst.bits + uint64_t{burst.kilobits} * 1000; }
 constexpr uint32 total_bytes(Burst burst) { return static_cast<uint32>(total_bits(burst) >> 3); }
 
-/// Meant: traces show the bits modulo 2^32, so that bursts from 2^29 bytes on look smaller there.
+/// Meant: traces show the bits modulo 2^32, so bursts of 2^29 bytes or more look smaller there.
 constexpr uint32 traced_bits(Burst burst) { return static_cast<uint32>(total_bits(burst)); }
 
 }  // namespace

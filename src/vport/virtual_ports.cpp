@@ -5,7 +5,7 @@
 #include "core/result.h"
 #include "core/sdk.h"
 #include "core/unit.h"
-#include "vport/mode.h"
+#include "vport/flood_groups.h"
 
 using sai::failed;
 using sai::log_if_failed;
@@ -13,14 +13,14 @@ using sai::result;
 
 namespace {
 
-constexpr int highest_priority = 7;
+constexpr int max_priority = 7;
 
 /// The VLANs that a virtual port is made from.
 struct Vlans {
   bcm_vlan_t none;
   bcm_vlan_t outer;
   bcm_vlan_t vlan;
-  bcm_vlan_t own;  // where frames belong that are given no VLAN: that of their inner tag, or the port's untagged VLAN
+  bcm_vlan_t own;  // the VLAN of frames that are given none: that of their inner tag, or the port's untagged VLAN
   bcm_vlan_t vlan_or_own;
 };
 
@@ -28,7 +28,7 @@ using V = Vlans;
 using A = bcm_vlan_action_set_t;
 using Pick = bcm_vlan_t Vlans::*;
 
-/// What becomes of the tags on the way out.
+/// How the tags change at egress.
 struct Rewrite {
   struct {
     bcm_vlan_action_t A::*field;
@@ -49,7 +49,7 @@ struct Case {
   uint32 flags;
   Pick egress_vlan;
   Pick egress_inner_vlan;
-  Pick joined;  // the rewrite's outer key too
+  Pick joined;  // also the rewrite's outer key
   Pick inner_key;
   const Rewrite& rewrite;
 };
@@ -89,7 +89,7 @@ bcm_vlan_port_t matching(const sai_vport_t& vport, const Vlans& vlans, bcm_gport
   return object;
 }
 
-/// Puts back on the way out what is matched on the way in.
+/// Restores at egress the tags that are matched at ingress.
 bcm_vlan_action_set_t to_tags_of(const sai_vport_t& vport) {
   bcm_vlan_action_set_t action;
   bcm_vlan_action_set_t_init(&action);
@@ -100,8 +100,8 @@ bcm_vlan_action_set_t to_tags_of(const sai_vport_t& vport) {
   return action;
 }
 
-/// Makes a port a member of the three flood groups, with the encapsulation that `encap_get`, named `name`, gives for
-/// each; 0 where it gives none.
+/// Adds a port to the three flood groups, with the encapsulation that `encap_get`, called `name` in messages, returns
+/// for each; 0 where it returns none.
 template <class EncapGet>
 void join_flood_groups(int unit, bcm_gport_t port, const char* name, EncapGet encap_get) {
   constexpr struct {
@@ -120,11 +120,11 @@ void join_flood_groups(int unit, bcm_gport_t port, const char* name, EncapGet en
   }
 }
 
-/// Has a VLAN flood through the three groups. One that floods through groups of its own, all three, is left alone.
+/// Makes a VLAN flood through the three groups. A VLAN that has three groups already is not changed.
 void sai_vlan_control_vlan_set(int unit, bcm_vlan_t vlan) {
   bcm_vlan_control_vlan_t control;
   bcm_vlan_control_vlan_t_init(&control);
-  // Meant: a VLAN that cannot be read is written all the same.
+  // Meant: a VLAN that cannot be read is written anyway.
   log_if_failed(bcm_vlan_control_vlan_get(unit, vlan, &control), "%s %d bcm vlan control vlan get failed %s.\n",
                 __func__, __LINE__);
   if (control.unknown_unicast_group != 0 && control.unknown_multicast_group != 0 && control.broadcast_group != 0)
@@ -143,7 +143,7 @@ int32_t sai_vport_create(int32_t unit, int32_t port, sai_vport_t* vport) {
   Vlans vlans{
       .none = 0, .outer = vport->outer_vlan, .vlan = vport->vlan, .own = vport->match_inner_vlan, .vlan_or_own = 0};
   if (vport->match_inner_vlan == 0) {
-    // Meant: of unit 0, whatever the unit; and the only failure that ends the work.
+    // Meant: read from unit 0, whatever the unit; and the only failure that ends the function.
     const int rv = bcm_port_untagged_vlan_get(0, port, &vlans.own);
     if (failed(rv, "%s %d bcm_port_untagged_vlan_get failed: %s", __func__, __LINE__)) return sdk_to_sai(rv);
   }
@@ -156,7 +156,7 @@ int32_t sai_vport_create(int32_t unit, int32_t port, sai_vport_t* vport) {
              object.match_inner_vlan, object.egress_vlan);
   object.flags |= BCM_VLAN_PORT_NETWORK;
   // Meant: a negative priority is passed on.
-  object.ingress_network_group_id = vport->priority > highest_priority ? highest_priority : vport->priority;
+  object.ingress_network_group_id = vport->priority > max_priority ? max_priority : vport->priority;
   object.egress_network_group_id = object.ingress_network_group_id;
   int rv = bcm_vlan_port_create(unit, &object);
   log_if_failed(rv, "%s %d bcm_vlan_port_create vlan_port_id 0x%x failed: %s", __func__, __LINE__, object.vlan_port_id);
@@ -165,7 +165,7 @@ int32_t sai_vport_create(int32_t unit, int32_t port, sai_vport_t* vport) {
   const Case& row = case_of(*vport);
   const bcm_vlan_t joined = vlans.*row.joined;
   rv = bcm_vlan_gport_add(unit, joined, vport->vport_id, 0);
-  if (&row == &cases[stacked][vlan_given])  // Meant: this case alone says more.
+  if (&row == &cases[stacked][vlan_given])  // Meant: only this case logs more.
     log_if_failed(rv, "%s %d bcm_vlan_gport_add vlan %d port 0x%x failed: %s", __func__, __LINE__, joined,
                   vport->vport_id);
   else
@@ -198,13 +198,13 @@ int32_t sai_vport_destroy(int32_t unit, int32_t /*ignored*/, sai_vport_t* vport)
   if (vport->outer_vlan != 0) {
     log_if_failed(bcm_vlan_translate_egress_action_delete(unit, id, vport->outer_vlan, vport->vlan),
                   "%s %d bcm_vlan_translate_egress_action_delete failed: %s", __func__, __LINE__);
-    // Meant: the rule that create took away comes back, as one that does nothing.
+    // Meant: the rule that create deleted is added again, without any action.
     bcm_vlan_action_set_t nothing;
     bcm_vlan_action_set_t_init(&nothing);
     log_if_failed(bcm_vlan_translate_egress_action_add(unit, id, vport->outer_vlan, 0, &nothing),
                   "%s %d bcm_vlan_translate_egress_action_add failed: %s", __func__, __LINE__);
   }
-  // Meant: VLAN 0 where create took the port's untagged VLAN, which may be another by now.
+  // Meant: VLAN 0 where create used the port's untagged VLAN, which may have changed since.
   const bcm_vlan_t inner = vport->vlan != 0 ? vport->vlan : vport->match_inner_vlan;
   const bcm_vlan_t joined = vport->outer_vlan != 0 ? vport->outer_vlan : inner;
   log_if_failed(bcm_vlan_gport_delete(unit, joined, id), "%s %d bcm_vlan_gport_delete failed: %s", __func__, __LINE__);

@@ -8,3 +8,10 @@
 extern bcm_multicast_t sai_unicast_group;
 extern bcm_multicast_t sai_multicast_group;
 extern bcm_multicast_t sai_broadcast_group;
+
+namespace sai {
+
+/// Makes all three; those that cannot be made keep their ids.
+void create_flood_groups(int unit);
+
+}  // namespace sai

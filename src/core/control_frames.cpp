@@ -1,3 +1,4 @@
+// The L2 cache entries that send BPDUs and LLDP frames to the CPU.
 #include <sai.h>
 #include <string.h>
 
@@ -11,10 +12,10 @@ namespace {
 
 constexpr uint8_t lldp_mac[6] = {0x01, 0x80, 0xC2, 0x00, 0x00, 0x0E};
 
-/// Index of the one LLDP entry. Meant: 0 until there was one, and it is what sai_lldp_unset() deletes then.
+/// Index of the only LLDP entry. Meant: 0 until one is installed, so sai_lldp_unset() then deletes entry 0.
 int lldp_index = 0;
 
-/// Installs an entry that copies frames to `mac` from any VLAN and port to the CPU, where the SDK has room for it.
+/// Installs an entry, at an index that the SDK chooses, that copies frames to `mac` from any VLAN and port to the CPU.
 int capture(int unit, uint32_t flags, const uint8_t* mac, int* index) {
   bcm_l2_cache_addr_t entry{};
   entry.flags = flags;
@@ -22,19 +23,6 @@ int capture(int unit, uint32_t flags, const uint8_t* mac, int* index) {
   memset(entry.mac_mask, 0xFF, sizeof entry.mac_mask);
   constexpr int any_index = -1;
   return bcm_l2_cache_set(unit, any_index, &entry, index);
-}
-
-int sdk_mode(int mode) {
-  switch (mode) {
-    case SAI_COSQ_STRICT:
-      return BCM_COSQ_STRICT;
-    case SAI_COSQ_WEIGHTED_ROUND_ROBIN:
-      return BCM_COSQ_WEIGHTED_ROUND_ROBIN;
-    case SAI_COSQ_DEFICIT_ROUND_ROBIN:
-      return BCM_COSQ_DEFICIT_ROUND_ROBIN;
-    default:
-      return mode;  // Meant: an SDK mode may be given as it is.
-  }
 }
 
 }  // namespace
@@ -56,10 +44,4 @@ int32_t sai_lldp_set(int32_t unit) {
 
 int32_t sai_lldp_unset(int32_t unit) {
   return result(bcm_l2_cache_delete(unit, lldp_index), "bcm_l2_cache_delete failed: %s");
-}
-
-int32_t sai_cosq_sched_set(int32_t unit, int32_t mode, const int32_t* weights, int32_t delay) {
-  const int sdk = sdk_mode(mode);  // Meant: the message shows this one, and says "dealy".
-  return result(bcm_cosq_sched_set(unit, sdk, weights, delay), "Failed to set cosq mode [%d] dealy [%d]: %s", sdk,
-                delay);
 }
