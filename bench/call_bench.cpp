@@ -1,9 +1,9 @@
 // Each function of the library against the SDK calls that it makes, made directly, on an SDK that does nothing; with
 // debug lines off, and on to a file.
 //
-// Both sides are what a compiler makes of an application: calls by name, through the application's procedure linkage
-// table, with arguments that only the moment of the call knows, and a look at each result. Which calls a function makes
-// comes from recorder.cpp; so each function of sai.h is measured, without a list to keep up.
+// Both sides are compiled like an application: calls by name, through the application's procedure linkage table, with
+// arguments that are known only at run time, and a check of each result. recorder.cpp writes which calls a function
+// makes; so each function of sai.h is measured, without a list to maintain.
 #include <cstdio>
 #include <cstdlib>
 #include <initializer_list>
@@ -53,7 +53,7 @@ constexpr Row rows[] = {
 #include "rows.inc"
 };
 
-/// The ratios of those functions that make so many SDK calls.
+/// The ratios of the functions that make this number of SDK calls.
 struct Group {
   const char* name;
   int least;

@@ -1,4 +1,4 @@
-// The virtual chip's tables by the SDK's calls: additions and removals a second, and how much more one costs when the
+// The virtual chip's tables by the SDK's calls: additions and removals per second, and how much more one costs when the
 // table is nearly full than when it is nearly empty.
 #include <bcm/error.h>
 #include <bcm/field.h>
@@ -28,7 +28,7 @@ constexpr int port = 3;
 constexpr int rounds = 5;
 constexpr double growth_limit = 3;
 
-/// What the chip calls the entries that it numbers itself.
+/// The ids of the entries that the chip numbers itself.
 std::array<int, 8192> ids;
 
 bcm_field_group_t group;
@@ -101,7 +101,7 @@ int remove_field_entry(int i) {
   return rv == BCM_E_NONE ? bcm_field_entry_destroy(unit, entry) : rv;
 }
 
-/// VLANs but the one that is always there and the one that other tables use.
+/// All VLANs except the one that always exists and the one that other tables use.
 bcm_vlan_t vid(int i) { return static_cast<bcm_vlan_t>(11 + i); }
 
 int id(int i) { return ids[static_cast<std::size_t>(i)]; }
@@ -118,7 +118,7 @@ struct Table {
   int (*remove)(int i);
 };
 
-/// As many entries as go in whatever buckets they fall into.
+/// As many entries as fit, whatever buckets they fall into.
 constexpr Table tables[] = {
     {"VLANs", 4080, [](int i) { return bcm_vlan_create(unit, vid(i)); },
      [](int i) { return bcm_vlan_destroy(unit, vid(i)); }},
@@ -139,7 +139,7 @@ constexpr Table tables[] = {
     {"policers", 2040, add_policer, [](int i) { return bcm_policer_destroy(unit, id(i)); }},
 };
 
-/// What each of the entries from `first` to before `last` took.
+/// The time per entry, for the entries from `first` to before `last`.
 double measure(const Table& table, int (*work)(int i), int first, int last) {
   const double start = bench::thread_nanoseconds();
   for (int i = first; i < last; ++i) {
@@ -160,7 +160,7 @@ double print(const Table& table) {
     const auto both = [&](int first, int last) {
       return measure(table, table.add, first, last) + measure(table, table.remove, first, last);
     };
-    // The same entries each time, so that only what is in the table beside them differs.
+    // The same entries each time, so that only the other entries in the table differ.
     empty = std::min(empty, both(0, eighth));
     measure(table, table.add, eighth, table.entries);
     full = std::min(full, both(0, eighth));
@@ -171,7 +171,7 @@ double print(const Table& table) {
   return full / empty;
 }
 
-/// What entries refer to.
+/// Adds what entries refer to.
 void set_up() {
   bcm_field_qset_t qualifiers;
   BCM_FIELD_QSET_INIT(qualifiers);

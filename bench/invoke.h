@@ -10,12 +10,12 @@
 
 namespace bench {
 
-// Not static: the compiler may not know what is in them.
+// Not static: the compiler must not know their values.
 
-/// What numbers are taken from.
+/// The source of numbers.
 extern int number;
 
-/// What records are taken from, each word of them 1.
+/// The source of records; each word is 1.
 extern std::array<int, 1024> words;
 
 /// What every pointer points to. Zeros are a good record, address, name and bitmap to an SDK that does nothing.
@@ -47,7 +47,7 @@ struct Function {
   void (*call)();
 };
 
-/// Every function of sai.h but those of the log.
+/// Every function of sai.h except those of the log.
 constexpr Function functions[] = {
 #include "functions.inc"
 };

@@ -1,4 +1,4 @@
-// The MAC table at 1 K, 8 K and 32 K entries, which fill it to the last. Goal: the cost per entry grows at most 1.5
+// The MAC table at 1 K, 8 K and 32 K entries, which fill it completely. Goal: the cost per entry grows at most 1.5
 // times.
 #include <bcm/error.h>
 #include <bcm/l2.h>
@@ -35,7 +35,7 @@ std::vector<sai_l2_mac_entry_t> fill() {
     address.port = port;
     const int rv = bcm_l2_addr_add(unit, &address);
     bench::need(rv == BCM_E_NONE || rv == BCM_E_FULL, "bcm_l2_addr_add");
-    if (rv == BCM_E_NONE) result.push_back(entry);  // otherwise its bucket is full, which others are not
+    if (rv == BCM_E_NONE) result.push_back(entry);  // otherwise its bucket is full, but others are not
   }
   bcm_l2_addr_delete_by_vlan(unit, vlan, 0);
   std::ranges::shuffle(result, std::mt19937());

@@ -1,5 +1,5 @@
-// What the library costs a program before its first call: the time that loading it takes, and the pages that it makes
-// this process's own.
+// What the library costs a program before its first call: the time that loading it takes, and the pages that become
+// private to this process.
 #include <dlfcn.h>
 
 #include <algorithm>

@@ -22,7 +22,7 @@ int main() {
   if (direct == nullptr || sai_log_default->file == nullptr) return EXIT_FAILURE;
   sai_log_set_level(nullptr, SAI_LOG_FILE, SAI_LOG_ERRORS);
 
-  // What it writes is gone with the name; the file lives as long as it is open.
+  // The name is removed at once; the file exists as long as it is open.
   char name[] = "log_bench.XXXXXX";
   if (mkstemp(name) < 0) return EXIT_FAILURE;
   const auto other = spdlog::basic_logger_st("NONE", name);

@@ -6,7 +6,7 @@
 
 namespace bench {
 
-/// Of all, the middle one; 0 of none.
+/// The median; 0 if there are no values.
 inline double median(std::vector<double> values) {
   if (values.empty()) return 0;
   const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);

@@ -21,7 +21,7 @@ double measure(const bench::Repeat& work, int times) {
 /// How often the work is done in a round.
 int times_of(const bench::Repeat& work) {
   int times = 1;
-  // The best of some: what happened to be slow once must not make the rounds short.
+  // The best of several: a single slow run must not make the rounds short.
   const auto best = [&] {
     double ns = measure(work, times);
     for (int i = 0; i < 5; ++i) ns = std::min(ns, measure(work, times));

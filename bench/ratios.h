@@ -1,4 +1,4 @@
-// Pairs that are measured side by side, of which the ratio is what counts.
+// Pairs that are measured side by side, because only their ratio counts.
 #pragma once
 
 #include <functional>
@@ -6,11 +6,11 @@
 
 namespace bench {
 
-/// Does some work so many times.
+/// Does some work the given number of times.
 using Repeat = std::function<void(int times)>;
 
-/// The nanoseconds that each work takes once. All are measured in turn, in rounds of microseconds, and the quickest
-/// round of each counts: on a machine that others use too, that one was not disturbed.
+/// The nanoseconds that one run of each work takes. All are measured in turn, in rounds of microseconds, and the
+/// fastest round of each counts: on a shared machine, that round was not disturbed.
 std::vector<double> nanoseconds(const std::vector<Repeat>& works);
 
 }  // namespace bench

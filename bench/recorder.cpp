@@ -1,11 +1,11 @@
-// Writes which SDK calls each function of the library makes, as the rows of what call_bench measures.
+// Writes which SDK calls each function of the library makes, as rows of call_bench's table.
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 
 #include "invoke.h"
 
-/// What the recording SDK tells of each call.
+/// What the recording SDK reports of each call.
 extern "C" void (*sdk_called)(const char* name);
 
 namespace {
@@ -21,7 +21,7 @@ int main(int argc, char** argv) {
   sai_log_default = open_sai_log("recorder", 0, 0, 0);
   sdk_called = [](const char* name) { calls += std::string(", ") + name; };
   for (const bench::Function& function : bench::functions) function.call();
-  // Some do more when they are called first. What counts is every later time.
+  // Some do more in their first call. The later calls count.
   for (const bench::Function& function : bench::functions) {
     calls.clear();
     function.call();

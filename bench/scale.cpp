@@ -27,8 +27,8 @@ struct Costs {
   std::vector<double> direct;
 };
 
-/// Runs the steps of one side on all entries, so many at a time, and notes what each took per entry. Every size meets
-/// the same entries: what of the machine's caches they take does not count as growth.
+/// Runs the steps of one side on all entries, a given number at a time, and notes the time per entry. Every size uses
+/// the same entries: their share of the machine's caches does not count as growth.
 void measure(const std::vector<bench::Step>& steps, bench::Work bench::Step::*side, std::vector<double> Costs::*cost,
              std::size_t count, std::size_t all, std::vector<Costs>& costs) {
   std::vector<double> spent(steps.size());

@@ -1,5 +1,5 @@
 // Work on a table of the virtual chip at several sizes, through the library and by the SDK's calls directly, side by
-// side in one run: what counts is how the cost per entry grows, and the ratio.
+// side in one run: the growth of the cost per entry and the ratio count.
 #pragma once
 
 #include <algorithm>
@@ -12,7 +12,7 @@ namespace bench {
 
 inline constexpr int unit = 0;
 
-/// Those of all entries that are in the table at a time.
+/// The range of entries that are in the table at the same time.
 struct Range {
   std::size_t first;
   std::size_t count;
@@ -27,7 +27,7 @@ struct Step {
   Work direct;
 };
 
-/// The work of calling `call` with each.
+/// The work of calling `call` with each entry.
 template <class Entry, class Call>
 Work each(std::vector<Entry>& entries, Call call) {
   return [&entries, call](Range range) {
@@ -35,14 +35,14 @@ Work each(std::vector<Entry>& entries, Call call) {
   };
 }
 
-/// Ends the program, with exit code 2, unless what it needs went well.
+/// Ends the program, with exit code 2, when a prerequisite fails.
 void need(bool good, const char* what);
 
 /// Starts a virtual chip, and a log that shows errors.
 void start_chip();
 
 /// Measures the steps at each size and prints a table of them. The steps of one side, run one after the other, begin
-/// and end with an empty table. The sizes ascend and divide the last one, which is that of all entries.
+/// and end with an empty table. The sizes ascend and divide the last one, the number of all entries.
 ///
 /// @return the program's exit code: 1 when the library's cost per entry grew by more than the bound in each of three
 ///         runs

@@ -4,7 +4,7 @@
 
 namespace bench {
 
-/// The time that this thread has spent: what others do to the machine counts as little as can be.
+/// The CPU time of this thread: other work on the machine affects it as little as possible.
 inline double thread_nanoseconds() {
   timespec time{};
   clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);

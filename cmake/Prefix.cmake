@@ -1,8 +1,8 @@
-# What depends on the prefix is decided during installation: `cmake --install --prefix` may name another one than the
-# build was configured for.
+# What depends on the prefix is decided during installation: `cmake --install --prefix` may name a prefix other than
+# that of the build's configuration.
 
 # find_installed_libraries(TARGET COMPONENT): the installed file looks for the libraries of its own prefix, after those
-# of LD_LIBRARY_PATH. In /usr, where every program finds them, it has no run path; nor has it with a vendor's Chip SDK,
+# of LD_LIBRARY_PATH. It has no run path in /usr, where every program finds them, nor with a vendor's Chip SDK,
 # which is not installed.
 function(find_installed_libraries target component)
   if(SWSDK_INCLUDE_DIR)
@@ -34,8 +34,8 @@ function(install_pkg_config file component)
   install(FILES "${PROJECT_BINARY_DIR}/${file}" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT ${component})
 endfunction()
 
-# install_python_module(NAME COMPONENT FILE...): in /usr and /usr/local into the folder where Debian's Python looks, in
-# another prefix into the one that a virtual environment there has.
+# install_python_module(NAME COMPONENT FILE...): in /usr and /usr/local, into the folder where Debian's Python looks; in
+# another prefix, into the folder of a virtual environment there.
 function(install_python_module name component)
   install(CODE "
     if(CMAKE_INSTALL_PREFIX STREQUAL \"/usr\")

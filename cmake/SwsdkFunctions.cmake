@@ -1,5 +1,5 @@
-# swsdk_functions(OUT): the names of the functions that the Chip SDK's interface headers declare, record initialisers
-# among them, read from the headers so that no list has to keep up with them.
+# swsdk_functions(OUT): the names of the functions that the Chip SDK's interface headers declare, including record
+# initializers, read from the headers so that no list has to be kept up to date.
 function(swsdk_functions out)
   file(GLOB headers CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/swsdk/include/bcm/*.h"
        "${PROJECT_SOURCE_DIR}/swsdk/include/soc/*.h" "${PROJECT_SOURCE_DIR}/swsdk/include/appl/diag/*.h")

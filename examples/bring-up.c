@@ -8,7 +8,7 @@
 #include <stdlib.h>
 #include <swsdk/chip.h>
 
-/* Ends the program when a call did not give what it should. */
+/* Ends the program when a call did not return what it should. */
 static void expect(int32_t wanted, int32_t came, const char* what) {
   if (wanted == came) return;
   fprintf(stderr, "%s: expected %d, came %d\n", what, wanted, came);
@@ -25,7 +25,7 @@ static void on_link(int unit, bcm_port_t port, bcm_port_info_t* info) {
 }
 
 static void on_address(uint16_t vid, int32_t port, uint8_t* mac, int32_t operation) {
-  /* The six bytes are there during the call only. */
+  /* The six bytes are valid only during the call. */
   printf("VLAN %d: %02x:%02x:%02x:%02x:%02x:%02x is on port %d\n", vid, mac[0], mac[1], mac[2], mac[3], mac[4], mac[5],
          port);
   if (operation == BCM_L2_CALLBACK_ADD) addresses_learned++;
@@ -57,7 +57,7 @@ int main(void) {
   expect(SAI_E_NONE, sai_register_link_service(on_link), "link service");
   expect(SAI_E_NONE, sai_register_l2_service(unit, on_address), "L2 service");
 
-  /* On a board a cable is pulled and a frame comes in; here the virtual chip is told. */
+  /* On a board, a cable is pulled and a frame arrives; here the virtual chip simulates both. */
   swsdk_link_event(unit, 1, 1);
   swsdk_link_event(unit, 1, 0);
   swsdk_l2_event(unit, BCM_L2_CALLBACK_ADD, 1, host_mac, 3);

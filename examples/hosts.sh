@@ -3,7 +3,7 @@
 #
 #     source hosts.sh
 #
-# They run in namespaces of their own from there on, in which they are root, and of which nothing stays behind: neither
+# From there on they run in namespaces of their own, in which they are root and which leave nothing behind: neither
 # interfaces nor processes. Where that is not allowed, they say so and exit with 77.
 set -euo pipefail
 
@@ -40,7 +40,7 @@ work=/run/example
 mkdir "$work"
 ip link set lo up
 echo 1 >/proc/sys/net/ipv6/conf/default/disable_ipv6
-echo 1 >/proc/sys/net/ipv4/conf/all/arp_ignore # an interface answers for its own addresses alone
+echo 1 >/proc/sys/net/ipv4/conf/all/arp_ignore # an interface answers only for its own addresses
 
 # on HOST COMMAND...
 on() { ip netns exec "$@"; }
@@ -51,7 +51,7 @@ host() {
   on "$1" sh -c 'echo 1 >/proc/sys/net/ipv6/conf/default/disable_ipv6; ip link set lo up'
   ip link add "p$2" type veth peer name eth0 netns "$1"
   ip link set "p$2" up
-  # Packets of one segment: what is cut into several later, on the way to a real cable, no switch can pass on.
+  # Packets of one segment each: no switch can forward a packet that is only cut into segments on a real cable.
   on "$1" ip link set eth0 address "$(printf '02:00:00:00:01:%02x' "$2")" gso_max_segs 1 up
   [ $# -lt 3 ] || on "$1" ip address add "$3" dev eth0
   plugs+=(--port "$2=p$2")
@@ -68,7 +68,7 @@ wait_for() {
   done
 }
 
-# start_switch CONFIG [ARGUMENT...]: between the hosts that there are.
+# start_switch CONFIG [ARGUMENT...]: between the existing hosts.
 start_switch() {
   mkfifo "$work/commands"
   "$switch" "$1" "${plugs[@]}" "${@:2}" <>"$work/commands" >"$work/switch.log" 2>&1 &
@@ -90,7 +90,7 @@ tell_switch() {
 # reaches HOST ADDRESS: by ping.
 reaches() { on "$1" ping -n -q -c 2 -i 0.1 -W 1 "$2" >"$work/ping.log" 2>&1; }
 
-# expect_reached HOST ADDRESS and expect_unreached HOST ADDRESS tell what they find.
+# expect_reached HOST ADDRESS and expect_unreached HOST ADDRESS print what they find.
 expect_reached() {
   wait_for 3 reaches "$1" "$2" || fail "$1 does not reach $2: $(cat "$work/ping.log")"
   echo "$1 reaches $2"

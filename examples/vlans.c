@@ -12,14 +12,14 @@
 
 int sdk_main(int argc, char** argv); /* the SDK has no header for it */
 
-/* Ends the program when a call did not give what it should. */
+/* Ends the program when a call did not return what it should. */
 static void expect(int32_t wanted, int32_t came, const char* what) {
   if (wanted == came) return;
   fprintf(stderr, "%s: expected %d, came %d\n", what, wanted, came);
   exit(EXIT_FAILURE);
 }
 
-/* Prints what a function of the virtual chip's writes into a buffer. */
+/* Prints what a function of the virtual chip writes into a buffer. */
 static void print_journal(void) {
   static char text[8192];
   swsdk_journal_read(text, sizeof text);
@@ -42,7 +42,7 @@ int main(void) {
   sai_log_set_level(sai_log_default, SAI_LOG_CONSOLE, SAI_LOG_ERRORS);
   swsdk_journal_record(1);
 
-  /* A new VLAN gets the CPU port as a tagged member; creating it again is no error. */
+  /* A new VLAN gets the CPU port as a tagged member; creating it again is not an error. */
   expect(SAI_E_NONE, sai_vlan_create(unit, 10), "create VLAN 10");
   expect(SAI_E_NONE, sai_vlan_create(unit, 10), "create VLAN 10 again");
   expect(SAI_E_NONE, sai_vlan_create(unit, 20), "create VLAN 20");
@@ -53,7 +53,7 @@ int main(void) {
   expect(SAI_E_NONE, sai_vlan_port_add(unit, 10, 9, 1), "add port 9");
   expect(SAI_E_NONE, sai_vlan_l2_learn_set(unit, 20, 0), "stop learning in VLAN 20");
 
-  /* Failures name themselves in the log and in the result, those of the chip and those made on purpose. */
+  /* Failures show in the log and in the result, both the chip's own and injected ones. */
   expect(SAI_E_NOT_FOUND, sai_vlan_port_add(unit, 30, 4, 1), "add a port to an absent VLAN");
   swsdk_fault_inject("bcm_vlan_port_add", -6, 1);
   expect(SAI_E_FULL, sai_vlan_port_add(unit, 10, 6, 1), "add a port to a full table");

@@ -9,19 +9,19 @@
  * - `port` is a number of the chip's: 0 is the CPU port, Ethernet ports begin with 1. The chip checks it: -9 (no such
  *   port).
  * - The result is #SAI_E_NONE (0) or a negative code of #sai_result. A code comes from the Chip SDK's result by
- *   sdk_to_sai(), or from the library itself when it refuses an argument without asking the chip.
+ *   sdk_to_sai(), or from the library itself when it refuses an argument without an SDK call.
  * - A failed SDK call, one with a negative result, is logged once, at level "errors", with a message that ends with the
  *   SDK's text for the failure. Where a message ends otherwise, or has no such text, the function's comment says so.
  * - Output arguments are written when the result is 0, and only then. What a function lets the SDK write ("from the SDK
  *   itself") holds, after any other result, whatever the SDK left there.
- * - A positive result of an SDK call, which the SDK is not known to give, is neither failure nor success: it is not
- *   logged and the work goes on, and where that call decides the result is -1 and no output is written.
+ * - A positive result of an SDK call, which the SDK is not known to return, is neither failure nor success: it is not
+ *   logged and the function continues; where that call decides, the result is -1 and no output is written.
  * - A null pointer is refused with #SAI_E_PARAM, as the Chip SDK refuses one, and logged as a failed SDK call of the
  *   function would be. Where the library itself reads or writes through it, that is before the first SDK call.
  * - Nothing is rolled back. An operation of several steps that fails in the middle leaves what it had done in the chip.
  * - One caller at a time. The library takes no locks and creates no threads; what it remembers between calls is
  *   unguarded: the log with its time stamp, the entry of sai_lldp_set(), the flood groups of sai_vlan_vport_init() and
- *   #hw_counters_table. Threads that share it take turns under a lock of the application's; the log functions are calls
+ *   #hw_counters_table. Threads that share it take turns under the application's lock; the log functions are calls
  *   like all others.
  * - After sai_switch_chip_init() a forked child calls `exec` or `_exit` and nothing of the library. A log line for a
  *   closed pipe raises SIGPIPE, which is the application's to ignore.
@@ -29,8 +29,8 @@
  *   links on its link scan thread, those of MAC addresses on its L2 thread. The library only passes their arguments on
  *   there; it remembers and logs nothing. A callback that calls the library is one more caller and takes its turn. One
  *   of links must not wait for a turn, though: sai_port_enable_set() and sai_port_enable_get() pause link scanning, for
- *   which the Chip SDK may wait until the callback has returned. It hands what it was told to another thread instead,
- *   which is the best that every callback can do. One that was unregistered may still be running.
+ *   which the Chip SDK may wait until the callback has returned. It passes its arguments to another thread instead,
+ *   which is best for every callback. A callback that was unregistered may still be running.
  */
 #ifndef SAI_H
 #define SAI_H
@@ -76,8 +76,8 @@ enum sai_log_level {
  * the caller may set every field directly.
  *
  * A line of the console and of the file is `2026/11/21 07:24:30.125 errors: NONE: the message`: the local time, its
- * fraction as time_precision asks, the level where show_priority asks, the module, the message. A record of the system
- * log is the message alone.
+ * fraction if time_precision is set, the level if show_priority is set, the module, the message. A record of the system
+ * log is only the message.
  */
 typedef struct sai_log_handle {
   FILE* file;             /**< log file opened by the caller, or null; closed by close_sai_log() */
@@ -241,13 +241,13 @@ SAI_API int32_t sai_sh_process_command(int32_t unit, char* command);
  * multicast addresses ff01::/16 and ff02::/16. To be called once, when the log is open, before any other function that
  * needs the chip.
  *
- * Traps of routed, neighbour discovery, DHCP and ARP frames are set on ports up to number 8 only, the front panel;
+ * Traps of routed, neighbor discovery, DHCP and ARP frames are set on ports up to number 8 only, the front panel;
  * membership checks and floods on every Ethernet port.
  *
- * Every step but the unit's own initialization is tried whatever became of the ones before; failures are logged. Three
- * go to standard output: that of the unit's initialization, which ends the work on this unit, and those of the two
+ * Every step but the unit's own initialization is tried even if earlier ones failed; failures are logged. Three go to
+ * standard output: that of the unit's initialization, which ends the work on this unit, and those of the two
  * steps that reserve IPv6 multicast addresses. In the messages of sai_vlan_vport_init() a full stop follows the SDK's
- * text. The results of `sdk_main` and `bcm_policer_init` are not looked at.
+ * text. The results of `sdk_main` and `bcm_policer_init` are ignored.
  *
  * @param system_mac  the switch's own MAC address, 6 bytes; without it there is no "ethv0", which is logged
  * @return 0, also when there is no unit; or for the last unit the converted result of `system_init` or of setting
@@ -506,7 +506,7 @@ SAI_API int32_t sai_port_learn_get(int32_t unit, int32_t port, int32_t* flags);
 /**
  * Sets the kind of interface between a port and its PHY.
  *
- * Besides, link state, autonegotiation, speed and both advertisements of the port are set as the SDK initialises them.
+ * Link state, autonegotiation, speed and both advertisements of the port are also set, as the SDK initializes them.
  *
  * @param port  port number
  * @param mode  an interface of the SDK's `bcm_port_if_t`
@@ -612,7 +612,7 @@ SAI_API int32_t sai_port_mac_vlan_set(int32_t unit, int32_t port, uint8_t enable
  * Tells what sai_port_mac_vlan_set() sets.
  *
  * @param port     port number
- * @param enabled  receives 1 or 0; written on failure too, with 0 unless the SDK gave a value all the same
+ * @param enabled  receives 1 or 0; written on failure too, with 0 unless the SDK gave a value anyway
  * @return 0, or the converted result of `bcm_vlan_control_port_get`
  */
 SAI_API int32_t sai_port_mac_vlan_get(int32_t unit, int32_t port, uint8_t* enabled);
@@ -630,7 +630,7 @@ SAI_API int32_t sai_port_subnet_vlan_set(int32_t unit, int32_t port, uint8_t ena
  * Tells what sai_port_subnet_vlan_set() sets.
  *
  * @param port     port number
- * @param enabled  receives 1 or 0; written on failure too, with 0 unless the SDK gave a value all the same
+ * @param enabled  receives 1 or 0; written on failure too, with 0 unless the SDK gave a value anyway
  * @return 0, or the converted result of `bcm_vlan_control_port_get`
  */
 SAI_API int32_t sai_port_subnet_vlan_get(int32_t unit, int32_t port, uint8_t* enabled);
@@ -905,7 +905,7 @@ SAI_API int32_t sai_port_phy_fec_set(int32_t unit, int32_t port, int32_t fec_typ
 SAI_API int32_t sai_port_phy_fec_get(int32_t unit, int32_t port, int32_t fec_type, uint32_t* value);
 
 /**
- * Switches the decision feedback equaliser of a port.
+ * Switches the decision feedback equalizer of a port.
  *
  * @param port      port number
  * @param dfe_type  1 the full one, 2 the low-power one, 3 that of `BCM_PORT_PHY_CONTROL_FIRMWARE_BR_DFE_ENABLE`; any
@@ -916,7 +916,7 @@ SAI_API int32_t sai_port_phy_fec_get(int32_t unit, int32_t port, int32_t fec_typ
 SAI_API int32_t sai_port_phy_dfe_set(int32_t unit, int32_t port, int32_t dfe_type, uint32_t value);
 
 /**
- * Reads the decision feedback equaliser of a port.
+ * Reads the decision feedback equalizer of a port.
  *
  * @param port      port number
  * @param dfe_type  1 the full one, 2 the low-power one, 3 that of `BCM_PORT_PHY_CONTROL_FIRMWARE_BR_DFE_ENABLE`; any
@@ -1012,7 +1012,7 @@ SAI_API int32_t sai_stat_clean(int32_t unit);
 /**
  * Reads the 18 counters of #hw_counters_table.
  *
- * In place of a counter that cannot be read stands what was last read, be it of another port. That is not logged.
+ * A counter that cannot be read returns the value that was last read, even from another port. That is not logged.
  *
  * @param port    port number
  * @param values  receives 18 values, in the order of the table
@@ -1113,7 +1113,7 @@ SAI_API int32_t sai_l2_mac_entry_get(int32_t unit, sai_l2_mac_entry_t* entry);
  */
 SAI_API int32_t sai_l2_mac_entry_add(int32_t unit, const sai_l2_mac_entry_t* entry);
 
-/** Bits of the mode of sai_l2_mac_entry_del(), in the order in which they are looked at. */
+/** Bits of the mode of sai_l2_mac_entry_del(), in the order in which they are checked. */
 enum sai_l2_delete_mode {
   SAI_L2_DELETE_ENTRY = 0x01,    /**< the one entry of `mac` and `vlan` */
   SAI_L2_DELETE_BY_MAC = 0x02,   /**< all of `mac` */
@@ -1126,7 +1126,7 @@ enum sai_l2_delete_mode {
  * Deletes addresses: those that the first bit of the mode names, in the order of #sai_l2_delete_mode, or without any of
  * them those of every front port, one port after the other.
  *
- * No failing port ends the work on the ones after it; the last port's failure alone is logged and returned.
+ * A failure on a port does not end the work on the next ones; only the last port's failure is logged and returned.
  *
  * @param entry  takes what the mode names; `flags` goes to the SDK as the flags of the deletion, but for modes
  *               #SAI_L2_DELETE_ENTRY and #SAI_L2_DELETE_BY_TRUNK
@@ -1155,7 +1155,7 @@ SAI_API int32_t sai_l2_addr_delete_by_trunk(int32_t unit, int32_t trunk);
 SAI_API int32_t sai_l2_addr_port_id_get(int32_t unit, sai_l2_mac_entry_t* entry);
 
 /**
- * Finds the port behind an address; for one on a virtual port, the number of the port that this lies on.
+ * Finds the port behind an address; for one on a virtual port, the number of its physical port.
  *
  * @param entry  takes `mac` and `vlan`; `port` receives the port; written on success only
  * @return 0, or the converted result of the failed `bcm_l2_addr_get`, `bcm_vlan_port_find` or `bcm_port_local_get`, -7
@@ -1217,13 +1217,13 @@ SAI_API int32_t sai_l2_mac_learn_limit_enable(int32_t unit);
 SAI_API int32_t sai_l2_mac_learn_limit_disable(int32_t unit);
 
 /**
- * Copies the whole MAC table. How many entries there are is not told: set the array to 0 before, and see to it that it
- * has room; sai_l2_info() tells for how many.
+ * Copies the whole MAC table. The number of entries is not returned: set the array to 0 before, and make it large
+ * enough; sai_l2_info() returns the number of entries.
  *
  * Of each entry are written: `mac`; `vlan`; `port`, the trunk id for an entry of a trunk, otherwise the port as the SDK
- * has it; `flags`, #SAI_L2_MAC_STATIC, else #SAI_L2_MAC_TRUNK, else 0. For an entry on a virtual port besides:
- * `is_vport`, its low byte only; and `port_out`, the number of the port that this lies on, if it can be found (a
- * failure is not logged).
+ * has it; `flags`, #SAI_L2_MAC_STATIC, else #SAI_L2_MAC_TRUNK, else 0. For an entry on a virtual port also:
+ * `is_vport`, its low byte only; and `port_out`, the number of its physical port, if it can be found (a failure is not
+ * logged).
  *
  * @param entries  receives the entries, without a bound; null ends the work at the first entry
  * @return 0, or the converted result of `bcm_l2_traverse`, after which the array holds what came before
@@ -1377,8 +1377,8 @@ SAI_API int32_t sai_mirror_source_port_unset(int32_t unit, int32_t session, int3
 /*
  * The field processor compares packets with the entries of field groups. A group fixes the stage, ingress or egress,
  * and what its entries can match; what a caller's rule needs decides to which group it goes. The chip chooses the ids
- * of groups and entries; the caller keeps them and passes them back. Groups are made once, before their entries, and
- * there is no function that ends one.
+ * of groups and entries; the caller keeps them and passes them back. Groups are created once, before their entries, and
+ * no function destroys one.
  *
  * The functions that create groups work alike: they create the group, give a group of access control lists its id as
  * its priority, and enable it. When a later step fails the group stays, disabled, and its id is lost. The results are
@@ -1546,8 +1546,8 @@ typedef struct sai_acl_rule_t {
  * Installs an L2 rule on a port: MAC addresses, outer VLAN and EtherType. The entry's priority is its id.
  *
  * A step that fails ends the work and leaves the entry in the group, uninstalled, for sai_fp_entry_destroy(); so does a
- * direction that is not known, which is found after the entry was created. Each step is looked at: a rule that is
- * installed compares all that it says.
+ * direction that is not known, which is found after the entry was created. Each step is checked: a rule that is
+ * installed compares everything that it specifies.
  *
  * @param port       port number
  * @param direction  a #sai_acl_direction
@@ -1568,8 +1568,8 @@ SAI_API int32_t sai_acl_l2_entry_install(int32_t unit, int32_t port, int32_t dir
  * A step that fails ends the work and leaves the entry in the group, uninstalled, for sai_fp_entry_destroy(); so does a
  * direction or a kind of IP packet that is not known, which is found after the entry was created.
  *
- * One step is not looked at: when the source address cannot be matched, the rule is installed without that match, for
- * all addresses, and neither a log line nor the result tells. A group that has no such match does so: rules of IPv4
+ * One step is not checked: when the source address cannot be matched, the rule is installed without that match, for
+ * all addresses, and neither a log line nor the result shows it. A group without that match causes it: rules of IPv4
  * belong into a group of sai_ifp_mac_ipv4_group_create() or sai_efp_mac_ipv4_group_create(), those of IPv6 into one of
  * sai_ifp_mac_ipv6_group_create() or sai_efp_mac_ipv6_group_create().
  *
@@ -1585,9 +1585,9 @@ SAI_API int32_t sai_acl_std_l3_entry_install(int32_t unit, int32_t port, int32_t
  * A step that fails ends the work and leaves the entry in the group, uninstalled, for sai_fp_entry_destroy(); so does a
  * direction or a kind of IP packet that is not known, which is found after the entry was created.
  *
- * Three steps are not looked at: when the type of service, the source or the destination address cannot be matched, the
- * rule is installed without that match, and neither a log line nor the result tells. A group that has no such match
- * does so: rules of IPv4 belong into a group of sai_ifp_mac_ipv4_group_create() or sai_efp_mac_ipv4_group_create(),
+ * Three steps are not checked: when the type of service, the source or the destination address cannot be matched, the
+ * rule is installed without that match, and neither a log line nor the result shows it. A group without such a match
+ * causes that: rules of IPv4 belong into a group of sai_ifp_mac_ipv4_group_create() or sai_efp_mac_ipv4_group_create(),
  * those of IPv6 into one of sai_ifp_mac_ipv6_group_create() or sai_efp_mac_ipv6_group_create().
  *
  * Arguments and results are those of sai_acl_l2_entry_install().
@@ -1601,9 +1601,9 @@ SAI_API int32_t sai_acl_ext_l3_entry_install(int32_t unit, int32_t port, int32_t
  * A step that fails ends the work and leaves the entry in the group, uninstalled, for sai_fp_entry_destroy(); so does a
  * direction or a kind of IP packet that is not known, which is found after the entry was created.
  *
- * Three steps are not looked at: when the type of service, the source or the destination address cannot be matched, the
- * rule is installed without that match, and neither a log line nor the result tells. A group that has no such match
- * does so: rules of IPv4 belong into a group of sai_ifp_mac_ipv4_group_create() or sai_efp_mac_ipv4_group_create(),
+ * Three steps are not checked: when the type of service, the source or the destination address cannot be matched, the
+ * rule is installed without that match, and neither a log line nor the result shows it. A group without such a match
+ * causes that: rules of IPv4 belong into a group of sai_ifp_mac_ipv4_group_create() or sai_efp_mac_ipv4_group_create(),
  * those of IPv6 into one of sai_ifp_mac_ipv6_group_create() or sai_efp_mac_ipv6_group_create().
  *
  * Arguments and results are those of sai_acl_l2_entry_install().
@@ -1847,8 +1847,8 @@ SAI_API int32_t sai_vlan_init(int32_t unit);
 /**
  * Creates a VLAN with the CPU port as a tagged member.
  *
- * A VLAN that exists already is no error: the CPU port is added (again), so the call also repairs a VLAN that was made
- * elsewhere. When adding the CPU port fails, the VLAN stays.
+ * A VLAN that exists already is not an error: the CPU port is added (again), so the call also repairs a VLAN that was
+ * created elsewhere. When adding the CPU port fails, the VLAN stays.
  *
  * @param vid  VLAN id, 1 to 4095; checked by the chip
  * @return 0, or the converted result of the failed `bcm_vlan_create` or `bcm_vlan_port_add`
@@ -1938,7 +1938,7 @@ SAI_API int32_t sai_vlan_translate_add(int32_t unit, int32_t port, int32_t old_v
 
 /**
  * Deletes a translation of a port, each of its two directions only as far as it still is the one given. A failure ends
- * the work: without a way in the way out is not looked at; when the way out fails the way in is gone.
+ * the work: when the way in fails or is missing the way out is not tried; when the way out fails the way in is gone.
  *
  * @param port     port number
  * @param old_vid  VLAN id outside the switch; its low 16 bits count
@@ -1979,7 +1979,7 @@ SAI_API int32_t sai_vlan_dtag_delete(int32_t unit, int32_t port, int32_t inner_v
 
 /**
  * Double tagging of a range of inner VLANs, which all gain the same outer tag on the way in and lose it on the way out.
- * The way out has no priority, so what stands where sai_vlan_dtag_add() has it is ignored.
+ * The way out has no priority, so the argument in the place of sai_vlan_dtag_add()'s is ignored.
  *
  * When the way in fails the way out is not tried; when the way out fails the way in stays.
  *
@@ -2293,9 +2293,9 @@ SAI_API int32_t sai_l3_host_route_delete(int32_t unit, uint32_t ip, uint8_t dtag
  * Adds the route to a subnet. One that is there is deleted first, also when the new one then cannot be added.
  *
  * Interface and egress object as in sai_l3_host_route_create(), but the message is "can't find vlan %d l3 interface". A
- * route that points at the very interface, with the same port and next-hop MAC address, and is no local route, is left
- * alone, even when `nexthop_ip` differs; in L3 egress mode a route points at an egress object and is made anew. A
- * failed `bcm_stk_my_modid_get` is a trace, and a failed deletion is logged without the SDK's text and passed over.
+ * route that points at the very interface, with the same port and next-hop MAC address, and is no local route, is not
+ * changed, even when `nexthop_ip` differs; in L3 egress mode a route points at an egress object and is replaced. A
+ * failed `bcm_stk_my_modid_get` is a trace, and a failed deletion is logged without the SDK's text and then ignored.
  * Where a full table refuses the route, ", because of hash conflict" follows the SDK's text.
  *
  * The route that is deleted first leaves its egress object: when the next hop is another one, or has moved to another
@@ -2354,13 +2354,13 @@ SAI_API int32_t sai_l3_subnet_route_hit_get(uint32_t subnet, uint32_t mask);
 /* ---------------------------------------------------------------------------------------- IPv4 multicast ---------- */
 
 /**
- * Adds a member to a multicast group, which is made when it is not there. Of a group that is not there the chip's group
- * is made on unit 0, whatever the unit.
+ * Adds a member to a multicast group, which is created if it is missing. The chip's group is then created on unit 0,
+ * whatever the unit.
  *
  * Copies to ports 0 to 8 are tagged with the member's VLAN; to higher ports they have outer VLAN 4095 and the member's
- * VLAN inside. Interfaces are found or made, and outlive the group. Until the interface of the member's own tags is at
- * hand a failure is logged and the work goes on, with 0 for what could not be had. A group that was made stays, without
- * members, when the member cannot be added; sai_multicast_destroy() ends it, unless its entry could not be added.
+ * VLAN inside. Interfaces are found or created, and outlive the group. Up to the interface of the member's own tags, a
+ * failure is logged and does not end the function; 0 replaces what is missing. A group that was created stays, without
+ * members, when the member cannot be added; sai_multicast_destroy() destroys it, unless its entry could not be added.
  *
  * @param vlan        VLAN of the group; its low 16 bits count
  * @param group       the group's IPv4 address in host byte order
@@ -2374,10 +2374,11 @@ SAI_API int32_t sai_multicast_egress_add(int32_t unit, int32_t vlan, uint32_t gr
                                          int32_t report_vid);
 
 /**
- * Takes a member from a multicast group. The last one takes the group along, as sai_multicast_destroy() does.
+ * Removes a member from a multicast group. With the last one goes the group, as with sai_multicast_destroy().
  *
- * An interface or an encapsulation that cannot be found is logged and the work goes on, with 0 in its place. When the
- * SDK does not tell how many members are left, which is a trace only, the group stays; sai_multicast_destroy() ends it.
+ * An interface or an encapsulation that cannot be found is logged, and the function continues with 0 in its place. When
+ * the SDK does not report how many members are left, which is only a trace, the group stays; sai_multicast_destroy()
+ * destroys it.
  *
  * @param vlan      VLAN of the group; its low 16 bits count
  * @param group     the group's IPv4 address in host byte order
@@ -2393,7 +2394,7 @@ SAI_API int32_t sai_multicast_egress_del(int32_t unit, int32_t vlan, uint32_t gr
 
 /**
  * Destroys a multicast group with all its members. An entry that cannot be removed is logged and the chip's group is
- * destroyed all the same. Interfaces stay.
+ * destroyed anyway. Interfaces stay.
  *
  * @param vlan   VLAN of the group; its low 16 bits count
  * @param group  the group's IPv4 address in host byte order
@@ -2403,10 +2404,10 @@ SAI_API int32_t sai_multicast_egress_del(int32_t unit, int32_t vlan, uint32_t gr
 SAI_API int32_t sai_multicast_destroy(int32_t unit, int32_t vlan, uint32_t group);
 
 /**
- * Adds a member to a multicast group, which is made when it is not there, on the given unit. Every failure ends it.
+ * Adds a member to a multicast group, which is created if missing, on the given unit. Every failure ends the function.
  *
  * Unlike with sai_multicast_egress_add(), port 8 is double-tagged already, the interface of the member always has a TTL
- * threshold of 2, and a group that is there already is logged at level "errors", though it is no failure. In the
+ * threshold of 2, and a group that is there already is logged at level "errors", though it is not a failure. In the
  * messages of failures a full stop follows the SDK's text. Interfaces outlive the group, and a group that was made
  * stays, without members, when a later step fails; sai_multicast_destroy() ends it, unless its entry could not be
  * added.
@@ -2443,7 +2444,7 @@ SAI_API int32_t sai_esw_vlan_mcast_flood_set(int32_t unit, int32_t mode, uint16_
 /* ---------------------------------------------------------------------------------------- IPv6 multicast ---------- */
 
 /**
- * Adds a member to the multicast group of a source, which is made when it is not there. Every failure ends it.
+ * Adds a member to the multicast group of a source, which is created if missing. Every failure ends the function.
  *
  * Works as sai_ipmc_add() does; a group that is there already is a trace. Interfaces outlive the group, and a group
  * that was made stays, without members, when a later step fails; sai_ipv6_multicast_destroy() ends it, unless its entry
@@ -2599,7 +2600,7 @@ SAI_API int32_t sai_vport_split_horizon_set(int32_t unit, int32_t port, int32_t 
 SAI_API int32_t sai_vport_split_horizon_get(int32_t unit, int32_t port, uint32_t* enable);
 
 /**
- * Makes a policer of two rates and three colours and attaches it to a field entry, whose frames it then meters. The
+ * Makes a policer of two rates and three colors and attaches it to a field entry, whose frames it then meters. The
  * policer stays when it cannot be read, set up or attached; its id is not told then.
  *
  * @param entry_id      id of the field entry

@@ -1,4 +1,4 @@
-# Run by CPack, which runs no other language.
+# Run by CPack, which runs only CMake scripts.
 execute_process(
   COMMAND "${CMAKE_CURRENT_LIST_DIR}/debs.sh" "${CPACK_TEMPORARY_DIRECTORY}" "${CPACK_PACKAGE_VERSION}" "${CPACK_PACKAGE_DIRECTORY}"
   COMMAND_ERROR_IS_FATAL ANY)

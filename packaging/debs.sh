@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # usage: debs.sh STAGING VERSION OUTPUT
 # Makes a Debian package of each folder in STAGING, and one with the debug symbols of its files. The architecture is
-# DEB_HOST_ARCH, or this machine's. What is packed carries the time SOURCE_DATE_EPOCH, which scripts/package sets.
+# DEB_HOST_ARCH, or this machine's. Packed files have the time SOURCE_DATE_EPOCH, which scripts/package sets.
 set -euo pipefail
 staging=$1 version=$2 output=$(realpath "$3")
 packaging=$(cd "$(dirname "$0")" && pwd)
@@ -23,7 +23,7 @@ make_deb() {
   chmod -R u=rwX,go=rX "$folder"
   (cd "$folder" && find usr -type f -print0 | sort -z | xargs -0 md5sum >DEBIAN/md5sums)
   dpkg-gencontrol -P"$folder" "$@"
-  # dpkg-deb takes younger files back to that time, and leaves older ones as a checkout made them.
+  # dpkg-deb sets newer files to that time, and leaves older ones with the time of the checkout.
   find "$folder" -exec touch --no-dereference --date="@$SOURCE_DATE_EPOCH" {} +
   dpkg-deb --root-owner-group --threads-max=1 -Zxz --build "$folder" "$output" >/dev/null
 }
@@ -42,7 +42,7 @@ for package in "${packages[@]}"; do
   fi
 done
 
-# A change of what is exported ends here, until it is written into the kept file.
+# A change of the exported names fails here until the symbols file has it.
 dpkg-gensymbols -plibsai1 -Plibsai1 -c4 -I"$packaging/libsai1.symbols" -Olibsai1/DEBIAN/symbols \
   -e"$(echo libsai1/usr/lib/*/libsai.so)" >symbols.diff || { cat symbols.diff >&2; exit 1; }
 
@@ -61,11 +61,11 @@ for package in "${packages[@]}"; do
   done
 
   if [ ${#files[@]} -gt 0 ]; then
-    # Nothing is to depend on the virtual chip for its libswsdk.so, which has no version to depend on.
+    # No package may depend on the virtual chip for its libswsdk.so, which has no version to depend on.
     dpkg-shlibdeps -Slibsai1 -Sswsdk-virtual --ignore-missing-info -T"$package.substvars" "${files[@]}" 2>shlibdeps.log ||
       { cat shlibdeps.log >&2; exit 1; }
     echo "activate-noawait ldconfig" >"$package/DEBIAN/triggers"
-    # As debhelper makes them, so that Debian's tools know them.
+    # In debhelper's form, which Debian's tools know.
     mkdir -p "$package-dbgsym/DEBIAN" "$package-dbgsym/usr/share/doc"
     ln -s "$package" "$package-dbgsym/usr/share/doc/$package-dbgsym"
     make_deb "$package-dbgsym" -p"$package" -T"$package.substvars" -UPre-Depends -URecommends -USuggests -UProvides \

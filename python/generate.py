@@ -14,7 +14,7 @@ class BadHeader(Exception):
 
 
 def parameter_of(text, comment):
-    """A parameter as (name, C type, role): "in", "needed" when it may not be null, "out" for what the function answers,
+    """A parameter as (name, C type, role): "in", "needed" if it must not be null, "out" for what the function returns,
     or "inout"."""
     match = re.fullmatch(r"\s*(.+?)([a-z_0-9]+)(?:\[(\d+)\])?\s*", text)
     if not match:
@@ -46,7 +46,7 @@ def functions_of(text):
         if not match:
             raise BadHeader(f"cannot read the declaration {prototype!r}")
         returned, name, parameters = match[1].replace(" ", ""), match[2], match[3]
-        # A negative result is a code unless the comment says that something else comes.
+        # A negative result is a code unless the comment says that the result is something else.
         what = re.search(r"@return (.*)", comment)
         is_code = what is None or re.match(r"(always )?0", what[1]) or re.search("converted result|sai_result", what[1])
         kind = "none" if returned == "void" else "code" if returned == "int32_t" and is_code else "number"

@@ -1,15 +1,15 @@
 #!/usr/bin/env python3
-"""Runs what a page shows and compares what comes out with what it shows.
+"""Runs the examples of a page and compares their output with what the page shows.
 
 usage: examples.py PAGE --saish SAISH --compile COMMAND... [--write]
 
 - Each ```c block is part of one program of the page, in their order; a block with a main() of its own ends it. The
   ```text block behind the last one of a program is what it prints.
 - Each ```saish block is part of one script of the page; one marked ```saish-new begins another. Lines that do not begin
-  with a command's name are what the commands before them print.
+  with a command's name are the output of the commands before them.
 
 COMMAND compiles: it is given the source and "-o PROGRAM" before its options. Times in log lines are compared by their form only.
-With --write the page gets the output that came.
+With --write the page gets the actual output.
 """
 
 import argparse
@@ -59,7 +59,7 @@ class Page:
         self.compare(shown_at, shown, came)
 
     def run_script(self, blocks, work):
-        """Runs the commands of several blocks as one script, which the shell repeats with what comes of each."""
+        """Runs the commands of several blocks as one script, which the shell echoes, each with its output."""
         boundary = "# the next block of the page\n"
         script = boundary.join(self.inputs(block) for _, block in blocks)
         (work / "page.sai").write_text(script)

@@ -30,7 +30,7 @@ class Entry:
 @dataclass
 class Section:
     title: str
-    prose: list = field(default_factory=list)  # what holds for all its functions
+    prose: list = field(default_factory=list)  # what applies to all its functions
     entries: list = field(default_factory=list)
 
 
@@ -84,7 +84,7 @@ def entry_of(code, comment, section):
 
 
 def read(path):
-    """What holds everywhere, and the sections in their order."""
+    """What applies to all functions, and the sections in their order."""
     text = path.read_text()
     intro = comment_of(re.sub(r"@file \S+", "", COMMENT.search(text).group(1)))
     sections = []

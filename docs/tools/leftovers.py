@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Checks docs/failures.md: that the comments of sai.h say what its tables have calls leave behind.
+"""Checks docs/failures.md: that the comments of sai.h say what its tables say calls leave behind.
 
 usage: leftovers.py ROOT
 
-The words in bold of a row stand, each whole, in the comment of each function that the row names, or in what the header
-says of all functions of its section.
+The words in bold in a row must be, each whole, in the comment of each function that the row names, or in what the
+header says about all functions of its section.
 """
 
 import re

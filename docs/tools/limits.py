@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks the numbers of a page's table of limits against the virtual chip's sources, by the compiler.
+"""Checks the numbers of a page's table of limits against the virtual chip's sources, using the compiler.
 
 usage: limits.py PAGE CHIP_PARENT COMPILER
 

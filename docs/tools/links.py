@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks all pages: that their links lead somewhere, and that what they name is there.
+"""Checks all pages: that their links have targets, and that the names in them exist.
 
 usage: links.py ROOT
 
@@ -20,12 +20,12 @@ HEADING = re.compile(r"^#+ (.*)$", re.MULTILINE)
 
 
 def without_code(text):
-    """The text with what is fenced blanked out, line by line, so that numbers of lines stay."""
+    """The text with fenced code replaced by blank lines, so that line numbers do not change."""
     return FENCED.sub(lambda match: "\n" * match.group().count("\n"), text)
 
 
 def anchors(path):
-    """The anchors of a page's headings, as the usual viewers of Markdown make them."""
+    """The anchors of a page's headings, as the usual Markdown viewers make them."""
     found = set()
     for heading in HEADING.findall(without_code(path.read_text())):
         slug = re.sub(r"[^\w\- ]", "", heading.strip().lower()).replace(" ", "-")

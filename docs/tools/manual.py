@@ -5,8 +5,8 @@ usage: manual.py DIRECTORY [VERSION [DOCUMENTS]]
 
 Makes DIRECTORY/man1, man3 and man7. DOCUMENTS is where messages.md is installed, below the installation's prefix.
 
-An error is a comment of the header that leaves an argument, a result or an unusual end of a message untold, and one that
-points to a place that its page does not have.
+It is an error when a comment of the header does not document an argument, a result or an unusual end of a message, or
+when it refers to text that is not on its page.
 """
 
 import os
@@ -23,12 +23,12 @@ import sources
 ROOT = sources.repository()
 # Where a comment says "Arguments and results are those of" another function.
 SAME = re.compile(r"Arguments and results are those of (\w+)\(\)\.?")
-# What the names of functions that belong together end with.
+# The endings of the names of functions that belong together.
 PAIRS = [("_set", "_get"), ("_get", "_set"), ("_set", "_unset"), ("_unset", "_set"), ("_add", "_del"), ("_del", "_add"),
          ("_add", "_delete"), ("_delete", "_add"), ("_create", "_destroy"), ("_destroy", "_create"),
          ("_create", "_delete"), ("_delete", "_create"), ("_add", "_remove"), ("_remove", "_add"),
          ("_enable", "_disable"), ("_disable", "_enable")]
-# What points to other text of the header, which stands on a page of its own.
+# References to other text of the header, which is on another page.
 POINTERS = re.compile(r"\b(?:(?:above|below)(?! \d)|th(?:is|ese) (?:section|header|comment)s?|the comment)\b")
 # Where a message has the SDK's text, and what follows it.
 BEHIND_THE_TEXT = re.compile(r"(?:: |failed )%s(.+)$")
@@ -92,7 +92,7 @@ class Reference:
         self.problems = []
 
     def documented(self, entry):
-        """The comment that tells an entry's arguments and results: its own, or that of the one it points to."""
+        """The comment with an entry's arguments and results: its own, or that of the entry to which it refers."""
         for paragraph in entry.comment.text:
             if same := SAME.search(paragraph):
                 return self.entries[same.group(1)].comment

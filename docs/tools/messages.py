@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The index of log messages, docs/messages.md: its rows come from the library's sources, its words from messages.in.md.
+"""The index of log messages, docs/messages.md: its rows come from the library's sources, its prose from messages.in.md.
 
 usage: messages.py write          writes docs/messages.md
        messages.py check          says whether it is what "write" would write
@@ -33,7 +33,7 @@ NOTICE = "<!-- Written by docs/tools/messages.py from the sources and messages.i
 
 
 class Mismatch(Exception):
-    """The words and the sources do not fit together."""
+    """The page and the sources do not match."""
 
 
 def all_messages():
@@ -43,7 +43,7 @@ def all_messages():
 
 
 def shown(text):
-    """A message as it stands in a log: without its line ends."""
+    """A message as it is in a log: without newlines."""
     return re.sub(r"(\\[rn])+$", "", text)
 
 
@@ -54,9 +54,9 @@ def lines_of(table):
 
 
 def selected(pattern, messages, taken):
-    """The messages that a line stands for. What other lines have taken is passed over by traces only."""
+    """The messages that a line stands for. Only lines for traces skip what other lines have taken."""
     traces = pattern.startswith("debugging: ")
-    # "*" alone is special: messages have brackets and question marks of their own.
+    # Only "*" is special: messages have brackets and question marks of their own.
     escaped = re.sub(r"([\[\]?])", r"[\1]", pattern.removeprefix("debugging: "))
     for message in messages:
         if (message.level == "debugging") == traces and fnmatch.fnmatchcase(shown(message.text), escaped):
@@ -65,7 +65,7 @@ def selected(pattern, messages, taken):
 
 
 def assign(words, messages):
-    """The messages of each table, and what does not fit."""
+    """The messages of each table, and the mismatches."""
     problems = []
     taken = {}
     tables = []
@@ -138,7 +138,7 @@ CONVERSION = re.compile(r"%(?:%|[-+ #0-9.]*(?:l|ll|z)?([a-zA-Z]))")
 
 
 def pattern_of(text):
-    """What lines with this message look like, wherever in the line it stands."""
+    """A pattern for lines with this message, wherever in the line it is."""
     parts = []
     end = 0
     for match in CONVERSION.finditer(text):

@@ -5,7 +5,7 @@ from collections import defaultdict
 from dataclasses import dataclass, field
 from pathlib import Path
 
-# What logs a message whose text stands in the call, and at which level.
+# The functions that log a message whose text is in the call, and their levels.
 LEVELS = {
     "failed": "errors",
     "log_if_failed": "errors",
@@ -22,10 +22,10 @@ LEVELS = {
 # Calls whose formats make commands and numbers, not messages.
 NO_MESSAGES = {"snprintf", "print", "run"}
 
-# What sai_port_stat_show() is asked to print.
+# What sai_port_stat_show() prints on request.
 PRINTED = {r"%8u\t%s (stat %d)\r\n", r"0x%08x%08x\t%s (stat %d)\r\n"}
 
-# The helpers behind LEVELS, and the log itself: what passes through them is other people's text.
+# The helpers behind LEVELS, and the log itself: the texts in them are their callers'.
 HELPERS = {"core/result.h", "core/result.cpp", "core/log.h", "core/log.cpp", "core/format.h"}
 
 TOKEN = re.compile(
@@ -47,7 +47,7 @@ class Token:
 
 @dataclass
 class Definition:
-    """A function, a variable or a record, with all that its text says."""
+    """A function, a variable or a record, with what its text contains."""
 
     file: str
     name: str
@@ -177,7 +177,7 @@ def definitions_of(file, tokens, in_record=False):
 
 
 def read(source_dir):
-    """All definitions of the library, by the headers and the sources they stand in."""
+    """All definitions of the library, with the headers and sources that contain them."""
     found = []
     includes = {}
     for path in sorted([*source_dir.rglob("*.h"), *source_dir.rglob("*.cpp")]):
@@ -205,7 +205,7 @@ def messages(source_dir, exported):
     public = {d.name: d for d in definitions if d.name in exported and d.file.endswith(".cpp")}
 
     def visible(file):
-        """The file itself, the headers that it includes, and what is behind them."""
+        """The file itself, the headers that it includes, and their sources."""
         yield file
         for header in includes[file]:
             yield header

@@ -1,7 +1,7 @@
 """libsai.so and the virtual chip for tests in Python.
 
-Every function of sai.h is here by its own name. Arguments through which a function answers are left out and come back
-as the call's value; a negative code comes as SaiError:
+The module has every function of sai.h under its own name. Output arguments are left out and returned as the call's
+value; a negative code is raised as SaiError:
 
     import sai_virtual as sai
 
@@ -12,9 +12,9 @@ as the call's value; a negative code comes as SaiError:
         with sai.fault("bcm_vlan_create", sai.BCM_E_FULL):
             sai.sai_vlan_create(0, 11)  # raises SaiError: sai_vlan_create: SAI_E_FULL (-13)
 
-MAC and IPv6 addresses are texts or bytes, records are of the classes named as in sai.h, None is a null pointer. What an
-argument cannot be is refused before anything is called, with the names of the function and the argument: another type
-is a TypeError, an integer out of range an OverflowError, a malformed address a ValueError. The loader finds the two
+MAC and IPv6 addresses are texts or bytes, records are of the classes named as in sai.h, None is a null pointer. A value
+that does not fit is rejected before the call, with the names of the function and the argument: a wrong type is a
+TypeError, an integer out of range an OverflowError, a malformed address a ValueError. The loader finds the two
 libraries as for any program.
 """
 import contextlib
@@ -43,7 +43,7 @@ _TEXT_ROOM = 64
 
 
 class SaiError(Exception):
-    """A function of the library answered a negative code."""
+    """A function of the library returned a negative code."""
 
     def __init__(self, function, code, outputs):
         self.function = function
@@ -87,7 +87,7 @@ def _function(name, kind, returned, parameters):
         if is_kept:
             _kept.append(passed)
         if is_log and passed[0] is not None:
-            passed.insert(0, b"%s")  # the text is no format
+            passed.insert(0, b"%s")  # the text is not a format
         result = function(*passed)
         answers = [answer(output) for output in outputs]
         if kind == "code" and result < 0:
@@ -127,7 +127,7 @@ class Log:
         self._file.close()
 
     def lines(self):
-        """The messages so far, without stamp and module; one with line ends in it is several lines."""
+        """The messages so far, without time stamp and module; a message with newlines in it is several lines."""
         self._file.seek(0)
         return [self._stamp_and_module.sub("", line.rstrip("\n"), count=1) for line in self._file]
 
@@ -168,7 +168,7 @@ def _check(result, what):
 
 
 class Chip:
-    """The virtual chip, on from `with` to its end: each unit attached and initialised, or nothing yet when `cold`."""
+    """The virtual chip, on from `with` to its end: each unit attached and initialized, or none yet when `cold`."""
 
     def __init__(self, units=1, ports=12, chip_type=0, cold=False):
         self._board = _Board(units=units, ports=ports, chip_type=chip_type)
@@ -205,13 +205,13 @@ class Chip:
 
     @staticmethod
     def link(port, up, unit=0):
-        """Takes a link up or down; who is registered has been told when it returns."""
+        """Takes a link up or down; all callbacks have run when it returns."""
         _check(_link_event(unit, port, up), f"unit {unit} has no Ethernet port {port}")
         _swsdk.swsdk_events_drain()
 
     @staticmethod
     def learn(mac, vlan, port, unit=0):
-        """Lets an address be seen: whether the chip has it at that port now."""
+        """Makes the chip learn an address; returns whether it now has it at that port."""
         learned = _l2_learn(unit, vlan, mac, port, 0)
         _check(learned, f"unit {unit} has no port {port}, or there can be no VLAN {vlan}")
         _swsdk.swsdk_events_drain()
@@ -250,7 +250,7 @@ class Journal:
 
 @contextlib.contextmanager
 def fault(function, code, nth=1):
-    """Makes the nth call of an SDK function answer `code`; every call with nth=0. At the end all faults are gone."""
+    """Makes the nth call of an SDK function return `code`; every call with nth=0. Removes all faults at the end."""
     refused = f"the Chip SDK has no function {function!r}, or {nth} is negative"
     _check(_fault_inject(function, code, nth), refused)
     try:
@@ -261,7 +261,7 @@ def fault(function, code, nth=1):
 
 @contextlib.contextmanager
 def recording(path):
-    """Records every SDK call into a file. It begins with the chip off."""
+    """Records every SDK call to a file. The chip must be off at the start."""
     _check(_swsdk.swsdk_record_start(os.fsencode(path)), f"the chip is on, or {os.fspath(path)!r} cannot be written")
     try:
         yield
@@ -270,12 +270,12 @@ def recording(path):
 
 
 class Difference(Exception):
-    """A recording gave another answer than the recorded one."""
+    """A repeated call returned something other than recorded."""
 
 
 def replay(path):
-    """Repeats a recording and leaves the chip as it does. Returns the notices; raises Difference, or ValueError for
-    what is no recording or lacks its end."""
+    """Repeats a recording; the chip stays as its last call leaves it. Returns the notices; raises Difference, or
+    ValueError for a file that is not a recording or lacks its end."""
     lines = []
     tell = _line_handler(lambda line, _: lines.append(line.decode(errors="surrogateescape")))
     outcome = _swsdk.swsdk_replay(os.fsencode(path), tell, None)

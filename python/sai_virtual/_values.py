@@ -1,7 +1,7 @@
-"""Python values as what functions written in C take and give: records, and one conversion for each kind of argument.
+"""Python values as the arguments and results of C functions: records, and one conversion for each kind of argument.
 
-A conversion takes what the argument can hold and refuses everything else, because a C function would read whatever came
-as the argument's type: a text for a number as the address of the text. A wrong type is a TypeError, an integer out of
+A conversion accepts what the argument can hold and rejects everything else, because a C function reads whatever it gets
+as the argument's type: a text for a number as the text's address. A wrong type is a TypeError, an integer out of
 range an OverflowError, any other wrong value a ValueError; each names the function and the argument.
 """
 import collections.abc
@@ -26,7 +26,7 @@ _HANDLERS = {
     ),
 }
 _MAC = re.compile(r"[0-9A-Fa-f]{1,2}(:[0-9A-Fa-f]{1,2}){5}")
-_LIST_ROOM = 64  # the library reads as many as the chip has, however many are given
+_LIST_ROOM = 64  # the library reads as many as the chip has, no matter how many are given
 _TABLE_ROOM = 32768  # the library writes as many as the chip has: the MAC addresses of a full table
 
 
@@ -95,12 +95,12 @@ def _text(value):
     if not isinstance(text, bytes):
         raise TypeError
     if 0 in text:
-        raise ValueError  # it would end there
+        raise ValueError  # C would end the text there
     return ctypes.create_string_buffer(text)
 
 
 def _bytes_kind(size):
-    """MAC addresses, IPv6 addresses, or plain bytes, by their number."""
+    """MAC addresses, IPv6 addresses, or plain bytes, by their length."""
 
     def of_text(text):
         if size == 16:
@@ -194,7 +194,7 @@ def _itself(value):
 
 
 def _handler(c_type, name):
-    """The class of a callback: handed to the library as it is, so that it can be taken back."""
+    """The class of a callback: passed to the library unchanged, so that it can be unregistered."""
 
     def make(function):
         if not callable(function):
@@ -215,7 +215,7 @@ for _name, _class in RECORDS.items():
     TYPES[_name] = _class
     TYPES[_name + "*"] = _pointer = ctypes.POINTER(_class)
     _KINDS[_name] = _instance_kind(f"a {_name}", _class, _itself)._replace(is_pointer=False)
-    # What the library makes, it also frees: none of Python's will do.
+    # The library frees what it allocates, so memory of Python's cannot be used.
     if _name + "*" in _RETURNED:
         _KINDS[_name + "*"] = _instance_kind(f"a {_name}* that the library returned", _pointer, _itself)
     else:
@@ -226,7 +226,7 @@ for _name, _class in RECORDS.items():
 
 
 def room(c_type):
-    """Where a function answers: a number, an array of them, or as many records as the chip can have."""
+    """An output argument: a number, an array of numbers, or as many records as the chip can have."""
     item, _, count = c_type.rstrip("]*").partition("[")
     if c_type.endswith("*"):
         return TYPES[item]()
@@ -234,7 +234,7 @@ def room(c_type):
 
 
 def answer(place):
-    """What a function wrote, as a Python value. Of records those that are not blank, from the first."""
+    """What a function wrote, as a Python value; of an array of records, those before the first blank one."""
     if not isinstance(place, ctypes.Array):
         return place.value
     if place._type_ is ctypes.c_char:

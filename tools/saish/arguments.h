@@ -28,10 +28,10 @@ struct Declared {
   const char* name;
   std::size_t count = 0;       // of the items of an array, when it is known
   bool network_order = false;  // of an IPv4 address
-  bool taken = false;          // what it points to is read, too
+  bool taken = false;          // what it points to is also read
 };
 
-/// A parameter of a function, whether the user gives a word for it, and of a record its fields.
+/// A parameter of a function, whether the user gives a word for it, and the fields if it is a record.
 struct Parameter : Declared {
   bool given = true;
   std::span<const Field> fields = {};
@@ -41,12 +41,12 @@ using Parameters = std::vector<Parameter>;
 /// The log that `word` names.
 sai_log_handle* log_handle(std::string_view parameter, std::string_view word);
 
-/// Room for a text and for a table that a function answers.
+/// Capacities for a text and for a table that a function returns.
 constexpr int8_t buffer_size = 64;
 constexpr std::size_t table_size = 65536;
 
-/// How one argument of type T comes from a word. It holds what the argument points to until the call is over. An
-/// argument through which the function answers takes no word and tells afterwards what came.
+/// Makes an argument of type T from a word. It owns what the argument points to until the call is over. An output
+/// argument takes no word and shows afterwards what the function wrote.
 template <class T>
 struct Argument;
 
@@ -75,7 +75,7 @@ struct Argument<const char*> {
   const char* kept;
 };
 
-/// A text that the function may change, or, without a word, a buffer for the one that it answers.
+/// A text that the function may change, or, without a word, a buffer for the text that it returns.
 template <>
 struct Argument<char*> {
   Argument(const Parameter& /*parameter*/, const std::string& word) : characters(word) {}
@@ -109,7 +109,7 @@ struct Argument<const uint8_t*> {
   };
 };
 
-/// An IPv6 address where the Chip SDK's type of one is taken.
+/// An IPv6 address, where the parameter has the Chip SDK's type for it.
 template <>
 struct Argument<const bcm_ip6_t*> {
   Argument(const Parameter& parameter, const std::string& word) { read(parameter.name, word, address); }
@@ -117,7 +117,7 @@ struct Argument<const bcm_ip6_t*> {
   bcm_ip6_t address;
 };
 
-/// A list, "1,2,3". What the function reads beyond it is 0.
+/// A list, "1,2,3". If the function reads more items, they are 0.
 template <std::integral T>
 struct Argument<const T*> {
   Argument(const Parameter& parameter, const std::string& word) {
@@ -134,7 +134,7 @@ struct Argument<const T*> {
   std::array<T, 64> items{};
 };
 
-/// A number that the function answers, or several. One that it takes as well is given.
+/// One or more numbers that the function returns. If it also reads a number, the user gives it.
 template <std::integral T>
 struct Argument<T*> {
   static constexpr bool is_given_when_taken = true;
@@ -169,8 +169,8 @@ struct Argument<const T*> {
   T value;
 };
 
-/// A record that the function reads, writes or both: it is given, and shown afterwards. Without a word, a table that
-/// the function fills; what it left empty is not shown.
+/// A record that the function reads, writes or both: the user gives it, and it is shown afterwards. Without a word,
+/// a table that the function fills; items that stay empty are not shown.
 template <class T>
 requires std::is_class_v<T>
 struct Argument<T*> {
@@ -191,7 +191,7 @@ struct Argument<T*> {
   std::vector<T> records;
 };
 
-/// A function to be called: "print" is the shell's, which prints what it is called with; "null" is none.
+/// A callback: "print" is the shell's, which prints its arguments; "null" is none.
 template <class Returned, class... Args>
 struct Argument<Returned (*)(Args...)> {
   using Function = Returned (*)(Args...);
@@ -226,13 +226,13 @@ constexpr bool is_given(const Declared& declared) {
     return takes_word<T>;
 }
 
-/// What a call gave: a result where the function has one, and what it answered through its arguments.
+/// What a call returned: the function's result if it has one, and its output arguments.
 struct Outcome {
   std::optional<int32_t> result;
   std::vector<std::string> answers = {};
 };
 
-/// The next argument, from its word where it takes one.
+/// The next argument, from its word if it takes one.
 template <class T>
 Argument<T> parsed(const Parameters& parameters, std::size_t index, const Words& words, std::size_t& word) {
   const Parameter& parameter = parameters[index];
@@ -270,13 +270,13 @@ Outcome run(Returned (*function)(Args...), const Parameters& parameters, const W
   return call(function, parameters, words, std::index_sequence_for<Args...>{});
 }
 
-/// A message of the user's is logged as it stands, whatever percent signs are in it.
+/// The user's message is logged unchanged, even if it has percent signs.
 inline Outcome run(void (*function)(const char*, ...), const Parameters& /*parameters*/, const Words& words) {
   function("%s", words[0].c_str());
   return {};
 }
 
-/// Runs one function of the library. As many words as its parameters take are given.
+/// Runs one function of the library. `words` are as many as its parameters take.
 template <auto function>
 Outcome run(const Parameters& parameters, const Words& words) {
   return run(function, parameters, words);
@@ -311,8 +311,8 @@ inline Parameters parameters(void (*)(const char*, ...), std::initializer_list<D
   return {Parameter{*declared.begin()}};
 }
 
-/// The shell has one log at a time and holds it for the library as an application does. These three functions check
-/// nothing, so the shell does.
+/// The shell has one log at a time and owns it for the library as an application does. These three functions check no
+/// arguments, so the shell does.
 template <>
 Outcome run<&open_sai_log>(const Parameters& parameters, const Words& words);
 template <>

@@ -5,11 +5,11 @@
 
 namespace saish {
 
-/// What --board is, for a program's help.
+/// The description of --board in a program's help.
 constexpr const char* board_help =
     "the chips to start with, such as ports=64 or ports=24,units=2,chip_type=5; ports=12 and one unit otherwise";
 
-/// Takes a board such as "ports=64" or "ports=24,units=2"; what is not named stays as it is. Throws BadInput.
+/// Sets a board such as "ports=64" or "ports=24,units=2"; what is not named is unchanged. Throws BadInput.
 void set_board(const std::string& text);
 
 /// The present board, as set_board() takes it.

@@ -40,7 +40,7 @@ int unit_at(const Words& arguments, std::size_t index) {
   return arguments.size() > index ? unit_number(arguments[index]) : 0;
 }
 
-/// The same; something can happen on it.
+/// The same; the unit must be attached and initialized.
 int initialized_unit_at(const Words& arguments, std::size_t index) {
   const int unit = unit_at(arguments, index);
   if (unit >= soc_ndev) throw BadInput("unit " + std::to_string(unit) + " is not attached");
@@ -278,7 +278,7 @@ void source(Session& session, const Words& arguments) { session.run_script(argum
 
 void quit(Session& session, const Words& /*arguments*/) { session.end(); }
 
-/// Only for help: the session itself runs the command behind it.
+/// Only for help: the session itself runs the command after it.
 void expect(Session& /*session*/, const Words& /*arguments*/) {}
 
 constexpr BuiltIn all_built_ins[] = {
@@ -338,9 +338,9 @@ std::vector<std::string> command_names() {
 
 namespace {
 
-/// How many letters have to be put in, taken out or changed to make one text the other.
+/// The edit distance: how many letters to insert, delete or change to turn one text into the other.
 std::size_t distance(std::string_view one, std::string_view other) {
-  std::vector<std::size_t> row(other.size() + 1);  // from what is read of one to each beginning of the other
+  std::vector<std::size_t> row(other.size() + 1);  // distances from what is read of one to each prefix of the other
   std::iota(row.begin(), row.end(), std::size_t{0});
   for (const char letter : one) {
     std::size_t diagonal = row[0]++;
@@ -357,7 +357,7 @@ std::size_t distance(std::string_view one, std::string_view other) {
 
 BadInput unknown_command(std::string_view name) {
   std::string nearest;
-  std::size_t least = name.size() / 4 + 2;  // farther than what a slip of the hand makes
+  std::size_t least = name.size() / 4 + 2;  // more than a typing error
   for (const std::string& other : command_names())
     if (const std::size_t far = distance(name, other); far < std::min(least, name.size())) {
       nearest = other;

@@ -1,4 +1,4 @@
-// The shell's own commands, beside the library's functions.
+// The shell's own commands, in addition to the library's functions.
 #pragma once
 
 #include <span>
@@ -18,16 +18,16 @@ struct BuiltIn {
   std::size_t most_words;
   void (*run)(Session& session, const Words& arguments);
   std::span<const Field> fields = {};  // of the record among its words, if there is one
-  const char* note = nullptr;          // what help says besides
+  const char* note = nullptr;          // what else help says
 };
 
 std::span<const BuiltIn> built_ins();
 const BuiltIn* find_built_in(std::string_view name);
 
-/// The names of these and of the library's functions.
+/// The names of these commands and of the library's functions.
 std::vector<std::string> command_names();
 
-/// What to say of a name that is none of them: the nearest one, if there is one near.
+/// The message for a name that is none of them: it suggests the nearest name, if one is near.
 BadInput unknown_command(std::string_view name);
 
 }  // namespace saish

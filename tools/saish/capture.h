@@ -1,4 +1,4 @@
-// The frames that leave the chip, kept until somebody asks.
+// The frames that leave the chip, kept until a command asks for them.
 #pragma once
 
 #include <swsdk/frames.h>
@@ -14,9 +14,9 @@ namespace saish {
 
 class Capture {
  public:
-  /// Takes what leaves the unit from now on, until the chips are switched off.
+  /// Captures what leaves the unit from now on, until the chips are switched off.
   void watch(int unit);
-  /// Who else gets each frame, before it is kept.
+  /// A second receiver of each frame, called before the frame is kept.
   void pass_to(std::function<void(const swsdk_out&)> other) { other_ = std::move(other); }
 
   /// What left since the last time: a line per copy, the oldest first.

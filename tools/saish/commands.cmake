@@ -1,7 +1,7 @@
 # cmake -DHEADER=include/sai.h -DOUTPUT=commands.inc -DDESCRIPTIONS=descriptions.inc -P commands.cmake
 # Makes the shell's table of commands from the library's header: every exported function with its prototype, its
 # parameters, the kind of its result and the first sentence of its comment, every record with its fields, and every
-# enumerator with its value's name. DESCRIPTIONS, which can be left out, is what help and completion need besides: the
+# enumerator with its value's name. DESCRIPTIONS, which can be left out, is what else help and completion need: the
 # section of the header that each function is in, the enumeration that a parameter or field takes, the comments of
 # fields.
 cmake_minimum_required(VERSION 3.25)
@@ -26,7 +26,7 @@ foreach(block IN LISTS blocks)
   endforeach()
 endforeach()
 
-# enumeration_of(OUT TEXT): the enumeration that a comment says that a value is of, or nothing.
+# enumeration_of(OUT TEXT): the enumeration that a comment names for a value, or nothing.
 function(enumeration_of out text)
   set(found "")
   string(REGEX MATCHALL "#[a-z_0-9]+" references "${text}")
@@ -113,7 +113,7 @@ foreach(declaration IN LISTS declarations)
       endif()
     endif()
   endforeach()
-  # A negative result is a code of sai_result unless the comment says that something else comes.
+  # A negative result is a code of sai_result unless the comment says that it is something else.
   set(result code)
   if(prototype MATCHES "^void ")
     set(result none)
@@ -131,7 +131,7 @@ foreach(declaration IN LISTS declarations)
   string(APPEND families "    {\"${name}\", \"${family}\"},\n")
 endforeach()
 
-# Of a record with a field of another shape, such as a pointer, nothing is made; what needs it does not compile.
+# A record with a field of another form, such as a pointer, is left out; code that needs it does not compile.
 set(records "")
 string(REGEX MATCHALL "\ntypedef struct[^{;@]*{[^}]*}[^@]*@" structures "${text}")
 string(REGEX MATCHALL "\ntypedef struct" all "${text}")

@@ -24,14 +24,14 @@ void append(Texts& texts, const Names& names) {
   for (const auto& name : names) texts.emplace_back(name);
 }
 
-/// The names that a function gives by their index, until it gives null.
+/// The names that a function returns by index, until it returns null.
 Texts counted(const char* (*name)(int)) {
   Texts texts;
   for (int i = 0; name(i) != nullptr; ++i) texts.emplace_back(name(i));
   return texts;
 }
 
-/// The files whose names go on as `begun` does; folders end with a slash.
+/// The files whose names begin with `begun`; folders end with a slash.
 Texts files(std::string_view begun) {
   const std::string folder(begun.substr(0, begun.rfind('/') + 1));
   const std::string_view name = begun.substr(folder.size());
@@ -54,7 +54,7 @@ Texts log_levels() {
   return texts;
 }
 
-/// What the words of a built-in command's form stand for; those that are not here are numbers and the like.
+/// What the words in a built-in command's form stand for; words that are not listed are numbers and the like.
 Texts of_kind(std::string_view kind, std::string_view begun) {
   constexpr const char* counters[] = BCM_STAT_NAME_INITIALIZER;
   Texts texts;
@@ -94,7 +94,7 @@ Completion of_form(std::string_view form, std::string_view begun) {
   return result;
 }
 
-/// The fields that a record has not been given yet, or what fits the value of the one that the cursor is at.
+/// The fields that a record has not been given yet, or the candidates for the value that the cursor is at.
 Completion in_record(std::string_view record, std::span<const Field> fields, std::string_view text) {
   Completion result{.candidates = {}, .hint = {}, .in_record = true};
   const auto is_open = [&](char open, char close) {
@@ -138,7 +138,7 @@ std::optional<std::size_t> open_record(std::string_view line) {
   return open.front();
 }
 
-/// What a word may be that stands behind `before`; where it is a record, `record` is its text so far.
+/// The candidates for a word after `before`; if it is a record, `record` is its text so far.
 Completion argument_of(const BuiltIn& built_in, const Words& before, std::string_view begun,
                        std::optional<std::string_view> record) {
   const Words form = words(built_in.usage);
@@ -193,7 +193,7 @@ Completion completion_of(std::string_view line) {
   try {
     result = all_of(words(line.substr(0, start)), begun, record);
   } catch (const BadInput&) {
-    return {};  // inside a quoted text
+    return {};  // inside quoted text
   }
   std::erase_if(result.candidates, [&](const std::string& candidate) { return !candidate.starts_with(begun); });
   std::sort(result.candidates.begin(), result.candidates.end());

@@ -1,4 +1,4 @@
-// What can stand where the cursor is.
+// Completion at the cursor.
 #pragma once
 
 #include <string>
@@ -12,11 +12,11 @@ constexpr const char* word_ends = " \t{,=";
 
 struct Completion {
   std::vector<std::string> candidates;  // what the word at the cursor can become
-  std::string hint;                     // what it is, where it can become too much to be listed
+  std::string hint;                     // what the word stands for, when the candidates are too many to list
   bool in_record = false;
 };
 
-/// How a line can go on that ends at the cursor.
+/// How a line that ends at the cursor can continue.
 Completion completion_of(std::string_view line);
 
 }  // namespace saish

@@ -6,7 +6,7 @@ namespace saish {
 
 namespace {
 
-/// Something and what belongs to it, or what it belongs to.
+/// A name and the name that belongs to it, or that it belongs to.
 struct Of {
   const char* one;
   const char* other;

@@ -1,4 +1,4 @@
-// What sai.h says of its functions, records and constants, for help and completion.
+// What sai.h says about its functions, records and constants, for help and completion.
 #pragma once
 
 #include <span>
@@ -7,7 +7,7 @@
 
 namespace saish {
 
-/// What a comment says of a parameter of a function, or of a field of a record.
+/// What a comment says about a parameter of a function, or of a field of a record.
 struct Note {
   const char* of;           // the function or the record
   const char* name;         // the parameter or the field
@@ -16,7 +16,7 @@ struct Note {
   const char* comment;      // on a field
 };
 
-/// An empty note where nothing is said.
+/// An empty note if there is no comment.
 const Note& note(std::string_view of, std::string_view name);
 
 /// The family of a function: the section of sai.h that it is in.

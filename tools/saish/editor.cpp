@@ -23,7 +23,7 @@ namespace fs = std::filesystem;
 
 constexpr int history_lines = 1000;
 
-/// Set by Ctrl-C, so that the end of a line is not taken for the end of input.
+/// Set by Ctrl-C, so that the end of a line is not mistaken for the end of input.
 volatile std::sig_atomic_t interrupted = 0;
 
 /// The terminal raises a signal while a command runs.
@@ -32,15 +32,15 @@ void interrupt(int /*signal*/) {
   Session::interrupt();
 }
 
-/// While a line is typed, Ctrl-C is a key: a signal could come between any two steps of the editor.
+/// While a line is typed, Ctrl-C is a key: a signal could interrupt the editor between any two steps.
 int drop_line(int /*count*/, int /*key*/) {
   interrupted = 1;
   rl_done = 1;
   return 0;
 }
 
-/// Before the prompt is there, so that what is typed behind it meets the editor and not the terminal. After the line
-/// libedit gives the terminal back as it was.
+/// Before the prompt appears, so that what is typed after it goes to the editor and not to the terminal. After the
+/// line, libedit restores the terminal.
 int take_over_terminal() {
   rl_prep_terminal(0);
   termios settings{};
@@ -49,7 +49,7 @@ int take_over_terminal() {
   return tcsetattr(STDIN_FILENO, TCSANOW, &settings);
 }
 
-/// What may stand where the cursor is; set before libedit asks for it one by one.
+/// The candidates at the cursor; set before libedit asks for them one by one.
 std::vector<std::string> candidates;
 
 char* next_candidate(const char* /*text*/, int state) {
@@ -64,12 +64,12 @@ char** complete(const char* text, int /*start*/, int end) {
   candidates = std::move(completion.candidates);
   const bool goes_on = candidates.size() == 1 && std::strchr("/={", candidates[0].back()) != nullptr;
   rl_completion_append_character = goes_on || completion.in_record ? '\0' : ' ';
-  // A second one that has no letter in common with it, so that it is shown and not put in.
+  // A second candidate without a common letter, so that libedit shows the hint and does not insert it.
   if (candidates.empty() && !completion.hint.empty() && *text == '\0') candidates = {'<' + completion.hint + '>', ""};
   return candidates.empty() ? nullptr : rl_completion_matches(text, next_candidate);
 }
 
-/// Where the history is kept by convention, or nothing without a home.
+/// The conventional place of the history, or nothing without a home directory.
 fs::path history_file() {
   const char* const state = std::getenv("XDG_STATE_HOME");
   if (state != nullptr && *state == '/') return fs::path(state) / "saish/history";
@@ -77,7 +77,7 @@ fs::path history_file() {
   return home != nullptr && *home == '/' ? fs::path(home) / ".local/state/saish/history" : fs::path();
 }
 
-/// Makes the file and its folders, for the user alone. Where that cannot be done, there is no history to come.
+/// Creates the file and its folders, for the user only. If that fails, no history is kept.
 void make_file(const fs::path& file) {
   std::error_code ignored;
   const bool made = fs::create_directories(file.parent_path(), ignored);
@@ -108,7 +108,7 @@ Editor::Editor() {
   if (file.empty()) return;
   history_file_ = file.string();
   make_file(file);
-  if (read_history(history_file_.c_str()) == 0) write_history(history_file_.c_str());  // without the oldest
+  if (read_history(history_file_.c_str()) == 0) write_history(history_file_.c_str());  // without the oldest lines
 }
 
 void Editor::remember(const std::string& line) {

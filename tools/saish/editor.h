@@ -12,7 +12,7 @@ class Editor {
   /// ends the scripts that are running, but not the process.
   Editor();
 
-  /// The next line, or nothing at the end of input. It is added to the history at once, where that can be written.
+  /// The next line, or nothing at the end of input. It is added to the history at once, if that can be written.
   std::optional<std::string> read_line();
 
  private:

@@ -18,7 +18,7 @@ namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-constexpr std::size_t shortest = 60;  // of Ethernet, without the checksum
+constexpr std::size_t shortest = 60;  // Ethernet's minimum, without the checksum
 constexpr std::size_t longest = 16384;
 constexpr uint16_t vlan_tag = 0x8100;
 constexpr uint16_t service_tag = 0x88A8;
@@ -33,7 +33,7 @@ unsigned word(std::span<const uint8_t> bytes, std::size_t at) {
   return at + 2 <= bytes.size() ? static_cast<unsigned>(bytes[at] << 8 | bytes[at + 1]) : 0;
 }
 
-/// The sum of the words of an IPv4 header; with its checksum that of a good one is 0xFFFF.
+/// The sum of the words of an IPv4 header; 0xFFFF for a valid header, including its checksum.
 unsigned header_sum(std::span<const uint8_t> header) {
   unsigned sum = 0;
   for (std::size_t at = 0; at + 1 < header.size(); at += 2) sum += word(header, at);

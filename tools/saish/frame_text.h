@@ -13,10 +13,10 @@ namespace saish {
 /// What a frame is made of, for people.
 extern const char frame_form[];
 
-/// The frame that these words are: its bytes as one word of hexadecimal digits, or its fields. Throws BadInput.
+/// The frame that these words describe: its bytes as one word of hexadecimal digits, or its fields. Throws BadInput.
 std::vector<uint8_t> frame_bytes(std::span<const std::string> words);
 
-/// A frame by its fields; what stands behind those that have a name is left out.
+/// A frame by its fields; bytes after the last named field are left out.
 std::string frame_text(std::span<const uint8_t> frame);
 
 }  // namespace saish

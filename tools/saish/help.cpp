@@ -15,7 +15,7 @@ namespace saish {
 
 namespace {
 
-/// A command with what is said of it in one line.
+/// A command with its description in one line.
 struct Line {
   std::string name;
   std::string summary;
@@ -31,7 +31,7 @@ std::string padded(std::string_view text, std::size_t length) {
   return std::string(text) + std::string(length > text.size() ? length - text.size() : 0, ' ');
 }
 
-/// Prints a text behind a lead, in as many lines as the terminal makes of it, all under the first.
+/// Prints a text after a lead, wrapped at the terminal's width; all lines are indented like the first.
 void print_wrapped(const std::string& lead, std::string_view text) {
   std::string line = lead;
   bool begun = false;
@@ -50,7 +50,7 @@ void print_wrapped(const std::string& lead, std::string_view text) {
   std::printf("%s\n", line.c_str());
 }
 
-/// One line for each, cut where the terminal ends.
+/// One line for each, cut at the terminal's width.
 void print_lines(const std::vector<Line>& lines) {
   std::size_t widest = 0;
   for (const Line& line : lines) widest = std::max(widest, line.name.size());
@@ -63,12 +63,12 @@ void print_lines(const std::vector<Line>& lines) {
   }
 }
 
-/// Names one under the other, in as many columns as there is room for.
+/// Names in columns, as many as fit the terminal's width.
 template <class Names>
 void print_columns(const Names& names) {
   constexpr std::size_t usual_width = 80;
   const std::size_t width = style::width() != 0 ? style::width() : usual_width;
-  std::size_t column = 0;  // with two blanks before it
+  std::size_t column = 0;  // with two spaces before it
   for (const auto& name : names) column = std::max(column, std::size(name) + 2);
   const std::size_t columns = std::max<std::size_t>(width / column, 1);
   const std::size_t rows = (names.size() + columns - 1) / columns;
@@ -113,7 +113,7 @@ std::string constants_text(std::string_view enumeration) {
   return result;
 }
 
-/// A line for each field of a record: its name, its type, and what sai.h says of it; the constants that fit below.
+/// A line for each field of a record: its name, its type, and what sai.h says about it; its constants below.
 void print_fields(std::string_view record, std::span<const Field> fields) {
   std::size_t widest_name = 0;
   std::size_t widest_type = 0;

@@ -5,11 +5,11 @@
 
 namespace saish {
 
-/// What all commands and all of the shell's own go by.
+/// The names for all commands and for all of the shell's own.
 constexpr const char* help_on_all = "all";
 constexpr const char* help_on_shell = "shell";
 
-/// An overview; or what the words name, a command or a family; or else the commands that all of them are found in.
+/// An overview; or the command or family that the words name; or else the commands in which all the words are found.
 /// Throws BadInput when there is none.
 void print_help(const Words& words);
 

@@ -94,7 +94,7 @@ bool is_provided(std::string_view name) {
   return name.ends_with("_buf") || name.ends_with("_len") || name == "entries";
 }
 
-// These run on the SDK's threads; one call of printf is one whole line.
+// These run on the SDK's threads; one call of printf prints one whole line.
 
 template <>
 void Argument<bcm_linkscan_handler_t>::print(int unit, int port, bcm_port_info_t* info) {
@@ -119,7 +119,7 @@ Argument<const char*>::Argument(const Parameter& /*parameter*/, const std::strin
 
 namespace {
 
-/// An index that the library uses unchecked.
+/// An index that the library does not check.
 int32_t index(const Parameter& parameter, const std::string& word, int32_t highest) {
   const int32_t value = Argument<int32_t>(parameter, word).get();
   if (value < 0 || value > highest)

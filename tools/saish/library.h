@@ -1,4 +1,4 @@
-// The library's functions as the shell knows them, from sai.h.
+// The shell's table of the library's functions, from sai.h.
 #pragma once
 
 #include <cstdint>
@@ -41,7 +41,7 @@ std::string usage(const Function& function);
 /// The names of these parameters.
 std::vector<std::string> given_parameters(const Function& function);
 
-/// "-7 SAI_E_NOT_FOUND", or the number alone where it is no code.
+/// "-7 SAI_E_NOT_FOUND", or only the number if it is not a code.
 std::string result_text(const Function& function, int32_t result);
 
 }  // namespace saish

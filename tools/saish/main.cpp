@@ -16,11 +16,11 @@
 
 namespace {
 
-constexpr int unexpected_result = 1;  // or one that could not be written
+constexpr int unexpected_result = 1;  // or output that could not be written
 constexpr int bad_start = 2;
 constexpr int cut_recording = 3;
 
-/// Tells what is wrong on standard error, after what was printed before.
+/// Reports an error on standard error, after flushing standard output.
 void tell(const std::exception& error) {
   std::fflush(stdout);
   std::fprintf(stderr, "%s\n", error.what());
@@ -60,7 +60,7 @@ int replay(const std::string& recording, bool as_c) {
   }
 }
 
-/// Runs what the command line asks for.
+/// Does what the command line requests.
 int run(int argc, char** argv) {
   CLI::App app{"Runs the functions of libsai.so as commands, on the virtual chip."};
   std::string script;

@@ -8,7 +8,7 @@ namespace saish {
 
 namespace {
 
-/// What some editors begin a file of UTF-8 with.
+/// The byte order mark with which some editors begin a UTF-8 file.
 constexpr std::string_view byte_order_mark = "\xEF\xBB\xBF";
 
 }  // namespace
@@ -29,7 +29,7 @@ BadInput Script::unreadable() const {
 bool Script::next(std::string& line) {
   const ssize_t length = getline(&buffer_, &size_, file_);
   if (length < 0) {
-    // A directory opens like a file; only reading it fails.
+    // A directory can be opened like a file; only reading fails.
     if (std::ferror(file_) != 0) throw unreadable();
     return false;
   }

@@ -10,14 +10,14 @@ namespace saish {
 
 class Script {
  public:
-  /// Opens a file, or for "-" standard input. Throws BadInput, with the reason, when it cannot be read.
+  /// Opens a file, or standard input for "-". Throws BadInput, with the reason, when it cannot be read.
   explicit Script(const std::string& path);
   ~Script();
 
   Script(const Script&) = delete;
   Script& operator=(const Script&) = delete;
 
-  /// Puts the next line into `line`, without its end; false at the end of the script. Throws as the constructor does.
+  /// Reads the next line into `line`, without newline; false at the end of the script. Throws as the constructor does.
   bool next(std::string& line);
 
  private:

@@ -24,7 +24,7 @@ constexpr int most_scripts = 16;
 
 volatile std::sig_atomic_t interrupted = 0;
 
-/// Is one more as long as it lives.
+/// Increments a counter for its own lifetime.
 class Counted {
  public:
   explicit Counted(int& count) : count_(count) { ++count_; }
@@ -37,7 +37,7 @@ class Counted {
   int& count_;
 };
 
-/// Checks how many words a command was given.
+/// Checks the number of words of a command.
 void check_count(const std::string& form, std::size_t given, std::size_t fewest, std::size_t most) {
   if (given < fewest) throw BadInput("too few arguments; the form is " + form);
   if (given > most) throw BadInput("too many arguments; the form is " + form);
@@ -98,7 +98,7 @@ std::optional<int32_t> Session::call(const Function& function, const Words& argu
   } catch (const BadInput& bad) {
     throw BadInput(std::string(bad.what()) + "; the form is " + form);
   }
-  swsdk_events_drain();  // who is registered is told before the result is shown
+  swsdk_events_drain();  // callbacks run before the result is shown
   std::fflush(stdout);
   print_news();
   if (const std::optional<int32_t> result = outcome.result)
@@ -118,7 +118,7 @@ void Session::execute(std::string_view line, bool well) {
     given.erase(given.begin(), given.begin() + 2);
   }
   const Words arguments(given.begin() + 1, given.end());
-  std::fflush(stdout);  // what goes to standard error meanwhile comes behind the lines before it
+  std::fflush(stdout);  // keeps the order with what goes to standard error
 
   const BuiltIn* built_in = find_built_in(given[0]);
   if (built_in != nullptr && !expected) {

@@ -1,4 +1,4 @@
-// A session of the shell: runs lines and scripts, and says what came of them.
+// A session of the shell: runs lines and scripts, and prints their results.
 #pragma once
 
 #include <cstdint>
@@ -10,7 +10,7 @@
 
 namespace saish {
 
-/// A command of a script, or one after `expect`, did not give what it should.
+/// A command of a script, or one after `expect`, did not have the expected result.
 struct Unexpected : std::runtime_error {
   explicit Unexpected(std::string_view text) : runtime_error(printable(text)) {}
 };
@@ -24,15 +24,15 @@ class Session {
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
 
-  /// Runs one line and prints what came of it. Throws BadInput when the line is no command, and nothing was changed;
-  /// Unexpected when `expect` was not met.
+  /// Runs one line and prints its result. Throws BadInput when the line is not a command, before any change; Unexpected
+  /// when the result is not what `expect` says.
   void run(std::string_view line);
 
   /// The same; throws Unexpected also when a function failed.
   void run_well(std::string_view line);
 
-  /// Runs a script line by line, each echoed first. Throws Unexpected, with file and line, at the first line that does
-  /// not give what it should.
+  /// Runs a script line by line, each echoed first. Throws Unexpected, with file and line, at the first line without
+  /// the expected result.
   void run_script(const std::string& path);
 
   /// Ends the scripts that are running before their next line, until the next run(). A signal handler may call it.
@@ -42,10 +42,10 @@ class Session {
   void follow_journal(bool on);
   void clear_journal();
 
-  /// What leaves the units that frames were sent into.
+  /// What leaves the units to which frames were sent.
   Capture& capture() { return capture_; }
 
-  /// Whether its tables are for a comparison, so that it makes none itself: comparisons would start each other forever.
+  /// Whether its tables are for a comparison. Then it makes none itself: comparisons would start each other forever.
   void set_compared() { compared_ = true; }
   bool is_compared() const { return compared_; }
 
@@ -62,7 +62,7 @@ class Session {
   bool compared_ = false;
   bool following_ = false;
   std::size_t journal_shown_ = 0;
-  int scripts_ = 0;  // that are running each other
+  int scripts_ = 0;  // nested, that are running
 };
 
 /// What the virtual chip's journal holds from a position on.

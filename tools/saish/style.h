@@ -1,4 +1,4 @@
-// How standard output looks where it is a terminal: colours, if it wants them, and its width.
+// The terminal at standard output: colors, if it supports them, and its width.
 #pragma once
 
 #include <cstddef>
@@ -9,7 +9,7 @@ const char* dim();
 const char* red();
 const char* plain();
 
-/// Columns of the terminal; 0 where there is none, so that lines can be as long as they are.
+/// Columns of the terminal; 0 if there is none, so that lines are not cut.
 std::size_t width();
 
 }  // namespace saish::style

@@ -23,7 +23,7 @@ namespace saish {
 
 namespace {
 
-/// Stands before a title; no table prints one.
+/// The byte before a title; no table prints it.
 constexpr char mark = '\f';
 
 std::vector<std::string> lines_of(const std::string& text) {
@@ -43,7 +43,7 @@ std::vector<Table> parsed(const std::string& text) {
   return result;
 }
 
-/// The cells of a line, which are two blanks or more apart: how far depends on the other lines.
+/// The cells of a line, two or more spaces apart, depending on the other lines.
 std::vector<std::string> cells_of(const std::string& line) {
   std::vector<std::string> result;
   for (std::size_t begin = 0; begin < line.size();) {
@@ -56,7 +56,7 @@ std::vector<std::string> cells_of(const std::string& line) {
 
 using Rows = std::vector<std::vector<std::string>>;
 
-/// Cells in columns; a sign is the first.
+/// Cells in columns; the first is a sign.
 void print_rows(const Rows& rows) {
   std::vector<std::size_t> widths;
   for (const auto& row : rows) {
@@ -74,9 +74,9 @@ void print_rows(const Rows& rows) {
   }
 }
 
-/// The lines that only one of the two tables has; those of one entry together, for both are in the order of their keys.
+/// The lines that only one of the two tables has; lines of one entry are adjacent, as both tables are sorted by key.
 Rows different_rows(const Table& wanted, const Table& there) {
-  std::map<std::vector<std::string>, int> balance;  // how much more often a line is there than wanted
+  std::map<std::vector<std::string>, int> balance;  // how many more times a line is there than intended
   for (const std::string& line : there.lines) ++balance[cells_of(line)];
   for (const std::string& line : wanted.lines) --balance[cells_of(line)];
 
@@ -108,7 +108,7 @@ Rows different_rows(const Table& wanted, const Table& there) {
   return result;
 }
 
-/// A file without a name, for what another process reads or writes.
+/// A file without a name, which another process reads or writes.
 class Scratch {
  public:
   explicit Scratch(std::string_view text = "") : number_(memfd_create("saish", MFD_CLOEXEC)) {
@@ -138,13 +138,13 @@ class Scratch {
   bool good_ = false;
 };
 
-/// Runs this program with these arguments and streams. Whether it exits with 0.
+/// Runs this program with these arguments and streams. Returns whether it exits with 0.
 bool run_again(std::vector<std::string> arguments, const Scratch& input, const Scratch& output, const Scratch& errors) {
   arguments.insert(arguments.begin(), program_invocation_short_name);
   std::vector<char*> argv;
   for (std::string& argument : arguments) argv.push_back(argument.data());
   argv.push_back(nullptr);
-  // What records this process would be overwritten.
+  // The child would overwrite a recording of this process.
   std::vector<char*> environment;
   for (char** variable = environ; *variable != nullptr; ++variable)
     if (!std::string_view(*variable).starts_with(SWSDK_RECORD_VARIABLE "=")) environment.push_back(*variable);
@@ -162,7 +162,7 @@ bool run_again(std::vector<std::string> arguments, const Scratch& input, const S
   return started && waitpid(child, &status, 0) == child && status == 0;
 }
 
-/// Commands that give another chip the links that this one has.
+/// Commands that set another chip's links to those of this one.
 std::string link_commands(const std::vector<Table>& tables) {
   std::string result;
   int unit = 0;
@@ -217,7 +217,7 @@ int print_differences(const std::vector<Table>& intended, const std::vector<Tabl
 }
 
 void print_tables_after(const std::vector<std::string>& scripts) {
-  // What the scripts print goes nowhere.
+  // What the scripts print is discarded.
   std::FILE* const output = fdopen(dup(STDOUT_FILENO), "w");
   if (output == nullptr || std::freopen("/dev/null", "w", stdout) == nullptr)
     throw BadInput("cannot print the tables: " + std::string(std::strerror(errno)));

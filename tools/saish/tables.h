@@ -1,4 +1,4 @@
-// All tables of the chip as people see them, and how those that a script would leave differ from those that are there.
+// All tables of the chip as text, and how they differ from the tables that a script would leave.
 #pragma once
 
 #include <string>
@@ -23,7 +23,7 @@ void print_tables_after(const std::vector<std::string>& scripts);
 /// when the chip differs, BadInput when the script fails there.
 void compare_with(const std::string& script);
 
-/// Prints the lines that only one of the two has: "-" intended, "+" there. How many they are.
+/// Prints the lines that only one of the two has: "-" intended, "+" there. Returns their number.
 int print_differences(const std::vector<Table>& intended, const std::vector<Table>& actual);
 
 }  // namespace saish

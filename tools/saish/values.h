@@ -47,8 +47,8 @@ struct Field {
   const char* type;  // for people
 };
 
-/// The fields of a record of sai.h; commands.cmake finds them there. A record with a field that is neither a number, a
-/// list of numbers nor a record has none.
+/// The fields of a record of sai.h, which commands.cmake finds. A record with a field that is not a number, a list of
+/// numbers or a record has none.
 template <class Record>
 std::span<const Field> fields() = delete;
 
@@ -122,7 +122,7 @@ requires std::is_class_v<Record> std::string text(const Record& record) {
 
 std::string ip4_text(uint32_t address);
 
-/// What a 32-bit field holds, as its comment in sai.h says.
+/// What a 32-bit field holds, according to its comment in sai.h.
 enum class Form { number, ip4, network_ip4 };
 
 /// The address in the other of host and network byte order.
@@ -135,7 +135,7 @@ struct MemberOf<T R::*> {
   using Record = R;
 };
 
-/// What people call the values of a type.
+/// The name of a type's values in messages.
 template <class T>
 constexpr const char* type_name() {
   if constexpr (std::same_as<T, uint8_t[6]>)

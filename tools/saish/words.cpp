@@ -8,7 +8,7 @@ namespace {
 
 bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\r'; }
 
-/// Takes the rest of a quoted word off the line, with the closing quote.
+/// Removes the rest of a quoted word from the line, with the closing quote.
 std::string quoted(std::string_view& line) {
   std::string word;
   while (!line.empty()) {
@@ -24,7 +24,7 @@ std::string quoted(std::string_view& line) {
   throw BadInput("a quoted text has no closing quote: \"" + word);
 }
 
-/// Takes a record off the line, from its opening to its closing brace.
+/// Removes a record from the line, from its opening to its closing brace.
 std::string braced(std::string_view& line) {
   int depth = 0;
   for (std::size_t i = 0; i < line.size(); ++i) {

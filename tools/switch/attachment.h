@@ -1,4 +1,4 @@
-// What a port of the chip is plugged into: an interface of the host, or files with frames.
+// What a port of the chip is connected to: an interface of the host, or files with frames.
 #pragma once
 
 #include <cstddef>
@@ -11,7 +11,7 @@
 
 namespace vswitch {
 
-/// What is wrong with what the user asked for: one line for a person.
+/// An error in what the user asked for: a message of one line.
 struct CannotStart : std::runtime_error {
   using runtime_error::runtime_error;
 };
@@ -19,7 +19,7 @@ struct CannotStart : std::runtime_error {
 using Bytes = std::span<const uint8_t>;
 using Receiver = std::function<void(Bytes frame)>;
 
-/// Takes what went wrong while frames passed: one line for a person.
+/// Receives errors that occur while frames pass: messages of one line.
 using Tell = std::function<void(const std::string& trouble)>;
 
 class Attachment {
@@ -32,10 +32,10 @@ class Attachment {
   /// What becomes readable when frames have come; -1 when there is nothing to wait for.
   virtual int descriptor() const = 0;
 
-  /// Whether there are frames without waiting.
+  /// Whether frames can be read without waiting.
   virtual bool has_frames() const { return false; }
 
-  /// Hands over frames that have come, but not so many that others have to wait. Never blocks.
+  /// Passes on frames that have arrived, but only so many that other ports need not wait. Never blocks.
   virtual void receive(const Receiver& receiver) = 0;
 
   /// A frame that cannot be sent is lost, as on a cable.
@@ -43,31 +43,31 @@ class Attachment {
 
   virtual bool has_link() const = 0;
 
-  /// Lets go of what has gone, and takes what is there by the same name. Whether it took something.
+  /// Closes an interface that is gone, and opens a new one with the same name. Returns whether it opened one.
   virtual bool plug_again() { return false; }
 
   /// How many frames the host dropped because they came faster than they were received.
   virtual uint64_t lost() { return 0; }
 
-  /// Whether nothing more will come.
+  /// Whether no more frames will come.
   virtual bool is_over() const { return false; }
 };
 
-/// How many frames one attachment hands over before the others get their turn.
+/// How many frames one attachment passes on before the others get their turn.
 constexpr int burst = 64;
 
-/// The outer tag of a frame: behind the addresses.
+/// The outer tag of a frame: after the addresses.
 constexpr std::size_t tag_at = 12;
 constexpr std::size_t tag_size = 4;
 
-/// Plugs in what the text names: IFACE, tap:NAME or pcap:IN:OUT. Throws CannotStart.
+/// Connects what the text names: IFACE, tap:NAME or pcap:IN:OUT. Throws CannotStart.
 std::unique_ptr<Attachment> attach(const std::string& text, const Tell& tell);
 
 std::unique_ptr<Attachment> attach_interface(const std::string& name);
 std::unique_ptr<Attachment> attach_pcap(const std::string& input, const std::string& output, const Tell& tell);
 
-/// A new interface of the host with that name, gone when the attachment is; with no MAC address given it gets any. When
-/// somebody deletes it and makes another TAP interface by its name, that one is used.
+/// A new interface of the host with that name, deleted with the attachment; without `mac` its address is random. When
+/// it is deleted and another TAP interface is created with its name, that one is used.
 std::unique_ptr<Attachment> attach_tap(const std::string& name, const uint8_t* mac);
 
 }  // namespace vswitch

@@ -19,14 +19,14 @@ unsigned sum(std::span<const uint8_t> bytes) {
   return bytes.size() % 2 == 0 ? result : result + (static_cast<unsigned>(bytes.back()) << 8);
 }
 
-/// With addresses of the IP header at a place, and the segment behind it.
+/// Of the addresses of the IP header at a place, and the segment after it.
 void fill_in(std::span<const uint8_t> addresses, unsigned protocol, std::span<uint8_t> segment) {
   const std::size_t at = protocol == tcp ? 16 : 6;
   if ((protocol != tcp && protocol != udp) || segment.size() < at + 2) return;
   segment[at] = segment[at + 1] = 0;
   unsigned total = sum(addresses) + protocol + static_cast<unsigned>(segment.size()) + sum(segment);
   while (total >> 16 != 0) total = (total & 0xFFFF) + (total >> 16);
-  const unsigned checksum = total == 0xFFFF ? total : 0xFFFF - total;  // 0 would say that there is none
+  const unsigned checksum = total == 0xFFFF ? total : 0xFFFF - total;  // 0 would mean that there is no checksum
   segment[at] = static_cast<uint8_t>(checksum >> 8);
   segment[at + 1] = static_cast<uint8_t>(checksum);
 }
@@ -40,7 +40,7 @@ void complete_checksum(std::span<uint8_t> frame) {
   at += 2;
   if (type == 0x0800 && at + 20 <= frame.size()) {
     const std::size_t header = (frame[at] & 0xFU) * 4U;
-    const std::size_t length = word(frame, at + 2);  // what stands behind it is padding
+    const std::size_t length = word(frame, at + 2);  // the rest is padding
     if (header < 20 || length < header || at + length > frame.size()) return;
     fill_in(frame.subspan(at + 12, 8), frame[at + 9], frame.subspan(at + header, length - header));
   } else if (type == 0x86DD && at + 40 <= frame.size()) {

@@ -6,8 +6,8 @@
 
 namespace vswitch {
 
-/// Fills in the checksum of a TCP or UDP frame. A virtual interface has no hardware that would, and the chip passes
-/// frames on as they are.
+/// Fills in the checksum of a TCP or UDP frame. A virtual interface has no hardware for it, and the chip forwards
+/// frames unchanged.
 void complete_checksum(std::span<uint8_t> frame);
 
 }  // namespace vswitch

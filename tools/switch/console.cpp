@@ -38,7 +38,7 @@ class Writer : public std::enable_shared_from_this<Writer> {
     changed_.notify_one();
   }
 
-  /// Nothing is added any more. Waits as Console::finish; the error with which writing ended, or 0.
+  /// Stops adding. Waits like Console::finish; returns the error that ended writing, or 0.
   int finish(int signals) {
     {
       const std::lock_guard guard(lock_);
@@ -79,7 +79,7 @@ class Writer : public std::enable_shared_from_this<Writer> {
       const ssize_t count = write(descriptor_, text.data(), text.size());
       if (count >= 0)
         text.remove_prefix(static_cast<std::size_t>(count));
-      else if (errno == EAGAIN)  // another process may have made it so
+      else if (errno == EAGAIN)  // another process may have made it non-blocking
         wait_for_room();
       else if (errno != EINTR)
         return errno;
@@ -103,7 +103,7 @@ class Writer : public std::enable_shared_from_this<Writer> {
   std::condition_variable changed_;
   std::string waiting_;
   std::size_t left_out_ = 0;
-  int error_ = 0;  // with which writing ended
+  int error_ = 0;  // that ended writing
   bool finishing_ = false;
 };
 

@@ -1,4 +1,4 @@
-// What the program prints, and where it waits when nobody reads.
+// What the program prints, and the buffers for it while no process reads.
 #pragma once
 
 #include <cstdio>
@@ -12,8 +12,8 @@ void tell(const std::string& line);
 
 class Writer;
 
-/// Takes over standard output and standard error. What is printed there waits in memory for its reader, so that no
-/// reader, or none, can keep the caller from its work. Beyond a limit it is left out, and a line tells how much.
+/// Takes over standard output and standard error. What is printed there waits in memory, so that a slow or missing
+/// reader cannot block the caller. Beyond a limit it is left out, and a line says how much.
 class Console {
  public:
   Console();
@@ -21,8 +21,8 @@ class Console {
   Console(const Console&) = delete;
   Console& operator=(const Console&) = delete;
 
-  /// Waits until all is read; once `signals` is readable, for a second at most. False when standard output could not be
-  /// written, which standard error tells then.
+  /// Waits until all is read; once `signals` is readable, for at most a second. False when standard output could not be
+  /// written, which is then reported on standard error.
   bool finish(int signals);
 
  private:
@@ -30,7 +30,7 @@ class Console {
   std::FILE* const errors_;
   const std::shared_ptr<Writer> output_writer_;
   const std::shared_ptr<Writer>
-      errors_writer_;  // the same one when both go to the same place, so that they stay in order
+      errors_writer_;  // the same writer when both have the same target, so that they stay in order
 };
 
 }  // namespace vswitch

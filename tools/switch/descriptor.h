@@ -30,7 +30,7 @@ std::string system_error(const std::string& what);
 /// A request about the interface of that name. Throws CannotStart when no interface can have it.
 ifreq request_for(const std::string& name);
 
-/// Whether the interface is up and has its carrier; an interface that is gone has not.
+/// Whether the interface is up and has a carrier; false for an interface that is gone.
 bool has_link(int socket, const std::string& name);
 
 }  // namespace vswitch

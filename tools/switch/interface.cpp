@@ -1,4 +1,4 @@
-// An interface that the host has: frames by a raw socket.
+// An existing interface of the host: frames through a raw socket.
 #include <linux/if_packet.h>
 #include <net/ethernet.h>
 #include <net/if.h>
@@ -18,12 +18,12 @@ namespace vswitch {
 namespace {
 
 constexpr std::size_t most = 65536;
-constexpr int room_for_frames = 8 << 20;  // bytes: some 10000 frames wait while the program does something else
+constexpr int room_for_frames = 8 << 20;  // bytes: some 10000 frames can wait while the program is busy
 
 class Interface : public Attachment {
  public:
   explicit Interface(const std::string& name) : name_(name) {
-    request_for(name);  // refuses what is no name
+    request_for(name);  // rejects invalid names
     const int index = present_index();
     if (index == 0) throw CannotStart("there is no interface \"" + name + "\"; ip link shows those that are there");
     socket_ = socket_at(index);
@@ -36,14 +36,14 @@ class Interface : public Attachment {
   bool plug_again() override {
     const int index = present_index();
     if (index != 0 && index == bound_index()) return false;
-    lost();  // those of this socket
+    lost();  // resets the count of this socket
     socket_ = Descriptor();
     if (index == 0) return false;
     try {
       socket_ = socket_at(index);
       return true;
     } catch (const CannotStart&) {
-      return false;  // gone again: that is news too
+      return false;  // gone again, which is reported as news, too
     }
   }
 
@@ -64,10 +64,10 @@ class Interface : public Attachment {
   }
 
  private:
-  /// Of the interface that has the name now; 0 when there is none.
+  /// The index of the interface that has the name now; 0 when there is none.
   int present_index() const { return static_cast<int>(if_nametoindex(name_.c_str())); }
 
-  /// Of the interface whose frames come; after its end -1, also when one with the same index is made.
+  /// The index of the interface that is open; -1 after its end, even when one with the same index is created.
   int bound_index() const {
     sockaddr_ll address{};
     socklen_t size = sizeof address;
@@ -88,7 +88,7 @@ class Interface : public Attachment {
     everything.mr_type = PACKET_MR_PROMISC;
     set(made, PACKET_ADD_MEMBERSHIP, everything);
 
-    // Bound last: no frame comes before the settings hold.
+    // Bound last: no frame arrives before the settings apply.
     sockaddr_ll address{};
     address.sll_family = AF_PACKET;
     address.sll_protocol = htons(ETH_P_ALL);
@@ -125,7 +125,7 @@ class Interface : public Attachment {
     return (told.tp_status & TP_STATUS_VLAN_VALID) != 0 ? with_tag(frame, told) : frame;
   }
 
-  /// The kernel takes a frame's outer tag off and tells it apart: it goes back between addresses and type.
+  /// The kernel removes a frame's outer tag and delivers it separately: put it back between addresses and type.
   Bytes with_tag(Bytes frame, const tpacket_auxdata& told) {
     std::memmove(buffer_.data(), frame.data(), tag_at);
     const bool tpid_known = (told.tp_status & TP_STATUS_VLAN_TPID_VALID) != 0;
@@ -140,7 +140,7 @@ class Interface : public Attachment {
   const std::string name_;
   Descriptor socket_;
   uint64_t lost_ = 0;
-  std::vector<uint8_t> buffer_ = std::vector<uint8_t>(tag_size + most);  // frames begin behind the room of a tag
+  std::vector<uint8_t> buffer_ = std::vector<uint8_t>(tag_size + most);  // frames begin after space for a tag
 };
 
 }  // namespace

@@ -1,4 +1,4 @@
-// News that an interface of the host came, went, or changed.
+// The kernel's news that an interface of the host was created, deleted or changed.
 #pragma once
 
 #include "descriptor.h"
@@ -10,10 +10,10 @@ class LinkNews {
   /// Throws CannotStart.
   LinkNews();
 
-  /// Becomes readable with each of them.
+  /// Becomes readable with each news.
   int descriptor() const { return socket_.get(); }
 
-  /// Takes all that have come and forgets them: the state is asked of the kernel afterwards, so news can be lost.
+  /// Reads and discards all news: the state is read from the kernel afterwards, so news can be lost.
   void forget();
 
  private:

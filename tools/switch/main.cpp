@@ -20,7 +20,7 @@ namespace {
 constexpr int failed = 1;
 constexpr int bad_start = 2;
 
-/// Becomes readable when the program is to end. Threads start later and inherit that the signals wait.
+/// Becomes readable when the program is to end. Threads start later and inherit the blocked signals.
 int end_signals() {
   sigset_t signals;
   sigemptyset(&signals);
@@ -35,7 +35,7 @@ int tell(const std::exception& error, int code) {
   return code;
 }
 
-/// The exit code of what the program is to do; what goes wrong is told.
+/// Does what the program is to do and returns the exit code; errors are reported.
 int code_of(const std::function<int()>& work) {
   try {
     return work();
@@ -93,7 +93,7 @@ int run(int argc, char** argv) {
       return 0;
     });
 
-  signal(SIGPIPE, SIG_IGN);  // a reader that leaves ends nothing
+  signal(SIGPIPE, SIG_IGN);  // a reader that goes away does not end the program
   const vswitch::Descriptor signals(end_signals());
   vswitch::Console console;
   const int code = code_of([&] {

@@ -1,4 +1,4 @@
-// Files: frames come out of one and go into another.
+// Files: frames are read from one and written to another.
 #include <fcntl.h>
 #include <pcap/pcap.h>
 #include <stdio_ext.h>
@@ -34,7 +34,7 @@ struct Close {
 };
 using File = std::unique_ptr<std::FILE, Close>;
 
-/// Whether no port has locked the file in a way that excludes this one. Devices and pipes are everybody's.
+/// Whether no lock of another port on the file excludes this one. Devices and pipes are not locked.
 bool lock(std::FILE* file, int kind) {
   struct stat status {};
   return fstat(fileno(file), &status) != 0 || !S_ISREG(status.st_mode) || flock(fileno(file), kind | LOCK_NB) == 0 ||
@@ -85,13 +85,13 @@ class Output {
  public:
   Output(const std::string& path, Tell tell)
       : path_(path), tell_(std::move(tell)), format_(pcap_open_dead(DLT_EN10MB, whole_frames)) {
-    // Emptied only when it is sure that nobody reads it.
+    // Emptied only after the lock, when no port reads it.
     const int number = open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
     File file(number < 0 ? nullptr : fdopen(number, "wb"));
     if (!file) throw CannotStart(cannot("write", path));
     if (!lock(file.get(), LOCK_EX))
       throw CannotStart('"' + path + "\" is read or written already, and would be emptied; write another file");
-    [[maybe_unused]] const int emptied = ftruncate(number, 0);  // devices and pipes hold nothing
+    [[maybe_unused]] const int emptied = ftruncate(number, 0);  // devices and pipes have nothing to empty
     dumper_.reset(pcap_dump_fopen(format_.get(), file.release()));
     if (!dumper_) throw CannotStart("cannot write \"" + path + "\": " + pcap_geterr(format_.get()));
     flush();
@@ -107,7 +107,7 @@ class Output {
   }
 
  private:
-  /// Lets who watches the file see what was written. When that fails, the file ends with its last whole frame.
+  /// Flushes, so that a reader of the file sees what was written. On failure, the file ends with its last whole frame.
   bool flush() {
     std::FILE* const file = pcap_dump_file(dumper_.get());
     errno = 0;
@@ -142,7 +142,7 @@ class PcapFiles : public Attachment {
   bool has_link() const override { return true; }
   bool is_over() const override { return !input_ || input_->is_over(); }
 
-  /// One frame: those of several files come in turn.
+  /// Passes on one frame: several files take turns.
   void receive(const Receiver& receiver) override {
     if (input_) input_->receive(receiver);
   }

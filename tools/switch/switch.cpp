@@ -49,7 +49,7 @@ void Switch::plug(int port, const std::string& what) {
   }
 }
 
-/// Those that the chip was asked for since the last time.
+/// The interfaces that were requested from the chip since the last call.
 void Switch::make_host_interfaces() {
   swsdk_netif wanted;
   while (swsdk_netif_get(unit, static_cast<int>(host_interfaces_.size()), &wanted) == 0) {
@@ -90,7 +90,7 @@ void Switch::set_link(int port, bool up) {
   if (std::exchange(links_[port], up) != up) swsdk_link_event(unit, port, up ? 1 : 0);
 }
 
-/// Each line is echoed first, as in scripts: who gives commands through a pipe sees what is the answer to which.
+/// Each line is echoed first, as in scripts, so that piped commands can be matched to their output.
 void Switch::run_commands() {
   std::array<char, 4096> text;
   const ssize_t length = read(STDIN_FILENO, text.data(), text.size());
@@ -129,10 +129,10 @@ void Switch::tell_losses() {
 }
 
 void Switch::pass_frames(int signals) {
-  constexpr int rest = 10;  // milliseconds: how far the chip's clock stays behind at most
+  constexpr int rest = 10;  // milliseconds: how far the chip's clock may lag
   follow_links();
   while (!is_over()) {
-    // Descriptors that are -1 are passed over.
+    // poll() ignores descriptors that are -1.
     std::vector<pollfd> polled{
         {signals, POLLIN, 0}, {commands_ ? STDIN_FILENO : -1, POLLIN, 0}, {link_news_.descriptor(), POLLIN, 0}};
     const std::size_t first_port = polled.size();

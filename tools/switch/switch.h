@@ -1,4 +1,4 @@
-// The chip as a process: ports with what they are plugged into, the host's interfaces, time and commands.
+// The chip as a process: ports with what they are connected to, the host's interfaces, time and commands.
 #pragma once
 
 #include <swsdk/frames.h>
@@ -17,17 +17,17 @@ namespace vswitch {
 
 class Switch {
  public:
-  /// @param cpu  the name of the host's first interface in place of the one that start-up asked for; empty: that one
+  /// @param cpu  the name of the host's first interface instead of the one that start-up requests; empty: keep that one
   Switch(saish::Session& session, const std::string& cpu);
 
-  /// Plugs a port in. Throws CannotStart.
+  /// Connects a port. Throws CannotStart.
   void plug(int port, const std::string& what);
 
   /// Passes frames until `signals` becomes readable, a command ends the session, or all ports are files at their end;
-  /// then tells what was lost. Commands come from standard input, if it is a terminal or a pipe.
+  /// then reports what was lost. Commands come from standard input, if it is a terminal or a pipe.
   void run(int signals);
 
-  /// Whether anything went wrong meanwhile; standard error has it.
+  /// Whether an error occurred meanwhile; it is on standard error.
   bool had_trouble() const { return had_trouble_; }
 
  private:
@@ -53,9 +53,9 @@ class Switch {
   LinkNews link_news_;
   std::vector<HostInterface> host_interfaces_;
   std::chrono::steady_clock::time_point now_ = std::chrono::steady_clock::now();
-  bool commands_ = false;  // can still come
+  bool commands_ = false;  // more commands can come
   bool had_trouble_ = false;
-  std::string typed_;  // of a command line that is not complete yet
+  std::string typed_;  // part of a command line that is not complete yet
 };
 
 }  // namespace vswitch

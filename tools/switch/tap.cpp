@@ -1,4 +1,4 @@
-// An interface that the program makes: the host's end of a cable whose other end is the chip.
+// An interface that the program creates: the host's end of a cable to the chip.
 #include <fcntl.h>
 #include <linux/if_tun.h>
 #include <net/if.h>
@@ -40,7 +40,7 @@ class Tap : public Attachment {
       device_ = attached(0);
       return true;
     } catch (const CannotStart&) {
-      return false;  // it is another kind of interface, or somebody else's
+      return false;  // it is another kind of interface, or belongs to another process
     }
   }
 
@@ -57,7 +57,7 @@ class Tap : public Attachment {
   }
 
  private:
-  /// To the interface, which is made when there is none, and put up.
+  /// Opens the interface, creates it if there is none, and sets it up.
   Descriptor attached(int flags) const {
     Descriptor device(open("/dev/net/tun", O_RDWR | O_NONBLOCK | O_CLOEXEC));
     ifreq request = request_for(name_);
