@@ -35,7 +35,7 @@ chip::Mac mac(uint32_t number) {
           static_cast<uint8_t>(number >> 8),
           static_cast<uint8_t>(number)};
 }
-int port_of(uint32_t number) { return static_cast<int>(number % ports) + 1; }
+chip::Port port_of(uint32_t number) { return chip::Port::of(static_cast<int>(number % ports) + 1); }
 
 /// From one host to another, tagged, with an IPv4 packet of UDP.
 Frame make_frame(uint32_t from, const chip::Mac& to, uint32_t to_ip) {
@@ -60,8 +60,8 @@ Frame make_frame(uint32_t from, const chip::Mac& to, uint32_t to_ip) {
 /// Where frames leave in memory.
 class Memory final : public chip::Wire {
  public:
-  void transmit(int port, std::span<const uint8_t> frame) override {
-    std::copy(frame.begin(), frame.end(), slots_[static_cast<std::size_t>(port)].begin());
+  void transmit(chip::Port port, std::span<const uint8_t> frame) override {
+    std::copy(frame.begin(), frame.end(), slots_[port.index()].begin());
     ++count_;
   }
   void deliver(const chip::CpuFrame&) override {}
@@ -79,7 +79,7 @@ class BareLoop {
   BareLoop(const std::vector<uint32_t>& hosts, std::size_t key_at, uint32_t first) : key_at_(key_at), slots_(1 << 16) {
     for (const uint32_t host : hosts) {
       std::size_t slot = slot_of(first + host);
-      while (slots_[slot].port != 0) slot = (slot + 1) % slots_.size();
+      while (slots_[slot].key != 0) slot = (slot + 1) % slots_.size();
       slots_[slot] = {first + host, port_of(host)};
     }
   }
@@ -89,14 +89,14 @@ class BareLoop {
                          static_cast<uint32_t>(at[2]) << 8 | at[3];
     std::size_t slot = slot_of(key);
     while (slots_[slot].key != key) slot = (slot + 1) % slots_.size();
-    std::memcpy(out_[static_cast<std::size_t>(slots_[slot].port)].data(), frame.data(), frame.size());
+    std::memcpy(out_[slots_[slot].port.index()].data(), frame.data(), frame.size());
     asm volatile("" : : "r"(out_.data()) : "memory");  // the copies are wanted
   }
 
  private:
   struct Slot {
     uint32_t key = 0;
-    int port = 0;
+    chip::Port port;
   };
   std::size_t slot_of(uint32_t key) const { return (chip::hash_of(key) >> 32) % slots_.size(); }
 
@@ -119,15 +119,15 @@ struct Setting {
 struct Scene {
   explicit Scene(const Setting& setting) {
     chip::PortSet members;
-    for (int port = 1; port <= ports; ++port) {
+    for (const chip::Port port : chip->ports.ethernet()) {
       members.add(port);
       chip->port_macs.set_partner(port, true);
     }
     chip->vlans.create(vlan);
     chip->vlans.add_ports(vlan, members, {});
-    chip->switch_controls.set(static_cast<int>(chip::SwitchControl::l2_destination_hit_enable), 1);
+    chip->switch_controls.set(static_cast<int>(chip::SwitchControlOfChip::l2_destination_hit_enable), 1);
     for (uint32_t number = 0; hosts.size() < setting.hosts; ++number)
-      if (chip->mac_table.add({.mac = mac(number), .vlan = vlan, .port = port_of(number)}) == chip::Status::ok)
+      if (chip->mac_table.add({.mac = mac(number), .vlan = vlan, .place = port_of(number)}) == chip::Status::ok)
         hosts.push_back(number);  // otherwise its bucket is full
     add_field_entries(setting.field_entries);
     if (setting.way == Setting::routed) add_routes();
@@ -179,7 +179,7 @@ struct Scene {
     chip->l3_interfaces.create({.flags = chip::L3Interface::in_mac_table, .mac = router, .vlan = vlan}, interface);
     for (const uint32_t host : hosts) {
       int egress = 0;
-      chip->egress_objects.create({.interface = interface, .mac = mac(host), .vlan = vlan, .port = port_of(host)},
+      chip->egress_objects.create({.interface = interface, .mac = mac(host), .vlan = vlan, .place = port_of(host)},
                                   egress);
       chip->hosts.add({0, routed_net + host}, {.interface = egress}, false);
     }
@@ -189,7 +189,7 @@ struct Scene {
   std::unique_ptr<chip::Chip> chip = std::make_unique<chip::Chip>(ports);
   std::vector<uint32_t> hosts;
   std::vector<Frame> frames;
-  std::vector<int> in_ports;
+  std::vector<chip::Port> in_ports;
 };
 
 /// Nanoseconds per frame.

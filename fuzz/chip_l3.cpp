@@ -1,5 +1,4 @@
 // Hosts, routes, interfaces, multicast groups and virtual ports.
-#include <chip/gports.h>
 #include <chip/hosts.h>
 #include <chip/l3_interfaces.h>
 #include <chip/multicast_groups.h>
@@ -7,6 +6,7 @@
 #include <chip/virtual_ports.h>
 
 #include <map>
+#include <optional>
 #include <set>
 #include <tuple>
 #include <utility>
@@ -14,7 +14,10 @@
 
 #include "chip_tables.h"
 
+using chip::GroupId;
+using chip::Port;
 using chip::Status;
+using chip::VirtualPortId;
 
 namespace fuzz {
 
@@ -43,11 +46,11 @@ void fuzz_entries(Table& table, std::map<Key, chip::L3Entry>& model, Input& inpu
     if (present) found->second.hit |= hits & chip::L3Entry::any_hit;
   } else if (operation == 6) {
     const bool clear = input.flag();
-    chip::L3Entry entry;
-    same(table.find(key, clear ? Table::Hits::clear : Table::Hits::keep, entry), expected);
+    chip::L3Entry* const entry = table.find(key);
+    require((entry != nullptr) == present, "an entry is there, or not");
     if (!present) return;
-    require(entry.hit == found->second.hit && entry.interface == found->second.interface, "the entry is another one");
-    if (clear) found->second.hit = 0;
+    require(entry->hit == found->second.hit && entry->interface == found->second.interface, "the entry is another one");
+    if (clear) entry->hit = found->second.hit = 0;
   } else if (input.any<uint8_t>() < 8) {
     table.clear();
     model.clear();
@@ -96,11 +99,11 @@ void fuzz_routes(Input& input) {
     const int length = input.near(0, 32);
     const uint32_t mask_bits = length >= 0 && length <= 32 ? chip::Routes::mask(length) : static_cast<uint32_t>(length);
     const uint32_t address = 0x0A000000U | input.any<uint8_t>();
-    chip::RouteKey key{};
     // Ones first and then zeros: the complement is one less than a power of two.
     const bool good = (~mask_bits & (~mask_bits + 1)) == 0;
-    require(chip::Routes::make_key(0, address, mask_bits, key) == good, "a mask is taken, or not");
-    if (good) fuzz_entries(routes, model, input, key, [&] { return model.size() == chip::Routes::capacity; });
+    const std::optional<chip::RouteKey> key = chip::Routes::key_of(0, address, mask_bits);
+    require(key.has_value() == good, "a mask is taken, or not");
+    if (good) fuzz_entries(routes, model, input, *key, [&] { return model.size() == chip::Routes::capacity; });
 
     const uint32_t target = 0x0A000000U | input.any<uint8_t>();
     const chip::L3Entry* const entry = routes.lookup(0, target);
@@ -146,17 +149,14 @@ void fuzz_interfaces(Input& input) {
       const bool valid = id >= 1 && id <= chip::L3Interfaces::capacity;
       same(interfaces.remove(id), present ? Status::ok : valid ? Status::not_found : Status::bad_parameter);
     } else {
-      int same_one = 0;
-      same(interfaces.find_same(interface, same_one), found == model.end() ? Status::not_found : Status::ok);
-      require(found == model.end() || same_one == found->second, "another interface is the same");
+      const std::optional<int> same_one = interfaces.find_same(interface);
+      require(same_one == (found == model.end() ? std::nullopt : std::optional(found->second)),
+              "another interface is the same");
       int lowest = INT_MAX;
       for (const auto& [other, one] : model)
         if (std::get<2>(other) == interface.vlan) lowest = std::min(lowest, one);
-      int of_vlan = INT_MAX;
-      same(interfaces.find_by_vlan(interface.vlan, of_vlan), !is_vlan(interface.vlan) ? Status::bad_parameter
-                                                             : lowest == INT_MAX      ? Status::not_found
-                                                                                      : Status::ok);
-      require(of_vlan == lowest, "another interface is the VLAN's first");
+      require(interfaces.find_by_vlan(interface.vlan).value_or(INT_MAX) == lowest,
+              "another interface is the VLAN's first");
     }
     require(interfaces.all().size() == model.size(), "there are more interfaces, or fewer");
   }
@@ -169,20 +169,20 @@ void fuzz_multicast_groups(Input& input) {
   Groups groups(ports);
   struct Group {
     uint32_t type;
-    std::set<std::pair<int, int>> members{};
+    std::set<std::pair<Port, int>> members{};
   };
-  std::map<int, Group> model;
+  std::map<GroupId, Group> model;
   if (input.any<uint16_t>() == 0xFFFF)  // seldom, as it takes long
-    for (int id = 1; id < Groups::capacity - 1; ++id) {
-      int made = 0;
+    for (int number = 1; number < Groups::capacity - 1; ++number) {
+      GroupId made;
       same(groups.create(Groups::l2, made), Status::ok);
-      require(made == id, "the id is not the lowest free one");
-      model[id] = {Groups::l2};
+      require(made.number() == number, "the id is not the lowest free one");
+      model[made] = {Groups::l2};
     }
   while (!input.is_empty()) {
     const int operation = input.from(0, 7);
-    int id = input.near(1, 6);
-    const bool valid = id >= 1 && id <= Groups::capacity;
+    GroupId id = GroupId::of(input.near(1, 6));
+    const bool valid = id.number() >= 1 && id.number() <= Groups::capacity;
     const auto found = model.find(id);
     const bool present = found != model.end();
     const Status expected = present ? Status::ok : valid ? Status::not_found : Status::bad_parameter;
@@ -200,15 +200,15 @@ void fuzz_multicast_groups(Input& input) {
       if (of_create != Status::ok) continue;
       if (!with_id) {
         int free = 1;
-        while (model.contains(free)) ++free;
-        require(id == free, "the id is not the lowest free one");
+        while (model.contains(GroupId::of(free))) ++free;
+        require(id.number() == free, "the id is not the lowest free one");
       }
       model[id] = {types[kind]};
     } else if (operation == 3) {
       same(groups.destroy(id), expected);
       if (present) model.erase(found);
     } else {
-      const int port = input.near(0, ethernet_ports);
+      const Port port = Port::of(input.near(0, ethernet_ports));
       constexpr int encapsulations[] = {-1, 1, 2, 0x100001, 0x100002, 0, 0x100000};
       const int kind = input.from(0, 6);
       const chip::MulticastMember member{port, encapsulations[kind]};
@@ -230,7 +230,7 @@ void fuzz_multicast_groups(Input& input) {
   }
   require(groups.all().size() == model.size(), "there are more groups, or fewer");
   for (const auto& [id, group] : groups.all()) {
-    std::set<std::pair<int, int>> members;
+    std::set<std::pair<Port, int>> members;
     for (const chip::MulticastMember& member : group.members) members.insert({member.port, member.encapsulation});
     require(model.contains(id) && model.at(id).type == group.type && model.at(id).members == members,
             "a group is not as it was made");
@@ -241,59 +241,55 @@ void fuzz_virtual_ports(Input& input) {
   using Virtual = chip::VirtualPort;
   const chip::Ports ports(ethernet_ports);
   chip::VirtualPorts table(ports);
-  using Match = std::tuple<int, int, int>;
-  std::map<int, Match> model;  // by number
-  const auto number_of = [&](const Match& match) {
-    for (const auto& [number, one] : model)
-      if (one == match) return number;
-    return -1;
+  using Match = std::tuple<Port, int, int>;
+  std::map<VirtualPortId, Match> model;
+  const auto id_of = [&](const Match& match) -> std::optional<VirtualPortId> {
+    for (const auto& [id, one] : model)
+      if (one == match) return id;
+    return std::nullopt;
   };
   while (!input.is_empty()) {
     Virtual wanted;
     wanted.criteria = input.near(Virtual::match_port_vlan, Virtual::match_port_vlan_stacked);
-    const int named = input.near(0, ethernet_ports);
-    wanted.port = is_port(named) && input.flag() ? chip::gport::of_port(named) : named;
-    const int port = is_port_gport(wanted.port) ? wanted.port & 0x7FF : wanted.port;
+    wanted.port = Port::of(input.near(0, ethernet_ports));
+    const bool takes_frames = is_port(wanted.port) && input.flag();
     wanted.match_vlan = static_cast<uint16_t>(input.near(1, 3));
     wanted.match_inner_vlan = static_cast<uint16_t>(input.near(1, 3));
     wanted.egress_vlan = static_cast<uint16_t>(input.near(0, 3));
     const bool stacked = wanted.criteria == Virtual::match_port_vlan_stacked;
     const bool good = (stacked || wanted.criteria == Virtual::match_port_vlan) && is_vlan(wanted.match_vlan) &&
                       (!stacked || is_vlan(wanted.match_inner_vlan));
-    const Status check = !good ? Status::bad_parameter : is_port(port) ? Status::ok : Status::bad_port;
-    const Match match{port, wanted.match_vlan, stacked ? wanted.match_inner_vlan : 0};
-    const int present = number_of(match);
+    const Status check = !good ? Status::bad_parameter : is_port(wanted.port) ? Status::ok : Status::bad_port;
+    const Match match{wanted.port, wanted.match_vlan, stacked ? wanted.match_inner_vlan : 0};
+    const std::optional<VirtualPortId> present = id_of(match);
+    if (takes_frames && good)
+      require(present == (stacked ? table.matching(wanted.port, wanted.match_vlan, wanted.match_inner_vlan)
+                                  : table.matching(wanted.port, wanted.match_vlan)),
+              "another virtual port takes the frames");
     const int operation = input.from(0, 3);
     if (operation < 2) {
-      int gport = 0;
+      VirtualPortId id;
       const Status expected = check != Status::ok         ? check
                               : wanted.egress_vlan > 4095 ? Status::bad_parameter
-                              : present >= 0              ? Status::exists
+                              : present                   ? Status::exists
                                                           : Status::ok;
-      same(table.create(wanted, gport), expected);
+      same(table.create(wanted, id), expected);
       if (expected != Status::ok) continue;
       int free = 1;
-      while (model.contains(free)) ++free;
-      require(gport == chip::gport::of(chip::gport::virtual_port, free), "the number is not the lowest free one");
-      model[free] = match;
+      while (model.contains(VirtualPortId::of(free))) ++free;
+      require(id.number() == free, "the number is not the lowest free one");
+      model[id] = match;
     } else if (operation == 2) {
-      const int number = input.near(1, 6);
-      const bool in_gport = number >= 0 && number < 1 << 26;
-      const int gport = in_gport ? chip::gport::of(chip::gport::virtual_port, number) : number;
-      const bool is_virtual = static_cast<unsigned>(gport) >> 26 == chip::gport::virtual_port;
-      const int within = gport & 0x3FFFFFF;
-      const bool valid = within >= 1 && within <= chip::VirtualPorts::capacity;
-      const Status expected = !is_virtual              ? Status::bad_port
-                              : model.contains(within) ? Status::ok
-                              : valid                  ? Status::not_found
-                                                       : Status::bad_parameter;
-      same(table.destroy(gport), expected);
-      if (expected == Status::ok) model.erase(within);
+      const VirtualPortId id = VirtualPortId::of(input.near(1, 6));
+      const bool valid = id.number() >= 1 && id.number() <= chip::VirtualPorts::capacity;
+      const Status absent = valid ? Status::not_found : Status::bad_parameter;
+      require((table.find(id) != nullptr) == model.contains(id), "a virtual port is there, or not");
+      if (!model.contains(id)) same(table.absent(id), absent);
+      same(table.destroy(id), model.erase(id) == 1 ? Status::ok : absent);
     } else {
-      int gport = -1;
-      same(table.find_match(wanted, gport), check != Status::ok ? check : present < 0 ? Status::not_found : Status::ok);
-      if (check == Status::ok && present >= 0)
-        require(gport == chip::gport::of(chip::gport::virtual_port, present), "another virtual port matches");
+      const bool found = check == Status::ok && present;
+      require(table.find_match(wanted) == (found ? present : std::nullopt), "another virtual port matches");
+      if (!found) same(table.absent_match(wanted), check != Status::ok ? check : Status::not_found);
     }
     require(table.all().size() == model.size(), "there are more virtual ports, or fewer");
   }

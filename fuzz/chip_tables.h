@@ -1,6 +1,7 @@
 // The chip's tables that are compared with simple models, one function for each.
 #pragma once
 
+#include <chip/place.h>
 #include <chip/status.h>
 
 #include "input.h"
@@ -9,16 +10,8 @@ namespace fuzz {
 
 /// The ports of the chip under test, as the models know them.
 constexpr int ethernet_ports = 12;
-constexpr bool is_port(int port) { return port >= 0 && port <= ethernet_ports; }
+constexpr bool is_port(chip::Port port) { return port.number() >= 0 && port.number() <= ethernet_ports; }
 constexpr bool is_vlan(int vlan) { return vlan >= 1 && vlan <= 4095; }
-
-/// Whether a number is a gport of a port of the chip under test, rather than the port itself.
-constexpr bool is_port_gport(int number) {
-  const auto bits = static_cast<unsigned>(number);
-  const unsigned kind = bits >> 26;
-  const unsigned module = bits >> 11 & 0x7FFF;
-  return (kind == 1 || (kind == 2 && module == 0)) && is_port(number & 0x7FF);
-}
 
 inline void same(chip::Status status, chip::Status expected, const char* file = __builtin_FILE(),
                  int line = __builtin_LINE()) {

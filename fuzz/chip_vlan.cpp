@@ -1,5 +1,4 @@
 // VLANs, their spanning-tree groups and their translations.
-#include <chip/gports.h>
 #include <chip/spanning_trees.h>
 #include <chip/vlan_translations.h>
 #include <chip/vlans.h>
@@ -10,34 +9,36 @@
 
 #include "chip_tables.h"
 
+using chip::Port;
 using chip::Status;
+using chip::VirtualPortId;
 
 namespace fuzz {
 
 namespace {
 
 /// A few ports; now and then one that the chip does not have.
-std::set<int> ports_from(Input& input) {
+std::set<Port> ports_from(Input& input) {
   const auto bits = input.any<uint16_t>();
-  std::set<int> ports;
-  for (int port = 0; port <= ethernet_ports; ++port)
-    if ((bits >> port & 1) != 0) ports.insert(port);
-  if (bits >> 13 == 7) ports.insert(input.from(0, 255));
+  std::set<Port> ports;
+  for (int number = 0; number <= ethernet_ports; ++number)
+    if ((bits >> number & 1) != 0) ports.insert(Port::of(number));
+  if (bits >> 13 == 7) ports.insert(Port::of(input.from(0, 255)));
   return ports;
 }
 
-chip::PortSet set_of(const std::set<int>& ports) {
+chip::PortSet set_of(const std::set<Port>& ports) {
   chip::PortSet result;
-  for (const int port : ports) result.add(port);
+  for (const Port port : ports) result.add(port);
   return result;
 }
 
-bool all_are_ports(const std::set<int>& ports) { return std::all_of(ports.begin(), ports.end(), is_port); }
+bool all_are_ports(const std::set<Port>& ports) { return std::all_of(ports.begin(), ports.end(), is_port); }
 
 struct VlanModel {
-  std::set<int> members{};
-  std::set<int> untagged{};
-  std::set<int> virtual_members{};
+  std::set<Port> members{};
+  std::set<Port> untagged{};
+  std::set<VirtualPortId> virtual_members{};
   int tree = 0;
   int flood = 0;
 };
@@ -48,9 +49,9 @@ void fuzz_vlans(Input& input) {
   const chip::Ports ports(ethernet_ports);
   chip::Vlans vlans(ports);
   VlanModel first;
-  for (int port = 0; port <= ethernet_ports; ++port) first.members.insert(port);
+  for (int number = 0; number <= ethernet_ports; ++number) first.members.insert(Port::of(number));
   first.untagged = first.members;
-  first.untagged.erase(0);
+  first.untagged.erase(Port{0});
   std::map<int, VlanModel> model{{1, first}};
   while (!input.is_empty()) {
     const int operation = input.from(0, 9);
@@ -68,33 +69,33 @@ void fuzz_vlans(Input& input) {
       same(vlans.destroy_all(), Status::ok);
       std::erase_if(model, [](const auto& vlan) { return vlan.first != 1; });
     } else if (operation < 6) {
-      const std::set<int> members = ports_from(input);
-      const std::set<int> untagged = ports_from(input);
+      const std::set<Port> members = ports_from(input);
+      const std::set<Port> untagged = ports_from(input);
       const bool good = all_are_ports(members);
       same(vlans.add_ports(id, set_of(members), set_of(untagged)), present && !good ? Status::bad_port : expected);
       if (!present || !good) continue;
-      for (const int port : members) {
+      for (const Port port : members) {
         found->second.members.insert(port);
         found->second.untagged.erase(port);
         if (untagged.contains(port)) found->second.untagged.insert(port);
       }
     } else if (operation == 6) {
-      const std::set<int> members = ports_from(input);
+      const std::set<Port> members = ports_from(input);
       const bool good = all_are_ports(members);
       same(vlans.remove_ports(id, set_of(members)), present && !good ? Status::bad_port : expected);
       if (!present || !good) continue;
-      for (const int port : members) {
+      for (const Port port : members) {
         found->second.members.erase(port);
         found->second.untagged.erase(port);
       }
     } else if (operation == 7) {
-      const int gport = chip::gport::of(chip::gport::virtual_port, input.from(1, 4));
+      const VirtualPortId virtual_port = VirtualPortId::of(input.from(1, 4));
       if (input.flag()) {
-        same(vlans.add_virtual_port(id, gport), expected);
-        if (present) found->second.virtual_members.insert(gport);
+        same(vlans.add_virtual_port(id, virtual_port), expected);
+        if (present) found->second.virtual_members.insert(virtual_port);
       } else {
-        const bool member = present && found->second.virtual_members.erase(gport) == 1;
-        same(vlans.remove_virtual_port(id, gport), present && !member ? Status::not_found : expected);
+        const bool member = present && found->second.virtual_members.erase(virtual_port) == 1;
+        same(vlans.remove_virtual_port(id, virtual_port), present && !member ? Status::not_found : expected);
       }
     } else if (operation == 8) {
       const int mode = input.near(0, 2);
@@ -125,10 +126,10 @@ void fuzz_spanning_trees(Input& input) {
   chip::Vlans vlans(ports);
   Trees trees(ports, vlans);
   int usual = 1;
-  std::map<int, std::map<int, int>> model;  // states by group and port
+  std::map<int, std::map<Port, int>> model;  // states by group and port
   const auto fresh = [](int state) {
-    std::map<int, int> states{{0, 4}};
-    for (int port = 1; port <= ethernet_ports; ++port) states[port] = state;
+    std::map<Port, int> states{{Port{0}, 4}};
+    for (int number = 1; number <= ethernet_ports; ++number) states[Port::of(number)] = state;
     return states;
   };
   model[1] = fresh(4);
@@ -167,7 +168,7 @@ void fuzz_spanning_trees(Input& input) {
       same(trees.remove_vlan(id, vlan), !present ? expected : has_vlan && !within ? Status::not_found : of_vlan);
       if (present && within) group_of[vlan] = usual;
     } else if (operation == 7) {
-      const int port = input.near(0, ethernet_ports);
+      const Port port = Port::of(input.near(0, ethernet_ports));
       const int state = input.near(0, 4);
       const bool good = state >= 0 && state <= 4;
       same(trees.set_state(id, port, state), !present         ? expected
@@ -175,6 +176,9 @@ void fuzz_spanning_trees(Input& input) {
                                              : !good          ? Status::bad_parameter
                                                               : Status::ok);
       if (present && is_port(port) && good) model[id][port] = state;
+      const bool has_state = present && is_port(port);
+      require((trees.state(id, port) != nullptr) == has_state, "a state is there, or not");
+      if (!has_state) same(trees.absent_state(id, port), present ? Status::bad_port : expected);
     } else if (input.any<uint8_t>() < 16) {
       trees.destroy_all();
       for (int other = 1; other <= Trees::capacity; ++other)
@@ -184,14 +188,13 @@ void fuzz_spanning_trees(Input& input) {
   require(trees.all().size() == model.size() && trees.default_id() == usual, "other groups are there");
   for (const auto& [id, states] : model)
     for (const auto& [port, wanted] : states) {
-      chip::StpState state{};
-      same(trees.state(id, port, state), Status::ok);
-      require(static_cast<int>(state) == wanted, "a port is in another state");
+      const chip::StpState* const state = trees.state(id, port);
+      require(state != nullptr && static_cast<int>(*state) == wanted, "a port is in another state");
+      require(trees.forwards(id, port) == (wanted == 4), "a port forwards, or not");
     }
   for (const auto& [vlan, wanted] : group_of) {
-    int group = 0;
-    same(vlans.spanning_tree(vlan, group), Status::ok);
-    require(group == wanted, "a VLAN is in another group");
+    const chip::Vlan* const found = vlans.find(vlan);
+    require(found != nullptr && found->spanning_tree == wanted, "a VLAN is in another group");
   }
 }
 
@@ -199,17 +202,18 @@ void fuzz_translations(Input& input) {
   using Table = chip::VlanTranslations;
   const chip::Ports ports(ethernet_ports);
   Table table(ports);
-  std::map<std::pair<int, int>, int> in;
-  std::map<std::pair<int, int>, int> out;
-  std::map<std::pair<int, int>, std::pair<int, int>> outer;  // high end and VLAN
-  if (input.any<uint16_t>() == 0xFFFF)                       // seldom, as it takes long
+  std::map<std::pair<Port, int>, int> in;
+  std::map<std::pair<Port, int>, int> out;
+  std::map<std::pair<Port, int>, std::pair<int, int>> outer;  // high end and VLAN
+  if (input.any<uint16_t>() == 0xFFFF)                        // seldom, as it takes long
     for (int i = 0; i < Table::capacity - 2; ++i) {
-      same(table.add(1 + i / 4000, 95 + i % 4000, {5, 0}), Status::ok);
-      in[{1 + i / 4000, 95 + i % 4000}] = 5;
+      const Port port = Port::of(1 + i / 4000);
+      same(table.add(port, 95 + i % 4000, {5, 0}), Status::ok);
+      in[{port, 95 + i % 4000}] = 5;
     }
   while (!input.is_empty()) {
     const int operation = input.from(0, 7);
-    const int port = input.near(0, 4);
+    const Port port = Port::of(input.near(0, 4));
     const int vlan = input.near(1, 8);
     const int to = input.near(1, 8) & 0xFFFF;
     const chip::Translation translation{static_cast<uint16_t>(to), 0};

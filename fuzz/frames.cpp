@@ -59,7 +59,7 @@ void add_transport(Frame& frame, Input& input) {
       frame.tcp(input.from(0, 99), input.from(0, 99));
       break;
     case 3:
-      frame.icmp(input.from(128, 143));  // neighbour discovery and MLD
+      frame.icmp(input.from(128, 143));  // neighbor discovery and MLD
       break;
     case 4:
       frame.igmp(input.from(0x11, 0x22), "225.0.0.1");

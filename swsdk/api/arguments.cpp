@@ -18,15 +18,14 @@ std::string formatted(const char* format, Args... args) {
 chip::PortSet api::ports(const bcm_pbmp_t& bitmap) {
   chip::PortSet result;
   for (int port = 0; port < BCM_PBMP_PORT_MAX; ++port)
-    if (BCM_PBMP_MEMBER(bitmap, port)) result.add(port);
+    if (BCM_PBMP_MEMBER(bitmap, port)) result.add(chip::Port::of(port));
   return result;
 }
 
 bcm_pbmp_t api::bitmap(const chip::PortSet& ports) {
   bcm_pbmp_t result;
   BCM_PBMP_CLEAR(result);
-  for (int port = 0; port < BCM_PBMP_PORT_MAX; ++port)
-    if (ports.contains(port)) BCM_PBMP_PORT_ADD(result, port);
+  for (const chip::Port port : ports) BCM_PBMP_PORT_ADD(result, port.number());
   return result;
 }
 

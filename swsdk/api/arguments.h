@@ -20,7 +20,7 @@ namespace api {
 
 // ---------------------------------------------------------------------------------------------- the wrappers ----
 
-/// Points to what the call reads: all of a record, or those fields alone by which it finds something.
+/// Points to what the call reads: a whole record, or only the fields that are the key of a lookup.
 template <class T>
 struct In {
   const T* pointer;
@@ -35,7 +35,7 @@ struct Out {
   T& operator*() const { return *pointer; }
 };
 
-/// Points to what the call reads first and writes then.
+/// Points to what the call first reads and then writes.
 template <class T>
 struct InOut {
   T* pointer;
@@ -51,7 +51,7 @@ struct Array {
   int count;
 };
 
-/// Points to `count` items that the call writes, or to room for them of which the call tells how many it wrote.
+/// Points to `count` items that the call writes, or to space for so many when the call returns how many it wrote.
 template <class T>
 struct OutArray {
   T* pointer;
@@ -93,7 +93,7 @@ template <class T>
 InOut<T> inout(T* pointer) {
   return pointer == nullptr ? InOut<T>{pointer} : InOut<T>{pointer, true, *pointer};
 }
-/// What the call finds by some fields of a record, it writes into the record.
+/// A record with the key of a lookup, into which the call writes what it finds.
 template <class T>
 InOut<T> found_by(T* pointer) {
   return pointer == nullptr ? InOut<T>{pointer} : InOut<T>{pointer, false, *pointer};
@@ -132,7 +132,7 @@ inline chip::Mac mac_at(const uint8_t* bytes) {
   return result;
 }
 
-/// Whether the caller gave a null pointer where the call needs one to something.
+/// Whether the caller gave a null pointer where the call needs a valid one.
 template <class T>
 bool is_missing(const T& argument) {
   if constexpr (requires { argument.count; })
@@ -205,7 +205,7 @@ std::string value_text(const T& value, Show show = Show::plain) {
   else if constexpr (std::is_same_v<T, bcm_ip6_t>)
     return text(Ip6{value});
   else if constexpr (std::is_array_v<T> && std::is_same_v<std::remove_extent_t<T>, char>)
-    return quoted({value, strnlen(value, sizeof value)});  // one that fills its room has no zero byte
+    return quoted({value, strnlen(value, sizeof value)});  // one that fills its array has no zero byte
   else if constexpr (std::is_array_v<T>)
     return items_text(value, static_cast<int>(std::extent_v<T>));
   else if constexpr (std::is_same_v<T, bcm_pbmp_t>)
@@ -230,7 +230,7 @@ std::string items_text(const T* items, int count) {
   return result + ']';
 }
 
-// After the call: how each argument shows in the journal line of a call that answered `rv`.
+// After the call: how each argument shows in the journal line of a call that returned `rv`.
 
 template <class T>
 std::string shown(const T& argument, int) {

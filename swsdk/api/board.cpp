@@ -1,13 +1,21 @@
-// What the board around the chips does to them: their registers, readings and counters from outside the SDK.
-#include <swsdk/chip.h>
+#include <soc/drv.h>
+#include <swsdk/board.h>
+#include <swsdk/fault.h>
+#include <swsdk/journal.h>
 
+#include <optional>
 #include <vector>
 
 #include "api/call.h"
+#include "api/events.h"
+#include "api/kernel_commands.h"
+#include "api/system.h"
 
 using chip::Chip;
 
 namespace {
+
+constexpr swsdk_board factory_board{.units = 1, .ports = 12, .chip_type = 0};
 
 chip::PhyRegisters::Key phy_register(int phy, int device, int reg) {
   return {static_cast<uint32_t>(phy), device, static_cast<uint32_t>(reg)};
@@ -17,10 +25,29 @@ chip::PhyRegisters::Key phy_register(int phy, int device, int reg) {
 
 static_assert(SWSDK_PHY_CLAUSE22 == chip::PhyRegisters::clause22);
 
-int swsdk_counter_set(int unit, int port, int stat, unsigned long long value) {
-  return api::act(
-      __func__, unit, [&](Chip& chip) { return api::zero_if_ok(chip.counters.set(port, stat, value)); }, port, stat,
-      value);
+swsdk_board api::present_board = factory_board;
+
+void swsdk_board_get(swsdk_board* board) { *board = api::present_board; }
+
+int swsdk_board_set(const swsdk_board* board) {
+  if (board == nullptr) return -1;
+  const bool fits = board->units >= 0 && board->units <= SOC_MAX_NUM_DEVICES && board->ports >= 1 &&
+                    board->ports < chip::PortSet::capacity && board->chip_type >= 0;
+  if (!fits || api::attached_units() > 0) return -1;
+  api::present_board = *board;
+  api::record(api::Kind::action, __func__, 0, {api::in(board)});
+  return 0;
+}
+
+void swsdk_power_off() {
+  api::stop_event_threads();
+  api::power_off_units();
+  api::present_board = factory_board;
+  swsdk_fault_clear();
+  swsdk_journal_record(0);
+  swsdk_journal_clear();
+  api::forget_kernel_commands();
+  api::add_power_off_to_recording();
 }
 
 int swsdk_temperatures_set(int unit, const swsdk_temperature* readings, int count) {
@@ -35,9 +62,9 @@ int swsdk_temperatures_set(int unit, const swsdk_temperature* readings, int coun
 }
 
 int swsdk_phy_register_get(int unit, int phy, int device, int reg) {
-  const auto read = [&](Chip& chip) {
-    int value = 0;
-    return api::zero_if_ok(chip.phy_registers.read(phy_register(phy, device, reg), value)) == 0 ? value : -1;
+  const auto read = [&](const Chip& chip) {
+    const std::optional<uint16_t> value = chip.phy_registers.read(phy_register(phy, device, reg));
+    return value ? int{*value} : -1;
   };
   return api::on_chip(unit, read, -1);
 }

@@ -17,7 +17,7 @@ std::string line(const char* function, int rv, api::Arguments arguments, bool in
 
 void api::record(Kind kind, const char* function, int rv, Arguments arguments) {
   if (journal_is_recording() && kind != Kind::action) journal_add(line(function, rv, arguments, false, rv));
-  // A fault leaves the outputs alone, whatever its code.
+  // A fault writes no outputs, whatever its code.
   if (is_recording())
     add_to_recording(kind, line(function, rv, arguments, true, kind == Kind::fault ? BCM_E_INTERNAL : rv));
 }
@@ -33,7 +33,7 @@ api::Entrance api::enter(const char* function, int unit, int of_arguments) {
   if (const std::optional<int> fault = next_fault(function)) {
     entrance.refusal = *fault;
     entrance.kind = Kind::fault;
-  } else if (!attached->initialised) {
+  } else if (!attached->initialized) {
     entrance.refusal = BCM_E_INIT;
   } else if (of_arguments != BCM_E_NONE) {
     entrance.refusal = of_arguments;

@@ -1,4 +1,4 @@
-// The one shape of an entry point: check the unit, take its lock, ask for a fault, do the work, write the journal line.
+// The form of every entry point: check the unit, take its lock, ask for a fault, do the work, write the journal line.
 #pragma once
 
 #include <bcm/error.h>
@@ -21,13 +21,13 @@ namespace api {
 inline int code(chip::Status status) { return static_cast<int>(status); }
 inline int code(int rv) { return rv; }
 
-/// An argument of any type, as the lines that tell of the call show it.
+/// An argument of any type, as the lines of its call show it.
 class Argument {
  public:
   template <class T>
   Argument(const T& argument) : argument_(&argument), shown_(&shown_as<T>) {}  // NOLINT(google-explicit-constructor)
 
-  /// For the journal or for the recording, of a call that answered `rv`.
+  /// For the journal or the recording of a call that returned `rv`.
   std::string shown(bool in_recording, int rv) const { return shown_(argument_, in_recording, rv); }
 
  private:
@@ -43,10 +43,10 @@ class Argument {
 
 using Arguments = std::initializer_list<Argument>;
 
-/// Writes "function(arguments) = rv" into the journal and the recording, where somebody wants it.
+/// Writes "function(arguments) = rv" into the journal and the recording, if they are on.
 void record(Kind kind, const char* function, int rv, Arguments arguments);
 
-/// Lets the control interface do something to a unit's chip: what the body answers, or -1 when the unit is not up.
+/// Lets the control interface change a unit's chip. Returns the body's result, or -1 when the unit is not up.
 template <class Body, class... Args>
 int act(const char* function, int unit, Body body, const Args&... args) {
   const auto recorded_body = [&](chip::Chip& chip) {
@@ -57,10 +57,10 @@ int act(const char* function, int unit, Body body, const Args&... args) {
   return on_chip(unit, recorded_body, -1);
 }
 
-/// The control interface's answer.
+/// The control interface's result.
 inline int zero_if_ok(chip::Status status) { return status == chip::Status::ok ? 0 : -1; }
 
-/// The way of a call to its unit's chip, which is locked while this lives; without a chip it is refused.
+/// A call's access to its unit's chip, which is locked for the lifetime of this; without a chip the call is refused.
 struct Entrance {
   chip::Chip* chip = nullptr;
   std::unique_lock<std::recursive_mutex> guard;
@@ -68,19 +68,19 @@ struct Entrance {
   Kind kind = Kind::call;
 };
 
-/// Checks the unit, takes its lock, asks for a fault and whether the unit is up. `of_arguments`: what the arguments are
-/// refused with, or 0.
+/// Checks the unit, takes its lock, asks for a fault and whether the unit is up. `of_arguments`: the code that refuses
+/// the arguments, or 0.
 Entrance enter(const char* function, int unit, int of_arguments);
 
-/// A call on a unit with its arguments, which make its journal line. Refused are a null pointer where one of them needs
-/// something, and a record that asks for what the chip does not model.
+/// A call on a unit with its arguments, which make its journal line. It refuses null where an argument needs a valid
+/// pointer, and a record that asks for what the chip does not model.
 template <class... Args>
 class Call {
  public:
   Call(const char* function, int unit, const Args&... args) : function_(function), unit_(unit), args_(args...) {}
 
-  /// Answers what `body` makes of the unit's chip. `after` runs when it made a success of it, and without the unit's
-  /// lock, so that it may call back; what it makes is the answer then.
+  /// Returns the result of `body` on the unit's chip. If that is success, `after` runs without the unit's lock, so that
+  /// it may call back; its result is then the answer.
   template <class Body, class... After>
   int answer(Body body, After... after) const {
     Entrance entrance = enter(function_, unit_, refusal());

@@ -12,8 +12,8 @@ static_assert(SWSDK_FIELD_POLICER_LEVELS == chip::FieldRule::policer_levels);
 
 chip::FrameFields to_chip(const swsdk_frame& frame) {
   return {
-      .in_port = frame.in_port,
-      .out_port = frame.out_port,
+      .in_port = chip::Port::of(frame.in_port),
+      .out_port = chip::Port::of(frame.out_port),
       .source_mac = api::address(frame.src_mac),
       .destination_mac = api::address(frame.dst_mac),
       .vlan_format = frame.vlan_format,
@@ -45,7 +45,7 @@ swsdk_verdict to_c(const chip::FieldVerdict& own) {
   verdict.drop_cancelled = own.drop_cancelled;
   verdict.red_dropped = own.red_dropped;
   verdict.copied_to_cpu = own.copied_to_cpu;
-  verdict.redirect_port = own.redirect_port.value_or(-1);
+  verdict.redirect_port = own.redirect_port ? own.redirect_port->number() : -1;
   verdict.priority = own.priority.value_or(-1);
   std::copy(own.policers.begin(), own.policers.end(), verdict.policers);
   return verdict;
@@ -66,9 +66,8 @@ int swsdk_field_classify(int unit, int stage, const swsdk_frame* frame, swsdk_ve
 
 long long swsdk_field_hits(int unit, int entry) {
   const auto hits = [&](const chip::Chip& chip) {
-    const auto& entries = chip.field_processor.entries();
-    const auto found = entries.find(entry);
-    return found == entries.end() ? -1LL : static_cast<long long>(found->second.hits);
+    const chip::FieldEntry* const found = chip.field_processor.find_entry(entry);
+    return found == nullptr ? -1LL : static_cast<long long>(found->hits);
   };
   return api::on_chip(unit, hits, -1LL);
 }

@@ -31,3 +31,8 @@ std::string api::flag_names(uint32_t flags, std::initializer_list<std::pair<uint
 }
 
 std::string api::mac_text(const chip::Mac& mac) { return text(Mac{mac.data()}); }
+
+std::string api::place_text(const chip::Place& place) {
+  const char* const kind = is_trunk(place) ? "trunk " : is_virtual(place) ? "virtual port " : "";
+  return kind + std::visit([](auto id) { return std::to_string(id.number()); }, place);
+}

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "chip/addresses.h"
+#include "chip/place.h"
 
 namespace api {
 
@@ -20,5 +21,8 @@ std::string columns(const std::vector<Row>& rows);
 std::string flag_names(uint32_t flags, std::initializer_list<std::pair<uint32_t, const char*>> names);
 
 std::string mac_text(const chip::Mac& mac);
+
+/// "trunk 5", "virtual port 7", or the number of a port.
+std::string place_text(const chip::Place& place);
 
 }  // namespace api

@@ -1,14 +1,29 @@
-// The SDK's records as the chip's and back, by pairs of a field of one and the field of the other that it is.
+// Converts the SDK's records to the chip's and back, by pairs of corresponding fields.
 #pragma once
 
 #include <cstring>
+#include <optional>
 #include <tuple>
 #include <type_traits>
 #include <utility>
 
+#include "api/gports.h"
 #include "api/records.h"
+#include "chip/status.h"
 
 namespace api {
+
+// What the SDK has as a number and the chip as a type of its own. A group of 0 is none.
+inline void assign(chip::Place& to, int from) { to = place_of(from); }
+inline void assign(int& to, const chip::Place& from) { to = sdk_port(from); }
+inline void assign(chip::Port& to, int from) { to = port_of(from); }
+inline void assign(int& to, chip::Port from) { to = gport::of(gport::local, from.number()); }
+inline void assign(chip::GroupId& to, int from) { to = chip::GroupId::of(from); }
+inline void assign(int& to, chip::GroupId from) { to = from.number(); }
+inline void assign(std::optional<chip::GroupId>& to, int from) {
+  to = from == 0 ? std::nullopt : std::optional(chip::GroupId::of(from));
+}
+inline void assign(int& to, const std::optional<chip::GroupId>& from) { to = from ? from->number() : 0; }
 
 /// Plain fields convert, and arrays of bytes are copied.
 template <class To, class From>
@@ -35,6 +50,14 @@ template <class Own, class Sdk, class... Pair>
 void write(const Own& own, const std::tuple<Pair...>& pairs, Sdk& sdk) {
   clear_unmodeled(fields(&sdk), &sdk);
   std::apply([&](const auto&... pair) { (assign(sdk.*pair.first, own.*pair.second), ...); }, pairs);
+}
+
+/// Returns what was found, a pointer or an optional, to the caller. `absent`: the status when nothing was found.
+template <class Found, class Value>
+chip::Status tell(const Found& found, chip::Status absent, Value& value) {
+  if (!found) return absent;
+  value = static_cast<Value>(*found);
+  return chip::Status::ok;
 }
 
 }  // namespace api

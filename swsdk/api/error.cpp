@@ -2,7 +2,7 @@
 
 namespace {
 
-/// The interface hands out plain pointers; nobody writes through them.
+/// The interface returns non-const pointers; no caller writes through them.
 constexpr char* literal(const char* text) noexcept { return const_cast<char*>(text); }
 
 }  // namespace

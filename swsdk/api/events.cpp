@@ -1,8 +1,7 @@
 #include "api/events.h"
 
 #include <bcm/link.h>
-#include <swsdk/chip.h>
-#include <swsdk/frames.h>
+#include <swsdk/events.h>
 
 #include <algorithm>
 #include <array>
@@ -20,21 +19,21 @@
 
 namespace {
 
-/// Threads that each run pieces of work one after the other. A thread starts with its first piece.
+/// Threads that each run their work items in order. A thread starts with its first item.
 class EventThreads {
  public:
   enum Kind : std::size_t { link_scan, l2_learning };
 
   ~EventThreads() { stop(); }
 
-  /// What comes while the threads stop is forgotten.
+  /// Work that is posted while the threads stop is discarded.
   void post(Kind kind, std::function<void()> work);
 
-  /// Waits until no thread has anything left to do, also of what its work makes the others do. Returns at once on the
+  /// Waits until no thread has work left, including work that the threads post to each other. Returns at once on the
   /// threads themselves.
   void drain();
 
-  /// Lets the pieces that are running end, and forgets the others.
+  /// Waits for the items that are running, and discards the others.
   void stop();
 
  private:
@@ -101,14 +100,14 @@ void EventThreads::run(Thread& self) {
   }
 }
 
-/// Made on first use: a program that ends with the chip on ends the threads before everything that they work with.
+/// Made on first use: a program that exits with the chip on then ends the threads before the objects that they use.
 EventThreads& threads() {
   static EventThreads all;
   return all;
 }
 
-/// Calls each listener of a unit, in the order in which they were added, that is still one when its turn comes. The
-/// unit's lock is free meanwhile, so that they may call the SDK.
+/// Calls each listener of a unit, in the order in which they were added, unless it was removed meanwhile. The unit's
+/// lock is free during the calls, so that they may call the SDK.
 template <class Listener, class Tell>
 void tell_each(int unit, api::Listeners<Listener> api::Unit::*listeners, Tell tell) {
   api::Unit* const attached = api::find_unit(unit);
@@ -125,7 +124,7 @@ void tell_each(int unit, api::Listeners<Listener> api::Unit::*listeners, Tell te
 
 bool has_port(int unit, int port) {
   return api::on_chip(
-      unit, [&](const chip::Chip& chip) { return chip.ports.has(port); }, false);
+      unit, [&](const chip::Chip& chip) { return chip.ports.has(chip::Port::of(port)); }, false);
 }
 
 void post_l2(int unit, int operation, const bcm_l2_addr_t& address) {
@@ -161,7 +160,7 @@ int swsdk_link_event(int unit, int port, int up) {
   bool watched = false;
   const auto change = [&](chip::Chip& chip) {
     watched = chip.link_scan.watches();
-    return api::zero_if_ok(chip.port_macs.set_partner(port, up != 0));
+    return api::zero_if_ok(chip.port_macs.set_partner(chip::Port::of(port), up != 0));
   };
   if (api::act(__func__, unit, change, port, up) != 0) return -1;
   if (watched) api::tell_link(unit, port, up != 0);
@@ -169,8 +168,7 @@ int swsdk_link_event(int unit, int port, int up) {
 }
 
 int swsdk_l2_event(int unit, int operation, int vid, const unsigned char* mac, int port) {
-  if (!has_port(unit, port) || mac == nullptr || vid < chip::Vlans::lowest_id || vid > chip::Vlans::highest_id)
-    return -1;
+  if (!has_port(unit, port) || mac == nullptr || !chip::is_vlan(vid)) return -1;
   bcm_l2_addr_t address{};
   std::memcpy(address.mac, mac, sizeof address.mac);
   address.vid = static_cast<bcm_vlan_t>(vid);
@@ -195,7 +193,7 @@ int swsdk_clock_advance(int unit, uint64_t nanoseconds) {
     return 0;
   };
   if (api::on_chip(unit, advance, -1) != 0) return -1;
-  // What ages is recorded when it does.
+  // Entries that age out are recorded at that time.
   const auto age = [=] {
     const auto pass = [&](chip::Chip& chip) {
       chip.mac_table.pass(seconds);

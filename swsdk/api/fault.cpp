@@ -21,7 +21,7 @@ std::mutex faults_lock;
 std::map<std::string, Fault, std::less<>> faults;  // guarded by `faults_lock`
 std::atomic<bool> any_fault = false;               // so that a call without faults takes no lock
 
-/// The control interface acts on the chip from outside, where no fault is.
+/// The control interface acts on the chip from outside, so no fault applies to it.
 bool is_entry_point(std::string_view name) { return !name.starts_with("swsdk_"); }
 
 }  // namespace

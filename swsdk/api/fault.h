@@ -5,7 +5,7 @@
 
 namespace api {
 
-/// The code that this call of `function` answers in place of doing its work, if a fault meets it.
+/// The code that this call of `function` returns instead of doing its work, if it hits a fault.
 std::optional<int> next_fault(const char* function);
 
 }  // namespace api

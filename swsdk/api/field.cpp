@@ -4,17 +4,18 @@
 #include <set>
 
 #include "api/call.h"
-#include "chip/gports.h"
+#include "api/convert.h"
+#include "api/gports.h"
 
 using api::Call;
 using api::hex;
 using api::ip4;
 using api::ip6;
 using api::out;
+using api::port_of;
 using chip::Chip;
 using chip::FieldQualifier;
 using chip::FieldValue;
-using chip::gport::port_of;
 
 namespace {
 
@@ -60,7 +61,7 @@ int qualify_unnumbered(const char* function, int unit, bcm_field_entry_t entry, 
 int qualify_port(const char* function, int unit, bcm_field_entry_t entry, FieldQualifier qualifier, bcm_port_t data,
                  bcm_port_t mask) {
   return Call(function, unit, entry, data, mask).answer([&](Chip& chip) {
-    return chip.field_processor.qualify(entry, qualifier, {value(port_of(data)), value(mask)});
+    return chip.field_processor.qualify(entry, qualifier, {value(port_of(data).number()), value(mask)});
   });
 }
 
@@ -106,7 +107,8 @@ int bcm_field_entry_policer_detach(int unit, bcm_field_entry_t entry_id, int lev
 
 int bcm_field_entry_policer_get(int unit, bcm_field_entry_t entry_id, int level, bcm_policer_t* policer_id) {
   return Call(__func__, unit, entry_id, level, out(policer_id)).answer([&](Chip& chip) {
-    return chip.field_processor.policer(entry_id, level, *policer_id);
+    const chip::FieldProcessor& rules = chip.field_processor;
+    return api::tell(rules.policer(entry_id, level), rules.absent_policer(entry_id, level), *policer_id);
   });
 }
 

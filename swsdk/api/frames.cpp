@@ -20,25 +20,26 @@ static_assert(SWSDK_CPU_DESTINATION == chip::cpu_reason::destination);
 
 bool is_reason(int reason) { return reason > static_cast<int>(chip::Drop::none) && reason < chip::drop_count; }
 
-/// Hands frames that leave a unit to who takes them.
+/// Passes frames that leave a unit to their handler.
 class Handler : public chip::Wire {
  public:
-  Handler(int unit, const api::FrameHandler& handler, int in_port)
+  Handler(int unit, const api::FrameHandler& handler, chip::Port in_port)
       : unit_(unit), handler_(handler), in_port_(in_port) {}
 
-  void transmit(int port, std::span<const uint8_t> frame) override { hand_over(port, 0, frame); }
+  void transmit(chip::Port port, std::span<const uint8_t> frame) override { hand_over(port, 0, frame); }
   void deliver(const chip::CpuFrame& frame) override { hand_over(chip::Ports::cpu, frame.reasons, frame.bytes); }
 
  private:
-  void hand_over(int port, uint32_t cpu, std::span<const uint8_t> frame) {
+  void hand_over(chip::Port port, uint32_t cpu, std::span<const uint8_t> frame) {
     if (handler_.function == nullptr) return;
-    const swsdk_out out{.port = port, .in_port = in_port_, .cpu = cpu, .data = frame.data(), .length = frame.size()};
+    const swsdk_out out{
+        .port = port.number(), .in_port = in_port_.number(), .cpu = cpu, .data = frame.data(), .length = frame.size()};
     handler_.function(unit_, &out, handler_.user_data);
   }
 
   const int unit_;
   const api::FrameHandler handler_;
-  const int in_port_;
+  const chip::Port in_port_;
 };
 
 }  // namespace
@@ -55,10 +56,11 @@ int swsdk_frame_send(int unit, int port, const void* data, size_t length) {
   if (data == nullptr) return -1;
   const auto* const bytes = static_cast<const uint8_t*>(data);
   const auto receive = [&](const chip::Chip& chip) {
-    if (!chip.ports.has(port)) return -1;
+    const chip::Port in_port = chip::Port::of(port);
+    if (!chip.ports.has(in_port)) return -1;
     api::Unit& attached = *api::find_unit(unit);
-    Handler wire(unit, attached.frame_handler, port);
-    return static_cast<int>(attached.pipeline->receive(port, {bytes, length}, wire));
+    Handler wire(unit, attached.frame_handler, in_port);
+    return static_cast<int>(attached.pipeline->receive(in_port, {bytes, length}, wire));
   };
   return api::act(__func__, unit, receive, port, api::bytes(bytes, static_cast<unsigned>(length)), length);
 }

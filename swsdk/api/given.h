@@ -1,4 +1,4 @@
-// The arguments of a recorded call: from their texts, for calling again and for a C program that does.
+// The arguments of a recorded call, parsed from their texts: to repeat the call or to write it as C.
 #pragma once
 
 #include <algorithm>
@@ -23,10 +23,10 @@ struct CCall {
   std::string statements;
 };
 
-/// What the callbacks of the present line answer: a walk that its callback ended has the callback's answer.
+/// What the callbacks of the present line return: a traversal that its callback ended has the callback's result.
 inline int callback_answer = 0;
 
-/// Functions of one type that do nothing, as many as can be told apart.
+/// Functions of one type that do nothing; each has its own address.
 template <class F>
 struct Callbacks;
 
@@ -68,20 +68,20 @@ struct Callbacks<Returned (*)(Args...)> {
 /// The number in "<callback 3>".
 int parsed_pointer(std::string_view text, const char* what);
 
-/// How many items the text of an array is for: "[1, 2]", or "&[1] of 16" of one that the call fills.
+/// The capacity that the text of an array shows: "[1, 2]", or "&[1] of 16" for an array that the call fills.
 std::size_t parsed_room(std::string_view text);
 
-/// Room for more than the chip has of anything.
+/// A capacity greater than that of any table of the chip.
 constexpr std::size_t max_room = 1 << 20;
 
 /// An argument of any type.
 struct AnyGiven {
   virtual ~AnyGiven() = default;
-  /// The expression that is passed in C; `name` is for what has to be made before.
+  /// The expression that is passed in C; `name` is for variables that the statements before it define.
   virtual std::string c(const std::string& name, CCall& call) const = 0;
-  /// How many items of an array it asks for when it counts them.
+  /// How many items of an array the argument asks for, if it is a count.
   virtual std::size_t asked_items() const { return 0; }
-  /// How many items an array has; nothing when there is none.
+  /// How many items an array has; nothing if the argument is no array.
   virtual std::optional<std::size_t> items_there() const { return std::nullopt; }
 };
 
@@ -154,7 +154,7 @@ struct Given<char*> : AnyGiven {
   std::string characters;
 };
 
-/// A pointer that nobody follows: its number stands for it.
+/// A pointer that is never dereferenced: its number stands for it.
 template <class T>
 requires std::is_void_v<T> || std::is_pointer_v<T>
 struct Given<T*> : AnyGiven {
@@ -174,7 +174,7 @@ struct Given<T*> : AnyGiven {
 template <>
 struct Given<const void*> : AnyGiven {
   explicit Given(std::string_view text) : bytes(parsed_bytes(text)) {
-    bytes.reserve(1);  // an empty frame is somewhere, too
+    bytes.reserve(1);  // an empty frame has an address, too
   }
   const void* get() const { return bytes.data(); }
   std::string c(const std::string& name, CCall& call) const override {

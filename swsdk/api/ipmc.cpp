@@ -21,13 +21,13 @@ constexpr auto route_fields() {
   using Sdk = bcm_ipmc_addr_t;
   using Own = chip::MulticastRoute;
   return std::tuple{
-      std::pair{&Sdk::port_tgid, &Own::port},     std::pair{&Sdk::v, &Own::valid},
+      std::pair{&Sdk::port_tgid, &Own::from},     std::pair{&Sdk::v, &Own::valid},
       std::pair{&Sdk::group, &Own::group},        std::pair{&Sdk::flags, &Own::flags},
       std::pair{&Sdk::l3a_intf, &Own::interface},
   };
 }
 
-/// Routes are found by whole addresses. A mask of them can say so, or be left at 0.
+/// Routes are found by whole addresses. Their masks can be all ones, or be left at 0.
 template <class Mask>
 bool is_whole(const Mask& mask) {
   const auto bytes = std::as_bytes(std::span(&mask, 1));
@@ -56,8 +56,9 @@ int bcm_ipmc_add(int unit, bcm_ipmc_addr_t* data) {
     if (!is_whole(data->s_ip_mask) || !is_whole(data->mc_ip_mask) || !is_whole(data->s_ip6_mask) ||
         !is_whole(data->mc_ip6_mask))
       return Status::unavailable;
-    const chip::MulticastGroup* const group = chip.multicast_groups.find(data->group);
-    if (group == nullptr) return chip.multicast_groups.absent(data->group);
+    const chip::GroupId id = chip::GroupId::of(data->group);
+    const chip::MulticastGroup* const group = chip.multicast_groups.find(id);
+    if (group == nullptr) return chip.multicast_groups.absent(id);
     if (group->type != chip::MulticastGroups::l3) return Status::bad_parameter;
     return chip.multicast_routes.add(key_of(*data), api::to_own<chip::MulticastRoute>(*data, route_fields()));
   });
@@ -72,10 +73,11 @@ int bcm_ipmc_enable(int unit, int enable) {
 
 int bcm_ipmc_find(int unit, bcm_ipmc_addr_t* data) {
   return Call(__func__, unit, found_by(data)).answer([&](const Chip& chip) {
-    chip::MulticastRoute found;
-    const Status status = chip.multicast_routes.find(key_of(*data), found);
-    if (status == Status::ok) api::write(found, route_fields(), *data);
-    return status;
+    const chip::MulticastRouteKey key = key_of(*data);
+    const chip::MulticastRoute* const found = chip.multicast_routes.find(key);
+    if (found == nullptr) return chip.multicast_routes.absent(key);
+    api::write(*found, route_fields(), *data);
+    return Status::ok;
   });
 }
 

@@ -1,7 +1,7 @@
 #include "api/kernel_commands.h"
 
 #include <soc/knet.h>
-#include <swsdk/chip.h>
+#include <swsdk/kernel_commands.h>
 
 #include <cstring>
 #include <deque>

@@ -1,4 +1,4 @@
-// The commands that the host's kernel module was sent; swsdk/chip.h is the interface to them.
+// The commands that the host's kernel module was sent; swsdk/kernel_commands.h is the interface to them.
 #pragma once
 
 namespace api {

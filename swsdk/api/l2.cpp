@@ -1,51 +1,51 @@
 #include <bcm/l2.h>
 
+#include <optional>
 #include <vector>
 
 #include "api/call.h"
+#include "api/gports.h"
 #include "api/l2.h"
-#include "chip/gports.h"
 
 using api::Call;
 using api::found_by;
 using api::hex;
 using api::in;
 using api::mac_at;
+using api::my_module;
 using api::out;
 using chip::Chip;
 using chip::MacEntry;
 using chip::Status;
-using chip::gport::my_module;
-using chip::gport::port_of;
 
 namespace {
 
+chip::Place place_of(const bcm_l2_addr_t& sdk) {
+  return sdk.flags & BCM_L2_TRUNK_MEMBER ? chip::TrunkId::of(sdk.tgid) : api::place_of(sdk.port);
+}
+
 chip::MacEntry to_chip(const bcm_l2_addr_t& sdk) {
-  chip::MacEntry own{.mac = api::address(sdk.mac), .vlan = sdk.vid, .flags = sdk.flags};
-  if (chip::gport::kind(sdk.port) == chip::gport::trunk) own.flags |= MacEntry::on_trunk;
-  if (!own.is(MacEntry::on_trunk))
-    own.port = port_of(sdk.port);
-  else
-    own.trunk = sdk.flags & BCM_L2_TRUNK_MEMBER ? sdk.tgid : chip::gport::number(sdk.port);
-  own.source_hit = true;  // as if it had just been learned, so that it does not age at once
-  return own;
+  return {.mac = api::address(sdk.mac),
+          .vlan = sdk.vid,
+          .flags = sdk.flags & ~uint32{BCM_L2_TRUNK_MEMBER},
+          .place = place_of(sdk),
+          .source_hit = true};  // as if it had just been learned, so that it does not age at once
 }
 
 constexpr uint32 all_scopes = BCM_L2_LEARN_LIMIT_SYSTEM | BCM_L2_LEARN_LIMIT_VLAN | BCM_L2_LEARN_LIMIT_PORT |
                               BCM_L2_LEARN_LIMIT_TRUNK | BCM_L2_LEARN_LIMIT_TUNNEL;
 
-/// Each scope that the flags name.
+/// Every scope that the flags select.
 std::vector<chip::MacScope> scopes_of(const bcm_l2_learn_limit_t& limit) {
-  using Kind = chip::MacScope::Kind;
   std::vector<chip::MacScope> result;
-  const auto add = [&](uint32 flag, Kind kind, auto id) {
-    if (limit.flags & flag) result.push_back({kind, static_cast<uint32>(id)});
+  const auto add = [&](uint32 flag, const chip::MacScope& scope) {
+    if (limit.flags & flag) result.push_back(scope);
   };
-  add(BCM_L2_LEARN_LIMIT_SYSTEM, Kind::system, 0);
-  add(BCM_L2_LEARN_LIMIT_VLAN, Kind::vlan, limit.vlan);
-  add(BCM_L2_LEARN_LIMIT_PORT, Kind::port, port_of(limit.port));
-  add(BCM_L2_LEARN_LIMIT_TRUNK, Kind::trunk, limit.trunk);
-  add(BCM_L2_LEARN_LIMIT_TUNNEL, Kind::tunnel, limit.tunnel_id);
+  add(BCM_L2_LEARN_LIMIT_SYSTEM, chip::AllAddresses{});
+  add(BCM_L2_LEARN_LIMIT_VLAN, chip::VlanAddresses{limit.vlan});
+  add(BCM_L2_LEARN_LIMIT_PORT, api::port_place_of(limit.port));
+  add(BCM_L2_LEARN_LIMIT_TRUNK, chip::Place(chip::TrunkId::of(limit.trunk)));
+  add(BCM_L2_LEARN_LIMIT_TUNNEL, chip::TunnelAddresses{limit.tunnel_id});
   return result;
 }
 
@@ -55,8 +55,12 @@ bcm_l2_addr_t api::to_sdk(const chip::MacEntry& own) {
   bcm_l2_addr_t sdk;
   bcm_l2_addr_t_init(&sdk, own.mac.data(), own.vlan);
   sdk.flags = own.flags;
-  sdk.port = own.port;
-  sdk.tgid = own.trunk;
+  if (const chip::TrunkId* const trunk = std::get_if<chip::TrunkId>(&own.place)) {
+    sdk.flags |= BCM_L2_TRUNK_MEMBER;
+    sdk.tgid = trunk->number();
+  } else {
+    sdk.port = sdk_port(own.place);
+  }
   return sdk;
 }
 
@@ -64,8 +68,9 @@ int bcm_l2_addr_add(int unit, bcm_l2_addr_t* l2addr) {
   return Call(__func__, unit, in(l2addr)).answer([&](Chip& chip) {
     const MacEntry entry = to_chip(*l2addr);
     if (l2addr->modid != my_module) return Status::bad_parameter;
-    const Status trunk = entry.is(MacEntry::on_trunk) ? chip.trunks.check(entry.trunk) : Status::ok;
-    return trunk == Status::ok ? chip.mac_table.add(entry) : trunk;
+    const chip::TrunkId* const trunk = std::get_if<chip::TrunkId>(&entry.place);
+    if (trunk != nullptr && chip.trunks.find(*trunk) == nullptr) return chip.trunks.absent(*trunk);
+    return chip.mac_table.add(entry);
   });
 }
 
@@ -84,34 +89,33 @@ int bcm_l2_addr_delete_by_mac(int unit, uint8* mac, uint32 flags) {
 int bcm_l2_addr_delete_by_port(int unit, bcm_module_t mod, bcm_port_t port, uint32 flags) {
   return Call(__func__, unit, mod, port, hex(flags)).answer([&](Chip& chip) {
     if (mod != my_module) return Status::bad_parameter;
-    const int place = port_of(port);
-    if (!chip.mac_table.is_place({.port = place})) return Status::bad_port;
-    return chip.mac_table.remove_if(
-        flags, [&](const MacEntry& entry) { return !entry.is(MacEntry::on_trunk) && entry.port == place; });
+    const chip::Place place = api::port_place_of(port);
+    if (!chip.mac_table.is_place(place)) return Status::bad_port;
+    return chip.mac_table.remove_if(flags, [&](const MacEntry& entry) { return entry.place == place; });
   });
 }
 
 int bcm_l2_addr_delete_by_trunk(int unit, bcm_trunk_t tid, uint32 flags) {
   return Call(__func__, unit, tid, hex(flags)).answer([&](Chip& chip) {
     if (tid < 0 || tid >= chip::Trunks::capacity) return Status::bad_parameter;
-    return chip.mac_table.remove_if(
-        flags, [&](const MacEntry& entry) { return entry.is(MacEntry::on_trunk) && entry.trunk == tid; });
+    const chip::Place place = chip::TrunkId::of(tid);
+    return chip.mac_table.remove_if(flags, [&](const MacEntry& entry) { return entry.place == place; });
   });
 }
 
 int bcm_l2_addr_delete_by_vlan(int unit, bcm_vlan_t vid, uint32 flags) {
   return Call(__func__, unit, vid, hex(flags)).answer([&](Chip& chip) {
-    if (!chip::MacTable::is_vlan(vid)) return Status::bad_parameter;
+    if (!chip::is_vlan(vid)) return Status::bad_parameter;
     return chip.mac_table.remove_if(flags, [&](const MacEntry& entry) { return entry.vlan == vid; });
   });
 }
 
 int bcm_l2_addr_get(int unit, uint8* mac_addr, bcm_vlan_t vid, bcm_l2_addr_t* l2addr) {
   return Call(__func__, unit, api::mac(mac_addr), vid, out(l2addr)).answer([&](Chip& chip) {
-    MacEntry found;
-    const Status status = chip.mac_table.find(vid, mac_at(mac_addr), found);
-    if (status == Status::ok) *l2addr = api::to_sdk(found);
-    return status;
+    const MacEntry* const found = chip.mac_table.find(vid, mac_at(mac_addr));
+    if (found == nullptr) return chip.mac_table.absent(vid);
+    *l2addr = api::to_sdk(*found);
+    return Status::ok;
   });
 }
 
@@ -157,7 +161,7 @@ int bcm_l2_cache_set(int unit, int index, bcm_l2_cache_addr_t* addr, int* index_
         .mac_mask = api::address(addr->mac_mask),
         .vlan = addr->vlan,
         .vlan_mask = addr->vlan_mask,
-        .source_port = addr->src_port,
+        .source_port = chip::Port::of(addr->src_port),
         .source_port_mask = addr->src_port_mask,
     };
     return chip.l2_cache.set(index, entry, *index_used);
@@ -190,12 +194,11 @@ int bcm_l2_learn_limit_get(int unit, bcm_l2_learn_limit_t* limit) {
   return Call(__func__, unit, found_by(limit)).answer([&](const Chip& chip) {
     const std::vector<chip::MacScope> scopes = scopes_of(*limit);
     if (scopes.size() != 1) return Status::bad_parameter;
-    chip::LearnLimit found;
-    const Status status = chip.learn_limits.get(scopes.front(), found);
-    if (status != Status::ok) return status;
-    limit->flags = (limit->flags & all_scopes) | found.actions;
-    limit->limit = found.limit;
-    return status;
+    const std::optional<chip::LearnLimit> found = chip.learn_limits.get(scopes.front());
+    if (!found) return chip.learn_limits.absent(scopes.front());
+    limit->flags = (limit->flags & all_scopes) | found->actions;
+    limit->limit = found->limit;
+    return Status::ok;
   });
 }
 

@@ -1,12 +1,12 @@
 #include <bcm/l3.h>
-#include <swsdk/chip.h>
 
 #include <algorithm>
+#include <optional>
 #include <tuple>
 
 #include "api/call.h"
 #include "api/convert.h"
-#include "chip/gports.h"
+#include "api/gports.h"
 
 using api::Call;
 using api::found_by;
@@ -39,7 +39,7 @@ constexpr auto egress_fields() {
       std::pair{&Sdk::intf, &Own::interface},
       std::pair{&Sdk::mac_addr, &Own::mac},
       std::pair{&Sdk::vlan, &Own::vlan},
-      std::pair{&Sdk::port, &Own::port},
+      std::pair{&Sdk::port, &Own::place},
   };
 }
 
@@ -51,7 +51,7 @@ constexpr auto entry_fields() {
       std::pair{&Sdk::l3a_flags, &Own::flags},
       std::pair{&Sdk::l3a_intf, &Own::interface},
       std::pair{&Sdk::l3a_nexthop_mac, &Own::next_hop},
-      std::pair{&Sdk::l3a_port_tgid, &Own::port},
+      std::pair{&Sdk::l3a_port_tgid, &Own::place},
   };
 }
 
@@ -68,7 +68,7 @@ constexpr auto fields_of(const bcm_l3_route_t*) {
 
 bool is_replacing(uint32 flags) { return (flags & BCM_L3_REPLACE) != 0; }
 
-/// The chip's entry of a host or route. What a flag asks of the call itself is not kept.
+/// The chip's entry of a host or route. Flags that only control the call itself are not kept.
 template <class Sdk>
 chip::L3Entry to_entry(const Sdk& sdk) {
   auto entry = api::to_own<chip::L3Entry>(sdk, fields_of(&sdk));
@@ -76,62 +76,64 @@ chip::L3Entry to_entry(const Sdk& sdk) {
   return entry;
 }
 
-/// Looks `key` up and hands what it finds to the caller, whose flags say whether to clear the hits.
+/// Looks `key` up and returns the entry to the caller, whose flags say whether to clear the hits.
 template <class Table, class Key, class Sdk>
 Status find(Table& table, const Key& key, Sdk& sdk) {
-  chip::L3Entry found;
-  const bool clear = (sdk.l3a_flags & BCM_L3_HIT_CLEAR) != 0;
-  const Status status = table.find(key, clear ? Table::Hits::clear : Table::Hits::keep, found);
-  if (status != Status::ok) return status;
-  api::write(found, fields_of(&sdk), sdk);
-  sdk.l3a_flags |= found.hit;
-  return status;
+  chip::L3Entry* const found = table.find(key);
+  if (found == nullptr) return Status::not_found;
+  const bool clears = (sdk.l3a_flags & BCM_L3_HIT_CLEAR) != 0;
+  api::write(*found, fields_of(&sdk), sdk);
+  sdk.l3a_flags |= found->hit;
+  if (clears) found->hit = 0;
+  return Status::ok;
 }
 
 bool is_ip6(const bcm_ip6_t& address) {
   return std::any_of(std::begin(address), std::end(address), [](uint8 byte) { return byte != 0; });
 }
 
-/// Whether frames can be sent to `port`: one of the chip's, or the gport of a trunk or of a virtual port.
-bool is_destination(const Chip& chip, int port) {
-  using namespace chip::gport;
-  return chip.ports.has(port_of(port)) || kind(port) == trunk || chip.virtual_ports.find(port) != nullptr;
+/// Whether frames can be sent there: to an existing port or virtual port, or to any trunk.
+bool is_destination(const Chip& chip, const chip::Place& place) {
+  return std::visit(chip::ByKind{
+                        [&](chip::Port port) { return chip.ports.has(port); },
+                        [](chip::TrunkId) { return true; },
+                        [&](chip::VirtualPortId id) { return chip.virtual_ports.find(id) != nullptr; },
+                    },
+                    place);
 }
 
-/// Why an entry can lead nowhere, or ok: it leads to an interface or an egress object, and there to a port.
+/// Why an entry leads nowhere, or ok: it leads to an interface or an egress object, and from there to a port.
 template <class Sdk>
 Status check_target(const Chip& chip, const Sdk& sdk) {
   if (chip.l3_interfaces.find(sdk.l3a_intf) == nullptr && chip.egress_objects.find(sdk.l3a_intf) == nullptr)
     return Status::not_found;
-  return is_destination(chip, sdk.l3a_port_tgid) ? Status::ok : Status::bad_port;
+  return is_destination(chip, api::place_of(sdk.l3a_port_tgid)) ? Status::ok : Status::bad_port;
 }
 
 chip::HostKey key_of(const bcm_l3_host_t& host) { return {host.l3a_vrf, host.l3a_ip_addr}; }
 
-/// What `body` makes of the chip's hosts, which are IPv4 ones.
+/// The result of `body` on the chip's hosts, which are IPv4 hosts.
 template <class Body>
 Status on_hosts(Chip& chip, const bcm_l3_host_t& host, Body body) {
   return is_ip6(host.l3a_ip6_addr) ? Status::unavailable : body(chip.hosts, key_of(host));
 }
 
-/// What `body` makes of the chip's routes, which are IPv4 ones.
+/// The result of `body` on the chip's routes, which are IPv4 routes.
 template <class Body>
 Status on_routes(Chip& chip, const bcm_l3_route_t& route, Body body) {
   if (is_ip6(route.l3a_ip6_net) || is_ip6(route.l3a_ip6_mask)) return Status::unavailable;
-  chip::RouteKey key;
-  if (!Routes::make_key(route.l3a_vrf, route.l3a_subnet, route.l3a_ip_mask, key)) return Status::bad_parameter;
-  return body(chip.routes, key);
+  const std::optional<chip::RouteKey> key = Routes::key_of(route.l3a_vrf, route.l3a_subnet, route.l3a_ip_mask);
+  return key ? body(chip.routes, *key) : Status::bad_parameter;
 }
 
-/// What `body` makes of the chip's egress objects, which are there in egress mode only.
+/// The result of `body` on the chip's egress objects, which exist only in egress mode.
 template <class Body>
 Status on_egress_objects(Chip& chip, Body body) {
-  int mode = 0;
-  chip.switch_controls.get(static_cast<int>(chip::SwitchControl::l3_egress_mode), mode);
-  return mode == 0 ? Status::disabled : body(chip.egress_objects);
+  const bool is_on = chip.switch_controls.is_on(chip::SwitchControlOfChip::l3_egress_mode);
+  return is_on ? body(chip.egress_objects) : Status::disabled;
 }
 
-/// Hands the interface of that id to the caller.
+/// Returns the interface of that id to the caller.
 Status tell_interface(const Chip& chip, int id, bcm_l3_intf_t& interface) {
   const chip::L3Interface* const found = chip.l3_interfaces.find(id);
   if (found == nullptr) return chip.l3_interfaces.absent(id);
@@ -148,7 +150,7 @@ int bcm_l3_egress_create(int unit, uint32 flags, bcm_l3_egress_t* egr, bcm_if_t*
       if (flags != 0) return Status::unavailable;
       const auto object = api::to_own<chip::EgressObject>(*egr, egress_fields());
       if (chip.l3_interfaces.find(object.interface) == nullptr) return chip.l3_interfaces.absent(object.interface);
-      return is_destination(chip, object.port) ? objects.create(object, *if_id) : Status::bad_port;
+      return is_destination(chip, object.place) ? objects.create(object, *if_id) : Status::bad_port;
     });
   });
 }
@@ -164,7 +166,8 @@ int bcm_l3_egress_destroy(int unit, bcm_if_t intf) {
 int bcm_l3_egress_find(int unit, bcm_l3_egress_t* egr, bcm_if_t* intf) {
   return Call(__func__, unit, in(egr), out(intf)).answer([&](Chip& chip) {
     return on_egress_objects(chip, [&](const chip::EgressObjects& objects) {
-      return objects.find_same(api::to_own<chip::EgressObject>(*egr, egress_fields()), *intf);
+      const auto wanted = api::to_own<chip::EgressObject>(*egr, egress_fields());
+      return api::tell(objects.find_same(wanted), Status::not_found, *intf);
     });
   });
 }
@@ -229,21 +232,18 @@ int bcm_l3_intf_delete_all(int unit) {
 
 int bcm_l3_intf_find(int unit, bcm_l3_intf_t* intf) {
   return Call(__func__, unit, found_by(intf)).answer([&](Chip& chip) {
-    int id = intf->l3a_intf_id;
-    if (id == 0) {
-      const auto wanted = api::to_own<chip::L3Interface>(*intf, interface_fields());
-      const Status status = chip.l3_interfaces.find_same(wanted, id);
-      if (status != Status::ok) return status;
-    }
-    return tell_interface(chip, id, *intf);
+    if (intf->l3a_intf_id != 0) return tell_interface(chip, intf->l3a_intf_id, *intf);
+    const auto wanted = api::to_own<chip::L3Interface>(*intf, interface_fields());
+    const std::optional<int> id = chip.l3_interfaces.find_same(wanted);
+    return id ? tell_interface(chip, *id, *intf) : Status::not_found;
   });
 }
 
 int bcm_l3_intf_find_vlan(int unit, bcm_l3_intf_t* intf) {
   return Call(__func__, unit, found_by(intf)).answer([&](Chip& chip) {
-    int id = 0;
-    const Status status = chip.l3_interfaces.find_by_vlan(intf->l3a_vid, id);
-    return status == Status::ok ? tell_interface(chip, id, *intf) : status;
+    if (!chip::is_vlan(intf->l3a_vid)) return Status::bad_parameter;
+    const std::optional<int> id = chip.l3_interfaces.find_by_vlan(intf->l3a_vid);
+    return id ? tell_interface(chip, *id, *intf) : Status::not_found;
   });
 }
 
@@ -266,21 +266,4 @@ int bcm_l3_route_get(int unit, bcm_l3_route_t* info) {
   return Call(__func__, unit, found_by(info)).answer([&](Chip& chip) {
     return on_routes(chip, *info, [&](Routes& routes, const chip::RouteKey& key) { return find(routes, key, *info); });
   });
-}
-
-int swsdk_l3_host_hit(int unit, unsigned address, unsigned hits) {
-  return api::act(
-      __func__, unit,
-      [&](Chip& chip) {
-        return api::zero_if_ok(chip.hosts.hit({0, address}, hits));
-      },
-      api::ip4(address), hex(hits));
-}
-
-int swsdk_l3_route_hit(int unit, unsigned subnet, unsigned mask, unsigned hits) {
-  const auto mark = [&](Chip& chip) {
-    chip::RouteKey key;
-    return Routes::make_key(0, subnet, mask, key) ? api::zero_if_ok(chip.routes.hit(key, hits)) : -1;
-  };
-  return api::act(__func__, unit, mark, api::ip4(subnet), api::ip4(mask), hex(hits));
 }

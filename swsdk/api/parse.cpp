@@ -102,7 +102,7 @@ chip::PortSet api::parsed_ports(std::string_view text) {
     const int first = number<int>(item.substr(0, dash), 10, text);
     const int last = dash == std::string_view::npos ? first : number<int>(item.substr(dash + 1), 10, text);
     if (first < 0 || last >= chip::PortSet::capacity) throw Unreadable(text, "set of ports");
-    for (int port = first; port <= last; ++port) result.add(port);
+    for (int port = first; port <= last; ++port) result.add(chip::Port::of(port));
   }
   return result;
 }

@@ -1,4 +1,4 @@
-// Values from the text that arguments.h makes of them, by the same descriptions of records.
+// Parses values from the text that arguments.h writes, by the same descriptions of records.
 #pragma once
 
 #include <cstdint>
@@ -13,17 +13,17 @@
 
 namespace api {
 
-/// Says of a text that it is not what was wanted there.
+/// Reports that a text is not what was expected there.
 struct Unreadable : std::runtime_error {
   using runtime_error::runtime_error;
   Unreadable(std::string_view text, const char* wanted)
       : runtime_error('"' + std::string(text) + "\" is no " + wanted) {}
 };
 
-/// What is between `open` and `close`, at commas that are in no brackets, braces or quotes.
+/// What is between `open` and `close`, split at commas outside brackets, braces and quotes.
 std::vector<std::string_view> items(std::string_view text, char open, char close);
 
-/// An integer as the journal writes it: decimal, hexadecimal or as an IPv4 address. Its two's complement.
+/// The two's complement of an integer as the journal writes it: decimal, hexadecimal or as an IPv4 address.
 uint64_t parsed_number(std::string_view text);
 std::vector<uint8_t> parsed_mac(std::string_view text);
 std::vector<uint8_t> parsed_ip6(std::string_view text);

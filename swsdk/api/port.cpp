@@ -1,82 +1,88 @@
 #include <bcm/port.h>
 #include <bcm/rate.h>
 
+#include <functional>
+
 #include "api/call.h"
-#include "chip/gports.h"
+#include "api/convert.h"
+#include "api/gports.h"
 
 using api::Call;
 using api::hex;
 using api::in;
 using api::out;
+using api::port_of;
+using api::tell;
 using chip::Chip;
 using chip::PortForwarding;
 using chip::PortMac;
 using chip::RateUnit;
 using chip::Status;
-using chip::gport::port_of;
 
 namespace {
-
-constexpr int this_module = 0;
 
 /// The register space of a port's PHY that the chip models.
 constexpr uint32 default_registers = 0;
 
-/// The register at an address of that space: by clause 45 with a device above the low 16 bits, by clause 22 without.
-chip::PhyRegisters::Key phy_register(int port, uint32 address) {
+/// The register at an address of that space: by clause 45 with a device above the low 16 bits, otherwise by clause 22.
+chip::PhyRegisters::Key phy_register(chip::Port port, uint32 address) {
   const auto device = static_cast<int>(address >> 16);
-  return {static_cast<uint32>(port), device == 0 ? chip::PhyRegisters::clause22 : device, address & 0xFFFF};
+  return {static_cast<uint32>(port.number()), device == 0 ? chip::PhyRegisters::clause22 : device, address & 0xFFFF};
 }
 
 /// A part of a port record: what its bits in the action mask do.
 struct Setting {
   uint32 mask;
-  Status (*apply)(Chip& chip, int port, const bcm_port_info_t& info);
+  Status (*apply)(Chip& chip, chip::Port port, const bcm_port_info_t& info);
 };
 
-Status apply_storm_rate(Chip& chip, int port, uint32_t kind, int enable, int limit) {
+Status apply_storm_rate(Chip& chip, chip::Port port, uint32_t kind, int enable, int limit) {
   return chip.storm_rates.set({port, kind}, enable != 0 ? kind : 0, limit);
 }
 
 // Negotiation comes after what it overrides.
 constexpr Setting settings[] = {
     {BCM_PORT_ATTR_ENABLE_MASK,
-     [](Chip& chip, int port, const bcm_port_info_t& info) { return chip.port_macs.enable(port, info.enable != 0); }},
+     [](Chip& chip, chip::Port port, const bcm_port_info_t& info) {
+       return chip.port_macs.enable(port, info.enable != 0);
+     }},
     {BCM_PORT_ATTR_INTERFACE_MASK,
-     [](Chip& chip, int port, const bcm_port_info_t& info) {
+     [](Chip& chip, chip::Port port, const bcm_port_info_t& info) {
        return chip.port_macs.set_interface(port, info.interface);
      }},
-    {BCM_PORT_ATTR_SPEED_MASK,
-     [](Chip& chip, int port, const bcm_port_info_t& info) { return chip.port_macs.set_speed(port, info.speed); }},
+    {BCM_PORT_ATTR_SPEED_MASK, [](Chip& chip, chip::Port port,
+                                  const bcm_port_info_t& info) { return chip.port_macs.set_speed(port, info.speed); }},
     {BCM_PORT_ATTR_DUPLEX_MASK,
-     [](Chip& chip, int port, const bcm_port_info_t& info) { return chip.port_macs.set_duplex(port, info.duplex); }},
+     [](Chip& chip, chip::Port port, const bcm_port_info_t& info) {
+       return chip.port_macs.set_duplex(port, info.duplex);
+     }},
     {BCM_PORT_ATTR_LOCAL_ADVERT_MASK,
-     [](Chip& chip, int port, const bcm_port_info_t& info) {
+     [](Chip& chip, chip::Port port, const bcm_port_info_t& info) {
        return chip.port_macs.advertise(port, info.local_advert);
      }},
     {BCM_PORT_ATTR_AUTONEG_MASK,
-     [](Chip& chip, int port, const bcm_port_info_t& info) {
+     [](Chip& chip, chip::Port port, const bcm_port_info_t& info) {
        return chip.port_macs.negotiate(port, info.autoneg != 0);
      }},
     {BCM_PORT_ATTR_RATE_MCAST_MASK,
-     [](Chip& chip, int port, const bcm_port_info_t& info) {
+     [](Chip& chip, chip::Port port, const bcm_port_info_t& info) {
        return apply_storm_rate(chip, port, BCM_RATE_MCAST, info.mcast_limit_enable, info.mcast_limit);
      }},
     {BCM_PORT_ATTR_RATE_BCAST_MASK,
-     [](Chip& chip, int port, const bcm_port_info_t& info) {
+     [](Chip& chip, chip::Port port, const bcm_port_info_t& info) {
        return apply_storm_rate(chip, port, BCM_RATE_BCAST, info.bcast_limit_enable, info.bcast_limit);
      }},
     {BCM_PORT_ATTR_RATE_DLFBC_MASK,
-     [](Chip& chip, int port, const bcm_port_info_t& info) {
+     [](Chip& chip, chip::Port port, const bcm_port_info_t& info) {
        return apply_storm_rate(chip, port, BCM_RATE_DLF, info.dlfbc_limit_enable, info.dlfbc_limit);
      }},
-    // What the port reports of its link and its partner is not the caller's to set.
+    // The caller cannot set what the port reports of its link and its partner.
     {BCM_PORT_ATTR_LINKSTAT_MASK | BCM_PORT_ATTR_REMOTE_ADVERT_MASK,
-     [](Chip&, int, const bcm_port_info_t&) { return Status::ok; }},
+     [](Chip&, chip::Port, const bcm_port_info_t&) { return Status::ok; }},
 };
 
-/// Applies what the action masks name, up to the first setting that is refused.
-Status apply(Chip& chip, int port, const bcm_port_info_t& info) {
+/// Applies the settings that the action masks select, up to the first that is refused.
+Status apply(Chip& chip, chip::Port port, const bcm_port_info_t& info) {
   if (!chip.ports.ethernet().contains(port)) return Status::bad_port;
   uint32 unknown = info.action_mask;
   for (const Setting& setting : settings) unknown &= ~setting.mask;
@@ -87,11 +93,28 @@ Status apply(Chip& chip, int port, const bcm_port_info_t& info) {
   return Status::ok;
 }
 
+/// Returns a member of a port's record to the caller, for example &PortMac::speed.
+template <class Found, class Member, class Value>
+Status tell_member(const Found* found, Member member, Value& value) {
+  if (found == nullptr) return Status::bad_port;
+  value = static_cast<Value>(std::invoke(member, *found));
+  return Status::ok;
+}
+
+/// Returns the limit of a port to the caller. A limit in one unit of measure cannot be read in the other.
+Status tell_rate(const chip::PortRate* found, RateUnit unit, uint32& rate, uint32& burst) {
+  if (found == nullptr) return Status::bad_port;
+  if (found->is_limit() && found->unit != unit) return Status::bad_configuration;
+  rate = found->rate;
+  burst = found->burst;
+  return Status::ok;
+}
+
 }  // namespace
 
 int bcm_port_autoneg_get(int unit, bcm_port_t port, int* autoneg) {
   return Call(__func__, unit, port, out(autoneg)).answer([&](Chip& chip) {
-    return chip.port_macs.get(port_of(port), &PortMac::negotiates, *autoneg);
+    return tell_member(chip.port_macs.find(port_of(port)), &PortMac::negotiates, *autoneg);
   });
 }
 
@@ -105,8 +128,7 @@ int bcm_port_config_get(int unit, bcm_port_config_t* config) {
   return Call(__func__, unit, out(config)).answer([&](const Chip& chip) {
     chip::PortSet gigabit;
     chip::PortSet uplinks;
-    for (int port = 0; port <= chip.ports.ethernet().highest(); ++port)
-      if (chip.ports.ethernet().contains(port)) (chip::Ports::is_uplink(port) ? uplinks : gigabit).add(port);
+    for (const chip::Port port : chip.ports.ethernet()) (chip::Ports::is_uplink(port) ? uplinks : gigabit).add(port);
     bcm_port_config_t_init(config);
     config->ge = api::bitmap(gigabit);
     config->xe = api::bitmap(uplinks);
@@ -119,7 +141,7 @@ int bcm_port_config_get(int unit, bcm_port_config_t* config) {
 
 int bcm_port_duplex_get(int unit, bcm_port_t port, int* duplex) {
   return Call(__func__, unit, port, out(duplex)).answer([&](Chip& chip) {
-    return chip.port_macs.get(port_of(port), &PortMac::duplex, *duplex);
+    return tell_member(chip.port_macs.find(port_of(port)), &PortMac::duplex, *duplex);
   });
 }
 
@@ -131,24 +153,24 @@ int bcm_port_duplex_set(int unit, bcm_port_t port, int duplex) {
 
 int bcm_port_egress_get(int unit, bcm_port_t port, int modid, bcm_pbmp_t* pbmp) {
   return Call(__func__, unit, port, modid, out(pbmp)).answer([&](Chip& chip) {
-    if (modid != this_module) return Status::bad_parameter;
-    chip::PortSet destinations;
-    const Status status = chip.port_forwarding.get(port_of(port), &PortForwarding::destinations, destinations);
-    if (status == Status::ok) *pbmp = api::bitmap(destinations);
-    return status;
+    if (modid != api::my_module) return Status::bad_parameter;
+    const PortForwarding* const found = chip.port_forwarding.find(port_of(port));
+    if (found == nullptr) return Status::bad_port;
+    *pbmp = api::bitmap(found->destinations);
+    return Status::ok;
   });
 }
 
 int bcm_port_egress_set(int unit, bcm_port_t port, int modid, bcm_pbmp_t pbmp) {
   return Call(__func__, unit, port, modid, pbmp).answer([&](Chip& chip) {
-    if (modid != this_module) return Status::bad_parameter;
+    if (modid != api::my_module) return Status::bad_parameter;
     return chip.port_forwarding.set_destinations(port_of(port), api::ports(pbmp));
   });
 }
 
 int bcm_port_enable_get(int unit, bcm_port_t port, int* enable) {
   return Call(__func__, unit, port, out(enable)).answer([&](Chip& chip) {
-    return chip.port_macs.get(port_of(port), &PortMac::enabled, *enable);
+    return tell_member(chip.port_macs.find(port_of(port)), &PortMac::enabled, *enable);
   });
 }
 
@@ -172,15 +194,16 @@ int bcm_port_frame_max_set(int unit, bcm_port_t port, int size) {
 
 int bcm_port_gport_get(int unit, bcm_port_t port, bcm_gport_t* gport) {
   return Call(__func__, unit, port, out(gport)).answer([&](Chip& chip) {
-    if (!chip.ports.has(port)) return Status::bad_port;
-    *gport = chip::gport::of_port(port);
+    if (!chip.ports.has(chip::Port::of(port))) return Status::bad_port;
+    *gport = api::gport_of(chip::Port::of(port));
     return Status::ok;
   });
 }
 
 int bcm_port_ifg_get(int unit, bcm_port_t port, int speed, bcm_port_duplex_t duplex, int* bit_times) {
   return Call(__func__, unit, port, speed, duplex, out(bit_times)).answer([&](Chip& chip) {
-    return chip.port_macs.gap(port_of(port), speed, duplex, *bit_times);
+    const chip::Port of = port_of(port);
+    return tell(chip.port_macs.gap(of, speed, duplex), chip.port_macs.absent_gap(of), *bit_times);
   });
 }
 
@@ -192,13 +215,13 @@ int bcm_port_ifg_set(int unit, bcm_port_t port, int speed, bcm_port_duplex_t dup
 
 int bcm_port_interface_get(int unit, bcm_port_t port, bcm_port_if_t* intf) {
   return Call(__func__, unit, port, out(intf)).answer([&](Chip& chip) {
-    return chip.port_macs.get(port_of(port), &PortMac::interface, *intf);
+    return tell_member(chip.port_macs.find(port_of(port)), &PortMac::interface, *intf);
   });
 }
 
 int bcm_port_learn_get(int unit, bcm_port_t port, uint32* flags) {
   return Call(__func__, unit, port, out(flags)).answer([&](Chip& chip) {
-    return chip.port_forwarding.get(port_of(port), &PortForwarding::learning, *flags);
+    return tell_member(chip.port_forwarding.find(port_of(port)), &PortForwarding::learning, *flags);
   });
 }
 
@@ -210,14 +233,14 @@ int bcm_port_learn_set(int unit, bcm_port_t port, uint32 flags) {
 
 int bcm_port_link_status_get(int unit, bcm_port_t port, int* status) {
   return Call(__func__, unit, port, out(status)).answer([&](Chip& chip) {
-    return chip.port_macs.get(port_of(port), &PortMac::link, *status);
+    return tell_member(chip.port_macs.find(port_of(port)), &PortMac::link, *status);
   });
 }
 
 int bcm_port_local_get(int unit, bcm_gport_t gport, bcm_port_t* local_port) {
   return Call(__func__, unit, gport, out(local_port)).answer([&](const Chip& chip) {
     if (!chip.ports.has(port_of(gport))) return Status::bad_port;
-    *local_port = port_of(gport);
+    *local_port = port_of(gport).number();
     return Status::ok;
   });
 }
@@ -236,7 +259,8 @@ int bcm_port_pause_set(int unit, bcm_port_t port, int pause_tx, int pause_rx) {
 
 int bcm_port_phy_control_get(int unit, bcm_port_t port, bcm_port_phy_control_t type, uint32* value) {
   return Call(__func__, unit, port, type, out(value)).answer([&](Chip& chip) {
-    return chip.phy_controls.get(port_of(port), type, *value);
+    const chip::Port of = port_of(port);
+    return tell(chip.phy_controls.get(of, type), chip.phy_controls.absent(of, type), *value);
   });
 }
 
@@ -250,7 +274,7 @@ int bcm_port_phy_get(int unit, bcm_port_t port, uint32 flags, uint32 phy_reg_add
   return Call(__func__, unit, port, hex(flags), hex(phy_reg_addr), out(phy_data)).answer([&](Chip& chip) {
     if (!chip.ports.ethernet().contains(port_of(port))) return Status::bad_port;
     if (flags != default_registers) return Status::unavailable;
-    return chip.phy_registers.read(phy_register(port_of(port), phy_reg_addr), *phy_data);
+    return tell(chip.phy_registers.read(phy_register(port_of(port), phy_reg_addr)), Status::bad_parameter, *phy_data);
   });
 }
 
@@ -281,13 +305,13 @@ int bcm_port_protocol_vlan_delete_all(int unit, bcm_port_t port) {
 
 int bcm_port_rate_egress_get(int unit, bcm_port_t port, uint32* kbits_sec, uint32* kbits_burst) {
   return Call(__func__, unit, port, out(kbits_sec), out(kbits_burst)).answer([&](Chip& chip) {
-    return chip.port_rates.shaping(port_of(port), RateUnit::kilobits, *kbits_sec, *kbits_burst);
+    return tell_rate(chip.port_rates.egress().find(port_of(port)), RateUnit::kilobits, *kbits_sec, *kbits_burst);
   });
 }
 
 int bcm_port_rate_egress_pps_get(int unit, bcm_port_t port, uint32* pps, uint32* burst) {
   return Call(__func__, unit, port, out(pps), out(burst)).answer([&](Chip& chip) {
-    return chip.port_rates.shaping(port_of(port), RateUnit::packets, *pps, *burst);
+    return tell_rate(chip.port_rates.egress().find(port_of(port)), RateUnit::packets, *pps, *burst);
   });
 }
 
@@ -305,7 +329,7 @@ int bcm_port_rate_egress_set(int unit, bcm_port_t port, uint32 kbits_sec, uint32
 
 int bcm_port_rate_ingress_get(int unit, bcm_port_t port, uint32* kbits_sec, uint32* kbits_burst) {
   return Call(__func__, unit, port, out(kbits_sec), out(kbits_burst)).answer([&](Chip& chip) {
-    return chip.port_rates.policing(port_of(port), *kbits_sec, *kbits_burst);
+    return tell_rate(chip.port_rates.ingress().find(port_of(port)), RateUnit::kilobits, *kbits_sec, *kbits_burst);
   });
 }
 
@@ -321,7 +345,7 @@ int bcm_port_selective_set(int unit, bcm_port_t port, bcm_port_info_t* info) {
 
 int bcm_port_speed_get(int unit, bcm_port_t port, int* speed) {
   return Call(__func__, unit, port, out(speed)).answer([&](Chip& chip) {
-    return chip.port_macs.get(port_of(port), &PortMac::speed, *speed);
+    return tell_member(chip.port_macs.find(port_of(port)), &PortMac::speed, *speed);
   });
 }
 
@@ -333,7 +357,7 @@ int bcm_port_speed_set(int unit, bcm_port_t port, int speed) {
 
 int bcm_port_untagged_vlan_get(int unit, bcm_port_t port, bcm_vlan_t* vid_ptr) {
   return Call(__func__, unit, port, out(vid_ptr)).answer([&](Chip& chip) {
-    return chip.port_forwarding.get(port_of(port), &PortForwarding::untagged_vlan, *vid_ptr);
+    return tell_member(chip.port_forwarding.find(port_of(port)), &PortForwarding::untagged_vlan, *vid_ptr);
   });
 }
 

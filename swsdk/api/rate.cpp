@@ -1,13 +1,13 @@
 #include <bcm/rate.h>
 
 #include "api/call.h"
-#include "chip/gports.h"
+#include "api/gports.h"
 
 using api::Call;
 using api::hex;
+using api::port_of;
 using chip::Chip;
 using chip::StormRates;
-using chip::gport::port_of;
 
 int bcm_rate_bcast_set(int unit, int pps, int flags, int port) {
   const auto given = static_cast<uint32>(flags);

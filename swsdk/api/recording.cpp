@@ -18,7 +18,7 @@ namespace {
 
 constexpr char power_off[] = "action swsdk_power_off() = 0";
 
-/// The file, opened at the first line: a process that makes no call leaves what is there alone.
+/// The file, opened at the first line: a process that makes no call does not touch an existing file.
 class Recording {
  public:
   Recording() {
@@ -62,8 +62,8 @@ class Recording {
     empty_ = false;
   }
 
-  /// Ends the recording of a process that ends, if it is its own: the child of a fork has the file too, and where it
-  /// made no call, the recording is still its parent's.
+  /// Ends the recording of a process that exits, if it is its own: the child of a fork has the file too, and while it
+  /// has made no call, the recording is still its parent's.
   void end_with_process() {
     const std::lock_guard guard(lock_);
     if (file_ == nullptr || writer_ != getpid()) return;
@@ -90,7 +90,7 @@ class Recording {
   }
 
  private:
-  /// The file with its first line; what is written later reaches it line by line, so that a crash loses nothing.
+  /// The file with its first line; later lines are flushed one by one, so that a crash loses nothing.
   static std::FILE* opened(const char* path) {
     std::FILE* const file = std::fopen(path, "we");
     if (file == nullptr) return nullptr;
@@ -99,7 +99,7 @@ class Recording {
     return file;
   }
 
-  /// Nobody asks what became of a recording that the environment wants, so it tells.
+  /// No caller checks the result of a recording that the environment requests, so report a failure.
   void open_late() {
     file_ = opened(path_.c_str());
     if (file_ == nullptr)
@@ -122,7 +122,7 @@ class Recording {
 
   std::mutex lock_;
   std::atomic<bool> wanted_ = false;
-  std::string path_;  // of a file that is still to be opened
+  std::string path_;  // of a file that is not open yet
   std::FILE* file_ = nullptr;
   pid_t writer_ = 0;  // the process that wrote the last line
   bool empty_ = true;
@@ -131,13 +131,13 @@ class Recording {
   std::string captured_;
 };
 
-/// Never destroyed: there can be calls while the process ends.
+/// Never destroyed: calls can occur while the process exits.
 Recording& recording() {
   static Recording& instance = *new Recording;
   return instance;
 }
 
-/// When the library is unloaded, and so after all that a program does at its end.
+/// Runs when the library is unloaded, and so after everything that a program does at exit.
 __attribute__((destructor)) void end_with_process() { recording().end_with_process(); }
 
 std::mutex numbers_lock;

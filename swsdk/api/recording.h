@@ -9,7 +9,7 @@
 
 namespace api {
 
-/// The kinds of lines that a recording has, by the words that they begin with.
+/// The kinds of lines of a recording, and the word that begins each.
 enum class Kind { call, fault, action };
 constexpr const char* kind_names[] = {"call", "fault", "action"};
 
@@ -25,14 +25,14 @@ bool is_recording();
 
 void add_to_recording(Kind kind, std::string_view line);
 
-/// Notes that the chips were switched off: of no interest until something follows.
+/// Notes that the chips were switched off; written only when another line follows.
 void add_power_off_to_recording();
 
-/// Keeps the lines that come, beside the file if there is one, until they are taken.
+/// Keeps new lines until they are taken, in addition to writing them to the file if there is one.
 void capture_recording(bool on);
 std::string take_captured();
 
-/// The number by which a recording calls a pointer: "callback" and "pointer" are counted on their own, from 1 on.
+/// The number that stands for a pointer in a recording: "callback" and "pointer" are counted on their own, from 1 on.
 int pointer_number(const char* what, const void* pointer);
 void set_pointer_number(const char* what, const void* pointer, int number);
 void forget_pointer_numbers();
@@ -44,7 +44,7 @@ constexpr bool is_opaque = std::is_pointer_v<T> && !std::is_same_v<std::remove_c
 template <class T>
 constexpr const char* pointer_kind = std::is_function_v<std::remove_pointer_t<T>> ? "callback" : "pointer";
 
-/// As the journal shows an argument, but complete enough to call again.
+/// An argument as in the journal, but complete enough to repeat the call.
 template <class T>
 std::string shown_in_recording(const T& argument, int rv) {
   std::string result = shown(argument, rv);

@@ -1,4 +1,4 @@
-// The SDK's records as lists of their fields, so that one piece of code each prints, reads and makes C of all of them.
+// The SDK's records as lists of their fields, so that printing, parsing and writing as C need one function each.
 #pragma once
 
 #include <bcm/field.h>
@@ -13,7 +13,7 @@
 #include <bcm/switch.h>
 #include <bcm/trunk.h>
 #include <bcm/vlan.h>
-#include <swsdk/chip.h>
+#include <swsdk/board.h>
 #include <swsdk/field.h>
 
 #include <cstddef>
@@ -25,14 +25,14 @@ namespace api {
 
 enum class Show { plain, hex, ip4 };
 
-/// What is done with values of one type.
+/// The operations on values of one type.
 struct ValueType {
   std::string (*text)(const void* value, Show show);
   void (*parse)(std::string_view text, void* value);
   std::string (*c_assignment)(const std::string& place, const void* value);
 };
 
-/// One field of a record: its name, where it is, how its value is shown, and whether the chip knows what it means.
+/// One field of a record: its name, its offset, how its value is shown, and whether the chip models it.
 struct Field {
   const char* name;
   std::size_t offset;
@@ -48,10 +48,10 @@ struct Field {
 
 /// Whether a record asks for something that the chip does not model.
 bool exceeds_model(std::span<const Field> fields, const void* record);
-/// Makes 0 of the fields that the chip does not model.
+/// Clears the fields that the chip does not model.
 void clear_unmodeled(std::span<const Field> fields, void* record);
 
-/// The fields of each record that is shown as one.
+/// The fields of each record that is shown as a record.
 std::span<const Field> fields(const bcm_l2_addr_t*);
 std::span<const Field> fields(const bcm_l2_cache_addr_t*);
 std::span<const Field> fields(const bcm_l2_learn_limit_t*);

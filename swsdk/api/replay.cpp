@@ -16,7 +16,7 @@ using api::Unreadable;
 
 namespace {
 
-/// Tells something of a line, with file and number.
+/// Reports something about a line, with file and number.
 using Say = std::function<void(const std::string&)>;
 
 /// A line of a recording whose function is known.
@@ -34,7 +34,7 @@ std::optional<Kind> kind_of(std::string_view word) {
   return static_cast<Kind>(found - std::begin(api::kind_names));
 }
 
-/// Nothing, with a notice, when the line tells of something that this chip does not know.
+/// Nothing, with a notice, when the line has a kind or a function that this chip does not know.
 std::optional<Line> parsed_line(std::string_view text, const Say& notice) {
   const std::string_view word = text.substr(0, text.find(' '));
   const std::optional<Kind> kind = kind_of(word);
@@ -71,8 +71,8 @@ int version_of(std::string_view text) {
                    " of the format; this chip reads versions up to " + newest);
 }
 
-/// Hands each line of a recording to `take`, with its number, until that says that it is enough. What is wrong is told
-/// with file and line. One of the SWSDK_REPLAY_ values, as if all answers had been the same.
+/// Passes each line of a recording to `take`, with its number, until `take` ends it. Errors are reported with file and
+/// line. Returns one of the SWSDK_REPLAY_ values, as if all answers had been the same.
 template <class Take>
 int read_recording(const char* path, swsdk_line_t tell, void* data, Take take) {
   std::string text;
@@ -113,7 +113,7 @@ int read_recording(const char* path, swsdk_line_t tell, void* data, Take take) {
   }
 }
 
-/// Arguments that are arrays, from the first to the last, and the one that says how many items they have.
+/// Arguments that are arrays, from the first to the last, and the argument with their number of items.
 struct CountedArrays {
   std::string_view function;
   std::size_t count;
@@ -146,7 +146,7 @@ void check_counts(std::string_view function, const api::AllGiven& arguments) {
   }
 }
 
-/// The arguments that the texts are.
+/// The arguments, parsed from their texts.
 api::AllGiven all_given(const api::Replayable& function, const api::Texts& texts) {
   const auto& parameters = function.parameters;
   if (texts.size() != parameters.size())
@@ -163,7 +163,7 @@ api::AllGiven all_given(const api::Replayable& function, const api::Texts& texts
   return arguments;
 }
 
-/// Makes the call again and tells the line that a recording of it has now.
+/// Repeats the call and returns the line that it has in a new recording.
 std::string repeated(const Line& line) {
   api::callback_answer = std::min(line.result, 0);
   if (line.kind == Kind::fault) swsdk_fault_inject(line.function->name, line.result, 1);
@@ -173,7 +173,7 @@ std::string repeated(const Line& line) {
   return api::take_captured();
 }
 
-/// The C program's beginning; what only the virtual chip has comes when a line needs it.
+/// The C program's beginning; the virtual chip's own headers follow only when a line needs them.
 constexpr const char* c_beginning[] = {"#include <appl/diag/shell.h>",
                                        "#include <appl/diag/system.h>",
                                        "#include <bcm/cosq.h>",
@@ -225,7 +225,7 @@ constexpr const char* c_end[] = {"    {0, 0, 0, 0}};",
                                  "  return 0;",
                                  "}"};
 
-/// The call in C, as the body of a function that returns what the call does, or 0.
+/// The call in C, as the body of a function that returns the call's result, or 0.
 api::CCall as_c(const api::Replayable& function, const api::Texts& texts) {
   api::CCall call;
   std::string list;
@@ -239,7 +239,7 @@ api::CCall as_c(const api::Replayable& function, const api::Texts& texts) {
   return call;
 }
 
-/// A text that does not end the comment that it is in.
+/// The text, changed so that it does not end the comment that it is in.
 std::string in_comment(std::string_view text) {
   std::string result(text);
   for (std::size_t found = 0; (found = result.find("*/", found)) != std::string::npos;)

@@ -16,7 +16,7 @@ using AllGiven = std::vector<std::unique_ptr<AnyGiven>>;
 /// Reads the text of an argument; throws Unreadable.
 using Parameter = std::unique_ptr<AnyGiven> (*)(std::string_view text);
 
-/// A function of any signature, and how it is called with arguments that its parameters have read.
+/// A function of any signature, and how to call it with arguments that its parameters have parsed.
 struct Replayable {
   const char* name;
   void (*function)();

@@ -1,14 +1,15 @@
 #include "api/show.h"
 
 #include <bcm/stat.h>
-#include <swsdk/chip.h>
 
 #include <cstddef>
 #include <cstdio>
+#include <iterator>
 #include <vector>
 
 #include "api/arguments.h"
 #include "api/columns.h"
+#include "api/gports.h"
 #include "api/show_l2.h"
 #include "api/show_l3.h"
 
@@ -19,14 +20,15 @@ using api::flag_names;
 using api::mac_text;
 using api::Row;
 
+std::string text(chip::Port port) { return std::to_string(port.number()); }
+
 std::string flags_text(uint32_t flags) {
-  constexpr uint32_t learn_disable = 0x1;
-  constexpr uint32_t l2_lookup_disable = 0x80000;
+  using chip::VlanControl;
   std::string result;
   const auto add = [&](const char* name) { result += (result.empty() ? "" : ",") + std::string(name); };
-  if (flags & learn_disable) add("no-learn");
-  if (flags & l2_lookup_disable) add("no-l2-lookup");
-  if (const uint32_t rest = flags & ~(learn_disable | l2_lookup_disable)) {
+  if (flags & VlanControl::learn_disable) add("no-learn");
+  if (flags & VlanControl::l2_lookup_disable) add("no-l2-lookup");
+  if (const uint32_t rest = flags & ~(VlanControl::learn_disable | VlanControl::l2_lookup_disable)) {
     char number[16];
     std::snprintf(number, sizeof number, "0x%x", rest);
     add(number);
@@ -46,7 +48,7 @@ const char* duplex_text(chip::Duplex duplex) { return duplex == chip::Duplex::fu
 
 std::string show_ports(const chip::Chip& chip) {
   std::vector<Row> rows{{"port", "kind", "state", "speed", "duplex", "tagged in", "untagged in"}};
-  for (int port = 0; port <= chip.ports.all().highest(); ++port) {
+  for (const chip::Port port : chip.ports.all()) {
     std::string tagged;
     std::string untagged;
     for (const auto& [id, vlan] : chip.vlans.all()) {
@@ -54,12 +56,11 @@ std::string show_ports(const chip::Chip& chip) {
       std::string& list = vlan.untagged.contains(port) ? untagged : tagged;
       list += (list.empty() ? "" : ",") + std::to_string(id);
     }
-    Row row{std::to_string(port), chip::Ports::kind(port), "-", "-", "-"};
-    if (const auto found = chip.port_macs.all().find(port); found != chip.port_macs.all().end()) {
-      const chip::PortMac& mac = found->second;
-      row[2] = !mac.enabled ? "off" : mac.link() ? "up" : "down";
-      row[3] = std::to_string(mac.speed);
-      row[4] = duplex_text(mac.duplex);
+    Row row{text(port), chip::Ports::kind(port), "-", "-", "-"};
+    if (const chip::PortMac* const mac = chip.port_macs.find(port)) {
+      row[2] = !mac->enabled ? "off" : mac->link() ? "up" : "down";
+      row[3] = std::to_string(mac->speed);
+      row[4] = duplex_text(mac->duplex);
     }
     row.push_back(tagged.empty() ? "-" : tagged);
     row.push_back(untagged.empty() ? "-" : untagged);
@@ -70,39 +71,30 @@ std::string show_ports(const chip::Chip& chip) {
 
 std::string show_l2_cache(const chip::Chip& chip) {
   constexpr uint32_t to_cpu = 0x1;
-  constexpr uint32_t bpdu = 0x10;
   std::vector<Row> rows{{"index", "MAC", "mask", "flags"}};
   for (const auto& [index, entry] : chip.l2_cache.all())
     rows.push_back({std::to_string(index), mac_text(entry.mac), mac_text(entry.mac_mask),
-                    flag_names(entry.flags, {{to_cpu, "to-cpu"}, {bpdu, "bpdu"}})});
+                    flag_names(entry.flags, {{to_cpu, "to-cpu"}, {chip::L2CacheEntry::bpdu, "bpdu"}})});
   return columns(rows);
 }
 
-/// The controls that are not 0 everywhere, by number: the ports of one of each port, or the value for the whole chip.
+/// The controls that are not 0 everywhere, by number: for a control per port its ports, else the value for the chip.
 std::string show_switch_controls(const chip::Chip& chip) {
-  using chip::SwitchControls;
-  std::map<int, chip::PortSet> ports;
-  std::map<int, std::string> values;
-  for (const auto& [key, value] : chip.switch_controls.all()) {
-    const auto& [control, port] = key;
-    if (value == 0) continue;
-    if (port != SwitchControls::whole_chip) {
-      ports[control].add(port);
-      values[control] = "on ports " + text(ports[control]);
-    } else if (!SwitchControls::is_of_each_port(control)) {
-      values[control] = std::to_string(value);
-    }
-  }
   std::vector<Row> rows{{"control", "value"}};
-  for (const auto& [control, value] : values) rows.push_back({SwitchControls::name(control), value});
+  for (const auto& [control, of_each_port, name] : chip::SwitchControls::infos()) {
+    const int of_chip = *chip.switch_controls.get(control);
+    const chip::PortSet& on = chip.switch_controls.ports_with(static_cast<chip::SwitchControlOfPort>(control));
+    if (of_each_port && !on.empty()) rows.push_back({name, "on ports " + text(on)});
+    if (!of_each_port && of_chip != 0) rows.push_back({name, std::to_string(of_chip)});
+  }
   return columns(rows);
 }
 
 std::string show_filters(const chip::Chip& chip) {
   using chip::PortFilters;
   std::vector<Row> rows{{"port", "checks VLANs at", "floods kept from the CPU"}};
-  for (int port = 0; port <= chip.ports.all().highest(); ++port)
-    rows.push_back({std::to_string(port),
+  for (const chip::Port port : chip.ports.all())
+    rows.push_back({text(port),
                     flag_names(chip.port_filters.membership_checks(port),
                                {{PortFilters::check_ingress, "ingress"}, {PortFilters::check_egress, "egress"}}),
                     flag_names(chip.port_filters.blocked_floods(port, chip::Ports::cpu),
@@ -134,17 +126,17 @@ std::string show_translations(const chip::Chip& chip) {
   const chip::VlanTranslations& tables = chip.vlan_translations;
   std::vector<Row> rows{{"direction", "port", "VLAN", "becomes", "priority"}};
   for (const auto& [key, to] : tables.ingress())
-    rows.push_back({"in", std::to_string(key.port), std::to_string(key.vlan), std::to_string(to.vlan),
-                    std::to_string(to.priority)});
+    rows.push_back(
+        {"in", text(key.port), std::to_string(key.vlan), std::to_string(to.vlan), std::to_string(to.priority)});
   for (const auto& [key, range] : tables.outer())
-    rows.push_back({"in", std::to_string(key.port),
+    rows.push_back({"in", text(key.port),
                     std::to_string(key.vlan) + (range.high > key.vlan ? "-" + std::to_string(range.high) : ""),
                     "inner of " + std::to_string(range.outer.vlan), std::to_string(range.outer.priority)});
   for (const auto& [key, to] : tables.egress())
-    rows.push_back({"out", std::to_string(key.port), std::to_string(key.vlan), std::to_string(to.vlan),
-                    std::to_string(to.priority)});
+    rows.push_back(
+        {"out", text(key.port), std::to_string(key.vlan), std::to_string(to.vlan), std::to_string(to.priority)});
   for (const auto& [key, action] : chip.egress_actions.all())
-    rows.push_back({"out", std::to_string(key.port_class),
+    rows.push_back({"out", std::to_string(api::sdk_port(key.port_class)),
                     std::to_string(key.outer) + (key.inner != 0 ? ":" + std::to_string(key.inner) : ""),
                     action.double_tagged.outer.vlan == chip::TagAction::remove ? "without the outer tag"
                     : action.outer_vlan != 0                                   ? std::to_string(action.outer_vlan)
@@ -158,13 +150,12 @@ std::string show_attributes(const chip::Chip& chip) {
   std::vector<Row> rows{
       {"port", "enabled", "link", "auto", "speed", "duplex", "interface", "loopback", "pause", "frame max", "gap"}};
   for (const auto& [port, mac] : chip.port_macs.all()) {
-    int gap = 0;
-    chip.port_macs.gap(port, mac.speed, static_cast<int>(mac.duplex), gap);
+    const int gap = chip.port_macs.gap(port, mac.speed, static_cast<int>(mac.duplex)).value_or(0);
     const uint32_t pause = (mac.pause_tx ? 1U : 0U) | (mac.pause_rx ? 2U : 0U);
-    rows.push_back({std::to_string(port), mac.enabled ? "yes" : "no", mac.link() ? "up" : "down",
-                    mac.negotiates ? "on" : "off", std::to_string(mac.speed), duplex_text(mac.duplex),
-                    std::to_string(mac.interface), loopbacks[static_cast<std::size_t>(mac.loopback)],
-                    flag_names(pause, {{1, "tx"}, {2, "rx"}}), std::to_string(mac.frame_max), std::to_string(gap)});
+    rows.push_back({text(port), mac.enabled ? "yes" : "no", mac.link() ? "up" : "down", mac.negotiates ? "on" : "off",
+                    std::to_string(mac.speed), duplex_text(mac.duplex), std::to_string(mac.interface),
+                    loopbacks[static_cast<std::size_t>(mac.loopback)], flag_names(pause, {{1, "tx"}, {2, "rx"}}),
+                    std::to_string(mac.frame_max), std::to_string(gap)});
   }
   return columns(rows);
 }
@@ -177,7 +168,7 @@ std::string show_forwarding(const chip::Chip& chip) {
     for (const auto& [key, vlan] : chip.protocol_vlans.all())
       if (key.port == port)
         protocols += (protocols.empty() ? "" : ",") + api::text(api::hex(key.ethertype)) + ':' + std::to_string(vlan);
-    rows.push_back({std::to_string(port),
+    rows.push_back({text(port),
                     flag_names(forwarding.learning, {{PortForwardings::learn, "learn"},
                                                      {PortForwardings::to_cpu, "to-cpu"},
                                                      {PortForwardings::forward, "forward"}}),
@@ -187,10 +178,9 @@ std::string show_forwarding(const chip::Chip& chip) {
   return columns(rows);
 }
 
-std::string rate_text(const std::map<int, chip::PortRate>& rates, int port) {
-  const auto found = rates.find(port);
-  if (found == rates.end()) return "-";
-  const auto& [unit, rate, burst] = found->second;
+std::string rate_text(const chip::PortRate& limit) {
+  if (!limit.is_limit()) return "-";
+  const auto& [unit, rate, burst] = limit;
   return std::to_string(rate) + '/' + std::to_string(burst) + (unit == chip::RateUnit::packets ? " packets" : " kbit");
 }
 
@@ -199,14 +189,14 @@ std::string show_rates(const chip::Chip& chip) {
   using chip::StormRates;
   std::vector<Row> rows{{"port", "in", "out", "broadcast", "multicast", "unknown"}};
   const Row unlimited(rows.front().size() - 1, "-");
-  for (int port = 0; port <= chip.ports.all().highest(); ++port) {
-    Row limits{rate_text(chip.port_rates.ingress(), port), rate_text(chip.port_rates.egress(), port)};
+  for (const chip::Port port : chip.ports.all()) {
+    Row limits{rate_text(chip.port_rates.ingress()[port]), rate_text(chip.port_rates.egress()[port])};
     for (const uint32_t kind : {StormRates::broadcast, StormRates::multicast, StormRates::unknown_destination}) {
-      const auto found = chip.storm_rates.all().find({port, kind});
-      limits.push_back(found == chip.storm_rates.all().end() ? "-" : std::to_string(found->second));
+      const int* const found = chip.storm_rates.find({port, kind});
+      limits.push_back(found == nullptr ? "-" : std::to_string(*found));
     }
     if (limits == unlimited) continue;
-    limits.insert(limits.begin(), std::to_string(port));
+    limits.insert(limits.begin(), text(port));
     rows.push_back(limits);
   }
   return columns(rows);
@@ -220,7 +210,7 @@ std::string show_phys(const chip::Chip& chip) {
                     key.device == chip::PhyRegisters::clause22 ? "-" : std::to_string(key.device),
                     api::text(api::hex(key.number)), api::text(api::hex(value))});
   for (const auto& [key, value] : chip.phy_controls.all())
-    rows.push_back({std::to_string(key.first), "-", chip::PhyControls::name(key.second), std::to_string(value)});
+    rows.push_back({text(key.first), "-", chip::PhyControls::name(key.second), std::to_string(value)});
   return columns(rows);
 }
 
@@ -230,7 +220,7 @@ std::string show_counters(const chip::Chip& chip) {
   std::vector<Row> rows{{"port", "counter", "value"}};
   for (const auto& [port, counters] : chip.counters.all())
     for (std::size_t i = 0; i < counters.size(); ++i)
-      if (counters[i] != 0) rows.push_back({std::to_string(port), names[i], std::to_string(counters[i])});
+      if (counters[i] != 0) rows.push_back({text(port), names[i], std::to_string(counters[i])});
   return columns(rows);
 }
 
@@ -294,7 +284,4 @@ std::optional<std::string> api::show(const chip::Chip& chip, std::string_view ta
   return std::nullopt;
 }
 
-const char* swsdk_show_table(int index) {
-  constexpr int count = sizeof tables / sizeof *tables;
-  return index >= 0 && index < count ? tables[index].name : nullptr;
-}
+const char* api::shown_table(std::size_t index) { return index < std::size(tables) ? tables[index].name : nullptr; }

@@ -1,58 +1,49 @@
 #include "api/show_l2.h"
 
-#include <bcm/trunk.h>
-
 #include "api/arguments.h"
 #include "api/columns.h"
-#include "chip/gports.h"
 
 namespace {
 
 using chip::MacEntry;
 using chip::MacScope;
 
-std::string port_text(int port) {
-  return chip::gport::kind(port) == chip::gport::virtual_port
-             ? "virtual port " + std::to_string(chip::gport::number(port))
-             : "port " + std::to_string(port);
+std::string named_place_text(const chip::Place& place) {
+  return (std::holds_alternative<chip::Port>(place) ? "port " : "") + api::place_text(place);
 }
 
-std::string place_text(const MacEntry& entry) {
-  std::string result = entry.is(MacEntry::on_trunk) ? "trunk " + std::to_string(entry.trunk) : port_text(entry.port);
+std::string where_text(const MacEntry& entry) {
+  std::string result = named_place_text(entry.place);
   if (entry.tunnel != 0) result += " tunnel " + std::to_string(entry.tunnel);
   return result;
 }
 
 std::string scope_text(const MacScope& scope) {
-  const std::string id = std::to_string(scope.id);
-  switch (scope.kind) {
-    case MacScope::Kind::system:
-      return "all";
-    case MacScope::Kind::vlan:
-      return "VLAN " + id;
-    case MacScope::Kind::port:
-      return port_text(static_cast<int>(scope.id));
-    case MacScope::Kind::trunk:
-      return "trunk " + id;
-    case MacScope::Kind::tunnel:
-      return "tunnel " + id;
-  }
-  return id;
+  return std::visit(chip::ByKind{
+                        [](chip::AllAddresses) { return std::string("all"); },
+                        [](chip::VlanAddresses of) { return "VLAN " + std::to_string(of.vlan); },
+                        [](const chip::Place& place) { return named_place_text(place); },
+                        [](chip::TunnelAddresses of) { return "tunnel " + std::to_string(of.tunnel); },
+                    },
+                    scope);
 }
 
-std::string criterion_text(int criterion) {
+const char* criterion_text(chip::TrunkCriterion criterion) {
   switch (criterion) {
-    case BCM_TRUNK_PSC_SRCMAC:
+    using enum chip::TrunkCriterion;
+    case own_choice:
+      return "-";
+    case source_mac:
       return "source MAC";
-    case BCM_TRUNK_PSC_DSTMAC:
+    case destination_mac:
       return "destination MAC";
-    case BCM_TRUNK_PSC_SRCDSTMAC:
+    case both_macs:
       return "both MACs";
-    case BCM_TRUNK_PSC_SRCIP:
+    case source_ip:
       return "source IP";
-    case BCM_TRUNK_PSC_DSTIP:
+    case destination_ip:
       return "destination IP";
-    case BCM_TRUNK_PSC_SRCDSTIP:
+    case both_ips:
       return "both IPs";
   }
   return "-";
@@ -86,7 +77,7 @@ std::string api::show_learn_limits(const chip::Chip& chip) {
 std::string api::show_mac_table(const chip::Chip& chip) {
   std::vector<Row> rows{{"VLAN", "MAC", "at", "kind", "hit"}};
   for (const MacEntry& entry : chip.mac_table.all())
-    rows.push_back({std::to_string(entry.vlan), mac_text(entry.mac), place_text(entry),
+    rows.push_back({std::to_string(entry.vlan), mac_text(entry.mac), where_text(entry),
                     flag_names(entry.flags, {{MacEntry::fixed, "static"},
                                              {MacEntry::discard_source, "discard-source"},
                                              {MacEntry::discard_destination, "discard-destination"},
@@ -105,7 +96,7 @@ std::string api::show_mac_vlans(const chip::Chip& chip) {
 
 std::string api::show_mirrors(const chip::Chip& chip) {
   std::vector<Row> rows{{"session", "to port", "mode", "sources", "ingress", "egress"}};
-  for (const auto& [id, gport] : chip.mirrors.destinations()) {
+  for (const auto& [id, to] : chip.mirrors.destinations()) {
     chip::PortSet sources;
     chip::PortSet ingress;
     chip::PortSet egress;
@@ -116,8 +107,8 @@ std::string api::show_mirrors(const chip::Chip& chip) {
       if (directions & chip::Mirrors::ingress) ingress.add(port);
       if (directions & chip::Mirrors::egress) egress.add(port);
     }
-    rows.push_back({std::to_string(chip::gport::number(id)), std::to_string(chip::gport::port_of(gport)),
-                    mode_text(chip.mirrors.mode()), text(sources), text(ingress), text(egress)});
+    rows.push_back({std::to_string(id.number()), place_text(to), mode_text(chip.mirrors.mode()), text(sources),
+                    text(ingress), text(egress)});
   }
   return columns(rows);
 }
@@ -157,8 +148,8 @@ std::string api::show_trunks(const chip::Chip& chip) {
   std::vector<Row> rows{{"trunk", "picks by", "members"}};
   for (const auto& [id, trunk] : chip.trunks.all()) {
     std::string members;
-    for (const int port : trunk.members) append(members, port);
-    rows.push_back({std::to_string(id), criterion_text(trunk.criterion), or_dash(members)});
+    for (const chip::Port port : trunk.members) append(members, port.number());
+    rows.push_back({std::to_string(id.number()), criterion_text(trunk.criterion), or_dash(members)});
   }
   return columns(rows);
 }

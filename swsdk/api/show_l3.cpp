@@ -6,7 +6,6 @@
 
 #include "api/arguments.h"
 #include "api/columns.h"
-#include "chip/gports.h"
 
 namespace {
 
@@ -16,12 +15,6 @@ using std::to_string;
 /// One VLAN, or an outer and an inner one.
 std::string vlans_text(int outer, int inner) {
   return outer == 0 ? "-" : to_string(outer) + (inner == 0 ? "" : ":" + to_string(inner));
-}
-
-std::string gport_text(int port) {
-  using namespace chip::gport;
-  if (kind(port) == virtual_port) return "virtual port " + to_string(number(port));
-  return kind(port) == trunk ? "trunk " + to_string(number(port)) : to_string(port_of(port));
 }
 
 std::string target_text(int interface) {
@@ -70,7 +63,7 @@ std::string api::show_egress_objects(const chip::Chip& chip) {
   std::vector<Row> rows{{"egress", "interface", "MAC", "VLAN", "port", "used by"}};
   for (const auto& [id, object] : chip.egress_objects.all())
     rows.push_back({to_string(id), to_string(object.interface), mac_text(object.mac), vlans_text(object.vlan, 0),
-                    gport_text(object.port), to_string(chip.hosts.uses(id) + chip.routes.uses(id))});
+                    place_text(object.place), to_string(chip.hosts.uses(id) + chip.routes.uses(id))});
   return columns(rows);
 }
 
@@ -78,17 +71,17 @@ std::string api::show_hosts(const chip::Chip& chip) {
   std::vector<Row> rows{{"host", "VRF", "by", "MAC", "port", "flags", "hit"}};
   for (const auto& [key, host] : chip.hosts.all())
     rows.push_back({text(ip4(key.address)), to_string(key.vrf), target_text(host.interface), mac_text(host.next_hop),
-                    gport_text(host.port), flag_names(host.flags, {{BCM_L3_L2TOCPU, "to-cpu"}}), hit_text(host.hit)});
+                    place_text(host.place), flag_names(host.flags, {{BCM_L3_L2TOCPU, "to-cpu"}}), hit_text(host.hit)});
   return columns(rows);
 }
 
 std::string api::show_routes(const chip::Chip& chip) {
-  constexpr uint32_t local = 0x4000;  // the flag that the SDK's own name has another value for
+  constexpr uint32_t local = 0x4000;  // the SDK's name for this flag has another value
   std::vector<Row> rows{{"subnet", "VRF", "by", "next hop", "MAC", "port", "flags", "hit"}};
   for (const auto& [key, route] : chip.routes.all())
     rows.push_back({text(ip4(key.subnet)) + "/" + to_string(key.length), to_string(key.vrf),
                     target_text(route.interface), text(ip4(route.next_hop_ip)), mac_text(route.next_hop),
-                    gport_text(route.port), flag_names(route.flags, {{BCM_L3_DEFIP_CPU, "to-cpu"}, {local, "local"}}),
+                    place_text(route.place), flag_names(route.flags, {{BCM_L3_DEFIP_CPU, "to-cpu"}, {local, "local"}}),
                     hit_text(route.hit)});
   return columns(rows);
 }
@@ -97,11 +90,11 @@ std::string api::show_routes(const chip::Chip& chip) {
 std::string api::show_multicast_groups(const chip::Chip& chip) {
   std::vector<Row> rows{{"group", "type", "ports", "encapsulation"}};
   for (const auto& [id, group] : chip.multicast_groups.all()) {
-    if (group.members.empty()) rows.push_back({to_string(id), type_text(group.type), "-", "-"});
+    if (group.members.empty()) rows.push_back({to_string(id.number()), type_text(group.type), "-", "-"});
     std::map<int, chip::PortSet> ports;
     for (const chip::MulticastMember& member : group.members) ports[member.encapsulation].add(member.port);
     for (const auto& [encapsulation, set] : ports)
-      rows.push_back({to_string(id), type_text(group.type), text(set), encapsulation_text(encapsulation)});
+      rows.push_back({to_string(id.number()), type_text(group.type), text(set), encapsulation_text(encapsulation)});
   }
   return columns(rows);
 }
@@ -111,25 +104,25 @@ std::string api::show_multicast_routes(const chip::Chip& chip) {
   for (const auto& [key, route] : chip.multicast_routes.all())
     rows.push_back({address_text(key.address, key.ip6),
                     key.source == chip::Ip6{} ? "*" : address_text(key.source, key.ip6), to_string(key.vlan),
-                    to_string(key.vrf), to_string(route.group), to_string(route.interface),
+                    to_string(key.vrf), to_string(route.group.number()), to_string(route.interface),
                     flag_names(route.flags, {{BCM_IPMC_SOURCE_PORT_NOCHECK, "from-any-port"}})});
   return columns(rows);
 }
 
 std::string api::show_virtual_ports(const chip::Chip& chip) {
-  std::map<int, std::string> members;
+  std::map<chip::VirtualPortId, std::string> members;
   for (const auto& [id, vlan] : chip.vlans.all())
-    for (const int gport : vlan.virtual_members) {
-      std::string& list = members[chip::gport::number(gport)];
+    for (const chip::VirtualPortId member : vlan.virtual_members) {
+      std::string& list = members[member];
       list += (list.empty() ? "" : ",") + to_string(id);
     }
   std::vector<Row> rows{{"virtual port", "port", "match", "becomes", "in VLANs", "network groups", "flags"}};
-  for (const auto& [number, virtual_port] : chip.virtual_ports.all()) {
+  for (const auto& [id, virtual_port] : chip.virtual_ports.all()) {
     const bool stacked = virtual_port.criteria == chip::VirtualPort::match_port_vlan_stacked;
-    rows.push_back({to_string(number), gport_text(virtual_port.port),
+    rows.push_back({to_string(id.number()), place_text(virtual_port.port),
                     vlans_text(virtual_port.match_vlan, stacked ? virtual_port.match_inner_vlan : 0),
                     vlans_text(virtual_port.egress_vlan, virtual_port.egress_inner_vlan),
-                    members.contains(number) ? members[number] : "-",
+                    members.contains(id) ? members[id] : "-",
                     to_string(virtual_port.ingress_network_group) + "," + to_string(virtual_port.egress_network_group),
                     flag_names(virtual_port.flags, {{BCM_VLAN_PORT_INNER_VLAN_PRESERVE, "keeps-inner"},
                                                     {BCM_VLAN_PORT_INNER_VLAN_ADD, "adds-inner"},

@@ -1,6 +1,7 @@
 #include <soc/cmic.h>
 
 #include "api/call.h"
+#include "api/convert.h"
 
 using api::Call;
 using api::hex;
@@ -25,7 +26,8 @@ void soc_linkscan_continue(int unit) {
 
 int soc_miim_read(int unit, uint32 phy_id, uint8 phy_reg_addr, uint16* phy_rd_data) {
   return Call(__func__, unit, phy_id, phy_reg_addr, out(phy_rd_data)).answer([&](Chip& chip) {
-    return chip.phy_registers.read({phy_id, PhyRegisters::clause22, phy_reg_addr}, *phy_rd_data);
+    const PhyRegisters::Key key{phy_id, PhyRegisters::clause22, phy_reg_addr};
+    return api::tell(chip.phy_registers.read(key), Status::bad_parameter, *phy_rd_data);
   });
 }
 
@@ -37,7 +39,8 @@ int soc_miim_write(int unit, uint32 phy_id, uint8 phy_reg_addr, uint16 phy_wr_da
 
 int soc_miimc45_read(int unit, uint32 phy_id, uint8 phy_devad, uint16 phy_reg_addr, uint16* phy_rd_data) {
   return Call(__func__, unit, phy_id, phy_devad, phy_reg_addr, out(phy_rd_data)).answer([&](Chip& chip) {
-    return chip.phy_registers.read({phy_id, phy_devad, phy_reg_addr}, *phy_rd_data);
+    const PhyRegisters::Key key{phy_id, phy_devad, phy_reg_addr};
+    return api::tell(chip.phy_registers.read(key), Status::bad_parameter, *phy_rd_data);
   });
 }
 

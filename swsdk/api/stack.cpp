@@ -1,13 +1,13 @@
 #include <bcm/stack.h>
 
 #include "api/call.h"
-#include "chip/gports.h"
+#include "api/gports.h"
 
 using api::Call;
+using api::my_module;
 using api::out;
 using chip::Chip;
 using chip::Status;
-using chip::gport::my_module;
 
 int bcm_stk_modmap_map(int unit, int setget, bcm_module_t mod_in, bcm_port_t port_in, bcm_module_t* mod_out,
                        bcm_port_t* port_out) {
@@ -15,8 +15,8 @@ int bcm_stk_modmap_map(int unit, int setget, bcm_module_t mod_in, bcm_port_t por
     if (setget == BCM_STK_MODMAP_SET) return Status::unavailable;
     if (setget != BCM_STK_MODMAP_GET) return Status::bad_parameter;
     if (mod_in != my_module) return Status::bad_parameter;
-    if (!chip.ports.has(port_in)) return Status::bad_port;
-    // Modules and ports go by the same numbers on both sides.
+    if (!chip.ports.has(chip::Port::of(port_in))) return Status::bad_port;
+    // Modules and ports have the same numbers on both sides.
     *mod_out = mod_in;
     *port_out = port_in;
     return Status::ok;

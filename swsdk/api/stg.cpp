@@ -1,13 +1,14 @@
 #include <bcm/stg.h>
 
 #include "api/call.h"
-#include "chip/gports.h"
+#include "api/convert.h"
+#include "api/gports.h"
 
 using api::Call;
 using api::out;
+using api::port_of;
 using chip::Chip;
 using chip::Status;
-using chip::gport::port_of;
 
 int bcm_stg_clear(int unit) {
   return Call(__func__, unit).answer([](Chip& chip) {
@@ -51,10 +52,8 @@ int bcm_stg_init(int unit) {
 
 int bcm_stg_stp_get(int unit, bcm_stg_t stg, bcm_port_t port, int* stp_state) {
   return Call(__func__, unit, stg, port, out(stp_state)).answer([&](const Chip& chip) {
-    chip::StpState state{};
-    const Status status = chip.spanning_trees.state(stg, port_of(port), state);
-    if (status == Status::ok) *stp_state = static_cast<int>(state);
-    return status;
+    const chip::SpanningTrees& trees = chip.spanning_trees;
+    return api::tell(trees.state(stg, port_of(port)), trees.absent_state(stg, port_of(port)), *stp_state);
   });
 }
 

@@ -4,7 +4,9 @@
 #include <vector>
 
 #include "api/call.h"
-#include "chip/gports.h"
+#include "api/convert.h"
+#include "api/gports.h"
+#include "api/system.h"
 
 using api::array;
 using api::Call;
@@ -16,12 +18,14 @@ using chip::Chip;
 using chip::Status;
 
 int bcm_switch_control_get(int unit, bcm_switch_control_t type, int* arg) {
-  return Call(__func__, unit, type, out(arg)).answer([&](Chip& chip) { return chip.switch_controls.get(type, *arg); });
+  return Call(__func__, unit, type, out(arg)).answer([&](Chip& chip) {
+    return api::tell(chip.switch_controls.get(type), Status::unavailable, *arg);
+  });
 }
 
 int bcm_switch_control_port_set(int unit, bcm_port_t port, bcm_switch_control_t type, int arg) {
   return Call(__func__, unit, port, type, arg).answer([&](Chip& chip) {
-    return chip.switch_controls.set_port(chip::gport::port_of(port), type, arg);
+    return chip.switch_controls.set_port(api::port_of(port), type, arg);
   });
 }
 
@@ -47,7 +51,7 @@ int bcm_switch_network_group_config_get(int unit, bcm_switch_network_group_t sou
                                         bcm_switch_network_group_config_t* config) {
   return Call(__func__, unit, source_network_group_id, inout(config)).answer([&](const Chip& chip) {
     if (!chip::NetworkGroups::is_valid(config->dest_network_group_id)) return chip::Status::bad_parameter;
-    return chip.network_groups.get(source_network_group_id, config->config_flags);
+    return api::tell(chip.network_groups.find(source_network_group_id), Status::bad_parameter, config->config_flags);
   });
 }
 

@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "api/call.h"
-#include "chip/gports.h"
+#include "api/gports.h"
 
 using api::array;
 using api::Call;
@@ -15,12 +15,15 @@ using chip::Status;
 
 int bcm_trunk_create(int unit, uint32 flags, bcm_trunk_t* tid) {
   return Call(__func__, unit, hex(flags), inout(tid)).answer([&](Chip& chip) {
-    return chip.trunks.create(flags, *tid);
+    chip::TrunkId id = chip::TrunkId::of(*tid);
+    const Status status = chip.trunks.create(flags, id);
+    if (status == Status::ok) *tid = id.number();
+    return status;
   });
 }
 
 int bcm_trunk_destroy(int unit, bcm_trunk_t tid) {
-  return Call(__func__, unit, tid).answer([&](Chip& chip) { return chip.trunks.destroy(tid); });
+  return Call(__func__, unit, tid).answer([&](Chip& chip) { return chip.trunks.destroy(chip::TrunkId::of(tid)); });
 }
 
 int bcm_trunk_detach(int unit) {
@@ -38,7 +41,9 @@ int bcm_trunk_init(int unit) {
 }
 
 int bcm_trunk_psc_set(int unit, bcm_trunk_t tid, int psc) {
-  return Call(__func__, unit, tid, psc).answer([&](Chip& chip) { return chip.trunks.set_criterion(tid, psc); });
+  return Call(__func__, unit, tid, psc).answer([&](Chip& chip) {
+    return chip.trunks.set_criterion(chip::TrunkId::of(tid), psc);
+  });
 }
 
 int bcm_trunk_set(int unit, bcm_trunk_t tid, bcm_trunk_info_t* trunk_info, int member_count,
@@ -46,11 +51,11 @@ int bcm_trunk_set(int unit, bcm_trunk_t tid, bcm_trunk_info_t* trunk_info, int m
   return Call(__func__, unit, tid, in(trunk_info), member_count, array(member_array, member_count))
       .answer([&](Chip& chip) {
         if (member_count < 0) return Status::bad_parameter;
-        std::vector<int> members;
+        std::vector<chip::Port> members;
         for (int i = 0; i < member_count; ++i) {
-          if (!chip::gport::names_port(member_array[i].gport)) return Status::bad_port;
-          members.push_back(chip::gport::port_of(member_array[i].gport));
+          if (!api::gport::names_port(member_array[i].gport)) return Status::bad_port;
+          members.push_back(api::port_of(member_array[i].gport));
         }
-        return chip.trunks.set(tid, trunk_info->psc, members);
+        return chip.trunks.set(chip::TrunkId::of(tid), trunk_info->psc, members);
       });
 }

@@ -1,4 +1,4 @@
-// The units that are attached: one chip each, behind the lock that makes the SDK serial.
+// The units that are attached: one chip each, behind the lock that serializes the SDK.
 #pragma once
 
 #include <bcm/l2.h>
@@ -15,7 +15,7 @@
 
 namespace api {
 
-/// Who is called when something happens on a unit.
+/// The callbacks for one kind of event on a unit.
 template <class Listener>
 class Listeners {
  public:
@@ -45,7 +45,7 @@ struct L2Listener {
   bool operator==(const L2Listener&) const = default;
 };
 
-/// Who takes the frames that leave a unit.
+/// The handler of the frames that leave a unit.
 struct FrameHandler {
   swsdk_frame_handler function = nullptr;
   void* user_data = nullptr;
@@ -56,24 +56,27 @@ struct Unit {
   std::optional<chip::Chip> chip;
   std::optional<chip::Pipeline> pipeline;
   FrameHandler frame_handler;
-  bool initialised = false;
+  bool initialized = false;
   Listeners<bcm_linkscan_handler_t> link_listeners;
   Listeners<L2Listener> l2_listeners;
 };
 
-/// Makes the L3 module's record of an attached unit tell the egress mode that its switch control sets.
-void publish_egress_mode(int unit);
-
+/// How many units are attached; they are numbered from 0.
+int attached_units();
 /// The attached unit of that number, or null.
 Unit* find_unit(int unit);
+/// Attaches the next unit, with a chip of that many Ethernet ports that is not initialized yet.
+Unit& attach_unit(int ethernet_ports);
+/// Removes the chips of all units, and their listeners.
+void detach_units();
 
-/// What `body` makes of the unit's chip under its lock, or `otherwise` when the unit is not up.
+/// The result of `body` on the unit's chip under its lock, or `otherwise` when the unit is not up.
 template <class Body, class Result>
 Result on_chip(int unit, Body body, Result otherwise) {
   Unit* const attached = find_unit(unit);
   if (attached == nullptr) return otherwise;
   const std::lock_guard guard(attached->lock);
-  return attached->initialised ? body(*attached->chip) : otherwise;
+  return attached->initialized ? body(*attached->chip) : otherwise;
 }
 
 }  // namespace api

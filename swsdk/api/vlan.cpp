@@ -5,7 +5,7 @@
 
 #include "api/call.h"
 #include "api/convert.h"
-#include "chip/gports.h"
+#include "api/gports.h"
 
 using api::Call;
 using api::found_by;
@@ -13,15 +13,17 @@ using api::hex;
 using api::in;
 using api::inout;
 using api::out;
+using api::place_of;
+using api::port_of;
 using api::ports;
+using api::virtual_port_of;
 using chip::Chip;
 using chip::Status;
-using chip::VirtualPorts;
-using chip::gport::port_of;
+using chip::VirtualPortId;
 
 namespace {
 
-/// Each field of the SDK's VLAN control record beside the one of the chip's.
+/// Each field of the SDK's VLAN control record with the chip's corresponding field.
 constexpr auto control_fields() {
   using Sdk = bcm_vlan_control_vlan_t;
   using Own = chip::VlanControl;
@@ -77,15 +79,15 @@ chip::EgressAction to_chip(const bcm_vlan_action_set_t& sdk) {
   };
 }
 
-/// Hands a translation that was found to the caller.
-Status tell(Status status, const chip::Translation& found, bcm_vlan_t* vlan, int* priority) {
-  if (status != Status::ok) return status;
-  *vlan = found.vlan;
-  *priority = found.priority;
-  return status;
+/// Returns a translation that was found to the caller. `absent`: the status when none was found.
+Status tell(const chip::Translation* found, Status absent, bcm_vlan_t* vlan, int* priority) {
+  if (found == nullptr) return absent;
+  *vlan = found->vlan;
+  *priority = found->priority;
+  return Status::ok;
 }
 
-/// The subnet that an entry is for, or nothing when there is no such subnet.
+/// The subnet of an entry, or nothing when it is not a valid subnet.
 std::optional<chip::Subnet> subnet_of(const bcm_vlan_ip_t& entry) {
   if ((entry.flags & ~static_cast<uint32>(BCM_VLAN_SUBNET_IP6)) != 0) return std::nullopt;
   return entry.flags & BCM_VLAN_SUBNET_IP6 ? chip::subnet_of_ip6(api::address(entry.ip6), entry.prefix)
@@ -96,7 +98,8 @@ std::optional<chip::Subnet> subnet_of(const bcm_vlan_ip_t& entry) {
 
 int bcm_vlan_control_port_get(int unit, int port, bcm_vlan_control_port_t type, int* arg) {
   return Call(__func__, unit, port, type, out(arg)).answer([&](Chip& chip) {
-    return chip.vlan_controls.get_port(port_of(port), type, *arg);
+    const chip::Port of = port_of(port);
+    return api::tell(chip.vlan_controls.find(of, type), chip.vlan_controls.absent(of, type), *arg);
   });
 }
 
@@ -112,10 +115,10 @@ int bcm_vlan_control_set(int unit, bcm_vlan_control_t type, int arg) {
 
 int bcm_vlan_control_vlan_get(int unit, bcm_vlan_t vlan, bcm_vlan_control_vlan_t* control) {
   return Call(__func__, unit, vlan, out(control)).answer([&](Chip& chip) {
-    chip::VlanControl found;
-    const Status status = chip.vlans.control(vlan, found);
-    if (status == Status::ok) api::write(found, control_fields(), *control);
-    return status;
+    const chip::Vlan* const found = chip.vlans.find(vlan);
+    if (found == nullptr) return chip.vlans.absent(vlan);
+    api::write(found->control, control_fields(), *control);
+    return Status::ok;
   });
 }
 
@@ -165,17 +168,17 @@ int bcm_vlan_dtag_range_delete(int unit, int port, bcm_vlan_t old_vid_low, bcm_v
 int bcm_vlan_gport_add(int unit, bcm_vlan_t vlan, bcm_gport_t port, int flags) {
   return Call(__func__, unit, vlan, port, hex(static_cast<uint32>(flags))).answer([&](Chip& chip) {
     if (flags != 0) return Status::unavailable;
-    if (!VirtualPorts::is_virtual(port))
-      return chip.ports.has(port_of(port)) ? chip.vlans.add_ports(vlan, {port_of(port)}, {}) : Status::bad_port;
-    const bool known = chip.virtual_ports.find(port) != nullptr;
-    return known ? chip.vlans.add_virtual_port(vlan, port) : chip.virtual_ports.absent(port);
+    const std::optional<VirtualPortId> id = virtual_port_of(port);
+    if (!id) return chip.ports.has(port_of(port)) ? chip.vlans.add_ports(vlan, {port_of(port)}, {}) : Status::bad_port;
+    const bool known = chip.virtual_ports.find(*id) != nullptr;
+    return known ? chip.vlans.add_virtual_port(vlan, *id) : chip.virtual_ports.absent(*id);
   });
 }
 
-/// A virtual port that is destroyed can still be a member, and leave.
+/// A destroyed virtual port can still be a member, and be removed.
 int bcm_vlan_gport_delete(int unit, bcm_vlan_t vlan, bcm_gport_t port) {
   return Call(__func__, unit, vlan, port).answer([&](Chip& chip) {
-    if (VirtualPorts::is_virtual(port)) return chip.vlans.remove_virtual_port(vlan, port);
+    if (const std::optional<VirtualPortId> id = virtual_port_of(port)) return chip.vlans.remove_virtual_port(vlan, *id);
     return chip.ports.has(port_of(port)) ? chip.vlans.remove_ports(vlan, {port_of(port)}) : Status::bad_port;
   });
 }
@@ -245,27 +248,36 @@ int bcm_vlan_port_add(int unit, bcm_vlan_t vid, bcm_pbmp_t pbmp, bcm_pbmp_t ubmp
 
 int bcm_vlan_port_create(int unit, bcm_vlan_port_t* vlan_port) {
   return Call(__func__, unit, inout(vlan_port)).answer([&](Chip& chip) {
-    return chip.virtual_ports.create(api::to_own<chip::VirtualPort>(*vlan_port, virtual_port_fields()),
-                                     vlan_port->vlan_port_id);
+    VirtualPortId id;
+    const Status status =
+        chip.virtual_ports.create(api::to_own<chip::VirtualPort>(*vlan_port, virtual_port_fields()), id);
+    if (status == Status::ok) vlan_port->vlan_port_id = api::gport_of(id);
+    return status;
   });
 }
 
 int bcm_vlan_port_destroy(int unit, bcm_gport_t gport) {
-  return Call(__func__, unit, gport).answer([&](Chip& chip) { return chip.virtual_ports.destroy(gport); });
+  return Call(__func__, unit, gport).answer([&](Chip& chip) {
+    const std::optional<VirtualPortId> id = virtual_port_of(gport);
+    return id ? chip.virtual_ports.destroy(*id) : Status::bad_port;
+  });
 }
 
 int bcm_vlan_port_find(int unit, bcm_vlan_port_t* vlan_port) {
   return Call(__func__, unit, found_by(vlan_port)).answer([&](const Chip& chip) {
-    int gport = vlan_port->vlan_port_id;
-    if (gport == 0) {
+    std::optional<VirtualPortId> id;
+    if (vlan_port->vlan_port_id != 0) {
+      id = virtual_port_of(vlan_port->vlan_port_id);
+      if (!id) return Status::bad_port;
+    } else {
       const auto wanted = api::to_own<chip::VirtualPort>(*vlan_port, virtual_port_fields());
-      const Status status = chip.virtual_ports.find_match(wanted, gport);
-      if (status != Status::ok) return status;
+      id = chip.virtual_ports.find_match(wanted);
+      if (!id) return chip.virtual_ports.absent_match(wanted);
     }
-    const chip::VirtualPort* const found = chip.virtual_ports.find(gport);
-    if (found == nullptr) return chip.virtual_ports.absent(gport);
+    const chip::VirtualPort* const found = chip.virtual_ports.find(*id);
+    if (found == nullptr) return chip.virtual_ports.absent(*id);
     api::write(*found, virtual_port_fields(), *vlan_port);
-    vlan_port->vlan_port_id = gport;
+    vlan_port->vlan_port_id = api::gport_of(*id);
     return Status::ok;
   });
 }
@@ -289,13 +301,13 @@ int bcm_vlan_translate_delete(int unit, int port, bcm_vlan_t old_vid) {
 int bcm_vlan_translate_egress_action_add(int unit, int port_class, bcm_vlan_t outer_vlan, bcm_vlan_t inner_vlan,
                                          bcm_vlan_action_set_t* action) {
   return Call(__func__, unit, port_class, outer_vlan, inner_vlan, in(action)).answer([&](Chip& chip) {
-    return chip.egress_actions.set({port_class, outer_vlan, inner_vlan}, to_chip(*action));
+    return chip.egress_actions.set({place_of(port_class), outer_vlan, inner_vlan}, to_chip(*action));
   });
 }
 
 int bcm_vlan_translate_egress_action_delete(int unit, int port_class, bcm_vlan_t outer_vlan, bcm_vlan_t inner_vlan) {
   return Call(__func__, unit, port_class, outer_vlan, inner_vlan).answer([&](Chip& chip) {
-    return chip.egress_actions.remove({port_class, outer_vlan, inner_vlan});
+    return chip.egress_actions.remove({place_of(port_class), outer_vlan, inner_vlan});
   });
 }
 
@@ -313,16 +325,16 @@ int bcm_vlan_translate_egress_delete(int unit, int port, bcm_vlan_t old_vid) {
 
 int bcm_vlan_translate_egress_get(int unit, int port, bcm_vlan_t old_vid, bcm_vlan_t* new_vid, int* prio) {
   return Call(__func__, unit, port, old_vid, out(new_vid), out(prio)).answer([&](Chip& chip) {
-    chip::Translation found;
-    const Status status = chip.vlan_translations.find_egress(port_of(port), old_vid, found);
-    return tell(status, found, new_vid, prio);
+    const chip::VlanTranslations& tables = chip.vlan_translations;
+    const chip::Port of = port_of(port);
+    return tell(tables.find_egress(of, old_vid), tables.absent(of, old_vid), new_vid, prio);
   });
 }
 
 int bcm_vlan_translate_get(int unit, int port, bcm_vlan_t old_vid, bcm_vlan_t* new_vid, int* prio) {
   return Call(__func__, unit, port, old_vid, out(new_vid), out(prio)).answer([&](Chip& chip) {
-    chip::Translation found;
-    const Status status = chip.vlan_translations.find(port_of(port), old_vid, found);
-    return tell(status, found, new_vid, prio);
+    const chip::VlanTranslations& tables = chip.vlan_translations;
+    const chip::Port of = port_of(port);
+    return tell(tables.find(of, old_vid), tables.absent(of, old_vid), new_vid, prio);
   });
 }

@@ -36,7 +36,7 @@ void Chip::reset() {
   link_scan.reset();
   phy_registers.clear();
   phy_controls.clear();
-  port_rates.clear();
+  port_rates.reset();
   storm_rates.clear();
   counters.reset();
   protocol_vlans.clear();

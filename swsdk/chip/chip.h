@@ -50,8 +50,8 @@ struct Chip {
   Chip(const Chip&) = delete;
   Chip& operator=(const Chip&) = delete;
 
-  /// Every table and setting as after power-on, those of the PHYs too. What is not the chip's stays: the cables with
-  /// who is at their other ends, what the temperature sensors read, the clock, and who observes the MAC table.
+  /// Every table and setting as after power-on, including those of the PHYs. What is not part of the chip stays: cables
+  /// and link partners, sensor readings, the clock, and the observer of the MAC table.
   void reset();
 
   uint64_t now = 0;  // nanoseconds

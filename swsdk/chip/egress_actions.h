@@ -5,13 +5,15 @@
 #include <cstdint>
 
 #include "chip/hashed_map.h"
+#include "chip/place.h"
 #include "chip/status.h"
+#include "chip/vlan_id.h"
 
 namespace chip {
 
 enum class TagAction : int { none, add, replace, remove, copy };
 
-/// What becomes of the parts of one tag.
+/// What happens to each part of one tag.
 struct TagChange {
   TagAction vlan = TagAction::none;
   TagAction priority = TagAction::none;
@@ -40,14 +42,13 @@ struct EgressAction {
 class EgressActions {
  public:
   static constexpr std::size_t capacity = 8192;
-  static constexpr int highest_vlan = 4095;
 
   struct Key {
-    int port_class;
+    Place port_class;  // the port, or the virtual port, by which a frame leaves
     int outer;
     int inner;  // 0: any
     auto operator<=>(const Key&) const = default;
-    std::size_t hash() const { return hash_of(port_class, outer, inner); }
+    std::size_t hash() const { return hash_of(number_of(port_class), outer, inner); }
   };
 
   /// An action takes the place of the one with its key.
@@ -68,7 +69,7 @@ class EgressActions {
 
  private:
   static bool is_valid(const Key& key) {
-    return key.outer >= 0 && key.outer <= highest_vlan && key.inner >= 0 && key.inner <= highest_vlan;
+    return key.outer >= 0 && key.outer <= max_vlan && key.inner >= 0 && key.inner <= max_vlan;
   }
 
   HashedMap<Key, EgressAction> actions_;

@@ -3,10 +3,13 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
+#include <optional>
 
 #include "chip/addresses.h"
 #include "chip/hash.h"
 #include "chip/keyed_slots.h"
+#include "chip/place.h"
 
 namespace chip {
 
@@ -14,15 +17,15 @@ struct EgressObject {
   int interface = 0;
   Mac mac{};
   uint16_t vlan = 0;
-  int port = 0;
+  Place place{};
 
   bool operator==(const EgressObject&) const = default;
-  std::size_t hash() const { return hash_of(interface, number_of(mac), vlan, port); }
+  std::size_t hash() const { return hash_of(interface, number_of(mac), vlan, number_of(place)); }
 };
 
 class EgressObjects {
  public:
-  static constexpr int first_id = 100000;  // far from the ids of interfaces, so that an entry can lead to either
+  static constexpr int first_id = 100000;  // distinct from interface ids, so that an entry can refer to either
   static constexpr int capacity = 16384;
 
   Status create(const EgressObject& object, int& id) { return objects_.add(object, id); }
@@ -34,7 +37,7 @@ class EgressObjects {
   Status absent(int id) const { return objects_.absent(id); }
 
   /// The id of the object that is the same in everything.
-  Status find_same(const EgressObject& object, int& id) const { return objects_.find_id(object, id); }
+  std::optional<int> find_same(const EgressObject& object) const { return objects_.find_id(object); }
 
   const std::map<int, EgressObject>& all() const { return objects_.all(); }
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <bit>
 
-#include "chip/field_processor.h"
 #include "chip/hash.h"
 
 namespace chip {
@@ -45,7 +44,7 @@ void FieldIndex::Table::put_into_slot(uint32_t row) {
 }
 
 void FieldIndex::Table::add(const std::vector<FieldValue>& values, const Row& row) {
-  constexpr std::size_t few = 4;  // rows are looked at sooner than a hash is made
+  constexpr std::size_t few = 4;  // rows: a linear search is faster than hashing
   if (find(values) != nullptr) return;
   const auto number = static_cast<uint32_t>(rows_.size());
   rows_.push_back(row);
@@ -64,7 +63,7 @@ void FieldIndex::clear() {
   values_.clear();
 }
 
-/// The place of a field among those that are used, from now on at least.
+/// The index of a field in `used_`; adds it when it is new.
 std::size_t FieldIndex::place_of(FieldQualifier field) {
   const auto found = std::find(used_.begin(), used_.end(), field);
   const auto place = static_cast<std::size_t>(found - used_.begin());

@@ -9,18 +9,17 @@ int FieldGroup::slices() const {
   return std::max(1, (entries + size - 1) / size);
 }
 
-/// Runs `body` on an entry, or tells that there is none.
-template <class Self, class Body>
-Status FieldProcessor::with_entry(Self& self, int id, Body body) {
-  auto* const entry = self.entries_.find(id);
+/// Runs `body` on an entry; not_found when there is none.
+template <class Body>
+Status FieldProcessor::with_entry(int id, Body body) {
+  FieldEntry* const entry = entries_.find(id);
   return entry == nullptr ? Status::not_found : body(*entry);
 }
 
-/// Runs `body` on the index of a policer level.
+/// Runs `body` on the index of a policer level; bad_parameter when there is no such level.
 template <class Body>
 Status FieldProcessor::with_level(int level, Body body) {
-  return level >= 0 && level < FieldRule::policer_levels ? body(static_cast<std::size_t>(level))
-                                                         : Status::bad_parameter;
+  return is_level(level) ? body(static_cast<std::size_t>(level)) : Status::bad_parameter;
 }
 
 void FieldProcessor::reset() {
@@ -95,7 +94,7 @@ Status FieldProcessor::create_entry_with_id(int group, int id) {
 }
 
 Status FieldProcessor::destroy_entry(int entry) {
-  return with_entry(*this, entry, [&](const FieldEntry& found) {
+  return with_entry(entry, [&](const FieldEntry& found) {
     if (found.installed) return Status::busy;
     for (const int policer : found.rule.policers) policers_.detach(policer);
     --groups_.find(found.group)->entries;
@@ -104,13 +103,13 @@ Status FieldProcessor::destroy_entry(int entry) {
 }
 
 Status FieldProcessor::qualify(int entry, FieldQualifier qualifier, const FieldMatch& match) {
-  return with_entry(*this, entry, [&](FieldEntry& found) {
+  return with_entry(entry, [&](FieldEntry& found) {
     const int number = static_cast<int>(qualifier);
     if (!groups_.find(found.group)->qualifiers.contains(number)) return Status::bad_parameter;
     const FieldValue width = exact_mask(*field_qualifier(number));
     if ((match.data & width) != match.data) return Status::bad_parameter;
     if (qualifier == FieldQualifier::in_port || qualifier == FieldQualifier::out_port)
-      if (!ports_.has(static_cast<int>(match.data.low))) return Status::bad_port;
+      if (!ports_.has(Port::of(static_cast<int>(match.data.low)))) return Status::bad_port;
     found.rule.matches[qualifier] = {match.data, match.mask & width};
     return Status::ok;
   });
@@ -123,14 +122,14 @@ Status FieldProcessor::qualify_ip_type(int entry, int type) {
 }
 
 Status FieldProcessor::clear_qualifiers(int entry) {
-  return with_entry(*this, entry, [](FieldEntry& found) {
+  return with_entry(entry, [](FieldEntry& found) {
     found.rule.matches.clear();
     return Status::ok;
   });
 }
 
 Status FieldProcessor::add_action(int entry, int action, uint32_t parameter0, uint32_t parameter1) {
-  return with_entry(*this, entry, [&](FieldEntry& found) {
+  return with_entry(entry, [&](FieldEntry& found) {
     auto& actions = found.rule.actions;
     const bool on_ingress = groups_.find(found.group)->stage == FieldStage::ingress;
     const auto kind = static_cast<FieldAction>(action);
@@ -138,7 +137,7 @@ Status FieldProcessor::add_action(int entry, int action, uint32_t parameter0, ui
     switch (kind) {
       case FieldAction::packet_priority:
         if (!on_ingress) return Status::unavailable;
-        if (parameter0 > highest_packet_priority) return Status::bad_parameter;
+        if (parameter0 > max_packet_priority) return Status::bad_parameter;
         break;
       case FieldAction::copy_to_cpu:
         if (!on_ingress) return Status::unavailable;
@@ -146,7 +145,7 @@ Status FieldProcessor::add_action(int entry, int action, uint32_t parameter0, ui
       case FieldAction::redirect_port:
         if (!on_ingress) return Status::unavailable;
         // the first parameter is the module, and this chip is module 0
-        if (parameter0 != 0 || !ports_.has(static_cast<int>(parameter1))) return Status::bad_port;
+        if (parameter0 != 0 || !ports_.has(Port::of(static_cast<int>(parameter1)))) return Status::bad_port;
         break;
       case FieldAction::drop:
         if (actions.contains(FieldAction::drop_cancel)) return Status::bad_configuration;
@@ -165,7 +164,7 @@ Status FieldProcessor::add_action(int entry, int action, uint32_t parameter0, ui
 }
 
 Status FieldProcessor::set_priority(int entry, int priority) {
-  return with_entry(*this, entry, [&](FieldEntry& found) {
+  return with_entry(entry, [&](FieldEntry& found) {
     if (priority < FieldEntry::default_priority) return Status::bad_parameter;
     found.priority = priority;
     indexed_ = false;
@@ -174,7 +173,7 @@ Status FieldProcessor::set_priority(int entry, int priority) {
 }
 
 Status FieldProcessor::install(int entry) {
-  return with_entry(*this, entry, [&](FieldEntry& found) {
+  return with_entry(entry, [&](FieldEntry& found) {
     if (found.installed) return Status::exists;
     found.installed = found.rule;
     found.installation = ++installations_;
@@ -185,7 +184,7 @@ Status FieldProcessor::install(int entry) {
 }
 
 Status FieldProcessor::reinstall(int entry) {
-  return with_entry(*this, entry, [&](FieldEntry& found) {
+  return with_entry(entry, [&](FieldEntry& found) {
     if (!found.installed) return Status::not_found;
     found.installed = found.rule;
     indexed_ = false;
@@ -194,7 +193,7 @@ Status FieldProcessor::reinstall(int entry) {
 }
 
 Status FieldProcessor::remove(int entry) {
-  return with_entry(*this, entry, [&](FieldEntry& found) {
+  return with_entry(entry, [&](FieldEntry& found) {
     found.installed.reset();
     indexed_ = false;
     return Status::ok;
@@ -204,7 +203,7 @@ Status FieldProcessor::remove(int entry) {
 // -------------------------------------------------------------------------------------------------- policers ----
 
 Status FieldProcessor::attach_policer(int entry, int level, int policer) {
-  return with_entry(*this, entry, [&](FieldEntry& found) {
+  return with_entry(entry, [&](FieldEntry& found) {
     return with_level(level, [&](std::size_t index) {
       int& attached = found.rule.policers[index];
       if (attached != FieldRule::no_policer) return Status::exists;
@@ -216,7 +215,7 @@ Status FieldProcessor::attach_policer(int entry, int level, int policer) {
 }
 
 Status FieldProcessor::detach_policer(int entry, int level) {
-  return with_entry(*this, entry, [&](FieldEntry& found) {
+  return with_entry(entry, [&](FieldEntry& found) {
     return with_level(level, [&](std::size_t index) {
       int& attached = found.rule.policers[index];
       if (attached == FieldRule::no_policer) return Status::not_found;
@@ -228,15 +227,15 @@ Status FieldProcessor::detach_policer(int entry, int level) {
   });
 }
 
-Status FieldProcessor::policer(int entry, int level, int& policer) const {
-  return with_entry(*this, entry, [&](const FieldEntry& found) {
-    return with_level(level, [&](std::size_t index) {
-      const int attached = found.rule.policers[index];
-      if (attached == FieldRule::no_policer) return Status::not_found;
-      policer = attached;
-      return Status::ok;
-    });
-  });
+std::optional<int> FieldProcessor::policer(int entry, int level) const {
+  const FieldEntry* const found = entries_.find(entry);
+  if (found == nullptr || !is_level(level)) return std::nullopt;
+  const int attached = found->rule.policers[static_cast<std::size_t>(level)];
+  return attached == FieldRule::no_policer ? std::nullopt : std::optional(attached);
+}
+
+Status FieldProcessor::absent_policer(int entry, int level) const {
+  return entries_.find(entry) == nullptr || is_level(level) ? Status::not_found : Status::bad_parameter;
 }
 
 void FieldProcessor::forget_policers() {
@@ -255,7 +254,7 @@ void FieldProcessor::make_indexes() {
   std::map<int, std::vector<Installed>> installed;  // by group
   for (const auto& [id, entry] : entries_.all())
     if (entry.installed) installed[entry.group].push_back({id, entries_.find(id)});
-  const auto is_met_rather = [](const Installed& left, const Installed& right) {
+  const auto has_precedence = [](const Installed& left, const Installed& right) {
     return left.entry->priority != right.entry->priority ? left.entry->priority > right.entry->priority
                                                          : left.entry->installation < right.entry->installation;
   };
@@ -270,7 +269,7 @@ void FieldProcessor::make_indexes() {
     const FieldGroup& group = *groups_.find(id);
     if (!group.enabled) continue;
     std::vector<Installed>& entries = installed[id];
-    std::sort(entries.begin(), entries.end(), is_met_rather);
+    std::sort(entries.begin(), entries.end(), has_precedence);
     (group.stage == FieldStage::ingress ? ingress_ : egress_).add_group(id, entries);
   }
   indexed_ = true;
@@ -278,7 +277,7 @@ void FieldProcessor::make_indexes() {
 
 FieldVerdict FieldProcessor::classify(FieldStage stage, const FrameFields& frame) {
   FieldVerdict verdict;
-  // Where groups disagree, the first one has its way.
+  // Where groups disagree, the first one wins.
   index(stage).find(frame, [&](int group, const FieldIndex::Installed& met) {
     verdict.hits.add({group, met.id});
     ++met.entry->hits;
@@ -291,7 +290,7 @@ FieldVerdict FieldProcessor::classify(FieldStage stage, const FrameFields& frame
           verdict.copied_to_cpu = true;
           break;
         case FieldAction::redirect_port:
-          if (!verdict.redirect_port) verdict.redirect_port = static_cast<int>(parameters[1]);
+          if (!verdict.redirect_port) verdict.redirect_port = Port::of(static_cast<int>(parameters[1]));
           break;
         case FieldAction::drop:
           verdict.dropped = !verdict.drop_cancelled;

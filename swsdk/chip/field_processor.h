@@ -10,6 +10,7 @@
 #include <set>
 #include <vector>
 
+#include "chip/field_entry.h"
 #include "chip/field_index.h"
 #include "chip/field_qualifiers.h"
 #include "chip/policers.h"
@@ -18,39 +19,6 @@
 #include "chip/status.h"
 
 namespace chip {
-
-/// What entries can do, by number. The way out knows the three kinds of drop alone.
-enum class FieldAction : int {
-  packet_priority = 10,
-  copy_to_cpu = 23,
-  redirect_port = 29,
-  drop = 39,
-  drop_cancel = 40,
-  drop_red = 52,
-};
-
-/// What of an entry is written to hardware.
-struct FieldRule {
-  static constexpr int policer_levels = 2;
-  static constexpr int no_policer = 0;
-
-  std::map<FieldQualifier, FieldMatch> matches;
-  std::map<FieldAction, std::array<uint32_t, 2>> actions;  // with their parameters
-  std::array<int, policer_levels> policers{};
-
-  bool operator==(const FieldRule&) const = default;
-};
-
-struct FieldEntry {
-  static constexpr int default_priority = -1;  // below all others
-
-  int group = 0;
-  int priority = default_priority;
-  FieldRule rule;                      // as the calls have made it so far
-  std::optional<FieldRule> installed;  // as it is in hardware
-  uint64_t installation = 0;           // number of the one that brought it there
-  uint64_t hits = 0;                   // frames since then
-};
 
 struct FieldGroup {
   static constexpr int any_priority = -std::numeric_limits<int>::max();  // below all others
@@ -65,17 +33,18 @@ struct FieldGroup {
   int slices() const;
 };
 
-/// The entries that a frame meets, one of each group at most; the group of highest priority first.
+/// The entries that a frame matches, at most one of each group; the group of highest priority first.
 class FieldHits {
  public:
-  static constexpr std::size_t capacity = 16;  // a group has a slice at least
+  static constexpr std::size_t capacity = 16;  // each group has at least one slice
 
   struct Hit {
     int group;
     int entry;
   };
 
-  FieldHits() {}  // NOLINT(modernize-use-equals-default): what is not counted need not be 0, for each frame
+  FieldHits() {}  // NOLINT(modernize-use-equals-default): the array past the count is never read, and clearing it costs
+                  // time for each frame
   void add(const Hit& hit) { hits_[count_++] = hit; }
   std::size_t size() const { return count_; }
   bool empty() const { return count_ == 0; }
@@ -87,15 +56,15 @@ class FieldHits {
   std::size_t count_ = 0;
 };
 
-/// What the entries that a frame meets do to it together.
+/// The combined effect of the entries that a frame matches.
 struct FieldVerdict {
   FieldHits hits;
 
   bool dropped = false;
-  bool drop_cancelled = false;  // nor do other parts of the chip drop the frame, but its VLAN, spanning tree and rates
-  bool red_dropped = false;     // dropped if its policer finds it red
+  bool drop_cancelled = false;  // overrides other drops, but not those by VLAN, spanning tree or rate
+  bool red_dropped = false;     // dropped if its policer marks it red
   bool copied_to_cpu = false;
-  std::optional<int> redirect_port;  // goes there alone
+  std::optional<Port> redirect_port;  // the only destination
   std::optional<int> priority;
   std::array<int, FieldRule::policer_levels> policers{};
 };
@@ -105,9 +74,9 @@ class FieldProcessor {
   static constexpr int ingress_slices = FieldHits::capacity;
   static constexpr int egress_slices = 4;
   static constexpr int slice_entries = 256;
-  static constexpr int highest_packet_priority = 7;
+  static constexpr int max_packet_priority = 7;
 
-  /// The numbers that stand for a stage in a group's set of qualifiers.
+  /// The numbers that select a stage in a group's set of qualifiers.
   static constexpr int ingress_stage = 68;
   static constexpr int egress_stage = 72;
 
@@ -115,7 +84,7 @@ class FieldProcessor {
 
   void reset();
 
-  /// Makes a group, which is disabled, of the qualifiers and the one stage in `qualifiers`.
+  /// Creates a disabled group with the qualifiers and the one stage in `qualifiers`.
   Status create_group(const std::set<int>& qualifiers, int priority, int& id);
   Status set_group_priority(int group, int priority);
   Status enable_group(int group, bool enabled);
@@ -125,39 +94,43 @@ class FieldProcessor {
   /// Busy while the entry is installed. Its policers are detached.
   Status destroy_entry(int entry);
 
-  /// Adds a match, in place of what the entry matched there before. Like actions and policers, it is in force once the
-  /// entry is installed, or installed again.
+  /// Adds a match, which replaces an earlier one of the same qualifier. Like actions and policers, it takes effect when
+  /// the entry is installed or reinstalled.
   Status qualify(int entry, FieldQualifier qualifier, const FieldMatch& match);
   Status qualify_ip_type(int entry, int type);
   Status clear_qualifiers(int entry);
   Status add_action(int entry, int action, uint32_t parameter0, uint32_t parameter1);
 
-  /// In force at once. Of entries of equal priority, the one that was installed first is met first.
+  /// Takes effect at once. Among entries of equal priority, the one installed first has precedence.
   Status set_priority(int entry, int priority);
 
   Status install(int entry);
   Status reinstall(int entry);
-  /// An entry that is not installed is left alone.
+  /// An entry that is not installed stays as it is.
   Status remove(int entry);
 
   Status attach_policer(int entry, int level, int policer);
-  /// In force at once: a meter that another entry may get next is no longer this one's.
+  /// Takes effect at once: the policer may be attached to another entry next.
   Status detach_policer(int entry, int level);
-  Status policer(int entry, int level, int& policer) const;
+  /// The policer of an entry at a level; nothing where there is none.
+  std::optional<int> policer(int entry, int level) const;
+  Status absent_policer(int entry, int level) const;
   /// Detaches all policers everywhere.
   void forget_policers();
 
-  /// Whether a stage has no entry that a frame could meet.
+  /// Whether a stage has no entry that a frame could match.
   bool is_idle(FieldStage stage) { return index(stage).empty(); }
-  /// Looks a frame up and counts the hits.
+  /// Matches a frame against the installed entries and counts the hits.
   FieldVerdict classify(FieldStage stage, const FrameFields& frame);
 
   const std::map<int, FieldGroup>& groups() const { return groups_.all(); }
   const std::map<int, FieldEntry>& entries() const { return entries_.all(); }
+  const FieldEntry* find_entry(int id) const { return entries_.find(id); }
 
  private:
-  template <class Self, class Body>
-  static Status with_entry(Self& self, int id, Body body);
+  template <class Body>
+  Status with_entry(int id, Body body);
+  static bool is_level(int level) { return level >= 0 && level < FieldRule::policer_levels; }
   template <class Body>
   static Status with_level(int level, Body body);
   template <class Create>
@@ -165,7 +138,7 @@ class FieldProcessor {
 
   int free_slices(FieldStage stage) const;
 
-  /// Of what is installed now.
+  /// The index of what is installed now.
   FieldIndex& index(FieldStage stage) {
     if (!indexed_) make_indexes();
     return stage == FieldStage::ingress ? ingress_ : egress_;
@@ -179,7 +152,7 @@ class FieldProcessor {
   uint64_t installations_ = 0;
   FieldIndex ingress_;
   FieldIndex egress_;
-  bool indexed_ = false;  // the indexes are made anew when they are needed after a change
+  bool indexed_ = false;  // indexes are rebuilt on first use after a change
 };
 
 }  // namespace chip

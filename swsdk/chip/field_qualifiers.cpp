@@ -112,7 +112,7 @@ FieldValue field_of(const FrameFields& frame, FieldQualifier qualifier) {
     case FieldQualifier::destination_ip:
       return when(is_ip4, frame.destination_ip);
     case FieldQualifier::in_port:
-      return static_cast<uint32_t>(frame.in_port);
+      return static_cast<uint32_t>(frame.in_port.number());
     case FieldQualifier::outer_vlan:
       return frame.outer_tag;
     case FieldQualifier::outer_vlan_priority:
@@ -136,7 +136,7 @@ FieldValue field_of(const FrameFields& frame, FieldQualifier qualifier) {
     case FieldQualifier::ip_type:
       return when(is_ip, is_ip4 ? is_ip_bit | is_ip4_bit : is_ip_bit);
     case FieldQualifier::out_port:
-      return static_cast<uint32_t>(frame.out_port);
+      return static_cast<uint32_t>(frame.out_port.number());
     case FieldQualifier::vlan_format:
       return static_cast<uint32_t>(frame.vlan_format);
     case FieldQualifier::icmp_type_code:

@@ -1,9 +1,10 @@
-// What the field processor can match: the fields of a frame by qualifier, each as one masked number.
+// The qualifiers of the field processor: the fields of a frame, each as one masked number.
 #pragma once
 
 #include <cstdint>
 
 #include "chip/addresses.h"
+#include "chip/place.h"
 
 namespace chip {
 
@@ -59,15 +60,15 @@ enum class Layer { ethernet, network, transport };
 
 /// The fields of a frame as it reaches a stage.
 struct FrameFields {
-  Layer readable = Layer::transport;  // the last header that can be read; those behind it are cut short or malformed
-  int in_port = 0;
-  int out_port = 0;  // known at the egress stage
+  Layer readable = Layer::transport;  // the innermost readable header; those behind it are truncated or malformed
+  Port in_port{};
+  Port out_port{};  // known at the egress stage
   Mac source_mac{};
   Mac destination_mac{};
   int vlan_format = 0;     // tags, on arrival or when it is to leave: 0 none, 1 outer, 2 inner, 3 both
-  uint16_t outer_tag = 0;  // priority, CFI and the frame's VLAN, given by the chip when the frame came without
+  uint16_t outer_tag = 0;  // priority, CFI and the frame's VLAN, assigned by the chip if the frame came without
   uint16_t inner_tag = 0;
-  uint16_t ether_type = 0;  // 0 where a length stands in its place, but for SNAP
+  uint16_t ether_type = 0;  // 0 in frames with a length instead, except SNAP
   uint32_t source_ip = 0;
   uint32_t destination_ip = 0;
   Ip6 source_ip6{};
@@ -112,7 +113,7 @@ struct FieldMatch {
   bool operator==(const FieldMatch&) const = default;
 };
 
-/// The kinds of IP packets that an entry can ask for, by number: what they match in the qualifier ip_type.
+/// The kinds of IP packets that an entry can match, by number, as data and mask of the qualifier ip_type.
 struct FieldIpType {
   int number;
   const char* name;
@@ -142,13 +143,13 @@ const FieldQualifierInfo* field_qualifier(int number);
 /// All ones of a qualifier's width.
 FieldValue exact_mask(const FieldQualifierInfo& qualifier);
 
-/// Whether a stage has the qualifier: the way in does not know the way out yet, nor the way out the way in any more.
+/// Whether a stage has the qualifier: ingress does not know the egress port, nor egress the ingress port.
 bool has_qualifier(FieldStage stage, FieldQualifier qualifier);
 
-/// The header that a field stands in.
+/// The header that contains a field.
 Layer layer_of(FieldQualifier qualifier);
 
-/// What a frame has in a field that can be read; 0 in one that its kind of frame does not have.
+/// The value of a readable field; 0 if frames of that kind do not have it.
 FieldValue field_of(const FrameFields& frame, FieldQualifier qualifier);
 
 }  // namespace chip

@@ -1,4 +1,4 @@
-// Entries by key that are listed in order and found by hash.
+// A map that is iterated in key order and searched by hash.
 #pragma once
 
 #include <cstddef>
@@ -14,19 +14,19 @@ template <class Key, class Value>
 class HashedMap {
  public:
   const Value* find(const Key& key) const {
-    if (found_.empty()) return nullptr;  // most tables of most chips
+    if (found_.empty()) return nullptr;  // the common case
     const auto found = found_.find(key);
     return found == found_.end() ? nullptr : found->second;
   }
 
-  /// Takes the place of the entry with that key.
+  /// Replaces the entry with that key, if there is one.
   void put(const Key& key, const Value& value) {
     Value& place = all_[key];
     place = value;
     found_[key] = &place;
   }
 
-  /// Whether there was one.
+  /// Returns whether there was one.
   bool remove(const Key& key) {
     found_.erase(key);
     return all_.erase(key) == 1;

@@ -1,4 +1,4 @@
-// The host table: routes to single IPv4 addresses. A hash table, so that it can refuse an address while it has room.
+// The host table: routes to single IPv4 addresses. It is a hash table, so it can refuse an address before it is full.
 #pragma once
 
 #include <array>
@@ -26,7 +26,7 @@ class Hosts : public L3Entries<HostKey> {
 
   Hosts() : L3Entries(capacity) {}
 
-  /// An entry that is there already is refused unless it is to be replaced.
+  /// An existing entry is replaced only if `replace` is set.
   Status add(const HostKey& key, const L3Entry& entry, bool replace) {
     int& used = used_[static_cast<std::size_t>(bucket_of(key))];
     const bool is_new = L3Entries::find(key) == nullptr;
@@ -47,7 +47,7 @@ class Hosts : public L3Entries<HostKey> {
   }
 
   static int bucket_of(const HostKey& key) {
-    constexpr uint32_t golden_ratio = 0x9E3779B1;  // spreads neighbouring addresses over all buckets
+    constexpr uint32_t golden_ratio = 0x9E3779B1;  // spreads adjacent addresses over all buckets
     constexpr int top_bits = 10;
     static_assert(buckets == 1 << top_bits);
     return static_cast<int>((key.address + static_cast<uint32_t>(key.vrf)) * golden_ratio >> (32 - top_bits));

@@ -1,9 +1,10 @@
-// Numbered slots whose items are found by what they hold too.
+// Numbered slots whose items can also be found by content.
 #pragma once
 
 #include <cstddef>
 #include <map>
 #include <memory_resource>
+#include <optional>
 #include <type_traits>
 #include <unordered_map>
 #include <utility>
@@ -12,15 +13,15 @@
 
 namespace chip {
 
-/// Slots of items with different keys; `key_of` makes the key of an item, which has a `hash()`.
-template <class Item, auto key_of>
+/// Slots of items with unique keys; `key_of` returns the key of an item, which has a `hash()`.
+template <class Item, auto key_of, class SlotId = int>
 class KeyedSlots {
  public:
   using Key = std::remove_cvref_t<std::invoke_result_t<decltype(key_of), const Item&>>;
 
   KeyedSlots(int first, int capacity) : slots_(first, capacity) { ids_.reserve(static_cast<std::size_t>(capacity)); }
 
-  Status add(const Item& item, int& id) {
+  Status add(const Item& item, SlotId& id) {
     const auto [place, is_new] = ids_.try_emplace(key_of(item));
     if (!is_new) return Status::exists;
     const Status status = slots_.add(item, id);
@@ -31,7 +32,7 @@ class KeyedSlots {
     return status;
   }
 
-  Status remove(int id) {
+  Status remove(SlotId id) {
     const Item* const item = slots_.find(id);
     if (item == nullptr) return slots_.absent(id);
     ids_.erase(key_of(*item));
@@ -43,29 +44,28 @@ class KeyedSlots {
     ids_.clear();
   }
 
-  const Item* find(int id) const { return slots_.find(id); }
-  Status absent(int id) const { return slots_.absent(id); }
+  const Item* find(SlotId id) const { return slots_.find(id); }
+  Status absent(SlotId id) const { return slots_.absent(id); }
 
-  Status find_id(const Key& key, int& id) const {
+  /// The id of the item with that key.
+  std::optional<SlotId> find_id(const Key& key) const {
     const auto found = ids_.find(key);
-    if (found == ids_.end()) return Status::not_found;
-    id = found->second;
-    return Status::ok;
+    return found == ids_.end() ? std::nullopt : std::optional(found->second);
   }
 
-  const std::map<int, Item>& all() const { return slots_.all(); }
+  const std::map<SlotId, Item>& all() const { return slots_.all(); }
 
  private:
   struct Hash {
     std::size_t operator()(const Key& key) const { return key.hash(); }
   };
 
-  Slots<Item> slots_;
+  Slots<Item, SlotId> slots_;
   std::pmr::unsynchronized_pool_resource pool_;  // keeps the keys close together
-  std::pmr::unordered_map<Key, int, Hash> ids_{&pool_};
+  std::pmr::unordered_map<Key, SlotId, Hash> ids_{&pool_};
 };
 
-/// The key of items that differ in anything at all.
+/// The key of items that are compared as a whole.
 template <class Item>
 constexpr const Item& whole(const Item& item) {
   return item;

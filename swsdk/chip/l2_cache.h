@@ -4,19 +4,20 @@
 #include <cstdint>
 
 #include "chip/addresses.h"
+#include "chip/place.h"
 #include "chip/slots.h"
 
 namespace chip {
 
 struct L2CacheEntry {
-  static constexpr uint32_t bpdu = 0x10;  // spanning tree does not keep it back
+  static constexpr uint32_t bpdu = 0x10;  // passes ports that spanning tree blocks
 
   uint32_t flags = 0;
   Mac mac{};
   Mac mac_mask{};
   uint16_t vlan = 0;
   uint16_t vlan_mask = 0;
-  int source_port = 0;
+  Port source_port{};
   int source_port_mask = 0;
 };
 
@@ -25,7 +26,7 @@ class L2Cache {
   static constexpr int capacity = 128;
   static constexpr int any_index = -1;
 
-  /// Writes an entry into slot `index`, or into the lowest free one for any_index, and tells which.
+  /// Writes an entry into slot `index`, or into the lowest free one for any_index; `used` is set to the slot.
   Status set(int index, const L2CacheEntry& entry, int& used) {
     if (index == any_index) return entries_.add(entry, used);
     const Status status = entries_.put(entry, index);

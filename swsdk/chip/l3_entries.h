@@ -1,4 +1,4 @@
-// What the tables of hosts and of routes have in common: entries that lead somewhere, and that note when they are used.
+// What the host table and the route table have in common: entries with a next hop, which record that they were used.
 #pragma once
 
 #include <cstddef>
@@ -8,6 +8,7 @@
 #include <unordered_map>
 
 #include "chip/addresses.h"
+#include "chip/place.h"
 #include "chip/status.h"
 
 namespace chip {
@@ -18,7 +19,7 @@ struct L3Entry {
   static constexpr uint32_t destination_hit = 0x8;
   static constexpr uint32_t any_hit = source_hit | destination_hit;
 
-  // A flag of hosts and one of routes: what takes the entry is for the CPU.
+  // A flag of hosts and one of routes: matching packets go to the CPU.
   static constexpr uint32_t to_cpu = 0x1000 | 0x2000;
 
   uint32_t flags = 0;
@@ -26,33 +27,23 @@ struct L3Entry {
   int interface = 0;  // or an egress object
   uint32_t next_hop_ip = 0;
   Mac next_hop{};
-  int port = 0;
+  Place place{};
   uint16_t vlan = 0;
 };
 
-/// Entries by their key, which has a `hash()`: finding one costs the same however many there are.
+/// Entries by their key, which has a `hash()`: lookup time does not depend on their number.
 template <class Key>
 class L3Entries {
  public:
-  /// `capacity`: how many entries there can be, so that a table that fills is never laid out anew.
+  /// `capacity`: the maximum number of entries; memory for all of them is reserved, so the table never rehashes.
   explicit L3Entries(std::size_t capacity) { entries_.reserve(capacity); }
 
-  enum class Hits { keep, clear };
-
-  /// Copies an entry out, with its hits as they were before.
-  Status find(const Key& key, Hits hits, L3Entry& found) {
-    const auto entry = entries_.find(key);
-    if (entry == entries_.end()) return Status::not_found;
-    found = entry->second;
-    if (hits == Hits::clear) entry->second.hit = 0;
-    return Status::ok;
-  }
   L3Entry* find(const Key& key) {
     const auto entry = entries_.find(key);
     return entry == entries_.end() ? nullptr : &entry->second;
   }
 
-  /// Notes that frames used an entry.
+  /// Records that frames used an entry.
   Status hit(const Key& key, uint32_t hits) {
     L3Entry* const entry = find(key);
     if (entry == nullptr) return Status::not_found;
@@ -60,7 +51,7 @@ class L3Entries {
     return Status::ok;
   }
 
-  /// How many entries lead to an interface or egress object.
+  /// How many entries use an interface or egress object.
   int uses(int interface) const {
     const auto found = uses_.find(interface);
     return found == uses_.end() ? 0 : found->second;
@@ -71,7 +62,7 @@ class L3Entries {
   std::map<Key, L3Entry> all() const { return {entries_.begin(), entries_.end()}; }
 
  protected:
-  /// `full`: there is no room for a new entry.
+  /// `full`: whether a new entry is refused.
   Status add(const Key& key, const L3Entry& entry, bool replace, bool full) {
     const auto present = entries_.find(key);
     if (present == entries_.end()) {
@@ -106,7 +97,7 @@ class L3Entries {
 
   std::pmr::unsynchronized_pool_resource pool_;  // keeps the entries close together
   std::pmr::unordered_map<Key, L3Entry, Hash> entries_{&pool_};
-  std::unordered_map<int, int> uses_;  // 0 stays, for the next entry
+  std::unordered_map<int, int> uses_;  // entries with 0 stay
 };
 
 }  // namespace chip

@@ -3,6 +3,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
+#include <optional>
 #include <set>
 #include <unordered_map>
 #include <utility>
@@ -10,11 +12,12 @@
 #include "chip/addresses.h"
 #include "chip/hash.h"
 #include "chip/keyed_slots.h"
+#include "chip/vlan_id.h"
 
 namespace chip {
 
 struct L3Interface {
-  static constexpr uint32_t in_mac_table = 0x20;  // of `flags`: frames to its address are for the router
+  static constexpr uint32_t in_mac_table = 0x20;  // of `flags`: frames to its address are routed
 
   uint32_t flags = 0;
   int vrf = 0;
@@ -28,11 +31,9 @@ class L3Interfaces {
  public:
   static constexpr int first_id = 1;
   static constexpr int capacity = 8192;
-  static constexpr int highest_vlan = 4095;
 
   Status create(const L3Interface& interface, int& id) {
-    if (interface.vlan == 0 || interface.vlan > highest_vlan || interface.inner_vlan > highest_vlan)
-      return Status::bad_parameter;
+    if (!is_vlan(interface.vlan) || interface.inner_vlan > max_vlan) return Status::bad_parameter;
     const Status status = interfaces_.add(interface, id);
     if (status != Status::ok) return status;
     by_vlan_.emplace(interface.vlan, id);
@@ -62,20 +63,16 @@ class L3Interfaces {
   /// Why there is no interface of that id.
   Status absent(int id) const { return interfaces_.absent(id); }
 
-  /// The id of the interface with the VRF, address and VLANs of `wanted`. No two have the same: they are what an
-  /// interface is; the other fields are how it treats frames.
-  Status find_same(const L3Interface& wanted, int& id) const { return interfaces_.find_id(identity_of(wanted), id); }
+  /// The id of the interface with the VRF, address and VLANs of `wanted`, which identify an interface.
+  std::optional<int> find_same(const L3Interface& wanted) const { return interfaces_.find_id(identity_of(wanted)); }
 
   /// The lowest id of an interface of the (outer) VLAN.
-  Status find_by_vlan(int vlan, int& id) const {
-    if (vlan < 1 || vlan > highest_vlan) return Status::bad_parameter;
+  std::optional<int> find_by_vlan(int vlan) const {
     const auto found = by_vlan_.lower_bound({vlan, first_id});
-    if (found == by_vlan_.end() || found->first != vlan) return Status::not_found;
-    id = found->second;
-    return Status::ok;
+    return found == by_vlan_.end() || found->first != vlan ? std::nullopt : std::optional(found->second);
   }
 
-  /// The interface to which frames of the (outer) VLAN to an address are sent, the first if there are several, or null.
+  /// The interface with that MAC address in the (outer) VLAN, the one with the lowest id if there are several, or null.
   const L3Interface* find_station(int vlan, const Mac& mac) const {
     const auto found = by_station_.find(station_of(vlan, mac));
     return found == by_station_.end() ? nullptr : find(*found->second.begin());

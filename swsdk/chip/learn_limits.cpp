@@ -10,20 +10,19 @@ void LearnLimits::reset() {
 }
 
 Status LearnLimits::check(const MacScope& scope) const {
-  const int id = static_cast<int>(scope.id);
-  switch (scope.kind) {
-    case MacScope::Kind::system:
-      return Status::ok;
-    case MacScope::Kind::vlan:
-      return MacTable::is_vlan(id) ? Status::ok : Status::bad_parameter;
-    case MacScope::Kind::port:
-      return table_.is_place({.port = id}) ? Status::ok : Status::bad_port;
-    case MacScope::Kind::trunk:
-      return trunks_.check(id);
-    case MacScope::Kind::tunnel:
-      return scope.id != 0 ? Status::ok : Status::bad_parameter;
-  }
-  return Status::bad_parameter;
+  const auto check_place = [&](const Place& place) {
+    const TrunkId* const trunk = std::get_if<TrunkId>(&place);
+    if (trunk != nullptr && trunks_.find(*trunk) == nullptr) return trunks_.absent(*trunk);
+    return table_.is_place(place) ? Status::ok : Status::bad_port;
+  };
+  const auto ok_if = [](bool valid) { return valid ? Status::ok : Status::bad_parameter; };
+  return std::visit(ByKind{
+                        [](AllAddresses) { return Status::ok; },
+                        [&](VlanAddresses of) { return ok_if(is_vlan(of.vlan)); },
+                        check_place,
+                        [&](TunnelAddresses of) { return ok_if(of.tunnel != 0); },
+                    },
+                    scope);
 }
 
 Status LearnLimits::set(const std::vector<MacScope>& scopes, const LearnLimit& limit) {
@@ -37,11 +36,10 @@ Status LearnLimits::set(const std::vector<MacScope>& scopes, const LearnLimit& l
   return Status::ok;
 }
 
-Status LearnLimits::get(const MacScope& scope, LearnLimit& limit) const {
-  if (const Status status = check(scope); status != Status::ok) return status;
+std::optional<LearnLimit> LearnLimits::get(const MacScope& scope) const {
+  if (check(scope) != Status::ok) return std::nullopt;
   const auto found = limits_.find(scope);
-  limit = found == limits_.end() ? LearnLimit{} : found->second;
-  return Status::ok;
+  return found == limits_.end() ? LearnLimit{} : found->second;
 }
 
 template <class Found>

@@ -1,12 +1,16 @@
-// How many addresses the chip may learn: in all, in a VLAN, on a port or trunk, through a tunnel.
+// Limits on learned addresses: of the chip, a VLAN, a port or trunk, or a tunnel.
 #pragma once
+
+#include <map>
+#include <optional>
+#include <vector>
 
 #include "chip/mac_table.h"
 #include "chip/trunks.h"
 
 namespace chip {
 
-/// What becomes of a frame whose address is one too many, beside that the address is not learned.
+/// What happens to a frame whose source exceeds the limit, in addition to not being learned.
 struct LearnLimit {
   static constexpr uint32_t drop = 0x10;
   static constexpr uint32_t to_cpu = 0x20;
@@ -21,20 +25,23 @@ class LearnLimits {
  public:
   LearnLimits(const Trunks& trunks, const MacTable& table) : trunks_(trunks), table_(table) {}
 
-  /// No limits, and none is heeded.
+  /// No limits; enforcement is off.
   void reset();
 
-  /// Whether the limits are heeded.
+  /// Turns enforcement on or off.
   void enable(bool on) { enabled_ = on; }
   bool enabled() const { return enabled_; }
 
-  /// Limits each of the scopes. A limit may be below what is learned already; nothing is forgotten then.
+  /// Limits each of the scopes. A limit may be below the current number of addresses; none is removed then.
   Status set(const std::vector<MacScope>& scopes, const LearnLimit& limit);
-  Status get(const MacScope& scope, LearnLimit& limit) const;
+  /// The limit of a scope; nothing where there is no such scope.
+  std::optional<LearnLimit> get(const MacScope& scope) const;
+  /// Why there is no such scope.
+  Status absent(const MacScope& scope) const { return check(scope); }
 
-  /// Whether an address may be learned that takes the place of `present`, or of none.
+  /// Whether an entry may be learned. `present`: the entry that it replaces, or null.
   bool admit(const MacEntry& entry, const MacEntry* present) const;
-  /// What the limits that do not admit it want done.
+  /// The actions of the limits that it exceeds.
   uint32_t actions(const MacEntry& entry, const MacEntry* present) const;
 
   const std::map<MacScope, LearnLimit>& all() const { return limits_; }

@@ -14,7 +14,7 @@ struct LedProcessor {
 
   std::array<uint8_t, memory_size> memory{};
   bool loaded = false;
-  bool automatic = false;  // takes the link status from the ports by itself
+  bool automatic = false;  // follows the link status of the ports
   bool running = false;
 };
 
@@ -27,7 +27,7 @@ class LedProcessors {
   bool has(int led) const { return led >= 0 && led < count; }
   const LedProcessor& operator[](int led) const { return processors_[static_cast<std::size_t>(led)]; }
 
-  /// Reads a program in Intel hex records. A text with anything else in it is refused, and the processor keeps its
+  /// Loads a program from Intel hex records. Anything else in the stream is refused, and the processor keeps its
   /// program.
   Status load(int led, std::istream& program);
   void set_automatic(int led, bool on) { at(led).automatic = on; }

@@ -1,4 +1,4 @@
-// The link scan: whether somebody is watching the links.
+// The link scan: whether link changes are reported.
 #pragma once
 
 #include "chip/status.h"

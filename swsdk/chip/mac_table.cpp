@@ -2,28 +2,22 @@
 
 #include <algorithm>
 
-#include "chip/gports.h"
 #include "chip/hash.h"
 
 namespace chip {
 
 std::vector<MacScope> scopes_of(const MacEntry& entry) {
-  using Kind = MacScope::Kind;
-  std::vector<MacScope> result{{Kind::system, 0}, {Kind::vlan, entry.vlan}};
-  if (entry.is(MacEntry::on_trunk))
-    result.push_back({Kind::trunk, static_cast<uint32_t>(entry.trunk)});
-  else
-    result.push_back({Kind::port, static_cast<uint32_t>(entry.port)});
-  if (entry.tunnel != 0) result.push_back({Kind::tunnel, entry.tunnel});
+  std::vector<MacScope> result{AllAddresses{}, VlanAddresses{entry.vlan}, entry.place};
+  if (entry.tunnel != 0) result.emplace_back(TunnelAddresses{entry.tunnel});
   return result;
 }
 
 namespace {
 
-/// Both in one number.
+/// VLAN and address in one number.
 uint64_t bits_of(int vlan, const Mac& mac) { return static_cast<uint64_t>(vlan) << 48 | number_of(mac); }
 
-/// What tells an entry from others; never 0.
+/// The key of an entry; never 0.
 uint64_t key_of(int vlan, const Mac& mac) {
   constexpr uint64_t used = uint64_t{1} << 63;
   return used | bits_of(vlan, mac);
@@ -32,7 +26,7 @@ uint64_t key_of(int vlan, const Mac& mac) {
 }  // namespace
 
 int MacTable::bucket_of(int vlan, const Mac& mac) {
-  constexpr uint64_t spread = 0x9E3779B97F4A7C15;  // an odd number without a pattern carries every bit upwards
+  constexpr uint64_t spread = 0x9E3779B97F4A7C15;  // an odd number without a pattern spreads every bit upward
   static_assert(buckets == 1 << 13);
   return static_cast<int>((bits_of(vlan, mac) * spread) >> (64 - 13));
 }
@@ -41,13 +35,13 @@ void MacTable::reset() {
   slots_.assign(capacity, {});
   size_ = 0;
   learned_.clear();
-  age_time_ = usual_age_time;
-  since_ageing_ = 0;
+  age_time_ = default_age_time;
+  since_aging_ = 0;
 }
 
 Status MacTable::add(const MacEntry& entry) {
   if (!is_vlan(entry.vlan) || (entry.flags & ~MacEntry::all_flags) != 0) return Status::bad_parameter;
-  if (!is_place(entry)) return Status::bad_port;
+  if (!is_place(entry.place)) return Status::bad_port;
   std::size_t slot = slot_of(entry.vlan, entry.mac);
   if (slot != none)
     take_out(slots_[slot], false);
@@ -62,35 +56,26 @@ const MacEntry* MacTable::find(int vlan, const Mac& mac) const {
   return slot == none ? nullptr : &slots_[slot].entry;
 }
 
-Status MacTable::find(int vlan, const Mac& mac, MacEntry& found) const {
-  if (!is_vlan(vlan)) return Status::bad_parameter;
-  const MacEntry* const entry = find(vlan, mac);
-  if (entry == nullptr) return Status::not_found;
-  found = *entry;
-  return Status::ok;
-}
-
 Status MacTable::remove(int vlan, const Mac& mac) {
-  if (!is_vlan(vlan)) return Status::bad_parameter;
   const std::size_t slot = slot_of(vlan, mac);
-  if (slot == none) return Status::not_found;
+  if (slot == none) return absent(vlan);
   take_out(slots_[slot], false);
   return Status::ok;
 }
 
 Status MacTable::set_age_time(int seconds) {
-  if (seconds < 0 || seconds > longest_age_time) return Status::bad_parameter;
+  if (seconds < 0 || seconds > max_age_time) return Status::bad_parameter;
   age_time_ = seconds;
-  since_ageing_ = 0;
+  since_aging_ = 0;
   return Status::ok;
 }
 
 void MacTable::pass(int seconds) {
   if (age_time_ == 0) return;
-  const int64_t passed = int64_t{since_ageing_} + seconds;
-  since_ageing_ = static_cast<int>(passed % age_time_);
-  // After two ageings without a frame in between there is nothing left to age.
-  for (int64_t ageings = std::min<int64_t>(passed / age_time_, 2); ageings > 0; --ageings) age();
+  const int64_t passed = int64_t{since_aging_} + seconds;
+  since_aging_ = static_cast<int>(passed % age_time_);
+  // After two aging runs without a frame in between nothing is left to age.
+  for (int64_t runs = std::min<int64_t>(passed / age_time_, 2); runs > 0; --runs) age();
 }
 
 int MacTable::learned(const MacScope& scope) const {
@@ -106,8 +91,20 @@ std::vector<MacEntry> MacTable::all() const {
   return result;
 }
 
-bool MacTable::is_place(const MacEntry& entry) const {
-  return entry.is(MacEntry::on_trunk) || ports_.has(entry.port) || gport::kind(entry.port) == gport::virtual_port;
+bool MacTable::is_place(const Place& place) const {
+  const Port* const port = std::get_if<Port>(&place);
+  return port == nullptr || ports_.has(*port);
+}
+
+std::size_t MacTable::ScopeHash::operator()(const MacScope& scope) const {
+  const auto number = std::visit(ByKind{
+                                     [](AllAddresses) { return uint64_t{0}; },
+                                     [](VlanAddresses of) { return static_cast<uint64_t>(of.vlan); },
+                                     [](const Place& place) { return number_of(place); },
+                                     [](TunnelAddresses of) { return uint64_t{of.tunnel}; },
+                                 },
+                                 scope);
+  return hash_of(scope.index(), number);
 }
 
 std::size_t MacTable::slot_of(int vlan, const Mac& mac) const {

@@ -1,4 +1,4 @@
-// Mirroring: destinations that get copies of frames, and the ports whose frames they are.
+// Mirroring: destinations that get copies of frames, and the ports whose frames are copied.
 #pragma once
 
 #include <cstdint>
@@ -12,9 +12,12 @@ namespace chip {
 
 class Mirrors {
  public:
-  static constexpr std::size_t capacity = 4;  // destinations; their numbers are free
+  static constexpr std::size_t capacity = 4;  // destinations
   enum class Mode : int { off, l2, l2_and_l3 };
 
+  // Flags of create().
+  static constexpr uint32_t replace = 0x1;
+  static constexpr uint32_t with_id = 0x2;
   // How a port is mirrored.
   static constexpr uint32_t enable = 0x1;
   static constexpr uint32_t ingress = 0x2;
@@ -28,30 +31,30 @@ class Mirrors {
   Status set_mode(int mode);
   Mode mode() const { return mode_; }
 
-  /// Makes a destination for copies at the port of `gport`, under the id that `id` holds when `flags` say so; otherwise
-  /// `id` tells the lowest free one. Only when they say so too it may take the place of another.
-  Status create(uint32_t flags, int gport, int& id);
-  Status find(int id, int& gport) const;
+  /// Creates a destination, which is a port. With the flag `with_id`, under the id in `id`, and with `replace` in
+  /// addition in place of an existing one; otherwise under the lowest free id, to which `id` is set.
+  Status create(uint32_t flags, const Place& to, MirrorId& id);
+  const Place* find(MirrorId id) const;
   /// A destination that still has sources is busy.
-  Status destroy(int id);
+  Status destroy(MirrorId id);
 
-  /// Sends copies of a port's frames to a destination, beside what it has there already. Without a direction the port
-  /// is a source of no frames.
-  Status add_source(int port, uint32_t flags, int id);
-  Status remove_source(int port, uint32_t flags, int id);
+  /// Adds directions in which frames of a port are copied to a destination. Without a direction the port is a source,
+  /// but none of its frames is copied.
+  Status add_source(Port port, uint32_t flags, MirrorId id);
+  Status remove_source(Port port, uint32_t flags, MirrorId id);
 
-  /// Gports, by id.
-  const std::map<int, int>& destinations() const { return destinations_; }
+  /// Where copies go, by id.
+  const std::map<MirrorId, Place>& destinations() const { return destinations_; }
   /// Directions, by (port, destination).
-  const std::map<std::pair<int, int>, uint32_t>& sources() const { return sources_; }
+  const std::map<std::pair<Port, MirrorId>, uint32_t>& sources() const { return sources_; }
 
  private:
-  Status check_source(int port, uint32_t flags, int id) const;
+  Status check_source(Port port, uint32_t flags, MirrorId id) const;
 
   const Ports& ports_;
   Mode mode_ = Mode::off;
-  std::map<int, int> destinations_;
-  std::map<std::pair<int, int>, uint32_t> sources_;
+  std::map<MirrorId, Place> destinations_;
+  std::map<std::pair<Port, MirrorId>, uint32_t> sources_;
 };
 
 }  // namespace chip

@@ -1,8 +1,9 @@
-// The multicast groups by id, with their members; what kind of members they take is their type.
+// The multicast groups by id, with their members. The type of a group says which kinds of members it accepts.
 #pragma once
 
 #include <compare>
 #include <cstdint>
+#include <map>
 #include <set>
 
 #include "chip/encapsulations.h"
@@ -11,9 +12,9 @@
 
 namespace chip {
 
-/// A port can be a member more than once, with a copy for each encapsulation.
+/// A port can be a member several times, with one copy for each encapsulation.
 struct MulticastMember {
-  int port = 0;
+  Port port{};
   int encapsulation = 0;
   auto operator<=>(const MulticastMember&) const = default;
 };
@@ -27,49 +28,50 @@ class MulticastGroups {
  public:
   static constexpr int capacity = 4096;
 
-  /// Types of groups, of which each has one.
+  /// The type of a group is one of these.
   static constexpr uint32_t l2 = 0x10000;
   static constexpr uint32_t l3 = 0x20000;
   static constexpr uint32_t vlan = 0x400000;
 
   explicit MulticastGroups(const Ports& ports) : ports_(ports) {}
 
-  /// Makes a group; the flag `with_id` asks for the id that `id` holds.
-  Status create(uint32_t flags, int& id) {
-    constexpr uint32_t with_id = 0x1;
+  static constexpr uint32_t with_id = 0x1;  // a flag of create()
+
+  /// Creates a group; with the flag `with_id` under the id in `id`, otherwise `id` is set.
+  Status create(uint32_t flags, GroupId& id) {
     const uint32_t type = flags & (l2 | l3 | vlan);
     if ((flags & ~(l2 | l3 | vlan | with_id)) != 0 || (type != l2 && type != l3 && type != vlan))
       return Status::bad_parameter;
     return flags & with_id ? groups_.add_with_id({type}, id) : groups_.add({type}, id);
   }
-  Status destroy(int id) { return groups_.remove(id); }
+  Status destroy(GroupId id) { return groups_.remove(id); }
   void clear() { groups_.clear(); }
 
-  const MulticastGroup* find(int id) const { return groups_.find(id); }
+  const MulticastGroup* find(GroupId id) const { return groups_.find(id); }
   /// Why there is no group of that id.
-  Status absent(int id) const { return groups_.absent(id); }
+  Status absent(GroupId id) const { return groups_.absent(id); }
 
   /// Whether a port can be a member of the group, which has to be of one of the types.
-  Status check(int id, uint32_t types, int port) const {
+  Status check(GroupId id, uint32_t types, Port port) const {
     const MulticastGroup* const group = groups_.find(id);
     if (group == nullptr) return groups_.absent(id);
     if ((group->type & types) == 0) return Status::bad_parameter;
     return ports_.has(port) ? Status::ok : Status::bad_port;
   }
 
-  Status add_member(int id, const MulticastMember& member) {
+  Status add_member(GroupId id, const MulticastMember& member) {
     const Status status = check(id, types_of(member.encapsulation), member.port);
     if (status != Status::ok) return status;
     return groups_.find(id)->members.insert(member).second ? Status::ok : Status::exists;
   }
 
-  Status remove_member(int id, const MulticastMember& member) {
+  Status remove_member(GroupId id, const MulticastMember& member) {
     const Status status = check(id, types_of(member.encapsulation), member.port);
     if (status != Status::ok) return status;
     return groups_.find(id)->members.erase(member) == 1 ? Status::ok : Status::not_found;
   }
 
-  const std::map<int, MulticastGroup>& all() const { return groups_.all(); }
+  const std::map<GroupId, MulticastGroup>& all() const { return groups_.all(); }
 
  private:
   /// The types of the groups that take members with that encapsulation.
@@ -79,7 +81,7 @@ class MulticastGroups {
   }
 
   const Ports& ports_;
-  Slots<MulticastGroup> groups_{1, capacity};
+  Slots<MulticastGroup, GroupId> groups_{1, capacity};
 };
 
 }  // namespace chip

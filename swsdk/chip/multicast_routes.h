@@ -1,4 +1,4 @@
-// The routes of IP multicast: which group replicates what is sent to an address, in a VLAN, by one source or by any.
+// The IP multicast routes: the group that replicates packets to an address in a VLAN, from one source or from any.
 #pragma once
 
 #include <algorithm>
@@ -12,7 +12,9 @@
 
 #include "chip/addresses.h"
 #include "chip/hash.h"
+#include "chip/place.h"
 #include "chip/status.h"
+#include "chip/vlan_id.h"
 
 namespace chip {
 
@@ -35,16 +37,15 @@ struct MulticastRoute {
   static constexpr uint32_t from_any_port = 0x80000000;  // of `flags`
 
   uint32_t flags = 0;
-  int group = 0;
+  GroupId group{};
   int interface = 0;
   int valid = 0;
-  int port = 0;
+  Place from{};  // where its packets come in, unless any port will do
 };
 
 class MulticastRoutes {
  public:
   static constexpr std::size_t capacity = 4096;
-  static constexpr int highest_vlan = 4095;
 
   Status add(const MulticastRouteKey& key, const MulticastRoute& route) {
     if (!is_valid(key)) return Status::bad_parameter;
@@ -54,22 +55,16 @@ class MulticastRoutes {
     return Status::ok;
   }
 
-  Status find(const MulticastRouteKey& key, MulticastRoute& found) const {
-    if (!is_valid(key)) return Status::bad_parameter;
-    const MulticastRoute* const route = find(key);
-    if (route == nullptr) return Status::not_found;
-    found = *route;
-    return Status::ok;
-  }
   const MulticastRoute* find(const MulticastRouteKey& key) const {
     const auto route = routes_.find(key);
     return route == routes_.end() ? nullptr : &route->second;
   }
-
-  Status remove(const MulticastRouteKey& key) {
-    if (!is_valid(key)) return Status::bad_parameter;
-    return routes_.erase(key) == 1 ? Status::ok : Status::not_found;
+  /// Why there is no route of that key.
+  Status absent(const MulticastRouteKey& key) const {
+    return is_valid(key) ? Status::not_found : Status::bad_parameter;
   }
+
+  Status remove(const MulticastRouteKey& key) { return routes_.erase(key) == 1 ? Status::ok : absent(key); }
 
   void clear() { routes_.clear(); }
 
@@ -80,7 +75,7 @@ class MulticastRoutes {
  private:
   static bool is_valid(const MulticastRouteKey& key) {
     const bool is_multicast = key.ip6 ? key.address[0] == 0xFF : key.address[0] >> 4 == 0xE;
-    return is_multicast && key.vlan >= 0 && key.vlan <= highest_vlan;
+    return is_multicast && key.vlan >= 0 && key.vlan <= max_vlan;
   }
 
   struct Hash {

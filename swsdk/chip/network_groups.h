@@ -1,4 +1,4 @@
-// The network groups of virtual ports, and what each keeps from going out through the others.
+// The network groups of virtual ports (split horizon).
 #pragma once
 
 #include <array>
@@ -13,12 +13,12 @@ class NetworkGroups {
  public:
   static constexpr int count = 64;
 
-  // Settings of a group towards all others.
+  // Settings of a group, toward all others.
   static constexpr uint32_t remap_multicast = 0x1;
   static constexpr uint32_t prune_ingress = 0x2;
   static constexpr uint32_t prune_egress = 0x4;
 
-  /// No group keeps anything back after a reset.
+  /// No group is isolated after a reset.
   void reset() { settings_ = {}; }
 
   static bool is_valid(int group) { return group >= 0 && group < count; }
@@ -29,10 +29,9 @@ class NetworkGroups {
     settings_[static_cast<std::size_t>(group)] = settings;
     return Status::ok;
   }
-  Status get(int group, uint32_t& settings) const {
-    if (!is_valid(group)) return Status::bad_parameter;
-    settings = settings_[static_cast<std::size_t>(group)];
-    return Status::ok;
+  /// The settings of a group, or null when there is no such group.
+  const uint32_t* find(int group) const {
+    return is_valid(group) ? &settings_[static_cast<std::size_t>(group)] : nullptr;
   }
 
  private:

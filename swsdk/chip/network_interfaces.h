@@ -20,11 +20,11 @@ class NetworkInterfaces {
  public:
   static constexpr int capacity = 128;
 
-  /// Makes an interface under the lowest free id and tells it. A name is taken once.
+  static constexpr int max_type = 2;  // through a port of the chip
+
+  /// Creates an interface under the lowest free id, to which `id` is set. Names are unique, except the empty one.
   Status create(const NetworkInterface& wanted, int& id) {
-    constexpr int all_traffic_from_cpu = 0;
-    constexpr int tx_local_port = 2;
-    if (wanted.type < all_traffic_from_cpu || wanted.type > tx_local_port) return Status::bad_parameter;
+    if (wanted.type < 0 || wanted.type > max_type) return Status::bad_parameter;
     for (const auto& [ignored, present] : interfaces_.all())
       if (!wanted.name.empty() && present.name == wanted.name) return Status::exists;
     return interfaces_.add(wanted, id);

@@ -1,8 +1,9 @@
-// The controls of the ports' PHYs: error correction and equalisation.
+// The controls of the ports' PHYs: error correction and equalization.
 #pragma once
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <utility>
 
 #include "chip/ports.h"
@@ -41,32 +42,33 @@ class PhyControls {
   /// All controls are 0 after a reset.
   void clear() { values_.clear(); }
 
-  Status set(int port, int control, uint32_t value) {
-    if (const Status status = check(port, control); status != Status::ok) return status;
+  Status set(Port port, int control, uint32_t value) {
+    if (!has(port, control)) return absent(port, control);
     values_[{port, control}] = value;
     return Status::ok;
   }
-  Status get(int port, int control, uint32_t& value) const {
-    if (const Status status = check(port, control); status != Status::ok) return status;
+  /// Nothing where there is no such control.
+  std::optional<uint32_t> get(Port port, int control) const {
+    if (!has(port, control)) return std::nullopt;
     const auto found = values_.find({port, control});
-    value = found == values_.end() ? 0 : found->second;
-    return Status::ok;
+    return found == values_.end() ? 0 : found->second;
+  }
+  /// Why the port has no such control.
+  Status absent(Port port, int /*control*/) const {
+    return ports_.ethernet().contains(port) ? Status::unavailable : Status::bad_port;
   }
 
   /// What is set, by (port, control).
-  const std::map<std::pair<int, int>, uint32_t>& all() const { return values_; }
+  const std::map<std::pair<Port, int>, uint32_t>& all() const { return values_; }
 
   /// The name of a control, null for a number that is none.
   static const char* name(int control);
 
  private:
-  Status check(int port, int control) const {
-    if (!ports_.ethernet().contains(port)) return Status::bad_port;
-    return name(control) != nullptr ? Status::ok : Status::unavailable;
-  }
+  bool has(Port port, int control) const { return ports_.ethernet().contains(port) && name(control) != nullptr; }
 
   const Ports& ports_;
-  std::map<std::pair<int, int>, uint32_t> values_;  // absent: 0
+  std::map<std::pair<Port, int>, uint32_t> values_;  // absent: 0
 };
 
 }  // namespace chip

@@ -4,6 +4,7 @@
 #include <compare>
 #include <cstdint>
 #include <map>
+#include <optional>
 
 #include "chip/status.h"
 
@@ -11,11 +12,11 @@ namespace chip {
 
 class PhyRegisters {
  public:
-  static constexpr uint32_t highest_phy = 255;
+  static constexpr uint32_t max_phy = 255;
   static constexpr int clause22 = -1;  // in place of a device
-  static constexpr int highest_device = 31;
-  static constexpr uint32_t highest_clause22_register = 31;
-  static constexpr uint32_t highest_value = 0xFFFF;
+  static constexpr int max_device = 31;
+  static constexpr uint32_t max_clause22_register = 31;
+  static constexpr uint32_t max_value = 0xFFFF;
 
   struct Key {
     uint32_t phy;  // a port's PHY has the port's number
@@ -28,16 +29,15 @@ class PhyRegisters {
   void clear() { registers_.clear(); }
 
   Status write(const Key& key, uint32_t value) {
-    if (!is_valid(key) || value > highest_value) return Status::bad_parameter;
+    if (!is_valid(key) || value > max_value) return Status::bad_parameter;
     registers_[key] = static_cast<uint16_t>(value);
     return Status::ok;
   }
-  template <class Value>
-  Status read(const Key& key, Value& value) const {
-    if (!is_valid(key)) return Status::bad_parameter;
+  /// Nothing when there is no such register.
+  std::optional<uint16_t> read(const Key& key) const {
+    if (!is_valid(key)) return std::nullopt;
     const auto found = registers_.find(key);
-    value = found == registers_.end() ? Value{} : Value{found->second};
-    return Status::ok;
+    return found == registers_.end() ? uint16_t{0} : found->second;
   }
 
   /// What was written.
@@ -45,9 +45,9 @@ class PhyRegisters {
 
  private:
   static bool is_valid(const Key& key) {
-    if (key.phy > highest_phy) return false;
-    if (key.device == clause22) return key.number <= highest_clause22_register;
-    return key.device >= 0 && key.device <= highest_device && key.number <= 0xFFFF;
+    if (key.phy > max_phy) return false;
+    if (key.device == clause22) return key.number <= max_clause22_register;
+    return key.device >= 0 && key.device <= max_device && key.number <= 0xFFFF;
   }
 
   std::map<Key, uint16_t> registers_;  // absent: 0

@@ -1,4 +1,4 @@
-// The policers: meters with a committed and a peak rate that other tables' entries hold their frames to.
+// The policers: meters with a committed and a peak rate, which entries of the field processor apply to their frames.
 #pragma once
 
 #include <algorithm>
@@ -26,8 +26,8 @@ struct Policer {
 class Policers {
  public:
   static constexpr int capacity = 2048;
-  static constexpr int two_rates_three_colours = 3;
-  static constexpr int highest_mode = two_rates_three_colours;
+  static constexpr int two_rates_three_colors = 3;
+  static constexpr int max_mode = two_rates_three_colors;
 
   // The chip counts bursts in bytes and rates in multiples of 8 kbit/s.
   static constexpr uint32_t burst_granularity = 8;
@@ -37,7 +37,7 @@ class Policers {
     return is_valid(policer) ? policers_.add(in_granularity(policer), id) : Status::bad_parameter;
   }
 
-  /// Changes a policer, which stays attached to what it is attached to.
+  /// Changes a policer; its attachments stay.
   Status set(int id, const Policer& policer) {
     if (!is_valid(policer)) return Status::bad_parameter;
     Policer* const present = policers_.find(id);
@@ -48,7 +48,7 @@ class Policers {
     return Status::ok;
   }
 
-  /// A policer that is attached to something stays.
+  /// Busy while the policer is attached.
   Status destroy(int id) {
     const Policer* const policer = find(id);
     return policer != nullptr && policer->attached > 0 ? Status::busy : policers_.remove(id);
@@ -67,12 +67,12 @@ class Policers {
   const std::map<int, Policer>& all() const { return policers_.all(); }
 
  private:
-  static bool is_valid(const Policer& policer) { return policer.mode >= 0 && policer.mode <= highest_mode; }
+  static bool is_valid(const Policer& policer) { return policer.mode >= 0 && policer.mode <= max_mode; }
 
-  /// The next value that the chip can keep: nothing is held to less than was asked for.
+  /// Rounds up to the chip's granularity, so that no rate is lower than configured.
   static uint32_t rounded_up(uint32_t value, uint32_t granularity) {
-    const uint32_t highest = UINT32_MAX / granularity;
-    return std::min(value / granularity + (value % granularity != 0), highest) * granularity;
+    const uint32_t most = UINT32_MAX / granularity;
+    return std::min(value / granularity + (value % granularity != 0), most) * granularity;
   }
 
   static Policer in_granularity(Policer policer) {

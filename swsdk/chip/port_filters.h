@@ -1,12 +1,11 @@
-// What a port keeps back: frames of VLANs that it is no member of, and floods towards other ports.
+// Port filters: VLAN membership checks, and floods that are blocked between ports.
 #pragma once
 
-#include <array>
-#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <utility>
 
+#include "chip/port_table.h"
 #include "chip/ports.h"
 #include "chip/status.h"
 
@@ -22,38 +21,39 @@ class PortFilters {
   static constexpr uint32_t unknown_unicast = 0x2;
   static constexpr uint32_t unknown_multicast = 0x4;
 
-  explicit PortFilters(const Ports& ports) : ports_(ports) {}
+  explicit PortFilters(const Ports& ports) : ports_(ports), checks_(ports.all()) {}
 
-  /// Nothing is kept back after a reset.
+  /// Nothing is filtered after a reset.
   void reset() {
-    checks_ = {};
+    checks_.fill(0);
     blocks_.clear();
   }
 
-  Status set_membership_checks(int port, uint32_t checks) {
+  Status set_membership_checks(Port port, uint32_t checks) {
     if (!ports_.has(port)) return Status::bad_port;
     if ((checks & ~(check_ingress | check_egress)) != 0) return Status::bad_parameter;
-    checks_[static_cast<std::size_t>(port)] = checks;
+    checks_[port] = checks;
     return Status::ok;
   }
-  uint32_t membership_checks(int port) const { return checks_[static_cast<std::size_t>(port)]; }
+  /// Of a port of the chip.
+  uint32_t membership_checks(Port port) const { return checks_[port]; }
 
-  /// Keeps floods of these kinds that come in at `from` away from `to`; takes the place of what was set before.
-  Status block_floods(int from, int to, uint32_t kinds) {
+  /// Blocks floods of these kinds from port `from` to port `to`; replaces the earlier setting.
+  Status block_floods(Port from, Port to, uint32_t kinds) {
     if (!ports_.has(from) || !ports_.has(to)) return Status::bad_port;
     if ((kinds & ~(broadcast | unknown_unicast | unknown_multicast)) != 0) return Status::bad_parameter;
     blocks_[{from, to}] = kinds;
     return Status::ok;
   }
-  uint32_t blocked_floods(int from, int to) const {
+  uint32_t blocked_floods(Port from, Port to) const {
     const auto found = blocks_.find({from, to});
     return found == blocks_.end() ? 0 : found->second;
   }
 
  private:
   const Ports& ports_;
-  std::array<uint32_t, PortSet::capacity> checks_{};  // by port
-  std::map<std::pair<int, int>, uint32_t> blocks_;    // by (from, to)
+  PortTable<uint32_t> checks_;
+  std::map<std::pair<Port, Port>, uint32_t> blocks_;  // by (from, to)
 };
 
 }  // namespace chip

@@ -10,20 +10,20 @@ namespace {
 constexpr int gigabit_speeds[] = {10, 100, 1000};
 constexpr int uplink_speeds[] = {1000, 10000};
 
-std::span<const int> speeds(int port) {
+std::span<const int> speeds(Port port) {
   if (Ports::is_uplink(port)) return uplink_speeds;
   return gigabit_speeds;
 }
 
-bool runs_at(int port, int speed, int duplex) {
+bool runs_at(Port port, int speed, int duplex) {
   const std::span<const int> possible = speeds(port);
   if (std::find(possible.begin(), possible.end(), speed) == possible.end()) return false;
   return duplex == static_cast<int>(Duplex::full) ||
          (duplex == static_cast<int>(Duplex::half) && !Ports::is_uplink(port));
 }
 
-/// The two ends agree on the best, whatever they advertise: they are taken to have all abilities in common.
-void agree(int port, PortMac& mac) {
+/// Both ends agree on the highest speed, whatever they advertise: the partner is assumed to have all abilities.
+void agree(Port port, PortMac& mac) {
   if (!mac.enabled || !mac.partner || !mac.negotiates) return;
   mac.speed = speeds(port).back();
   mac.duplex = Duplex::full;
@@ -31,30 +31,27 @@ void agree(int port, PortMac& mac) {
 
 }  // namespace
 
-/// Runs `body` on the port's MAC, or tells that it has none.
+/// Runs `body` on the port's MAC; bad_port when it has none.
 template <class Body>
-Status PortMacs::with(int port, Body body) {
-  const auto found = macs_.find(port);
-  return found == macs_.end() ? Status::bad_port : body(found->second);
+Status PortMacs::with(Port port, Body body) {
+  PortMac* const mac = macs_.find(port);
+  return mac == nullptr ? Status::bad_port : body(*mac);
 }
 
 void PortMacs::reset() {
   // What the SDK calls GMII and XGMII.
   constexpr int gigabit_interface = 3;
   constexpr int uplink_interface = 6;
-  for (int port = ports_.ethernet().lowest(); port <= ports_.ethernet().highest(); ++port) {
-    PortMac& mac = macs_[port];
-    mac = {.partner = mac.partner,
-           .negotiates = !Ports::is_uplink(port),
-           .speed = speeds(port).back(),
-           .interface = Ports::is_uplink(port) ? uplink_interface : gigabit_interface,
-           .frame_max = highest_frame_max,
-           .gaps = {}};
-  }
-  for (const auto& [port, mac] : macs_) by_port_[static_cast<std::size_t>(port)] = &mac;
+  for (const auto& [port, mac] : macs_)
+    macs_[port] = {.partner = mac.partner,
+                   .negotiates = !Ports::is_uplink(port),
+                   .speed = speeds(port).back(),
+                   .interface = Ports::is_uplink(port) ? uplink_interface : gigabit_interface,
+                   .frame_max = max_frame_max,
+                   .gaps = {}};
 }
 
-Status PortMacs::enable(int port, bool on) {
+Status PortMacs::enable(Port port, bool on) {
   return with(port, [&](PortMac& mac) {
     mac.enabled = on;
     agree(port, mac);
@@ -62,7 +59,7 @@ Status PortMacs::enable(int port, bool on) {
   });
 }
 
-Status PortMacs::set_partner(int port, bool present) {
+Status PortMacs::set_partner(Port port, bool present) {
   return with(port, [&](PortMac& mac) {
     mac.partner = present;
     agree(port, mac);
@@ -70,7 +67,7 @@ Status PortMacs::set_partner(int port, bool present) {
   });
 }
 
-Status PortMacs::negotiate(int port, bool on) {
+Status PortMacs::negotiate(Port port, bool on) {
   return with(port, [&](PortMac& mac) {
     mac.negotiates = on;
     agree(port, mac);
@@ -78,7 +75,7 @@ Status PortMacs::negotiate(int port, bool on) {
   });
 }
 
-Status PortMacs::set_speed(int port, int speed) {
+Status PortMacs::set_speed(Port port, int speed) {
   return with(port, [&](PortMac& mac) {
     const int wanted = speed == 0 ? speeds(port).back() : speed;
     if (!runs_at(port, wanted, static_cast<int>(mac.duplex))) return Status::bad_parameter;
@@ -88,7 +85,7 @@ Status PortMacs::set_speed(int port, int speed) {
   });
 }
 
-Status PortMacs::set_duplex(int port, int duplex) {
+Status PortMacs::set_duplex(Port port, int duplex) {
   return with(port, [&](PortMac& mac) {
     if (!runs_at(port, mac.speed, duplex)) return Status::bad_parameter;
     mac.negotiates = false;
@@ -97,14 +94,14 @@ Status PortMacs::set_duplex(int port, int duplex) {
   });
 }
 
-Status PortMacs::advertise(int port, uint32_t abilities) {
+Status PortMacs::advertise(Port port, uint32_t abilities) {
   return with(port, [&](PortMac& mac) {
     mac.advertised = abilities;
     return Status::ok;
   });
 }
 
-Status PortMacs::set_interface(int port, int interface) {
+Status PortMacs::set_interface(Port port, int interface) {
   return with(port, [&](PortMac& mac) {
     if (interface < 0) return Status::bad_parameter;
     mac.interface = interface;
@@ -112,7 +109,7 @@ Status PortMacs::set_interface(int port, int interface) {
   });
 }
 
-Status PortMacs::set_loopback(int port, int loopback) {
+Status PortMacs::set_loopback(Port port, int loopback) {
   return with(port, [&](PortMac& mac) {
     if (loopback < static_cast<int>(Loopback::none) || loopback > static_cast<int>(Loopback::phy))
       return Status::bad_parameter;
@@ -121,7 +118,7 @@ Status PortMacs::set_loopback(int port, int loopback) {
   });
 }
 
-Status PortMacs::set_pause(int port, bool tx, bool rx) {
+Status PortMacs::set_pause(Port port, bool tx, bool rx) {
   return with(port, [&](PortMac& mac) {
     mac.pause_tx = tx;
     mac.pause_rx = rx;
@@ -129,27 +126,24 @@ Status PortMacs::set_pause(int port, bool tx, bool rx) {
   });
 }
 
-Status PortMacs::set_frame_max(int port, int size) {
+Status PortMacs::set_frame_max(Port port, int size) {
   return with(port, [&](PortMac& mac) {
-    if (size < lowest_frame_max || size > highest_frame_max) return Status::bad_parameter;
+    if (size < min_frame_max || size > max_frame_max) return Status::bad_parameter;
     mac.frame_max = size;
     return Status::ok;
   });
 }
 
-Status PortMacs::gap(int port, int speed, int duplex, int& bit_times) const {
-  const auto mac = macs_.find(port);
-  if (mac == macs_.end()) return Status::bad_port;
-  if (!runs_at(port, speed, duplex)) return Status::bad_parameter;
-  const auto found = mac->second.gaps.find({speed, duplex});
-  bit_times = found == mac->second.gaps.end() ? default_gap : found->second;
-  return Status::ok;
+std::optional<int> PortMacs::gap(Port port, int speed, int duplex) const {
+  const PortMac* const mac = macs_.find(port);
+  if (mac == nullptr || !runs_at(port, speed, duplex)) return std::nullopt;
+  const auto found = mac->gaps.find({speed, duplex});
+  return found == mac->gaps.end() ? default_gap : found->second;
 }
 
-Status PortMacs::set_gap(int port, int speed, int duplex, int bit_times) {
+Status PortMacs::set_gap(Port port, int speed, int duplex, int bit_times) {
   return with(port, [&](PortMac& mac) {
-    if (!runs_at(port, speed, duplex) || bit_times < lowest_gap || bit_times > highest_gap)
-      return Status::bad_parameter;
+    if (!runs_at(port, speed, duplex) || bit_times < min_gap || bit_times > max_gap) return Status::bad_parameter;
     mac.gaps[{speed, duplex}] = bit_times;
     return Status::ok;
   });

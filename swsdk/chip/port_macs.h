@@ -1,13 +1,13 @@
 // The Ethernet ports' MACs: link, speed, duplex, pause and the sizes of frames and of the gaps between them.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <map>
+#include <optional>
 #include <utility>
 
+#include "chip/port_table.h"
 #include "chip/ports.h"
 #include "chip/status.h"
 
@@ -18,7 +18,7 @@ enum class Duplex : int { half, full };
 
 struct PortMac {
   bool enabled = true;
-  bool partner = false;  // somebody is at the other end of the cable
+  bool partner = false;  // a link partner is connected
   bool negotiates = false;
   int speed = 0;  // Mbit/s
   Duplex duplex = Duplex::full;
@@ -30,9 +30,9 @@ struct PortMac {
   int frame_max = 0;                        // bytes
   std::map<std::pair<int, int>, int> gaps;  // bit times, by speed and duplex; absent: PortMacs::default_gap
 
-  /// A port that is looped back needs nobody at the other end.
+  /// A port that is looped back needs no link partner.
   bool link() const { return enabled && (partner || loopback != Loopback::none); }
-  /// Whether a frame of that many bytes, checksum not counted, is short enough; a tag makes it no longer.
+  /// Whether a frame of that many bytes, without checksum, is short enough; a tag does not count.
   bool takes(std::size_t bytes, bool tagged) const {
     constexpr std::size_t checksum = 4;
     constexpr std::size_t tag = 4;
@@ -42,58 +42,47 @@ struct PortMac {
 
 class PortMacs {
  public:
-  static constexpr int lowest_frame_max = 64;
-  static constexpr int highest_frame_max = 9216;
-  static constexpr int lowest_gap = 64;
-  static constexpr int highest_gap = 248;
+  static constexpr int min_frame_max = 64;
+  static constexpr int max_frame_max = 9216;
+  static constexpr int min_gap = 64;
+  static constexpr int max_gap = 248;
   static constexpr int default_gap = 96;
 
-  explicit PortMacs(const Ports& ports) : ports_(ports) { reset(); }
+  explicit PortMacs(const Ports& ports) : macs_(ports.ethernet()) { reset(); }
 
-  /// Every port enabled, at its fastest and with frames of any length; gigabit ports negotiate. Partners stay: a reset
-  /// of the chip pulls no cable.
+  /// Every port enabled, at its highest speed and maximum frame size; gigabit ports negotiate. Link partners stay.
   void reset();
 
-  /// Reads one member, &PortMac::speed for one. The CPU port has no MAC.
-  template <class Member, class Value>
-  Status get(int port, Member member, Value& value) const {
-    const auto found = macs_.find(port);
-    if (found == macs_.end()) return Status::bad_port;
-    value = static_cast<Value>(std::invoke(member, found->second));
-    return Status::ok;
-  }
+  Status enable(Port port, bool on);
+  /// Connects or disconnects the link partner.
+  Status set_partner(Port port, bool present);
+  Status negotiate(Port port, bool on);
+  /// Forces a speed, 0 for the highest, and ends negotiation.
+  Status set_speed(Port port, int speed);
+  /// Forces a duplex mode and ends negotiation.
+  Status set_duplex(Port port, int duplex);
+  Status advertise(Port port, uint32_t abilities);
+  Status set_interface(Port port, int interface);
+  Status set_loopback(Port port, int loopback);
+  Status set_pause(Port port, bool tx, bool rx);
+  Status set_frame_max(Port port, int size);
 
-  Status enable(int port, bool on);
-  /// Somebody appears at the other end, or leaves.
-  Status set_partner(int port, bool present);
-  Status negotiate(int port, bool on);
-  /// Forces a speed, 0 for the port's fastest, and with it ends negotiation.
-  Status set_speed(int port, int speed);
-  /// Forces a duplex mode, and with it ends negotiation.
-  Status set_duplex(int port, int duplex);
-  Status advertise(int port, uint32_t abilities);
-  Status set_interface(int port, int interface);
-  Status set_loopback(int port, int loopback);
-  Status set_pause(int port, bool tx, bool rx);
-  Status set_frame_max(int port, int size);
+  /// The gap while the port runs at that speed and duplex; nothing when it cannot run at them.
+  std::optional<int> gap(Port port, int speed, int duplex) const;
+  Status absent_gap(Port port) const { return find(port) == nullptr ? Status::bad_port : Status::bad_parameter; }
+  Status set_gap(Port port, int speed, int duplex, int bit_times);
 
-  /// The gap that is in force while the port runs at that speed and duplex.
-  Status gap(int port, int speed, int duplex, int& bit_times) const;
-  Status set_gap(int port, int speed, int duplex, int bit_times);
-
-  const std::map<int, PortMac>& all() const { return macs_; }
-  /// The port's MAC, or null for one that has none.
-  const PortMac* find(int port) const {
-    return port >= 0 && port < PortSet::capacity ? by_port_[static_cast<std::size_t>(port)] : nullptr;
-  }
+  const PortTable<PortMac>& all() const { return macs_; }
+  /// The port's MAC, or null for one that has none: the CPU port.
+  const PortMac* find(Port port) const { return macs_.find(port); }
+  /// Of an Ethernet port of the chip.
+  const PortMac& of(Port port) const { return macs_[port]; }
 
  private:
   template <class Body>
-  Status with(int port, Body body);
+  Status with(Port port, Body body);
 
-  const Ports& ports_;
-  std::map<int, PortMac> macs_;  // of every Ethernet port
-  std::array<const PortMac*, PortSet::capacity> by_port_{};
+  PortTable<PortMac> macs_;  // of every Ethernet port
 };
 
 }  // namespace chip

@@ -2,8 +2,8 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
 
+#include "chip/port_table.h"
 #include "chip/ports.h"
 #include "chip/status.h"
 
@@ -15,57 +15,36 @@ struct PortRate {
   RateUnit unit = RateUnit::kilobits;
   uint32_t rate = 0;  // per second; 0: no limit
   uint32_t burst = 0;
+
+  bool is_limit() const { return rate != 0; }
 };
 
 class PortRates {
  public:
-  explicit PortRates(const Ports& ports) : ports_(ports) {}
+  explicit PortRates(const Ports& ports) : ingress_(ports.all()), egress_(ports.all()) {}
 
   /// No limits after a reset.
-  void clear() {
-    ingress_.clear();
-    egress_.clear();
+  void reset() {
+    ingress_.fill({});
+    egress_.fill({});
   }
 
-  Status police(int port, const PortRate& rate) { return set(ingress_, port, rate); }
-  Status policing(int port, uint32_t& rate, uint32_t& burst) const {
-    return get(ingress_, port, RateUnit::kilobits, rate, burst);
-  }
+  Status police(Port port, const PortRate& rate) { return set(ingress_, port, rate); }
+  Status shape(Port port, const PortRate& rate) { return set(egress_, port, rate); }
 
-  Status shape(int port, const PortRate& rate) { return set(egress_, port, rate); }
-  /// A port that is shaped in one unit cannot tell its rate in the other.
-  Status shaping(int port, RateUnit unit, uint32_t& rate, uint32_t& burst) const {
-    return get(egress_, port, unit, rate, burst);
-  }
-
-  /// By port; one that is absent has no limit.
-  const std::map<int, PortRate>& ingress() const { return ingress_; }
-  const std::map<int, PortRate>& egress() const { return egress_; }
+  const PortTable<PortRate>& ingress() const { return ingress_; }
+  const PortTable<PortRate>& egress() const { return egress_; }
 
  private:
-  using Table = std::map<int, PortRate>;
-
-  Status set(Table& table, int port, const PortRate& rate) {
-    if (!ports_.has(port)) return Status::bad_port;
-    if (rate.rate == 0)
-      table.erase(port);
-    else
-      table[port] = rate;
-    return Status::ok;
-  }
-  Status get(const Table& table, int port, RateUnit unit, uint32_t& rate, uint32_t& burst) const {
-    if (!ports_.has(port)) return Status::bad_port;
-    const auto found = table.find(port);
-    const PortRate present = found == table.end() ? PortRate{.unit = unit} : found->second;
-    if (present.unit != unit) return Status::bad_configuration;
-    rate = present.rate;
-    burst = present.burst;
+  static Status set(PortTable<PortRate>& table, Port port, const PortRate& rate) {
+    PortRate* const present = table.find(port);
+    if (present == nullptr) return Status::bad_port;
+    *present = rate.is_limit() ? rate : PortRate{};
     return Status::ok;
   }
 
-  const Ports& ports_;
-  Table ingress_;
-  Table egress_;
+  PortTable<PortRate> ingress_;
+  PortTable<PortRate> egress_;
 };
 
 }  // namespace chip

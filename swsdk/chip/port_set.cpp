@@ -11,9 +11,9 @@ int PortSet::highest() const {
 std::string text(const PortSet& ports) {
   std::string result = "{";
   for (int first = 0; first < PortSet::capacity; ++first) {
-    if (!ports.contains(first)) continue;
+    if (!ports.contains(Port::of(first))) continue;
     int last = first;
-    while (ports.contains(last + 1)) ++last;
+    while (ports.contains(Port::of(last + 1))) ++last;
     if (result.size() > 1) result += ',';
     result += std::to_string(first);
     if (last > first) result += '-' + std::to_string(last);

@@ -8,6 +8,8 @@
 #include <initializer_list>
 #include <string>
 
+#include "chip/place.h"
+
 namespace chip {
 
 class PortSet {
@@ -15,32 +17,35 @@ class PortSet {
   static constexpr int capacity = 256;
 
   PortSet() = default;
-  PortSet(std::initializer_list<int> ports) {
-    for (const int port : ports) add(port);
+  PortSet(std::initializer_list<Port> ports) {
+    for (const Port port : ports) add(port);
   }
 
-  void add(int port) { words_.at(word(port)) |= bit(port); }
-  bool contains(int port) const { return port >= 0 && port < capacity && (words_[word(port)] & bit(port)) != 0; }
+  void add(Port port) { words_.at(word(port.number())) |= bit(port.number()); }
+  bool contains(Port port) const {
+    const int number = port.number();
+    return number >= 0 && number < capacity && (words_[word(number)] & bit(number)) != 0;
+  }
   bool empty() const { return *this == PortSet(); }
 
-  /// The lowest and the highest port, -1 when the set is empty.
+  /// The number of the lowest and of the highest port, -1 when the set is empty.
   int lowest() const { return empty() ? -1 : next(0); }
   int highest() const;
 
   /// Walks the ports in ascending order.
   class Iterator {
    public:
-    Iterator(const PortSet& ports, int port) : ports_(&ports), port_(port) {}
-    int operator*() const { return port_; }
+    Iterator(const PortSet& ports, int number) : ports_(&ports), number_(number) {}
+    Port operator*() const { return Port::of(number_); }
     Iterator& operator++() {
-      port_ = ports_->next(port_ + 1);
+      number_ = ports_->next(number_ + 1);
       return *this;
     }
-    bool operator==(const Iterator&) const = default;
+    bool operator==(const Iterator& other) const { return number_ == other.number_; }
 
    private:
     const PortSet* ports_;
-    int port_;
+    int number_;
   };
   Iterator begin() const { return {*this, next(0)}; }
   Iterator end() const { return {*this, capacity}; }
@@ -64,14 +69,14 @@ class PortSet {
  private:
   static constexpr int word_bits = 64;
 
-  static std::size_t word(int port) { return static_cast<std::size_t>(port) / word_bits; }
-  static uint64_t bit(int port) { return uint64_t{1} << static_cast<unsigned>(port) % word_bits; }
+  static std::size_t word(int number) { return static_cast<std::size_t>(number) / word_bits; }
+  static uint64_t bit(int number) { return uint64_t{1} << static_cast<unsigned>(number) % word_bits; }
 
-  /// The lowest port from `port` on, or the capacity.
-  int next(int port) const {
-    if (port >= capacity) return capacity;
-    std::size_t i = word(port);
-    uint64_t rest = words_[i] & ~(bit(port) - 1);
+  /// The number of the lowest port from `number` on, or the capacity.
+  int next(int number) const {
+    if (number >= capacity) return capacity;
+    std::size_t i = word(number);
+    uint64_t rest = words_[i] & ~(bit(number) - 1);
     while (rest == 0 && ++i < words_.size()) rest = words_[i];
     return static_cast<int>(i) * word_bits + (rest == 0 ? 0 : std::countr_zero(rest));
   }

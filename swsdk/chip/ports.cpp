@@ -3,12 +3,12 @@
 namespace chip {
 
 Ports::Ports(int ethernet_ports) {
-  for (int port = 1; port <= ethernet_ports; ++port) ethernet_.add(port);
+  for (int number = 1; number <= ethernet_ports; ++number) ethernet_.add(Port::of(number));
   all_ = ethernet_;
   all_.add(cpu);
 }
 
-const char* Ports::kind(int port) {
+const char* Ports::kind(Port port) {
   if (port == cpu) return "cpu";
   return is_uplink(port) ? "uplink" : "gigabit";
 }

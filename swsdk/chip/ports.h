@@ -7,18 +7,18 @@ namespace chip {
 
 class Ports {
  public:
-  static constexpr int cpu = 0;
-  static constexpr int last_front_panel = 8;  // gigabit ports; the ones above are uplinks
+  static constexpr Port cpu = 0;
+  static constexpr Port last_front_panel = 8;  // gigabit ports; the ones above are uplinks
 
   explicit Ports(int ethernet_ports);
 
   const PortSet& all() const { return all_; }
   const PortSet& ethernet() const { return ethernet_; }
-  bool has(int port) const { return all_.contains(port); }
+  bool has(Port port) const { return all_.contains(port); }
 
-  static bool is_uplink(int port) { return port > last_front_panel; }
+  static bool is_uplink(Port port) { return port > last_front_panel; }
   /// "cpu", "gigabit" or "uplink".
-  static const char* kind(int port);
+  static const char* kind(Port port);
 
  private:
   PortSet ethernet_;

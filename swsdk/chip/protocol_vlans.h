@@ -1,4 +1,4 @@
-// The VLANs that untagged frames get by their protocol, of each port.
+// Protocol-based VLANs: the VLAN of untagged frames by protocol, for each port.
 #pragma once
 
 #include <compare>
@@ -9,7 +9,7 @@
 
 #include "chip/ports.h"
 #include "chip/status.h"
-#include "chip/vlans.h"
+#include "chip/vlan_id.h"
 
 namespace chip {
 
@@ -17,13 +17,13 @@ class ProtocolVlans {
  public:
   static constexpr std::size_t capacity = 16;  // protocols, which all ports share
 
-  /// How the protocol stands in the frame.
+  /// How the frame carries the protocol.
   static constexpr int ethernet2 = 1;
   static constexpr int snap = 2;
   static constexpr int llc = 4;
 
   struct Key {
-    int port;
+    Port port;
     int frame;
     uint16_t ethertype;
     auto operator<=>(const Key&) const = default;
@@ -33,10 +33,10 @@ class ProtocolVlans {
 
   void clear() { vlans_.clear(); }
 
-  /// A VLAN takes the place of the one with its key.
+  /// Replaces the VLAN with the same key, if there is one.
   Status add(const Key& key, int vlan) {
     if (const Status status = check(key); status != Status::ok) return status;
-    if (vlan < Vlans::lowest_id || vlan > Vlans::highest_id) return Status::bad_parameter;
+    if (!is_vlan(vlan)) return Status::bad_parameter;
     std::set<std::pair<int, uint16_t>> protocols;
     for (const auto& [present, ignored] : vlans_) protocols.emplace(present.frame, present.ethertype);
     protocols.emplace(key.frame, key.ethertype);
@@ -48,17 +48,17 @@ class ProtocolVlans {
     if (const Status status = check(key); status != Status::ok) return status;
     return vlans_.erase(key) == 1 ? Status::ok : Status::not_found;
   }
-  Status remove_all(int port) {
+  Status remove_all(Port port) {
     if (!ports_.has(port)) return Status::bad_port;
     std::erase_if(vlans_, [&](const auto& entry) { return entry.first.port == port; });
     return Status::ok;
   }
 
-  /// 0 when the protocol has none.
-  int find(const Key& key) const {
-    if (vlans_.empty()) return 0;
+  /// The VLAN of a protocol, or null.
+  const int* find(const Key& key) const {
+    if (vlans_.empty()) return nullptr;
     const auto found = vlans_.find(key);
-    return found == vlans_.end() ? 0 : found->second;
+    return found == vlans_.end() ? nullptr : &found->second;
   }
   const std::map<Key, int>& all() const { return vlans_; }
 

@@ -12,10 +12,11 @@ class Queues {
  public:
   static constexpr int count = 8;
 
-  /// Modes 1 (strict) to 5 (deficit round robin).
+  // The lowest and the highest mode.
+  static constexpr int strict = 1;
+  static constexpr int deficit_round_robin = 5;
+
   Status schedule(int mode, const int* weights, int delay) {
-    constexpr int strict = 1;
-    constexpr int deficit_round_robin = 5;
     if (mode < strict || mode > deficit_round_robin) return Status::bad_parameter;
     if (std::any_of(weights, weights + count, [](int weight) { return weight < 0; })) return Status::bad_parameter;
     mode_ = mode;
@@ -30,7 +31,7 @@ class Queues {
   int delay() const { return delay_; }
 
  private:
-  int mode_ = 1;
+  int mode_ = strict;
   std::array<int, count> weights_{};
   int delay_ = 0;
 };

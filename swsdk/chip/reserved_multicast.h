@@ -1,4 +1,4 @@
-// The IPv6 addresses that the chip takes for reserved multicast, in the outer and in the inner header of a frame.
+// The IPv6 addresses that count as reserved multicast, in the outer and in the inner header of a frame.
 #pragma once
 
 #include <algorithm>
@@ -29,7 +29,7 @@ class ReservedMulticast {
     matches_[static_cast<std::size_t>(inner)] = std::move(matches);
     return Status::ok;
   }
-  /// Whether a frame to the address is one of them.
+  /// Whether the outer destination address is one of them.
   bool contains(const Ip6& address) const {
     return std::any_of(matches_[0].begin(), matches_[0].end(), [&](const Ip6Match& match) {
       for (std::size_t i = 0; i < address.size(); ++i)

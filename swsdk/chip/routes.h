@@ -1,4 +1,4 @@
-// The route table: IPv4 subnets, of which the one with the longest prefix takes an address.
+// The route table: IPv4 subnets with longest-prefix match.
 #pragma once
 
 #include <array>
@@ -6,6 +6,7 @@
 #include <compare>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 
 #include "chip/hash.h"
 #include "chip/l3_entries.h"
@@ -23,20 +24,20 @@ struct RouteKey {
 class Routes : public L3Entries<RouteKey> {
  public:
   static constexpr std::size_t capacity = 8192;
-  static constexpr int longest = 32;
+  static constexpr int max_length = 32;
 
   Routes() : L3Entries(capacity) {}
 
-  static constexpr uint32_t mask(int length) { return length == 0 ? 0 : ~uint32_t{0} << (longest - length); }
+  static constexpr uint32_t mask(int length) { return length == 0 ? 0 : ~uint32_t{0} << (max_length - length); }
 
-  /// The key of a subnet; false when the ones of the mask do not come first.
-  static bool make_key(int vrf, uint32_t subnet, uint32_t mask_bits, RouteKey& key) {
+  /// The key of a subnet; nothing when the ones of the mask do not come first.
+  static std::optional<RouteKey> key_of(int vrf, uint32_t subnet, uint32_t mask_bits) {
     const int length = std::countl_one(mask_bits);
-    key = {vrf, subnet & mask_bits, length};
-    return mask(length) == mask_bits;
+    if (mask(length) != mask_bits) return std::nullopt;
+    return RouteKey{vrf, subnet & mask_bits, length};
   }
 
-  /// An entry that is there already is refused unless it is to be replaced.
+  /// An existing entry is replaced only if `replace` is set.
   Status add(const RouteKey& key, const L3Entry& entry, bool replace) {
     const std::size_t before = size();
     const Status status = L3Entries::add(key, entry, replace, before >= capacity);
@@ -55,9 +56,9 @@ class Routes : public L3Entries<RouteKey> {
     of_length_ = {};
   }
 
-  /// The entry that an address takes, or null.
+  /// The entry with the longest prefix that contains an address, or null.
   L3Entry* lookup(int vrf, uint32_t address) {
-    for (int length = longest; length >= 0; --length) {
+    for (int length = max_length; length >= 0; --length) {
       if (of_length(length) == 0) continue;
       if (L3Entry* const entry = find(RouteKey{vrf, address & mask(length), length})) return entry;
     }
@@ -67,7 +68,7 @@ class Routes : public L3Entries<RouteKey> {
  private:
   int& of_length(int length) { return of_length_[static_cast<std::size_t>(length)]; }
 
-  std::array<int, longest + 1> of_length_{};  // how many entries have a prefix of that length
+  std::array<int, max_length + 1> of_length_{};  // how many entries have a prefix of that length
 };
 
 }  // namespace chip

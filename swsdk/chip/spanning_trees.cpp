@@ -6,10 +6,10 @@ namespace chip {
 
 void SpanningTrees::reset() {
   groups_.clear();
-  groups_.put(states(StpState::forward), lowest_id);
-  note_forwarding(lowest_id);
-  vlans_.set_default_spanning_tree(lowest_id);
-  for (const auto& [vlan, ignored] : vlans_.all()) vlans_.set_spanning_tree(vlan, lowest_id);
+  groups_.put(states(StpState::forward), first_id);
+  note_forwarding(first_id);
+  vlans_.set_default_spanning_tree(first_id);
+  for (const auto& [vlan, ignored] : vlans_.all()) vlans_.set_spanning_tree(vlan, first_id);
 }
 
 Status SpanningTrees::set_default(int id) {
@@ -31,7 +31,7 @@ Status SpanningTrees::destroy(int id) {
 }
 
 void SpanningTrees::destroy_all() {
-  for (int id = lowest_id; id < lowest_id + capacity; ++id) destroy(id);
+  for (int id = first_id; id < first_id + capacity; ++id) destroy(id);
 }
 
 Status SpanningTrees::add_vlan(int id, int vlan) {
@@ -41,9 +41,9 @@ Status SpanningTrees::add_vlan(int id, int vlan) {
 
 Status SpanningTrees::remove_vlan(int id, int vlan) {
   if (const Status status = check(id); status != Status::ok) return status;
-  int present = 0;
-  if (const Status status = vlans_.spanning_tree(vlan, present); status != Status::ok) return status;
-  return present == id ? vlans_.set_spanning_tree(vlan, default_id()) : Status::not_found;
+  const Vlan* const present = vlans_.find(vlan);
+  if (present == nullptr) return Vlans::absent(vlan);
+  return present->spanning_tree == id ? vlans_.set_spanning_tree(vlan, default_id()) : Status::not_found;
 }
 
 Status SpanningTrees::remove_vlans(int id) {
@@ -53,20 +53,13 @@ Status SpanningTrees::remove_vlans(int id) {
   return Status::ok;
 }
 
-Status SpanningTrees::set_state(int id, int port, int state) {
+Status SpanningTrees::set_state(int id, Port port, int state) {
   if (const Status status = check(id); status != Status::ok) return status;
   if (!ports_.has(port)) return Status::bad_port;
   if (state < static_cast<int>(StpState::disable) || state > static_cast<int>(StpState::forward))
     return Status::bad_parameter;
   (*groups_.find(id))[port] = static_cast<StpState>(state);
   note_forwarding(id);
-  return Status::ok;
-}
-
-Status SpanningTrees::state(int id, int port, StpState& state) const {
-  if (const Status status = check(id); status != Status::ok) return status;
-  if (!ports_.has(port)) return Status::bad_port;
-  state = groups_.find(id)->at(port);
   return Status::ok;
 }
 
@@ -77,10 +70,10 @@ void SpanningTrees::note_forwarding(int id) {
     if (state == StpState::forward) forwarding.add(port);
 }
 
-SpanningTrees::States SpanningTrees::states(StpState of_ethernet) const {
-  States result;
-  for (int port = 0; port <= ports_.all().highest(); ++port)
-    if (ports_.has(port)) result[port] = port == Ports::cpu ? StpState::forward : of_ethernet;
+PortTable<StpState> SpanningTrees::states(StpState of_ethernet) const {
+  PortTable<StpState> result(ports_.all());
+  result.fill(of_ethernet);
+  result[Ports::cpu] = StpState::forward;
   return result;
 }
 

@@ -1,10 +1,11 @@
-// Spanning-tree groups: VLANs that have the state of each port in common.
+// Spanning-tree groups: VLANs that share the state of each port.
 #pragma once
 
 #include <array>
 #include <cstddef>
 #include <map>
 
+#include "chip/port_table.h"
 #include "chip/slots.h"
 #include "chip/vlans.h"
 
@@ -14,50 +15,57 @@ enum class StpState : int { disable, block, listen, learn, forward };
 
 class SpanningTrees {
  public:
-  static constexpr int lowest_id = 1;
+  static constexpr int first_id = 1;
   static constexpr int capacity = 256;
 
   SpanningTrees(const Ports& ports, Vlans& vlans) : ports_(ports), vlans_(vlans) { reset(); }
 
-  /// The first group alone, which is the default one and has every VLAN; its ports forward.
+  /// Only the first group, which is the default one and has every VLAN; its ports forward.
   void reset();
 
-  /// The group that VLANs are in when nobody has said otherwise.
+  /// The group of VLANs that were not added to another one.
   Status set_default(int id);
   int default_id() const { return vlans_.default_spanning_tree(); }
 
-  /// A group begins without VLANs, and with every port but the CPU's disabled.
+  /// A new group has no VLANs, and all its ports except the CPU's are disabled.
   Status create(int id);
-  /// The VLANs of a group that is destroyed go to the default one, which cannot be destroyed.
+  /// Moves the VLANs of the group to the default one, which cannot be destroyed.
   Status destroy(int id);
   /// Destroys all but the default group.
   void destroy_all();
 
-  /// Takes the VLAN out of the group that it is in.
+  /// Moves a VLAN from its group to this one.
   Status add_vlan(int id, int vlan);
-  /// The VLAN goes to the default group.
+  /// Moves VLANs to the default group.
   Status remove_vlan(int id, int vlan);
   Status remove_vlans(int id);
 
-  Status set_state(int id, int port, int state);
-  Status state(int id, int port, StpState& state) const;
+  Status set_state(int id, Port port, int state);
+  /// The state of a port in a group, or null.
+  const StpState* state(int id, Port port) const {
+    const PortTable<StpState>* const states = groups_.find(id);
+    return states == nullptr ? nullptr : states->find(port);
+  }
+  /// Why there is no such state.
+  Status absent_state(int id, Port /*port*/) const {
+    const Status status = check(id);
+    return status == Status::ok ? Status::bad_port : status;
+  }
   /// Whether a port of the chip forwards frames of the VLANs of a group.
-  bool forwards(int id, int port) const { return forwarding_[static_cast<std::size_t>(id)].contains(port); }
+  bool forwards(int id, Port port) const { return forwarding_[static_cast<std::size_t>(id)].contains(port); }
 
   /// The state of each port, by group.
-  const std::map<int, std::map<int, StpState>>& all() const { return groups_.all(); }
+  const std::map<int, PortTable<StpState>>& all() const { return groups_.all(); }
 
  private:
-  using States = std::map<int, StpState>;  // by port
-
-  States states(StpState of_ethernet) const;
+  PortTable<StpState> states(StpState of_ethernet) const;
   void note_forwarding(int id);
   Status check(int id) const;
 
   const Ports& ports_;
   Vlans& vlans_;
-  Slots<States> groups_{lowest_id, capacity};
-  std::array<PortSet, lowest_id + capacity> forwarding_;  // the ports that forward, by group
+  Slots<PortTable<StpState>> groups_{first_id, capacity};
+  std::array<PortSet, first_id + capacity> forwarding_;  // the ports that forward, by group
 };
 
 }  // namespace chip

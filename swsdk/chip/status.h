@@ -1,4 +1,4 @@
-// What the chip answers to an operation on its tables.
+// Results of operations on the chip's tables.
 #pragma once
 
 namespace chip {
@@ -21,7 +21,7 @@ enum class Status : int {
   no_resource = -14,
   bad_configuration = -15,
   unavailable = -16,
-  not_initialised = -17,
+  not_initialized = -17,
   bad_port = -18,
 };
 

@@ -1,4 +1,4 @@
-// Storm control: how many broadcasts, multicasts and frames to unknown destinations each port lets in.
+// Storm control: how many broadcasts, multicasts and frames to unknown destinations each port accepts.
 #pragma once
 
 #include <compare>
@@ -12,13 +12,13 @@ namespace chip {
 
 class StormRates {
  public:
-  // Kinds of storms, by the flag that turns their control on.
+  // Kinds of storms, by the flag that enables their control.
   static constexpr uint32_t unknown_destination = 0x1;
   static constexpr uint32_t multicast = 0x2;
   static constexpr uint32_t broadcast = 0x4;
 
   struct Key {
-    int port;
+    Port port;
     uint32_t kind;
     auto operator<=>(const Key&) const = default;
   };
@@ -28,7 +28,7 @@ class StormRates {
   /// No control after a reset.
   void clear() { rates_.clear(); }
 
-  /// Limits one kind to `rate` packets per second, or with flags 0 lets all of them in.
+  /// Limits one kind to `rate` packets per second; flags 0 removes the limit.
   Status set(const Key& key, uint32_t flags, int rate) {
     if (!ports_.has(key.port)) return Status::bad_port;
     if ((flags & ~key.kind) != 0 || (flags != 0 && rate < 0)) return Status::bad_parameter;
@@ -39,8 +39,12 @@ class StormRates {
     return Status::ok;
   }
 
-  /// In packets per second; a kind that is absent has no limit.
-  const std::map<Key, int>& all() const { return rates_; }
+  /// In packets per second; null for a kind that has no limit.
+  const int* find(const Key& key) const {
+    const auto found = rates_.find(key);
+    return found == rates_.end() ? nullptr : &found->second;
+  }
+  bool empty() const { return rates_.empty(); }
 
  private:
   const Ports& ports_;

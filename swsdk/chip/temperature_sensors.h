@@ -16,7 +16,7 @@ class TemperatureSensors {
  public:
   static constexpr int capacity = 256;
 
-  /// The readings of all sensors; their number is that of the readings. A reset leaves them alone: it cools nothing.
+  /// The readings of all sensors, and with them their number. A reset does not change them.
   void set(std::vector<Temperature> readings) { readings_ = std::move(readings); }
   const std::vector<Temperature>& all() const { return readings_; }
 

@@ -1,7 +1,5 @@
 #include "chip/trunks.h"
 
-#include <algorithm>
-
 namespace chip {
 
 void Trunks::reset() {
@@ -11,48 +9,47 @@ void Trunks::reset() {
 
 void Trunks::detach() {
   trunks_.clear();
-  trunk_of_.fill(none);
+  trunk_of_.fill({});
   attached_ = false;
 }
 
-Status Trunks::create(uint32_t flags, int& id) {
-  constexpr uint32_t with_id = 0x10;
-  if (!attached_) return Status::not_initialised;
+Status Trunks::create(uint32_t flags, TrunkId& id) {
+  if (!attached_) return Status::not_initialized;
   if ((flags & ~with_id) != 0) return Status::bad_parameter;
   return flags & with_id ? trunks_.add_with_id({}, id) : trunks_.add({}, id);
 }
 
-Status Trunks::destroy(int id) {
-  if (!attached_) return Status::not_initialised;
-  std::replace(trunk_of_.begin(), trunk_of_.end(), id, none);
+Status Trunks::destroy(TrunkId id) {
+  if (find(id) == nullptr) return absent(id);
+  release_members(id);
   return trunks_.remove(id);
 }
 
-Status Trunks::set(int id, int criterion, const std::vector<int>& members) {
-  if (const Status status = check(id); status != Status::ok) return status;
+Status Trunks::set(TrunkId id, int criterion, const std::vector<Port>& members) {
+  Trunk* const trunk = trunks_.find(id);
+  if (trunk == nullptr) return absent(id);
   if (!is_criterion(criterion)) return Status::bad_parameter;
-  if (members.size() > most_members) return Status::full;
-  for (const int port : members) {
-    if (!ports_.has(port)) return Status::bad_port;
+  if (members.size() > max_members) return Status::full;
+  for (const Port port : members) {
+    if (trunk_of_.find(port) == nullptr) return Status::bad_port;
     if (trunk_of(port).value_or(id) != id) return Status::exists;
   }
-  std::replace(trunk_of_.begin(), trunk_of_.end(), id, none);
-  for (const int port : members) trunk_of_[static_cast<std::size_t>(port)] = id;
-  *trunks_.find(id) = {criterion, members};
+  release_members(id);
+  for (const Port port : members) trunk_of_[port] = id;
+  *trunk = {static_cast<TrunkCriterion>(criterion), members};
   return Status::ok;
 }
 
-Status Trunks::set_criterion(int id, int criterion) {
-  if (const Status status = check(id); status != Status::ok) return status;
+Status Trunks::set_criterion(TrunkId id, int criterion) {
+  Trunk* const trunk = trunks_.find(id);
+  if (trunk == nullptr) return absent(id);
   if (!is_criterion(criterion)) return Status::bad_parameter;
-  trunks_.find(id)->criterion = criterion;
+  trunk->criterion = static_cast<TrunkCriterion>(criterion);
   return Status::ok;
 }
 
-Status Trunks::check(int id) const {
-  if (!attached_) return Status::not_initialised;
-  if (!trunks_.is_valid(id)) return Status::bad_parameter;
-  return trunks_.find(id) == nullptr ? Status::not_found : Status::ok;
+void Trunks::release_members(TrunkId id) {
+  for (const Port port : trunks_.find(id)->members) trunk_of_[port].reset();
 }
 
 }  // namespace chip

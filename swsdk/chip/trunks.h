@@ -1,60 +1,71 @@
-// Trunks: ports that carry traffic together, as one.
+// Trunks: ports that are aggregated into one link.
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <optional>
 #include <vector>
 
+#include "chip/port_table.h"
 #include "chip/ports.h"
 #include "chip/slots.h"
 
 namespace chip {
 
+/// The fields that select the member of a frame.
+enum class TrunkCriterion : int {
+  own_choice,  // of the chip
+  source_mac,
+  destination_mac,
+  both_macs,
+  source_ip,
+  destination_ip,
+  both_ips,
+};
+
 struct Trunk {
-  int criterion = 0;         // by what a frame picks its member
-  std::vector<int> members;  // in the order in which they are picked; a port may have several turns
+  TrunkCriterion criterion{};
+  std::vector<Port> members;  // in order; a port may be listed several times, for a larger share
 };
 
 class Trunks {
  public:
   static constexpr int capacity = 128;
-  static constexpr std::size_t most_members = 8;
-  static constexpr int highest_criterion = 6;  // 0: the chip's own choice
+  static constexpr std::size_t max_members = 8;
+  static constexpr uint32_t with_id = 0x10;  // a flag of create()
 
-  explicit Trunks(const Ports& ports) : ports_(ports) { trunk_of_.fill(none); }
+  explicit Trunks(const Ports& ports) : trunk_of_(ports.all()) {}
 
-  /// No trunks, but ready to have some.
+  /// No trunks.
   void reset();
-  /// Until the next reset every operation answers that the trunks are not initialised.
+  /// Until the next reset every operation answers not_initialized.
   void detach();
 
-  /// Makes a trunk without members; the flag `with_id` asks for the id that `id` holds.
-  Status create(uint32_t flags, int& id);
-  Status destroy(int id);
+  /// Creates a trunk without members; with the flag `with_id` under the id in `id`, otherwise `id` is set.
+  Status create(uint32_t flags, TrunkId& id);
+  Status destroy(TrunkId id);
 
-  /// Takes the place of what was set before. A port is in one trunk at most.
-  Status set(int id, int criterion, const std::vector<int>& members);
-  Status set_criterion(int id, int criterion);
+  /// Replaces criterion and members. A port is in at most one trunk.
+  Status set(TrunkId id, int criterion, const std::vector<Port>& members);
+  Status set_criterion(TrunkId id, int criterion);
 
-  /// Whether the id is within the table and there is such a trunk.
-  Status check(int id) const;
-  /// The trunk that the port is in.
-  std::optional<int> trunk_of(int port) const {
-    const bool is_in_one = port >= 0 && port < PortSet::capacity && trunk_of_[static_cast<std::size_t>(port)] != none;
-    return is_in_one ? std::optional(trunk_of_[static_cast<std::size_t>(port)]) : std::nullopt;
-  }
+  const Trunk* find(TrunkId id) const { return trunks_.find(id); }
+  /// Why there is no trunk of that id.
+  Status absent(TrunkId id) const { return attached_ ? trunks_.absent(id) : Status::not_initialized; }
+  /// The trunk that a port of the chip is in.
+  std::optional<TrunkId> trunk_of(Port port) const { return trunk_of_[port]; }
 
-  const std::map<int, Trunk>& all() const { return trunks_.all(); }
+  const std::map<TrunkId, Trunk>& all() const { return trunks_.all(); }
 
  private:
-  static bool is_criterion(int criterion) { return criterion >= 0 && criterion <= highest_criterion; }
+  static bool is_criterion(int number) {
+    return number >= static_cast<int>(TrunkCriterion::own_choice) &&
+           number <= static_cast<int>(TrunkCriterion::both_ips);
+  }
+  /// Takes all ports out of the trunk.
+  void release_members(TrunkId id);
 
-  static constexpr int none = -1;
-
-  const Ports& ports_;
-  Slots<Trunk> trunks_{0, capacity};
-  std::array<int, PortSet::capacity> trunk_of_;  // by port
+  Slots<Trunk, TrunkId> trunks_{0, capacity};
+  PortTable<std::optional<TrunkId>> trunk_of_;
   bool attached_ = true;
 };
 

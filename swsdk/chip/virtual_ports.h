@@ -1,13 +1,15 @@
-// The virtual ports: each is those frames of a port that have given tags.
+// The virtual ports: each stands for the frames of a port that have given tags.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
+#include <optional>
 
-#include "chip/gports.h"
 #include "chip/hash.h"
 #include "chip/keyed_slots.h"
 #include "chip/ports.h"
+#include "chip/vlan_id.h"
 
 namespace chip {
 
@@ -18,7 +20,7 @@ struct VirtualPort {
 
   int criteria = 0;
   uint32_t flags = 0;
-  int port = 0;  // the physical one, as a number or as a gport
+  Port port{};  // the physical one
   uint16_t match_vlan = 0;
   uint16_t match_inner_vlan = 0;
   uint16_t egress_vlan = 0;
@@ -31,85 +33,67 @@ class VirtualPorts {
  public:
   static constexpr int first_number = 1;
   static constexpr int capacity = 4096;
-  static constexpr int highest_vlan = 4095;
 
   explicit VirtualPorts(const Ports& ports) : ports_(ports) {}
 
-  /// Makes a virtual port and tells its gport. No two match the same frames.
-  Status create(const VirtualPort& virtual_port, int& gport) {
-    if (const Status status = check(virtual_port); status != Status::ok) return status;
-    if (virtual_port.egress_vlan > highest_vlan || virtual_port.egress_inner_vlan > highest_vlan)
-      return Status::bad_parameter;
-    int number = 0;
-    const Status status = virtual_ports_.add(virtual_port, number);
-    if (status == Status::ok) gport = gport::of(gport::virtual_port, number);
-    return status;
+  /// Creates a virtual port; `id` is set. No two match the same frames.
+  Status create(const VirtualPort& virtual_port, VirtualPortId& id) {
+    if (const Status status = check_match(virtual_port); status != Status::ok) return status;
+    if (virtual_port.egress_vlan > max_vlan || virtual_port.egress_inner_vlan > max_vlan) return Status::bad_parameter;
+    return virtual_ports_.add(virtual_port, id);
   }
 
-  Status destroy(int gport) {
-    return is_virtual(gport) ? virtual_ports_.remove(gport::number(gport)) : Status::bad_port;
-  }
-
+  Status destroy(VirtualPortId id) { return virtual_ports_.remove(id); }
   void clear() { virtual_ports_.clear(); }
 
-  static bool is_virtual(int gport) { return gport::kind(gport) == gport::virtual_port; }
+  const VirtualPort* find(VirtualPortId id) const { return virtual_ports_.find(id); }
+  /// Why there is no virtual port of that id.
+  Status absent(VirtualPortId id) const { return virtual_ports_.absent(id); }
 
-  const VirtualPort* find(int gport) const {
-    return is_virtual(gport) ? virtual_ports_.find(gport::number(gport)) : nullptr;
+  /// The virtual port that matches the same frames as `wanted`.
+  std::optional<VirtualPortId> find_match(const VirtualPort& wanted) const {
+    return check_match(wanted) == Status::ok ? virtual_ports_.find_id(match_of(wanted)) : std::nullopt;
   }
-  /// Why there is no virtual port of that gport.
-  Status absent(int gport) const {
-    return is_virtual(gport) ? virtual_ports_.absent(gport::number(gport)) : Status::bad_port;
-  }
-
-  /// The gport of the virtual port that matches the same frames as `wanted`.
-  Status find_match(const VirtualPort& wanted, int& gport) const {
-    if (const Status status = check(wanted); status != Status::ok) return status;
-    int number = 0;
-    const Status status = virtual_ports_.find_id(match_of(wanted), number);
-    if (status == Status::ok) gport = gport::of(gport::virtual_port, number);
-    return status;
+  /// Why none matches them.
+  Status absent_match(const VirtualPort& wanted) const {
+    const Status status = check_match(wanted);
+    return status == Status::ok ? Status::not_found : status;
   }
 
-  /// The gport of the virtual port that takes a frame's tags; 0 for `inner` is for one that takes any. 0 when there is
-  /// none.
-  int matching(int port, int outer, int inner) const {
-    int number = 0;
-    const Status status = virtual_ports_.find_id({port, outer, inner}, number);
-    return status == Status::ok ? gport::of(gport::virtual_port, number) : 0;
+  /// The virtual port that takes a port's frames with these tags, whatever they have inside, or with both of them.
+  std::optional<VirtualPortId> matching(Port port, int outer) const { return matching(port, outer, any_inner); }
+  std::optional<VirtualPortId> matching(Port port, int outer, int inner) const {
+    return virtual_ports_.find_id({port, outer, inner});
   }
 
-  /// By number, which is what a gport says beside its kind.
-  const std::map<int, VirtualPort>& all() const { return virtual_ports_.all(); }
+  const std::map<VirtualPortId, VirtualPort>& all() const { return virtual_ports_.all(); }
 
  private:
   struct Match {
-    int port;
+    Port port;
     int outer;
     int inner;  // any_inner: whatever there is inside
     bool operator==(const Match&) const = default;
-    std::size_t hash() const { return hash_of(port, outer, inner); }
+    std::size_t hash() const { return hash_of(port.number(), outer, inner); }
   };
   static constexpr int any_inner = 0;
 
   static Match match_of(const VirtualPort& virtual_port) {
     const bool stacked = virtual_port.criteria == VirtualPort::match_port_vlan_stacked;
-    return {gport::port_of(virtual_port.port), virtual_port.match_vlan,
-            stacked ? virtual_port.match_inner_vlan : any_inner};
+    return {virtual_port.port, virtual_port.match_vlan, stacked ? virtual_port.match_inner_vlan : any_inner};
   }
 
   /// Whether there can be a virtual port with such a match.
-  Status check(const VirtualPort& virtual_port) const {
-    const auto is_vlan = [](int vlan) { return vlan > 0 && vlan <= highest_vlan; };
+  Status check_match(const VirtualPort& virtual_port) const {
     const bool stacked = virtual_port.criteria == VirtualPort::match_port_vlan_stacked;
     if (!stacked && virtual_port.criteria != VirtualPort::match_port_vlan) return Status::bad_parameter;
     if (!is_vlan(virtual_port.match_vlan)) return Status::bad_parameter;
     if (stacked && !is_vlan(virtual_port.match_inner_vlan)) return Status::bad_parameter;
-    return ports_.has(gport::port_of(virtual_port.port)) ? Status::ok : Status::bad_port;
+    return ports_.has(virtual_port.port) ? Status::ok : Status::bad_port;
   }
 
   const Ports& ports_;
-  KeyedSlots<VirtualPort, match_of> virtual_ports_{first_number, capacity};
+  KeyedSlots<VirtualPort, match_of, VirtualPortId> virtual_ports_{first_number, capacity};
 };
 
 }  // namespace chip

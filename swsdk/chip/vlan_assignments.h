@@ -1,4 +1,4 @@
-// The VLANs that untagged frames get by where they come from: by source MAC address, or by subnet of the source.
+// VLANs of untagged frames by their source: by MAC address, or by IP subnet.
 #pragma once
 
 #include <compare>
@@ -9,10 +9,11 @@
 #include "chip/addresses.h"
 #include "chip/hashed_map.h"
 #include "chip/status.h"
+#include "chip/vlan_id.h"
 
 namespace chip {
 
-/// What an untagged frame gets.
+/// The VLAN and priority of an untagged frame.
 struct VlanAssignment {
   uint16_t vlan = 0;
   int priority = 0;
@@ -38,10 +39,8 @@ class VlanAssignments {
   static constexpr std::size_t capacity = Capacity;
 
   Status add(const Key& key, const VlanAssignment& to) {
-    constexpr int highest_vlan = 4095;
-    constexpr int highest_priority = 7;
-    if (to.vlan < 1 || to.vlan > highest_vlan || to.priority < 0 || to.priority > highest_priority)
-      return Status::bad_parameter;
+    constexpr int max_priority = 7;
+    if (!is_vlan(to.vlan) || to.priority < 0 || to.priority > max_priority) return Status::bad_parameter;
     if (find(key) != nullptr) return Status::exists;
     if (assignments_.size() == capacity) return Status::full;
     assignments_.put(key, to);
@@ -60,7 +59,7 @@ class VlanAssignments {
 using MacVlans = VlanAssignments<Mac, 1024>;
 using SubnetVlans = VlanAssignments<Subnet, 512>;
 
-/// What the smallest subnet around an address gets; null when there is none.
+/// The assignment of the smallest subnet that contains an address, or null.
 const VlanAssignment* find_around(const SubnetVlans& subnets, const Subnet& address);
 
 }  // namespace chip

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 
+#include "chip/port_table.h"
 #include "chip/ports.h"
 #include "chip/status.h"
 
@@ -30,12 +31,12 @@ class VlanControls {
   static constexpr int key_port_double = 7;  // both tags
   static constexpr int key_port_outer = 8;
 
-  explicit VlanControls(const Ports& ports) : ports_(ports) {}
+  explicit VlanControls(const Ports& ports) : of_ports_(ports.all()) {}
 
   /// All controls are 0 after a reset.
   void reset() {
     translate_ = 0;
-    of_ports_ = {};
+    of_ports_.fill({});
   }
 
   Status set(int control, int value) {
@@ -45,9 +46,9 @@ class VlanControls {
   }
   int translate() const { return translate_; }
 
-  Status set_port(int port, int control, int value) {
-    if (const Status status = check(port, control); status != Status::ok) return status;
-    OfPort& settings = of_ports_[static_cast<std::size_t>(port)];
+  Status set_port(Port port, int control, int value) {
+    if (find(port, control) == nullptr) return absent(port, control);
+    OfPort& settings = of_ports_[port];
     settings.values[static_cast<std::size_t>(control)] = value;
     const bool set = value != 0;
     if (control == static_cast<int>(VlanControlOfPort::prefer_ip4)) settings.prefers_subnet = set;
@@ -55,27 +56,29 @@ class VlanControls {
       settings.prefers_subnet = !set && of_port(port, VlanControlOfPort::prefer_ip4) != 0;
     return Status::ok;
   }
-  Status get_port(int port, int control, int& value) const {
-    if (const Status status = check(port, control); status != Status::ok) return status;
-    value = of_port(port, static_cast<VlanControlOfPort>(control));
-    return Status::ok;
+  const int* find(Port port, int control) const {
+    const OfPort* const settings = of_ports_.find(port);
+    return settings != nullptr && has(control) ? &settings->values[static_cast<std::size_t>(control)] : nullptr;
+  }
+  /// Why the port has no such control.
+  Status absent(Port port, int /*control*/) const {
+    return of_ports_.find(port) == nullptr ? Status::bad_port : Status::unavailable;
   }
 
   /// Of a port that the chip has.
-  int of_port(int port, VlanControlOfPort control) const {
-    return of_ports_[static_cast<std::size_t>(port)].values[static_cast<std::size_t>(control)];
+  int of_port(Port port, VlanControlOfPort control) const {
+    return of_ports_[port].values[static_cast<std::size_t>(control)];
   }
-  /// Whether the subnet of a frame counts before its MAC address. A port that was asked for both does what it was asked
-  /// for last: whoever asks cannot take the other back.
-  bool prefers_subnet(int port) const { return of_ports_[static_cast<std::size_t>(port)].prefers_subnet; }
-  /// Whether the port translates in one direction; the chip has to translate at all.
-  bool translates(int port, VlanControlOfPort direction) const {
+  /// Whether the subnet of a frame has precedence over its MAC address. Of both preferences, the one set last holds: a
+  /// caller that sets one cannot clear the other.
+  bool prefers_subnet(Port port) const { return of_ports_[port].prefers_subnet; }
+  /// Whether the port translates in one direction, which requires the chip's own control too.
+  bool translates(Port port, VlanControlOfPort direction) const {
     return translate_ != 0 && of_port(port, direction) != 0;
   }
 
  private:
-  Status check(int port, int control) const {
-    if (!ports_.has(port)) return Status::bad_port;
+  static bool has(int control) {
     switch (static_cast<VlanControlOfPort>(control)) {
       using enum VlanControlOfPort;
       case prefer_ip4:
@@ -86,18 +89,18 @@ class VlanControls {
       case lookup_ip:
       case translate_first_key:
       case translate_second_key:
-        return Status::ok;
+        return true;
     }
-    return Status::unavailable;
+    return false;
   }
 
-  const Ports& ports_;
-  int translate_ = 0;
   struct OfPort {
     std::array<int, static_cast<std::size_t>(VlanControlOfPort::translate_second_key) + 1> values{};
     bool prefers_subnet = false;
   };
-  std::array<OfPort, PortSet::capacity> of_ports_{};
+
+  int translate_ = 0;
+  PortTable<OfPort> of_ports_;
 };
 
 }  // namespace chip

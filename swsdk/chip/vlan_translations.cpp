@@ -1,12 +1,8 @@
 #include "chip/vlan_translations.h"
 
+#include "chip/vlan_id.h"
+
 namespace chip {
-
-namespace {
-
-bool is_vlan(int vlan) { return vlan >= 1 && vlan <= VlanTranslations::highest_vlan; }
-
-}  // namespace
 
 void VlanTranslations::reset() {
   ingress_.clear();
@@ -14,12 +10,17 @@ void VlanTranslations::reset() {
   outer_.clear();
 }
 
-Status VlanTranslations::check(int port, int vlan) const {
+Status VlanTranslations::check(Port port, int vlan) const {
   if (!ports_.has(port)) return Status::bad_port;
   return is_vlan(vlan) ? Status::ok : Status::bad_parameter;
 }
 
-Status VlanTranslations::add(Table& table, std::size_t used, int port, int vlan, const Translation& to) {
+Status VlanTranslations::absent(Port port, int vlan) const {
+  const Status status = check(port, vlan);
+  return status == Status::ok ? Status::not_found : status;
+}
+
+Status VlanTranslations::add(Table& table, std::size_t used, Port port, int vlan, const Translation& to) {
   if (const Status status = check(port, vlan); status != Status::ok) return status;
   if (!is_vlan(to.vlan)) return Status::bad_parameter;
   if (table.find({port, vlan}) != nullptr) return Status::exists;
@@ -28,40 +29,23 @@ Status VlanTranslations::add(Table& table, std::size_t used, int port, int vlan,
   return Status::ok;
 }
 
-Status VlanTranslations::find(const Table& table, int port, int vlan, Translation& found) const {
-  if (const Status status = check(port, vlan); status != Status::ok) return status;
-  const Translation* const entry = table.find({port, vlan});
-  if (entry == nullptr) return Status::not_found;
-  found = *entry;
-  return Status::ok;
+Status VlanTranslations::remove(Table& table, Port port, int vlan) {
+  return table.remove({port, vlan}) ? Status::ok : absent(port, vlan);
 }
 
-Status VlanTranslations::remove(Table& table, int port, int vlan) {
-  if (const Status status = check(port, vlan); status != Status::ok) return status;
-  return table.remove({port, vlan}) ? Status::ok : Status::not_found;
-}
-
-Status VlanTranslations::add(int port, int vlan, const Translation& to) {
+Status VlanTranslations::add(Port port, int vlan, const Translation& to) {
   return add(ingress_, ingress_.size() + outer_.size(), port, vlan, to);
 }
 
-Status VlanTranslations::find(int port, int vlan, Translation& found) const {
-  return find(ingress_, port, vlan, found);
-}
+Status VlanTranslations::remove(Port port, int vlan) { return remove(ingress_, port, vlan); }
 
-Status VlanTranslations::remove(int port, int vlan) { return remove(ingress_, port, vlan); }
-
-Status VlanTranslations::add_egress(int port, int vlan, const Translation& to) {
+Status VlanTranslations::add_egress(Port port, int vlan, const Translation& to) {
   return add(egress_, egress_.size(), port, vlan, to);
 }
 
-Status VlanTranslations::find_egress(int port, int vlan, Translation& found) const {
-  return find(egress_, port, vlan, found);
-}
+Status VlanTranslations::remove_egress(Port port, int vlan) { return remove(egress_, port, vlan); }
 
-Status VlanTranslations::remove_egress(int port, int vlan) { return remove(egress_, port, vlan); }
-
-Status VlanTranslations::add_outer(int port, int low, int high, const Translation& outer) {
+Status VlanTranslations::add_outer(Port port, int low, int high, const Translation& outer) {
   if (const Status status = check(port, low); status != Status::ok) return status;
   if (!is_vlan(high) || high < low || !is_vlan(outer.vlan)) return Status::bad_parameter;
   for (const auto& [key, range] : outer_)
@@ -71,7 +55,7 @@ Status VlanTranslations::add_outer(int port, int low, int high, const Translatio
   return Status::ok;
 }
 
-Status VlanTranslations::remove_outer(int port, int low, int high) {
+Status VlanTranslations::remove_outer(Port port, int low, int high) {
   if (const Status status = check(port, low); status != Status::ok) return status;
   if (!is_vlan(high) || high < low) return Status::bad_parameter;
   const auto entry = outer_.find({port, low});
@@ -80,7 +64,7 @@ Status VlanTranslations::remove_outer(int port, int low, int high) {
   return Status::ok;
 }
 
-const Translation* VlanTranslations::find_range(int port, int vlan) const {
+const Translation* VlanTranslations::find_range(Port port, int vlan) const {
   auto range = outer_.upper_bound({port, vlan});
   if (range == outer_.begin()) return nullptr;
   --range;

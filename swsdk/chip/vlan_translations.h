@@ -1,7 +1,8 @@
-// VLAN translation and double tagging, by port, on the way in and on the way out.
+// VLAN translation and double tagging, by port, at ingress and egress.
 #pragma once
 
 #include <compare>
+#include <cstddef>
 #include <cstdint>
 #include <map>
 
@@ -11,7 +12,7 @@
 
 namespace chip {
 
-/// What a translation gives a frame.
+/// The result of a translation.
 struct Translation {
   uint16_t vlan = 0;
   int priority = 0;
@@ -19,38 +20,37 @@ struct Translation {
 
 class VlanTranslations {
  public:
-  /// Entries of the two ways in, and of the two ways out, together.
+  /// Of both ingress tables together, and of the egress table.
   static constexpr int capacity = 8192;
-  static constexpr int highest_vlan = 4095;
 
   explicit VlanTranslations(const Ports& ports) : ports_(ports) {}
 
   void reset();
 
-  /// Way in: the tag `vlan` of a frame is replaced.
-  Status add(int port, int vlan, const Translation& to);
-  Status find(int port, int vlan, Translation& found) const;
-  Status remove(int port, int vlan);
+  /// Ingress: the tag `vlan` of a frame is replaced.
+  Status add(Port port, int vlan, const Translation& to);
+  Status remove(Port port, int vlan);
 
-  /// Way out: the tag `vlan` of a frame is replaced.
-  Status add_egress(int port, int vlan, const Translation& to);
-  Status find_egress(int port, int vlan, Translation& found) const;
-  Status remove_egress(int port, int vlan);
+  /// Egress: the tag `vlan` of a frame is replaced.
+  Status add_egress(Port port, int vlan, const Translation& to);
+  Status remove_egress(Port port, int vlan);
 
-  /// Way in: a frame with a tag from `low` to `high` gains an outer one. The ranges of a port do not overlap.
-  Status add_outer(int port, int low, int high, const Translation& outer);
-  Status remove_outer(int port, int low, int high);
+  /// Ingress: a frame with a tag from `low` to `high` gains an outer one. The ranges of a port do not overlap.
+  Status add_outer(Port port, int low, int high, const Translation& outer);
+  Status remove_outer(Port port, int low, int high);
 
-  /// What a frame with the tag `vlan` gets on either way, or gains as an outer tag; null when it gets nothing.
-  const Translation* find(int port, int vlan) const { return ingress_.find({port, vlan}); }
-  const Translation* find_egress(int port, int vlan) const { return egress_.find({port, vlan}); }
-  const Translation* find_outer(int port, int vlan) const { return outer_.empty() ? nullptr : find_range(port, vlan); }
+  /// The translation of the tag `vlan` at ingress or egress, or its added outer tag; null when there is none.
+  const Translation* find(Port port, int vlan) const { return ingress_.find({port, vlan}); }
+  const Translation* find_egress(Port port, int vlan) const { return egress_.find({port, vlan}); }
+  const Translation* find_outer(Port port, int vlan) const { return outer_.empty() ? nullptr : find_range(port, vlan); }
+  /// Why there is no translation, at ingress or egress.
+  Status absent(Port port, int vlan) const;
 
   struct Key {
-    int port;
+    Port port;
     int vlan;
     auto operator<=>(const Key&) const = default;
-    std::size_t hash() const { return hash_of(port, vlan); }
+    std::size_t hash() const { return hash_of(port.number(), vlan); }
   };
   struct Range {
     int high;
@@ -64,11 +64,10 @@ class VlanTranslations {
  private:
   using Table = HashedMap<Key, Translation>;
 
-  Status check(int port, int vlan) const;
-  Status add(Table& table, std::size_t used, int port, int vlan, const Translation& to);
-  Status find(const Table& table, int port, int vlan, Translation& found) const;
-  Status remove(Table& table, int port, int vlan);
-  const Translation* find_range(int port, int vlan) const;
+  Status check(Port port, int vlan) const;
+  Status add(Table& table, std::size_t used, Port port, int vlan, const Translation& to);
+  Status remove(Table& table, Port port, int vlan);
+  const Translation* find_range(Port port, int vlan) const;
 
   const Ports& ports_;
   Table ingress_;

@@ -2,12 +2,11 @@
 
 namespace chip {
 
-/// Runs `body` on VLAN `id`, or tells why there is none.
-template <class Self, class Body>
-Status Vlans::with(Self& self, int id, Body body) {
-  if (!is_valid(id)) return Status::bad_parameter;
-  Vlan* const found = self.by_id_[static_cast<std::size_t>(id)];
-  return found == nullptr ? Status::not_found : body(*found);
+/// Runs `body` on VLAN `id`; absent(id) when there is none.
+template <class Body>
+Status Vlans::with(int id, Body body) {
+  if (find(id) == nullptr) return absent(id);
+  return body(*by_id_[static_cast<std::size_t>(id)]);
 }
 
 bool Vlans::insert(int id, const Vlan& vlan) {
@@ -25,14 +24,14 @@ void Vlans::reset() {
 }
 
 Status Vlans::create(int id) {
-  if (!is_valid(id)) return Status::bad_parameter;
+  if (!is_vlan(id)) return Status::bad_parameter;
   const Vlan fresh{.members = {}, .untagged = {}, .control = {}, .spanning_tree = default_spanning_tree_};
   return insert(id, fresh) ? Status::ok : Status::exists;
 }
 
 Status Vlans::destroy(int id) {
   if (id == default_id) return Status::bad_id;
-  return with(*this, id, [&](const Vlan&) {
+  return with(id, [&](const Vlan&) {
     vlans_.erase(id);
     by_id_[static_cast<std::size_t>(id)] = nullptr;
     return Status::ok;
@@ -47,7 +46,7 @@ Status Vlans::destroy_all() {
 }
 
 Status Vlans::add_ports(int id, const PortSet& members, const PortSet& untagged) {
-  return with(*this, id, [&](Vlan& vlan) {
+  return with(id, [&](Vlan& vlan) {
     if (!(members - ports_.all()).empty()) return Status::bad_port;
     vlan.members |= members;
     vlan.untagged -= members;
@@ -57,7 +56,7 @@ Status Vlans::add_ports(int id, const PortSet& members, const PortSet& untagged)
 }
 
 Status Vlans::remove_ports(int id, const PortSet& members) {
-  return with(*this, id, [&](Vlan& vlan) {
+  return with(id, [&](Vlan& vlan) {
     if (!(members - ports_.all()).empty()) return Status::bad_port;
     vlan.members -= members;
     vlan.untagged -= members;
@@ -65,50 +64,35 @@ Status Vlans::remove_ports(int id, const PortSet& members) {
   });
 }
 
-Status Vlans::add_virtual_port(int id, int gport) {
-  return with(*this, id, [&](Vlan& vlan) {
-    vlan.virtual_members.insert(gport);
+Status Vlans::add_virtual_port(int id, VirtualPortId virtual_port) {
+  return with(id, [&](Vlan& vlan) {
+    vlan.virtual_members.insert(virtual_port);
     return Status::ok;
   });
 }
 
-Status Vlans::remove_virtual_port(int id, int gport) {
-  return with(*this, id,
-              [&](Vlan& vlan) { return vlan.virtual_members.erase(gport) == 1 ? Status::ok : Status::not_found; });
+Status Vlans::remove_virtual_port(int id, VirtualPortId virtual_port) {
+  return with(
+      id, [&](Vlan& vlan) { return vlan.virtual_members.erase(virtual_port) == 1 ? Status::ok : Status::not_found; });
 }
 
 Status Vlans::set_multicast_flood(int id, std::initializer_list<int VlanControl::*> kinds, int mode) {
-  constexpr int nowhere = 2;
-  return with(*this, id, [&](Vlan& vlan) {
-    if (mode < 0 || mode > nowhere) return Status::bad_parameter;
+  return with(id, [&](Vlan& vlan) {
+    if (mode < 0 || mode > VlanControl::flood_nowhere) return Status::bad_parameter;
     for (int VlanControl::*const kind : kinds) vlan.control.*kind = mode;
     return Status::ok;
   });
 }
 
-Status Vlans::control(int id, VlanControl& control) const {
-  return with(*this, id, [&](const Vlan& vlan) {
-    control = vlan.control;
-    return Status::ok;
-  });
-}
-
 Status Vlans::set_control(int id, const VlanControl& control) {
-  return with(*this, id, [&](Vlan& vlan) {
+  return with(id, [&](Vlan& vlan) {
     vlan.control = control;
     return Status::ok;
   });
 }
 
-Status Vlans::spanning_tree(int id, int& group) const {
-  return with(*this, id, [&](const Vlan& vlan) {
-    group = vlan.spanning_tree;
-    return Status::ok;
-  });
-}
-
 Status Vlans::set_spanning_tree(int id, int group) {
-  return with(*this, id, [&](Vlan& vlan) {
+  return with(id, [&](Vlan& vlan) {
     vlan.spanning_tree = group;
     return Status::ok;
   });

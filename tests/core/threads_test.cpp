@@ -178,7 +178,7 @@ TEST_F(Threads, OfTheChipAndOfTheApplicationWorkSideBySide) {
   EXPECT_GT(link_events, 0);  // those during a pause go by
   EXPECT_GT(l2_events, rounds / 2);
   EXPECT_EQ(answers_in_callbacks, l2_events);
-  EXPECT_EQ(callback_threads.size(), 2U);  // link scan, and learning and ageing
+  EXPECT_EQ(callback_threads.size(), 2U);  // link scan, and learning and aging
   EXPECT_FALSE(callback_threads.contains(std::this_thread::get_id()));
   const std::vector<std::string> lines = log_lines();
   EXPECT_EQ(lines.size(), static_cast<std::size_t>(refusals));

@@ -140,7 +140,7 @@ class Catches : public support::Scene {
   int32_t entry = 0;
 };
 
-TEST_F(Catches, OspfOfNeighbours) {
+TEST_F(Catches, OspfOfNeighbors) {
   ASSERT_EQ(sai_fp_ospf_ttl1_set(unit, 3, made(sai_system_ipv4_fp_create), &entry), 0);
   EXPECT_EQ(caught(3, 10), "OSPF: priority 7 copied ");
   EXPECT_EQ(caught(4, 10), "nothing");

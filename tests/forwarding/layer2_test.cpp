@@ -225,7 +225,7 @@ TEST_F(Layer2, AMirrorMovesToAnotherPortAndEnds) {
   EXPECT_EQ(send_to(9), to_3);
 }
 
-TEST_F(Layer2, MirrorsEndWhenTheyAreInitialised) {
+TEST_F(Layer2, MirrorsEndWhenTheyAreInitialized) {
   add(9, 3, SAI_L2_MAC_STATIC);
   EXPECT_EQ(sai_mirror_dest_port_set(0, 1, 8), SAI_E_NONE);
   EXPECT_EQ(sai_mirror_source_port_set(0, 1, 1, SAI_MIRROR_INGRESS), SAI_E_NONE);

@@ -40,7 +40,7 @@ TEST_F(Membership, AllVlansButTheDefaultOneAreDestroyedAtOnce) {
   EXPECT_EQ(send(1, untagged).substr(0, 14), "2: 01>02 9000\n");
 }
 
-TEST_F(Membership, TheTableIsAtItsBeginningOnceItIsInitialised) {
+TEST_F(Membership, TheTableIsAtItsBeginningOnceItIsInitialized) {
   vlan(10, {1, 2});
   EXPECT_EQ(sai_vlan_port_remove(0, 1, 2), 0);
   EXPECT_EQ(send(1, untagged).substr(0, 14), "3: 01>02 9000\n");

@@ -1,4 +1,4 @@
-// The whole switch as a router between VLAN 10 (ports 1, 2 and 9) and VLAN 20 (ports 3, 4 and 9), with a neighbour at
+// The whole switch as a router between VLAN 10 (ports 1, 2 and 9) and VLAN 20 (ports 3, 4 and 9), with a neighbor at
 // port 3 and one at port 4.
 #pragma once
 
@@ -19,7 +19,7 @@ class RouterTest : public ForwardingTest {
     EXPECT_EQ(sai_l3_enable_set(0, 1), SAI_E_NONE);
   }
 
-  /// Lets a neighbour be heard.
+  /// Lets a neighbor be heard.
   void learn(int port, int vlan, int last) { send(port, Frame(last, 0xFF).tag(vlan).type(0x9000)); }
 
   static int host(std::string_view address, int port, int last, int vlan = 20) {

@@ -35,7 +35,7 @@ class Traps : public support::ForwardingTest {
 
 // ------------------------------------------------------------------------------------------------- start-up ----
 
-TEST_F(Traps, StartUpCopiesArpDhcpAndNeighbourDiscoveryOfTheFrontPortsToTheCpu) {
+TEST_F(Traps, StartUpCopiesArpDhcpAndNeighborDiscoveryOfTheFrontPortsToTheCpu) {
   const Bytes frames[] = {
       Frame(1, 2).tag(10).arp(false, "10.0.0.1", "10.0.0.2"),
       Frame(1, 2).tag(10).arp(true, "10.0.0.1", "10.0.0.2"),

@@ -10,9 +10,9 @@ class Hosts : public l3::Scene {
  protected:
   Hosts() { use_egress_objects(false); }
 
-  static int32_t add_host() { return sai_l3_host_route_create(unit, host, router, neighbour, 3, 10, 0); }
-  static int32_t add_double_tagged_host() { return sai_l3_host_route_create(unit, host, router, neighbour, 3, 10, 1); }
-  static int32_t add_cpu_host() { return sai_l3_host_route_create(unit, host, router, neighbour, 0, 10, 0); }
+  static int32_t add_host() { return sai_l3_host_route_create(unit, host, router, neighbor, 3, 10, 0); }
+  static int32_t add_double_tagged_host() { return sai_l3_host_route_create(unit, host, router, neighbor, 3, 10, 1); }
+  static int32_t add_cpu_host() { return sai_l3_host_route_create(unit, host, router, neighbor, 0, 10, 0); }
   static int32_t remove_host() { return sai_l3_host_route_delete(unit, host, 0); }
   static int32_t remove_double_tagged_host() { return sai_l3_host_route_delete(unit, host, 1); }
 };

@@ -31,7 +31,7 @@ class RoutesOnTheChip : public l3::Scene {
     EXPECT_EQ(bcm_vlan_create(unit, outer_vlan), BCM_E_NONE);
     EXPECT_EQ(sai_l3_intf_create(unit, router, vlan), 0);
     intf_id = interface_of(vlan).l3a_intf_id;
-    learn(neighbour, port);
+    learn(neighbor, port);
   }
 
   static void learn(const uint8_t* mac, bcm_gport_t where) {
@@ -41,15 +41,15 @@ class RoutesOnTheChip : public l3::Scene {
     EXPECT_EQ(bcm_l2_addr_add(unit, &address), BCM_E_NONE);
   }
 
-  /// Makes a virtual port for the outer VLAN, on which the neighbour is learned.
-  static bcm_gport_t move_neighbour_to_a_virtual_port() {
+  /// Makes a virtual port for the outer VLAN, on which the neighbor is learned.
+  static bcm_gport_t move_neighbor_to_a_virtual_port() {
     bcm_vlan_port_t virtual_port;
     bcm_vlan_port_t_init(&virtual_port);
     virtual_port.criteria = BCM_VLAN_PORT_MATCH_PORT_VLAN;
     virtual_port.match_vlan = outer_vlan;
     virtual_port.port = port;
     EXPECT_EQ(bcm_vlan_port_create(unit, &virtual_port), BCM_E_NONE);
-    learn(neighbour, virtual_port.vlan_port_id);
+    learn(neighbor, virtual_port.vlan_port_id);
     return virtual_port.vlan_port_id;
   }
 
@@ -96,14 +96,14 @@ class RoutesOnTheChip : public l3::Scene {
     EXPECT_EQ(l3_module_data[unit][0] & 1, 1U);
   }
 
-  static int32_t add_host() { return sai_l3_host_route_create(unit, host, router, neighbour, port, vlan, 0); }
+  static int32_t add_host() { return sai_l3_host_route_create(unit, host, router, neighbor, port, vlan, 0); }
   static int32_t add_double_tagged_host() {
-    return sai_l3_host_route_create(unit, host, router, neighbour, port, vlan, 1);
+    return sai_l3_host_route_create(unit, host, router, neighbor, port, vlan, 1);
   }
   static int32_t remove_host() { return sai_l3_host_route_delete(unit, host, 0); }
   static int32_t add_subnet() { return add_subnet_on(port); }
   static int32_t add_subnet_on(int where) {
-    return sai_l3_subnet_route_create(unit, subnet, mask, gateway, router, neighbour, where, vlan, 0);
+    return sai_l3_subnet_route_create(unit, subnet, mask, gateway, router, neighbor, where, vlan, 0);
   }
 
   bcm_if_t intf_id = 0;
@@ -115,12 +115,12 @@ TEST_F(RoutesOnTheChip, AnInterfaceOfTheSameMacIsKeptAndOfAnotherReplaced) {
   EXPECT_EQ(observe([] { return sai_l3_intf_create(unit, router, vlan); }).find("bcm_l3_intf_create"),
             std::string::npos);
   EXPECT_EQ(interface_of(vlan).l3a_intf_id, intf_id);
-  EXPECT_EQ(told(observe([] { return sai_l3_intf_create(unit, neighbour, vlan); })),
+  EXPECT_EQ(told(observe([] { return sai_l3_intf_create(unit, neighbor, vlan); })),
             "log: debugging: NONE: delete vlan 10 l3 interface " + std::to_string(intf_id) +
                 "\n"
                 "log: debugging: NONE:  create vlan 10 l3 interface\n"
                 "returned 0\n");
-  EXPECT_TRUE(std::equal(neighbour, neighbour + 6, interface_of(vlan).l3a_mac_addr));
+  EXPECT_TRUE(std::equal(neighbor, neighbor + 6, interface_of(vlan).l3a_mac_addr));
 }
 
 // ------------------------------------------------------------------------------------------------------ hosts ----
@@ -157,7 +157,7 @@ TEST_F(RoutesOnTheChip, AReplacedHostIsTracedWithItsOldAndNewValues) {
 }
 
 TEST_F(RoutesOnTheChip, AHostOnAVirtualPortGetsADoubleTaggedInterface) {
-  move_neighbour_to_a_virtual_port();
+  move_neighbor_to_a_virtual_port();
   for (const auto& add : {add_host, add_double_tagged_host}) {
     const std::string seen = observe(add);
     EXPECT_NE(seen.find("l3a_mac_addr=02:00:00:00:00:01, l3a_vid=100, l3a_inner_vlan=10"), std::string::npos) << seen;
@@ -171,7 +171,7 @@ TEST_F(RoutesOnTheChip, AHostOnAVirtualPortGetsADoubleTaggedInterface) {
 }
 
 TEST_F(RoutesOnTheChip, AHostOnAVirtualPortWhoseInterfaceCannotBeMadeEnds) {
-  move_neighbour_to_a_virtual_port();
+  move_neighbor_to_a_virtual_port();
   const std::string begin =
       "log: debugging: NONE: sai_l3_host_route_create:  host 192.168.1.10 hostmac 02:00:00:ab:00:2a port 3 vid 10\n";
   const std::string end =
@@ -194,13 +194,13 @@ TEST_F(RoutesOnTheChip, AHostInEgressModePointsAtItsEgressObject) {
   EXPECT_EQ(egress.intf, intf_id);
   EXPECT_EQ(egress.vlan, vlan);
   EXPECT_EQ(egress.port, port);
-  EXPECT_TRUE(std::equal(neighbour, neighbour + 6, egress.mac_addr));
+  EXPECT_TRUE(std::equal(neighbor, neighbor + 6, egress.mac_addr));
   EXPECT_NE(seen.find("log: debugging: NONE: bcm_l3_egress_create vlan 10 l3 interface " + std::to_string(intf_id) +
                       ", l3 egress " + std::to_string(egress_id) + ": Success\n"),
             std::string::npos)
       << seen;
   // Another host behind the same next hop shares it.
-  EXPECT_EQ(sai_l3_host_route_create(unit, host + 1, router, neighbour, port, vlan, 0), 0);
+  EXPECT_EQ(sai_l3_host_route_create(unit, host + 1, router, neighbor, port, vlan, 0), 0);
   bcm_l3_host_t second;
   bcm_l3_host_t_init(&second);
   second.l3a_ip_addr = host + 1;
@@ -252,7 +252,7 @@ TEST_F(RoutesOnTheChip, AnEgressObjectThatIsSharedStaysUntilTheLastOfItsRoutesIs
 
 TEST_F(RoutesOnTheChip, ARouteThatMovesLeavesItsFormerEgressObject) {
   use_egress_objects_of_the_chip();
-  const auto move_host = [] { return sai_l3_host_route_create(unit, host, router, neighbour, port + 1, vlan, 0); };
+  const auto move_host = [] { return sai_l3_host_route_create(unit, host, router, neighbor, port + 1, vlan, 0); };
   ASSERT_EQ(add_host(), 0);
   const int of_host = found_host().l3a_intf;
   ASSERT_EQ(move_host(), 0);
@@ -277,7 +277,7 @@ TEST_F(RoutesOnTheChip, ARouteThatMovesLeavesItsFormerEgressObject) {
 }
 
 TEST_F(RoutesOnTheChip, ADeletedHostOnAVirtualPortLeavesItsInterfaceAndItsEgressObject) {
-  move_neighbour_to_a_virtual_port();
+  move_neighbor_to_a_virtual_port();
   use_egress_objects_of_the_chip();
   ASSERT_EQ(add_host(), 0);
   const int egress_id = found_host().l3a_intf;
@@ -290,7 +290,7 @@ TEST_F(RoutesOnTheChip, ADeletedHostOnAVirtualPortLeavesItsInterfaceAndItsEgress
 }
 
 TEST_F(RoutesOnTheChip, TheEgressObjectOfAVirtualPortIsDestroyedAfterTheInterfaceOfItsNumber) {
-  move_neighbour_to_a_virtual_port();
+  move_neighbor_to_a_virtual_port();
   use_egress_objects_of_the_chip();
   ASSERT_EQ(add_host(), 0);
   const int egress_id = found_host().l3a_intf;
@@ -323,7 +323,7 @@ TEST_F(RoutesOnTheChip, AnEgressObjectOfNoVlanOrNoMacHasNoNextHopToLookUp) {
   const struct {
     int vlan;
     const uint8_t* mac;
-  } rows[] = {{vlan, no_mac}, {0, neighbour}};
+  } rows[] = {{vlan, no_mac}, {0, neighbor}};
   for (const auto& row : rows) {
     bcm_l3_egress_t egress;
     bcm_l3_egress_t_init(&egress);
@@ -368,7 +368,7 @@ TEST_F(RoutesOnTheChip, ASubnetOfALocalRouteOrAnotherInterfaceIsReplaced) {
     route.l3a_flags = local ? 0x4000 : 0;
     route.l3a_subnet = subnet;
     route.l3a_ip_mask = mask;
-    std::copy_n(neighbour, 6, route.l3a_nexthop_mac);
+    std::copy_n(neighbor, 6, route.l3a_nexthop_mac);
     route.l3a_port_tgid = port;
     ASSERT_EQ(bcm_vlan_create(unit, 11) == BCM_E_NONE || local, true);
     ASSERT_EQ(sai_l3_intf_create(unit, router, 11), 0);
@@ -396,7 +396,7 @@ TEST_F(RoutesOnTheChip, ASubnetThatPointsAtAnEgressObjectIsMadeAnew) {
 }
 
 TEST_F(RoutesOnTheChip, ASubnetOnAVirtualPortGetsADoubleTaggedInterface) {
-  move_neighbour_to_a_virtual_port();
+  move_neighbor_to_a_virtual_port();
   const std::string seen = observe(add_subnet);
   EXPECT_NE(seen.find("l3a_vid=100, l3a_inner_vlan=10"), std::string::npos) << seen;
   EXPECT_NE(found_route().l3a_intf, intf_id);

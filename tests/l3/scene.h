@@ -41,7 +41,7 @@ class Scene : public support::Scene {
   static void use_egress_objects(bool on) { l3_module_data[unit][0] = on ? 1 : 0; }
 
   static constexpr uint8_t router[6] = {0x02, 0, 0, 0, 0, 0x01};
-  static constexpr uint8_t neighbour[6] = {0x02, 0, 0, 0xAB, 0, 0x2A};
+  static constexpr uint8_t neighbor[6] = {0x02, 0, 0, 0xAB, 0, 0x2A};
   static constexpr uint8_t no_mac[6] = {};
 };
 

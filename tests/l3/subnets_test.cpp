@@ -13,10 +13,10 @@ class Subnets : public l3::Scene {
   Subnets() { use_egress_objects(false); }
 
   static int32_t add_subnet() {
-    return sai_l3_subnet_route_create(unit, subnet, mask, gateway, router, neighbour, 3, 10, 0);
+    return sai_l3_subnet_route_create(unit, subnet, mask, gateway, router, neighbor, 3, 10, 0);
   }
   static int32_t add_cpu_subnet() {
-    return sai_l3_subnet_route_create(unit, subnet, mask, gateway, router, neighbour, 0, 10, 0);
+    return sai_l3_subnet_route_create(unit, subnet, mask, gateway, router, neighbor, 0, 10, 0);
   }
   static int32_t remove_subnet() { return sai_l3_subnet_route_delete(unit, subnet, mask, 0); }
   static int32_t remove_double_tagged_subnet() { return sai_l3_subnet_route_delete(unit, subnet, mask, 1); }
@@ -105,8 +105,8 @@ TEST_F(Subnets, TheVerySubnetIsLeftAlone) {
                 "log: debugging: NONE: sai_l3_subnet_route_create find the subnet route 10.20.0.0\n"
                 "log: debugging: NONE: subnet route already exist\n"
                 "returned 0\n");
-  for (const std::string& seen : {observe_with(answers, [&] { return add(no_mac, 1); }),
-                                  observe_with(answers, [&] { return add(neighbour, 0); })})
+  for (const std::string& seen :
+       {observe_with(answers, [&] { return add(no_mac, 1); }), observe_with(answers, [&] { return add(neighbor, 0); })})
     EXPECT_NE(seen.find("bcm_l3_route_delete(0, {l3a_subnet=10.20.0.0, l3a_ip_mask=255.255.0.0}) = 0\n"),
               std::string::npos)
         << seen;
@@ -136,7 +136,7 @@ TEST_F(Subnets, ASubnetInAVlanWithoutInterfaceEndsWithAMessageOfItsOwn) {
 TEST_F(Subnets, ADoubleTaggedSubnetGetsAnInterfaceOfItsOwn) {
   EXPECT_EQ(
       observe_with(all_well,
-                   [] { return sai_l3_subnet_route_create(unit, subnet, mask, gateway, router, neighbour, 3, 10, 9); }),
+                   [] { return sai_l3_subnet_route_create(unit, subnet, mask, gateway, router, neighbor, 3, 10, 9); }),
       modid + learned + virtual_port + "bcm_l3_intf_find(0, " + double_tagged + ") = -7\n" + "bcm_l3_intf_create(0, " +
           double_tagged + ") = 0\n" + no_route + "bcm_l3_route_add(0, " + route_record + ") = 0\n" + subnet_trace +
           subnet_interface_trace + subnet_added_trace + "returned 0\n");

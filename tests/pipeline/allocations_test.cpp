@@ -2,7 +2,6 @@
 #include <cstdlib>
 #include <new>
 
-#include "chip/gports.h"
 #include "pipeline_fixture.h"
 
 namespace {
@@ -34,8 +33,8 @@ class Allocations : public support::PipelineTest {
   Allocations() {
     vlan(10, {0, 1, 2, 3, 4}, {2});
     vlan(20, {1, 5});
-    for (const int station : {1, 2}) {
-      EXPECT_EQ(chip.mac_table.add({.mac = mac(station), .vlan = 10, .port = station}), Status::ok);
+    for (const chip::Port station : chip::PortSet{1, 2}) {
+      EXPECT_EQ(chip.mac_table.add({.mac = mac(station.number()), .vlan = 10, .place = station}), Status::ok);
     }
   }
 
@@ -54,7 +53,7 @@ class Allocations : public support::PipelineTest {
 
  private:
   struct Sink final : chip::Wire {
-    void transmit(int, std::span<const uint8_t>) override { ++copies; }
+    void transmit(chip::Port, std::span<const uint8_t>) override { ++copies; }
     void deliver(const chip::CpuFrame&) override { ++copies; }
     int copies = 0;
   };
@@ -72,7 +71,7 @@ TEST_F(Allocations, BridgedFramesHaveNone) {
 }
 
 TEST_F(Allocations, FramesForTheCpuHaveNone) {
-  const int arp = static_cast<int>(chip::SwitchControl::arp_request_to_cpu);
+  const int arp = static_cast<int>(chip::SwitchControlOfPort::arp_request_to_cpu);
   EXPECT_EQ(chip.switch_controls.set_port(1, arp, 1), Status::ok);
   EXPECT_EQ(of(Frame(1, 0xFF).tag(10).arp(false, "10.0.0.1", "10.0.0.2")), 0);
 }
@@ -85,8 +84,9 @@ TEST_F(Allocations, RoutedFramesHaveNone) {
     EXPECT_EQ(chip.l3_interfaces.create(wanted, interface), Status::ok);
   }
   int next_hop = 0;
-  EXPECT_EQ(chip.egress_objects.create({.interface = interface, .mac = mac(5), .vlan = 20, .port = 5}, next_hop),
-            Status::ok);
+  EXPECT_EQ(
+      chip.egress_objects.create({.interface = interface, .mac = mac(5), .vlan = 20, .place = chip::Port{5}}, next_hop),
+      Status::ok);
   EXPECT_EQ(chip.hosts.add({0, support::ip4("10.0.20.5")}, {.interface = next_hop}, false), Status::ok);
   EXPECT_EQ(chip.routes.add({0, support::ip4("10.0.30.0"), 24}, {.interface = next_hop}, false), Status::ok);
   EXPECT_EQ(of(Frame(1, router).tag(10).ip("10.0.10.1", "10.0.20.5").udp(5, 6)), 0);
@@ -95,7 +95,7 @@ TEST_F(Allocations, RoutedFramesHaveNone) {
 
 TEST_F(Allocations, RoutedMulticastHasNone) {
   chip.multicast_routing = true;
-  int group = 0;
+  chip::GroupId group;
   int interface = 0;
   EXPECT_EQ(chip.multicast_groups.create(chip::MulticastGroups::l3, group), Status::ok);
   EXPECT_EQ(chip.l3_interfaces.create({.mac = mac(0xE0), .vlan = 20}, interface), Status::ok);
@@ -125,8 +125,8 @@ TEST_F(Allocations, FramesThatMeetRulesHaveNone) {
 
 TEST_F(Allocations, MirroredAndLimitedFramesHaveNone) {
   chip.mirrors.set_mode(1);
-  int mirror = 0;
-  EXPECT_EQ(chip.mirrors.create(0, chip::gport::of_port(4), mirror), Status::ok);
+  chip::MirrorId mirror;
+  EXPECT_EQ(chip.mirrors.create(0, chip::Port{4}, mirror), Status::ok);
   EXPECT_EQ(chip.mirrors.add_source(1, chip::Mirrors::enable | chip::Mirrors::ingress, mirror), Status::ok);
   EXPECT_EQ(chip.mirrors.add_source(2, chip::Mirrors::enable | chip::Mirrors::egress, mirror), Status::ok);
   chip.port_rates.police(1, {chip::RateUnit::kilobits, 1000, 1000});
@@ -137,11 +137,10 @@ TEST_F(Allocations, MirroredAndLimitedFramesHaveNone) {
 }
 
 TEST_F(Allocations, FramesOfTrunksHaveNone) {
-  int trunk = 0;
+  chip::TrunkId trunk;
   EXPECT_EQ(chip.trunks.create(0, trunk), Status::ok);
   EXPECT_EQ(chip.trunks.set(trunk, 3, {3, 4}), Status::ok);
-  EXPECT_EQ(chip.mac_table.add({.mac = mac(3), .vlan = 10, .flags = chip::MacEntry::on_trunk, .trunk = trunk}),
-            Status::ok);
+  EXPECT_EQ(chip.mac_table.add({.mac = mac(3), .vlan = 10, .place = trunk}), Status::ok);
   EXPECT_EQ(of(Frame(1, 3).tag(10).type(0x9000)), 0);
   EXPECT_EQ(of(flooded), 0);
 }

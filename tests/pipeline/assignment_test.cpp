@@ -15,7 +15,7 @@ class Assignment : public support::PipelineTest {
  protected:
   Assignment() {
     for (const int id : {10, 20, 30, 40}) vlan(id, {2});
-    for (const int port : {1, 3}) chip.port_forwarding.set_untagged_vlan(port, 99);
+    for (const chip::Port port : chip::PortSet{1, 3}) chip.port_forwarding.set_untagged_vlan(port, 99);
     control(VlanControlOfPort::lookup_mac);
     control(VlanControlOfPort::lookup_ip);
   }

@@ -1,5 +1,4 @@
 // What frames add to the counters of their ports, and what mirrors see of them.
-#include "chip/gports.h"
 #include "pipeline_fixture.h"
 
 namespace {
@@ -12,19 +11,14 @@ class Counting : public support::PipelineTest {
   Counting() { vlan(10, {1, 2}, {2}); }
 
   /// The counters of a port that are not 0: "1:64 59:1 ".
-  std::string counters(int port) const {
+  std::string counters(chip::Port port) const {
     std::string text;
-    const auto found = chip.counters.all().find(port);
-    if (found == chip.counters.all().end()) return text;
-    for (std::size_t i = 0; i < found->second.size(); ++i)
-      if (found->second[i] != 0) text += std::to_string(i) + ':' + std::to_string(found->second[i]) + ' ';
+    const chip::Counters::Values& values = chip.counters.all()[port];
+    for (std::size_t i = 0; i < values.size(); ++i)
+      if (values[i] != 0) text += std::to_string(i) + ':' + std::to_string(values[i]) + ' ';
     return text;
   }
-  uint64_t counter(int port, int number) const {
-    uint64_t value = 0;
-    chip.counters.get(port, number, value);
-    return value;
-  }
+  uint64_t counter(chip::Port port, int number) const { return *chip.counters.find(port, number); }
 };
 
 TEST_F(Counting, AFrameCountsWhereItComesInAndWhereItLeaves) {
@@ -91,9 +85,9 @@ TEST_F(Counting, Ip6MulticastCountsBothWays) {
 }
 
 TEST_F(Counting, AMirrorSeesWhatComesInAsItCame) {
-  int id = 1;
+  chip::MirrorId id;
   chip.mirrors.set_mode(1);
-  EXPECT_EQ(chip.mirrors.create(0, chip::gport::of_port(5), id), Status::ok);
+  EXPECT_EQ(chip.mirrors.create(0, chip::Port{5}, id), Status::ok);
   EXPECT_EQ(chip.mirrors.add_source(1, chip::Mirrors::enable | chip::Mirrors::ingress, id), Status::ok);
   EXPECT_EQ(send(1, Frame(1, 2).tag(10).type(0x9000)), "5: 01>02 [10] 9000\n2: 01>02 9000\n");
   EXPECT_EQ(send(2, Frame(2, 1).tag(10).type(0x9000)), "1: 02>01 [10] 9000\n");
@@ -101,9 +95,9 @@ TEST_F(Counting, AMirrorSeesWhatComesInAsItCame) {
 }
 
 TEST_F(Counting, AMirrorSeesWhatGoesOutAsItGoes) {
-  int id = 1;
+  chip::MirrorId id;
   chip.mirrors.set_mode(1);
-  chip.mirrors.create(0, chip::gport::of_port(5), id);
+  chip.mirrors.create(0, chip::Port{5}, id);
   chip.mirrors.add_source(2, chip::Mirrors::enable | chip::Mirrors::egress, id);
   EXPECT_EQ(send(1, Frame(1, 2).tag(10).type(0x9000)), "5: 01>02 9000\n2: 01>02 9000\n");
   chip.mirrors.set_mode(0);

@@ -1,13 +1,14 @@
 // Where bridged frames go: entries, trunks, floods and what keeps them back.
 #include <set>
-#include "chip/gports.h"
 
 #include "pipeline_fixture.h"
 
 namespace {
 
 using chip::MacEntry;
+using chip::Port;
 using chip::PortFilters;
+using chip::TrunkId;
 using support::Bytes;
 using support::Frame;
 
@@ -21,14 +22,14 @@ class Destinations : public support::PipelineTest {
     entry.vlan = 10;
     EXPECT_EQ(chip.mac_table.add(entry), Status::ok);
   }
-  int trunk(const std::vector<int>& members, int criterion = 0) {
-    int id = 0;
+  TrunkId trunk(const std::vector<Port>& members, int criterion = 0) {
+    TrunkId id;
     EXPECT_EQ(chip.trunks.create(0, id), Status::ok);
     EXPECT_EQ(chip.trunks.set(id, criterion, members), Status::ok);
     return id;
   }
   /// The ports where copies leave, the CPU's as 0: "2 3 ".
-  std::string ports(int from, const Bytes& frame) {
+  std::string ports(Port from, const Bytes& frame) {
     std::string result;
     const std::string out = send(from, frame);
     for (std::size_t at = 0; at < out.size(); at = out.find('\n', at) + 1)
@@ -43,19 +44,19 @@ class Destinations : public support::PipelineTest {
 };
 
 TEST_F(Destinations, AnEntryCanDiscardOrCopyToTheCpu) {
-  add(9, {.flags = MacEntry::discard_destination, .port = 2});
+  add(9, {.flags = MacEntry::discard_destination, .place = Port{2}});
   EXPECT_EQ(send(1, unicast()), "dropped: destination discard\n");
-  add(9, {.flags = MacEntry::copy_to_cpu, .port = 2});
+  add(9, {.flags = MacEntry::copy_to_cpu, .place = Port{2}});
   EXPECT_EQ(send(1, unicast()), "2: 08>09 [10] 9000\ncpu 0x40: 08>09 [10] 9000\n");
 }
 
 TEST_F(Destinations, AFrameDoesNotGoBackWhereItCameFrom) {
-  add(9, {.port = 1});
+  add(9, {.place = Port{1}});
   EXPECT_EQ(send(1, unicast()), "dropped: no destination\n");
 }
 
 TEST_F(Destinations, TheCpusAddressLeadsToTheCpu) {
-  add(9, {.flags = MacEntry::fixed, .port = 0});
+  add(9, {.flags = MacEntry::fixed, .place = Port{0}});
   EXPECT_EQ(send(1, unicast()), "cpu 0x80: 08>09 [10] 9000\n");
 }
 
@@ -71,7 +72,7 @@ TEST_F(Destinations, AFloodEndsAtTheFloodBlocksOfItsKind) {
 }
 
 TEST_F(Destinations, APortIsKeptApartFromOthers) {
-  add(9, {.port = 3});
+  add(9, {.place = Port{3}});
   chip.port_forwarding.set_destinations(1, {0, 1, 2});
   EXPECT_EQ(ports(1, broadcast()), "2 0 ");
   EXPECT_EQ(send(1, unicast()), "dropped: no destination\n");
@@ -84,7 +85,7 @@ TEST_F(Destinations, MulticastFloodsAsTheVlanSays) {
   EXPECT_EQ(ports(1, broadcast()), "2 3 4 5 6 0 ");
   const Bytes reserved = Frame(support::mac(8), {1, 0, 0x5E, 0, 0, 5}).tag(10).ip("10.0.0.1", "224.0.0.5").udp(1, 2);
   EXPECT_EQ(send(1, reserved), "dropped: no destination\n");
-  chip.switch_controls.set_port(1, static_cast<int>(chip::SwitchControl::ip4_reserved_multicast_flood), 1);
+  chip.switch_controls.set_port(1, static_cast<int>(chip::SwitchControlOfPort::ip4_reserved_multicast_flood), 1);
   EXPECT_EQ(ports(1, reserved), "2 3 4 5 6 0 ") << "routers find each other there";
 }
 
@@ -97,8 +98,8 @@ TEST_F(Destinations, OneMemberSpeaksForATrunk) {
 
 TEST_F(Destinations, ATrunkCarriesFramesThatAreAlikeTheSameWayAndOthersElsewhere) {
   constexpr int by_source_mac = 1;
-  const int id = trunk({3, 4, 5, 6}, by_source_mac);
-  add(9, {.flags = MacEntry::on_trunk, .trunk = id});
+  const TrunkId id = trunk({3, 4, 5, 6}, by_source_mac);
+  add(9, {.place = id});
   std::set<std::string> ways;
   for (int source = 20; source < 60; ++source) {
     const std::string way = ports(1, unicast(9, source));
@@ -109,8 +110,8 @@ TEST_F(Destinations, ATrunkCarriesFramesThatAreAlikeTheSameWayAndOthersElsewhere
 }
 
 TEST_F(Destinations, ATrunkDoesWithoutMembersWhoseLinkIsDown) {
-  const int id = trunk({3, 4});
-  add(9, {.flags = MacEntry::on_trunk, .trunk = id});
+  const TrunkId id = trunk({3, 4});
+  add(9, {.place = id});
   chip.port_macs.set_partner(3, false);
   for (int source = 20; source < 30; ++source) EXPECT_EQ(ports(1, unicast(9, source)), "4 ");
   chip.port_macs.set_partner(4, false);

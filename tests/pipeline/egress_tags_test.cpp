@@ -22,7 +22,7 @@ class EgressTags : public support::PipelineTest {
   }
   /// Sets an action for port 1.
   void action(int outer, int inner, const EgressAction& what) {
-    EXPECT_EQ(chip.egress_actions.set({1, outer, inner}, what), Status::ok);
+    EXPECT_EQ(chip.egress_actions.set({chip::Port{1}, outer, inner}, what), Status::ok);
   }
   /// The tags with which a frame leaves at port 1.
   std::string tags(const Frame& frame) {

@@ -5,18 +5,20 @@ namespace {
 
 using chip::LearnLimit;
 using chip::MacEntry;
-using chip::MacScope;
+using chip::Place;
+using chip::Port;
 using chip::PortForwardings;
+using chip::VlanAddresses;
 using support::Frame;
 
 class SourceLearning : public support::PipelineTest {
  protected:
   SourceLearning() { vlan(10, {1, 2, 3}); }
 
-  std::string send_from(int port, int source) { return send(port, Frame(source, 9).tag(10).type(0x9000)); }
+  std::string send_from(Port port, int source) { return send(port, Frame(source, 9).tag(10).type(0x9000)); }
   const MacEntry* entry(uint8_t last) const { return chip.mac_table.find(10, {0x02, 0, 0, 0, 0, last}); }
-  void add(uint8_t last, int port, uint32_t flags) {
-    EXPECT_EQ(chip.mac_table.add({.mac = {0x02, 0, 0, 0, 0, last}, .vlan = 10, .flags = flags, .port = port}),
+  void add(uint8_t last, Port port, uint32_t flags) {
+    EXPECT_EQ(chip.mac_table.add({.mac = {0x02, 0, 0, 0, 0, last}, .vlan = 10, .flags = flags, .place = port}),
               Status::ok);
   }
 
@@ -25,9 +27,9 @@ class SourceLearning : public support::PipelineTest {
 
 TEST_F(SourceLearning, FollowsAStationThatMoves) {
   send_from(1, 1);
-  EXPECT_EQ(entry(1)->port, 1);
+  EXPECT_EQ(entry(1)->place, Place{Port{1}});
   send_from(2, 1);
-  EXPECT_EQ(entry(1)->port, 2);
+  EXPECT_EQ(entry(1)->place, Place{Port{2}});
 }
 
 TEST_F(SourceLearning, DropsFramesOfASourceThatIsNotToBeHeard) {
@@ -83,11 +85,11 @@ TEST_F(SourceLearning, APortDecidesWhatBecomesOfUnknownSources) {
 
 TEST_F(SourceLearning, ALimitDecidesWhatBecomesOfOneTooMany) {
   chip.learn_limits.enable(true);
-  chip.learn_limits.set({{MacScope::Kind::vlan, 10}}, {.limit = 1, .actions = 0});
+  chip.learn_limits.set({VlanAddresses{10}}, {.limit = 1, .actions = 0});
   send_from(2, 2);
   EXPECT_EQ(send_from(1, 1), flooded_from_1);
   EXPECT_EQ(entry(1), nullptr);
-  chip.learn_limits.set({{MacScope::Kind::vlan, 10}}, {.limit = 1, .actions = LearnLimit::drop | LearnLimit::to_cpu});
+  chip.learn_limits.set({VlanAddresses{10}}, {.limit = 1, .actions = LearnLimit::drop | LearnLimit::to_cpu});
   EXPECT_EQ(send_from(1, 1), "cpu 0x20: 01>09 [10] 9000\ndropped: learn limit\n");
 }
 

@@ -5,7 +5,7 @@
 namespace {
 
 using chip::FieldQualifier;
-using chip::SwitchControl;
+using chip::SwitchControlOfPort;
 using support::Bytes;
 using support::Frame;
 
@@ -46,14 +46,10 @@ class Malformed : public support::PipelineTest {
  protected:
   Malformed() { vlan(10, {1, 2}); }
 
-  void control(SwitchControl control) {
+  void control(SwitchControlOfPort control) {
     EXPECT_EQ(chip.switch_controls.set_port(1, static_cast<int>(control), 1), Status::ok);
   }
-  uint64_t counter(int number) const {
-    uint64_t value = 0;
-    chip.counters.get(1, number, value);
-    return value;
-  }
+  uint64_t counter(int number) const { return *chip.counters.find(1, number); }
   /// Whether a frame leaves at port 2 as it came in, but that it is padded.
   bool is_bridged(const Bytes& frame) {
     Bytes padded = frame;
@@ -94,7 +90,8 @@ class MalformedForTheRouter : public Malformed {
     chip.l3_interfaces.create({.flags = chip::L3Interface::in_mac_table, .mac = mac(router), .vlan = 10}, in);
     chip.l3_interfaces.create({.flags = chip::L3Interface::in_mac_table, .mac = mac(router), .vlan = 20}, out);
     const uint32_t host = support::ip4("20.0.0.3");
-    EXPECT_EQ(chip.hosts.add({0, host}, {.interface = out, .next_hop = mac(0x33), .port = 3}, false), Status::ok);
+    EXPECT_EQ(chip.hosts.add({0, host}, {.interface = out, .next_hop = mac(0x33), .place = chip::Port{3}}, false),
+              Status::ok);
     EXPECT_EQ(send(1, ip(router)).substr(0, 8), "3: e0>33");
   }
 
@@ -114,7 +111,7 @@ TEST_F(MalformedForTheRouter, PacketsAreHeaderErrors) {
 }
 
 TEST_F(MalformedForTheRouter, PacketsGoToTheCpuWhereThePortSaysSo) {
-  control(SwitchControl::non_ip_l3_error_to_cpu);
+  control(SwitchControlOfPort::non_ip_l3_error_to_cpu);
   for (const Bad& bad : bad_packets(router)) EXPECT_EQ(send(1, bad.frame).substr(0, 9), "cpu 0x8: ") << bad.name;
 }
 
@@ -128,7 +125,7 @@ TEST_F(MalformedForTheRouter, WhatThePacketCarriesDoesNotMatter) {
 TEST_F(MalformedForTheRouter, PacketsToGroupsAreBridgedWithinTheirVlanAtMost) {
   const Bytes to_group = {0x01, 0x00, 0x5E, 0x01, 0x01, 0x01};
   const Bytes packet = Frame(support::mac(1), to_group).tag(10).ip("10.0.0.1", "225.1.1.1").udp(5, 6);
-  int group = 0;
+  chip::GroupId group;
   int within = 0;
   int beyond = 0;
   chip.multicast_routing = true;
@@ -226,8 +223,9 @@ TEST_F(MalformedForEntries, AProtocolGivesAVlanWhateverIsBehindIt) {
 
 TEST_F(Malformed, ProtocolsAreTrappedWhereTheyCanBeToldByWhatIsThere) {
   const Bytes arp = Frame(1, 2).tag(10).arp(false, "10.0.0.1", "10.0.0.2");
-  for (const SwitchControl which : {SwitchControl::arp_request_to_cpu, SwitchControl::arp_reply_to_cpu,
-                                    SwitchControl::dhcp_to_cpu, SwitchControl::neighbour_discovery_to_cpu})
+  for (const SwitchControlOfPort which :
+       {SwitchControlOfPort::arp_request_to_cpu, SwitchControlOfPort::arp_reply_to_cpu,
+        SwitchControlOfPort::dhcp_to_cpu, SwitchControlOfPort::neighbor_discovery_to_cpu})
     control(which);
   const auto is_trapped = [&](const Bytes& frame) { return send(1, frame).find("cpu 0x2: ") != std::string::npos; };
   EXPECT_TRUE(is_trapped(arp));
@@ -246,13 +244,13 @@ TEST_F(Malformed, PacketsToGroupsFloodAsTheirKindDoesAndAreNeverReserved) {
   const Bytes packet = Frame(support::mac(1), to_group).tag(10).ip("10.0.0.1", "224.0.0.5").udp(5, 6);
   EXPECT_EQ(send(1, cut(packet, ethernet + 19)).substr(0, 3), "2: ");
   chip.vlans.set_multicast_flood(10, {&chip::VlanControl::ip4_multicast_flood_mode}, 2);
-  control(SwitchControl::ip4_reserved_multicast_flood);
+  control(SwitchControlOfPort::ip4_reserved_multicast_flood);
   EXPECT_EQ(send(1, packet).substr(0, 3), "2: ");
   EXPECT_EQ(send(1, cut(packet, ethernet + 19)), "dropped: no destination\n");
 }
 
 TEST_F(Malformed, PacketsToATrunkGoByTheirMacAddresses) {
-  int trunk = 0;
+  chip::TrunkId trunk;
   chip.trunks.create(0, trunk);
   constexpr int by_source_ip = 4;
   EXPECT_EQ(chip.trunks.set(trunk, by_source_ip, {2, 3, 4, 5}), Status::ok);

@@ -1,5 +1,4 @@
 // Mirrored copies leave their port as all copies do.
-#include "chip/gports.h"
 #include "pipeline_fixture.h"
 
 namespace {
@@ -8,13 +7,13 @@ using support::Frame;
 
 class Mirroring : public support::PipelineTest {
  protected:
-  static constexpr int monitor = 5;
+  static constexpr chip::Port monitor = 5;
 
   Mirroring() {
     vlan(10, {1, 2});
-    int id = -1;
+    chip::MirrorId id;
     chip.mirrors.set_mode(1);
-    chip.mirrors.create(0, chip::gport::of_port(monitor), id);
+    chip.mirrors.create(0, monitor, id);
     EXPECT_EQ(chip.mirrors.add_source(1, chip::Mirrors::enable | chip::Mirrors::ingress, id), Status::ok);
   }
 
@@ -24,7 +23,7 @@ class Mirroring : public support::PipelineTest {
 TEST_F(Mirroring, AShortFrameIsMirroredAsLongAsAFrameHasToBe) {
   struct Lengths : chip::Wire {
     std::vector<std::size_t> seen;
-    void transmit(int, std::span<const uint8_t> copy) override { seen.push_back(copy.size()); }
+    void transmit(chip::Port, std::span<const uint8_t> copy) override { seen.push_back(copy.size()); }
     void deliver(const chip::CpuFrame&) override {}
   } lengths;
   pipeline.receive(1, Frame(frame).length(18).done(), lengths);

@@ -6,7 +6,8 @@
 namespace {
 
 using chip::MulticastRoute;
-using chip::SwitchControl;
+using chip::SwitchControlOfChip;
+using chip::SwitchControlOfPort;
 using support::Frame;
 
 const support::Bytes to_group = {0x01, 0x00, 0x5E, 0x01, 0x01, 0x01};
@@ -31,14 +32,16 @@ class Multicast : public support::PipelineTest {
     EXPECT_EQ(chip.l3_interfaces.create(wanted, id), Status::ok);
     return id;
   }
-  void member(int port, int id) { EXPECT_EQ(chip.multicast_groups.add_member(group, {port, id}), Status::ok); }
-  void set(SwitchControl control) { EXPECT_EQ(chip.switch_controls.set(static_cast<int>(control), 1), Status::ok); }
+  void member(chip::Port port, int id) { EXPECT_EQ(chip.multicast_groups.add_member(group, {port, id}), Status::ok); }
+  void set(SwitchControlOfChip control) {
+    EXPECT_EQ(chip.switch_controls.set(static_cast<int>(control), 1), Status::ok);
+  }
 
   static Frame packet(int ttl = 64) {
     return Frame(support::mac(1), to_group).tag(10).ip("10.0.0.1", "225.1.1.1", ttl).udp(5, 6);
   }
 
-  int group = 0;
+  chip::GroupId group;
   int within = 0;
   int beyond = 0;
 };
@@ -60,11 +63,7 @@ TEST_F(Multicast, ReachesTheMembersInTheirVlansInsteadOfTheFlood) {
 TEST_F(Multicast, IsCountedAsBridgedRoutedOrDropped) {
   const auto counts = [&] {
     std::string text;
-    for (const int counter : {12, 82, 83, 84}) {
-      uint64_t value = 0;
-      chip.counters.get(1, counter, value);
-      text += std::to_string(value) + ' ';
-    }
+    for (const int counter : {12, 82, 83, 84}) text += std::to_string(*chip.counters.find(1, counter)) + ' ';
     return text;
   };
   send(1, packet());
@@ -79,7 +78,7 @@ TEST_F(Multicast, IsCountedAsBridgedRoutedOrDropped) {
 
 TEST_F(Multicast, IsRoutedWithinItsVlanWhenTheChipIsToldSo) {
   member(2, within);
-  set(SwitchControl::ipmc_same_vlan_l3_route);
+  set(SwitchControlOfChip::ipmc_same_vlan_l3_route);
   EXPECT_EQ(send(1, packet()), "2: e0>01:00:5e:01:01:01 [10] 10.0.0.1>225.1.1.1 ttl 63 udp 5>6\n");
 }
 
@@ -102,7 +101,7 @@ TEST_F(Multicast, IsFloodedWithoutARoute) {
 }
 
 TEST_F(Multicast, PrefersTheRouteOfItsSource) {
-  int other = 0;
+  chip::GroupId other;
   EXPECT_EQ(chip.multicast_groups.create(chip::MulticastGroups::l3, other), Status::ok);
   EXPECT_EQ(chip.multicast_groups.add_member(other, {3, within}), Status::ok);
   member(2, within);
@@ -155,7 +154,7 @@ TEST_F(Multicast, ReportsAndQueriesAreNotRouted) {
 
 TEST_F(Multicast, ComesInAtThePortOfItsRouteWhereThatIsChecked) {
   EXPECT_EQ(chip.multicast_routes.remove({.vlan = 10, .address = {225, 1, 1, 1}}), Status::ok);
-  EXPECT_EQ(chip.multicast_routes.add({.vlan = 10, .address = {225, 1, 1, 1}}, {.group = group, .port = 3}),
+  EXPECT_EQ(chip.multicast_routes.add({.vlan = 10, .address = {225, 1, 1, 1}}, {.group = group, .from = chip::Port{3}}),
             Status::ok);
   member(4, beyond);
   EXPECT_EQ(send(1, packet()), "dropped: router\n");
@@ -166,9 +165,10 @@ TEST_F(Multicast, ThatLivesForOneHopStaysInItsVlan) {
   member(2, within);
   member(4, beyond);
   EXPECT_EQ(send(1, packet(1)), "2: 01>01:00:5e:01:01:01 [10] 10.0.0.1>225.1.1.1 ttl 1 udp 5>6\n");
-  set(SwitchControl::ipmc_same_vlan_l3_route);
+  set(SwitchControlOfChip::ipmc_same_vlan_l3_route);
   EXPECT_EQ(send(1, packet(1)), "dropped: router\n");
-  EXPECT_EQ(chip.switch_controls.set_port(1, static_cast<int>(SwitchControl::non_ip_l3_error_to_cpu), 1), Status::ok);
+  EXPECT_EQ(chip.switch_controls.set_port(1, static_cast<int>(SwitchControlOfPort::non_ip_l3_error_to_cpu), 1),
+            Status::ok);
   EXPECT_EQ(send(1, packet(1)), "cpu 0x8: 01>01:00:5e:01:01:01 [10] 10.0.0.1>225.1.1.1 ttl 1 udp 5>6\n");
 }
 
@@ -182,7 +182,7 @@ TEST_F(Multicast, IsKeptBackByTheThresholdOfAnInterface) {
 }
 
 TEST_F(Multicast, LeavesATrunkOnceAndNotTheOneItCameFrom) {
-  int trunk = 0;
+  chip::TrunkId trunk;
   EXPECT_EQ(chip.trunks.create(0, trunk), Status::ok);
   EXPECT_EQ(chip.trunks.set(trunk, 0, {2, 3}), Status::ok);
   member(2, within);

@@ -35,8 +35,8 @@ TEST(Parse, FindsTheAddressesAndThePort) {
   EXPECT_EQ(packet.fields.source_mac[5], 1);
   EXPECT_EQ(packet.fields.destination_mac[5], 2);
   EXPECT_EQ(packet.fields.ether_type, 0x9000);
-  EXPECT_EQ(packet.fields.in_port, 3);
-  EXPECT_EQ(packet.source, 3);
+  EXPECT_EQ(packet.fields.in_port, chip::Port{3});
+  EXPECT_EQ(packet.source, chip::Place{chip::Port{3}});
 }
 
 TEST(Parse, FindsUpToTwoTags) {

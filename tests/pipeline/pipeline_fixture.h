@@ -21,7 +21,7 @@ class PipelineTest : public testing::Test, private chip::Wire {
   static constexpr int router = 0xE0;                // the last byte of the router's address
 
   PipelineTest() {
-    for (int port = 1; port <= 12; ++port) chip.port_macs.set_partner(port, true);
+    for (const chip::Port port : chip.ports.ethernet()) chip.port_macs.set_partner(port, true);
   }
 
   /// Makes a VLAN with its members, some of them untagged.
@@ -39,7 +39,7 @@ class PipelineTest : public testing::Test, private chip::Wire {
 
   /// Lets a frame come in and tells the copies that leave, a line each: "3: 01>02 [10] ...", "cpu 0x2: ..."; why it is
   /// dropped stands last: "dropped: storm control".
-  std::string send(int port, const Bytes& frame) {
+  std::string send(chip::Port port, const Bytes& frame) {
     out_.clear();
     const Drop drop = pipeline.receive(port, frame, *this);
     if (drop != Drop::none) out_ += std::string("dropped: ") + name(drop) + '\n';
@@ -50,8 +50,8 @@ class PipelineTest : public testing::Test, private chip::Wire {
   chip::Pipeline pipeline{chip};
 
  private:
-  void transmit(int port, std::span<const uint8_t> frame) override {
-    out_ += std::to_string(port) + ": " + told(frame) + '\n';
+  void transmit(chip::Port port, std::span<const uint8_t> frame) override {
+    out_ += std::to_string(port.number()) + ": " + told(frame) + '\n';
   }
   void deliver(const chip::CpuFrame& frame) override {
     char reasons[16];

@@ -15,7 +15,7 @@ class Rates : public support::PipelineTest {
   }
 
   /// How many of 20 frames of 64 bytes pass at once, at their way out.
-  int passing(int port = 1) {
+  int passing(chip::Port port = 1) {
     int count = 0;
     for (int i = 0; i < 20; ++i) count += send(port, flood).find("2: ") != std::string::npos ? 1 : 0;
     return count;

@@ -6,7 +6,7 @@ namespace {
 using chip::FieldAction;
 using chip::FieldProcessor;
 using chip::FieldQualifier;
-using chip::SwitchControl;
+using chip::SwitchControlOfPort;
 using support::Bytes;
 using support::Frame;
 
@@ -93,7 +93,7 @@ TEST_F(Rules, GiveFramesAPriority) {
 
 TEST_F(Rules, PermitWhatAControlDropsButOpenNoPort) {
   entry(in, FieldAction::drop_cancel);
-  chip.switch_controls.set_port(1, static_cast<int>(SwitchControl::dhcp_drop), 1);
+  chip.switch_controls.set_port(1, static_cast<int>(SwitchControlOfPort::dhcp_drop), 1);
   EXPECT_EQ(send(1, Frame(1, 2).tag(10).ip("10.0.0.1", "10.0.0.2").udp(68, 67)).substr(0, 2), "2:");
   EXPECT_EQ(send(1, Frame(1, 0xFF).tag(11).type(0x9000)), "dropped: no such vlan\n");
   chip.port_filters.set_membership_checks(4, chip::PortFilters::check_ingress);

@@ -4,7 +4,7 @@
 namespace {
 
 using chip::StormRates;
-using chip::SwitchControl;
+using chip::SwitchControlOfPort;
 using support::Bytes;
 using support::Frame;
 
@@ -12,11 +12,11 @@ class Storms : public support::PipelineTest {
  protected:
   Storms() { vlan(10, {0, 1, 2}, {2}); }
 
-  void limit(uint32_t kind, int rate, int port = 1) {
+  void limit(uint32_t kind, int rate, chip::Port port = 1) {
     EXPECT_EQ(chip.storm_rates.set({port, kind}, kind, rate), Status::ok);
   }
   /// How many of 20 frames pass at once.
-  int passing(const Bytes& frame, int port = 1) {
+  int passing(const Bytes& frame, chip::Port port = 1) {
     int count = 0;
     for (int i = 0; i < 20; ++i) count += send(port, frame) != "dropped: storm control\n" ? 1 : 0;
     return count;
@@ -64,7 +64,7 @@ TEST_F(Storms, NoneOfThemPassesAtRateNoneAndAllWithoutControl) {
 }
 
 TEST_F(Storms, DoNotReachTheCpuEither) {
-  const auto control = static_cast<int>(SwitchControl::arp_request_to_cpu);
+  const auto control = static_cast<int>(SwitchControlOfPort::arp_request_to_cpu);
   chip.switch_controls.set_port(1, control, 1);
   limit(StormRates::broadcast, 1);
   const Bytes request = Frame(1, 0xFF).tag(10).arp(false, "10.0.0.1", "10.0.0.2");

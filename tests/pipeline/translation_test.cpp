@@ -14,13 +14,13 @@ class Translations : public support::PipelineTest {
   Translations() {
     vlan(10, {1, 2});
     chip.vlan_controls.set(static_cast<int>(chip::VlanControlOfChip::translate), 1);
-    for (const int port : {1, 2}) {
+    for (const chip::Port port : chip::PortSet{1, 2}) {
       control(port, VlanControlOfPort::translate_ingress, 1);
       control(port, VlanControlOfPort::translate_egress, 1);
     }
   }
 
-  void control(int port, VlanControlOfPort which, int value) {
+  void control(chip::Port port, VlanControlOfPort which, int value) {
     EXPECT_EQ(chip.vlan_controls.set_port(port, static_cast<int>(which), value), Status::ok);
   }
 

@@ -4,8 +4,10 @@
 
 namespace {
 
+using chip::Port;
 using chip::StpState;
-using chip::SwitchControl;
+using chip::SwitchControlOfChip;
+using chip::SwitchControlOfPort;
 using support::Bytes;
 using support::Frame;
 
@@ -21,10 +23,10 @@ class Traps : public support::PipelineTest {
     int index = 0;
     EXPECT_EQ(chip.l2_cache.set(chip::L2Cache::any_index, entry, index), Status::ok);
   }
-  void control(SwitchControl control, int port = 1) {
+  void control(SwitchControlOfPort control, Port port = 1) {
     EXPECT_EQ(chip.switch_controls.set_port(port, static_cast<int>(control), 1), Status::ok);
   }
-  void block(int port) { chip.spanning_trees.set_state(1, port, static_cast<int>(StpState::block)); }
+  void block(Port port) { chip.spanning_trees.set_state(1, port, static_cast<int>(StpState::block)); }
 
   static Bytes to_group(int last) {
     return Frame(support::mac(1), {0x01, 0x80, 0xC2, 0, 0, static_cast<uint8_t>(last)}).tag(10).type(0x9000);
@@ -71,21 +73,24 @@ TEST_F(Traps, LetTheHostSendControlFrames) {
 
 struct Protocol {
   const char* name;
-  SwitchControl control;
+  SwitchControlOfPort control;
   Bytes frame;
 };
 
 const Protocol protocols[] = {
-    {"ARP request", SwitchControl::arp_request_to_cpu, Frame(1, 2).tag(10).arp(false, "10.0.0.1", "10.0.0.2")},
-    {"ARP reply", SwitchControl::arp_reply_to_cpu, Frame(1, 2).tag(10).arp(true, "10.0.0.1", "10.0.0.2")},
-    {"DHCP request", SwitchControl::dhcp_to_cpu, Frame(1, 2).tag(10).ip("10.0.0.1", "10.0.0.2").udp(68, 67)},
-    {"DHCP reply", SwitchControl::dhcp_to_cpu, Frame(1, 2).tag(10).ip("10.0.0.1", "10.0.0.2").udp(67, 68)},
-    {"DHCPv6 request", SwitchControl::dhcp_to_cpu, Frame(1, 2).tag(10).ip("2001:db8::1", "2001:db8::2").udp(546, 547)},
-    {"DHCPv6 reply", SwitchControl::dhcp_to_cpu, Frame(1, 2).tag(10).ip("2001:db8::1", "2001:db8::2").udp(547, 546)},
-    {"router solicitation", SwitchControl::neighbour_discovery_to_cpu,
+    {"ARP request", SwitchControlOfPort::arp_request_to_cpu, Frame(1, 2).tag(10).arp(false, "10.0.0.1", "10.0.0.2")},
+    {"ARP reply", SwitchControlOfPort::arp_reply_to_cpu, Frame(1, 2).tag(10).arp(true, "10.0.0.1", "10.0.0.2")},
+    {"DHCP request", SwitchControlOfPort::dhcp_to_cpu, Frame(1, 2).tag(10).ip("10.0.0.1", "10.0.0.2").udp(68, 67)},
+    {"DHCP reply", SwitchControlOfPort::dhcp_to_cpu, Frame(1, 2).tag(10).ip("10.0.0.1", "10.0.0.2").udp(67, 68)},
+    {"DHCPv6 request", SwitchControlOfPort::dhcp_to_cpu,
+     Frame(1, 2).tag(10).ip("2001:db8::1", "2001:db8::2").udp(546, 547)},
+    {"DHCPv6 reply", SwitchControlOfPort::dhcp_to_cpu,
+     Frame(1, 2).tag(10).ip("2001:db8::1", "2001:db8::2").udp(547, 546)},
+    {"router solicitation", SwitchControlOfPort::neighbor_discovery_to_cpu,
      Frame(1, 2).tag(10).ip("fe80::1", "2001:db8::2").icmp(133)},
-    {"redirect", SwitchControl::neighbour_discovery_to_cpu, Frame(1, 2).tag(10).ip("fe80::1", "2001:db8::2").icmp(137)},
-    {"reserved IPv6 multicast", SwitchControl::ip6_reserved_multicast_to_cpu,
+    {"redirect", SwitchControlOfPort::neighbor_discovery_to_cpu,
+     Frame(1, 2).tag(10).ip("fe80::1", "2001:db8::2").icmp(137)},
+    {"reserved IPv6 multicast", SwitchControlOfPort::ip6_reserved_multicast_to_cpu,
      Frame(1, 2).tag(10).ip("fe80::1", "ff02::5").udp(5, 6)},
 };
 const Bytes others[] = {
@@ -102,7 +107,7 @@ const Bytes others[] = {
 };
 
 TEST_F(Traps, CopyEachProtocolToTheCpuWhenItsControlSaysSo) {
-  const auto enable = static_cast<int>(SwitchControl::mld_reserved_multicast_enable);
+  const auto enable = static_cast<int>(SwitchControlOfChip::mld_reserved_multicast_enable);
   chip.reserved_multicast.set(0, {{{0xFF, 0x02}, {0xFF, 0xFF}}});
   chip.switch_controls.set(enable, 1);
   for (const Protocol& protocol : protocols) {
@@ -119,7 +124,7 @@ TEST_F(Traps, CopyEachProtocolToTheCpuWhenItsControlSaysSo) {
 
 TEST_F(Traps, CopyNothingElse) {
   chip.reserved_multicast.set(0, {{{0xFF, 0x02}, {0xFF, 0xFF}}});
-  chip.switch_controls.set(static_cast<int>(SwitchControl::mld_reserved_multicast_enable), 1);
+  chip.switch_controls.set(static_cast<int>(SwitchControlOfChip::mld_reserved_multicast_enable), 1);
   for (const Protocol& protocol : protocols) control(protocol.control);
   for (const Bytes& frame : others) EXPECT_EQ(send(1, frame).substr(0, 3), "2: ");
   for (const Bytes& frame : others) EXPECT_EQ(send(1, frame).find("cpu"), std::string::npos) << support::told(frame);
@@ -127,29 +132,29 @@ TEST_F(Traps, CopyNothingElse) {
 
 TEST_F(Traps, TakeNoAddressForReservedUntilThatIsEnabled) {
   chip.reserved_multicast.set(0, {{{0xFF, 0x02}, {0xFF, 0xFF}}});
-  control(SwitchControl::ip6_reserved_multicast_to_cpu);
+  control(SwitchControlOfPort::ip6_reserved_multicast_to_cpu);
   const Bytes frame = Frame(1, 2).tag(10).ip("fe80::1", "ff02::5").udp(5, 6);
   EXPECT_EQ(send(1, frame).find("cpu"), std::string::npos);
 }
 
 TEST_F(Traps, DropDhcpWhereAskedWhetherTheCpuWantsItOrNot) {
   const Bytes request = Frame(1, 2).tag(10).ip("10.0.0.1", "10.0.0.2").udp(68, 67);
-  control(SwitchControl::dhcp_drop);
+  control(SwitchControlOfPort::dhcp_drop);
   EXPECT_EQ(send(1, request), "dropped: switch control\n");
   EXPECT_EQ(send(1, others[0]), "2: 01>02 9000\n");
-  control(SwitchControl::dhcp_to_cpu);
+  control(SwitchControlOfPort::dhcp_to_cpu);
   EXPECT_EQ(send(1, request), "cpu 0x2: 01>02 [10] 10.0.0.1>10.0.0.2 ttl 64 udp 68>67\ndropped: switch control\n");
 }
 
 TEST_F(Traps, CopyNothingOfAFrameThatIsNotLetIn) {
-  control(SwitchControl::arp_request_to_cpu);
+  control(SwitchControlOfPort::arp_request_to_cpu);
   block(1);
   EXPECT_EQ(send(1, Frame(1, 2).tag(10).arp(false, "10.0.0.1", "10.0.0.2")), "dropped: spanning tree\n");
 }
 
 TEST_F(Traps, GiveTheCpuOneCopyForSeveralReasons) {
   vlan(20, {0, 1});
-  control(SwitchControl::arp_request_to_cpu);
+  control(SwitchControlOfPort::arp_request_to_cpu);
   EXPECT_EQ(send(1, Frame(1, 0xFF).tag(20).arp(false, "10.0.0.1", "10.0.0.2")),
             "cpu 0x82: 01>all [20] arp 10.0.0.1>10.0.0.2\n");
 }

@@ -1,12 +1,13 @@
 // Frames of virtual ports: which belong to them, what they look like inside, and where they go.
 #include "chip/encapsulations.h"
-#include "chip/gports.h"
 #include "pipeline_fixture.h"
 
 namespace {
 
 using chip::NetworkGroups;
+using chip::Port;
 using chip::VirtualPort;
+using chip::VirtualPortId;
 using chip::VlanControlOfPort;
 using support::Bytes;
 using support::Frame;
@@ -15,7 +16,7 @@ class VirtualPorts : public support::PipelineTest {
  protected:
   VirtualPorts() {
     chip.vlan_controls.set(static_cast<int>(chip::VlanControlOfChip::translate), 1);
-    for (const int port : {1, 2, 3}) {
+    for (const Port port : chip::PortSet{1, 2, 3}) {
       control(port, VlanControlOfPort::translate_ingress, 1);
       control(port, VlanControlOfPort::translate_first_key, chip::VlanControls::key_port_double);
       control(port, VlanControlOfPort::translate_second_key, chip::VlanControls::key_port_outer);
@@ -25,21 +26,21 @@ class VirtualPorts : public support::PipelineTest {
     vlan(300, {9});
   }
 
-  void control(int port, VlanControlOfPort which, int value) {
+  void control(Port port, VlanControlOfPort which, int value) {
     EXPECT_EQ(chip.vlan_controls.set_port(port, static_cast<int>(which), value), Status::ok);
   }
 
-  /// Makes a virtual port that is a member of its inside VLAN; its gport.
-  int make(VirtualPort what) {
+  /// Makes a virtual port that is a member of its inside VLAN.
+  VirtualPortId make(VirtualPort what) {
     what.criteria = what.match_inner_vlan != 0 ? VirtualPort::match_port_vlan_stacked : VirtualPort::match_port_vlan;
-    int gport = 0;
-    EXPECT_EQ(chip.virtual_ports.create(what, gport), Status::ok);
-    EXPECT_EQ(chip.vlans.add_virtual_port(what.egress_vlan != 0 ? what.egress_vlan : what.match_inner_vlan, gport),
+    VirtualPortId id;
+    EXPECT_EQ(chip.virtual_ports.create(what, id), Status::ok);
+    EXPECT_EQ(chip.vlans.add_virtual_port(what.egress_vlan != 0 ? what.egress_vlan : what.match_inner_vlan, id),
               Status::ok);
-    return gport;
+    return id;
   }
   /// One of port `port` that matches the outer VLAN `match`, in VLAN 100 and a network group.
-  int make_simple(int port, uint16_t match, int group = 0) {
+  VirtualPortId make_simple(Port port, uint16_t match, int group = 0) {
     return make({.port = port,
                  .match_vlan = match,
                  .egress_vlan = 100,
@@ -98,7 +99,7 @@ TEST_F(VirtualPorts, GiveTheirFramesTheTagsOfTheInside) {
 }
 
 TEST_F(VirtualPorts, AreWhereSourcesAreLearned) {
-  const int first = make_simple(1, 10);
+  const VirtualPortId first = make_simple(1, 10);
   make_simple(1, 11);
   chip::EgressAction to_customer;
   to_customer.outer_vlan = 10;
@@ -141,8 +142,8 @@ class IsolatedGroups : public VirtualPorts {
   }
 
   /// The places where a flood leaves, "9 2 ".
-  std::string places(int port) {
-    const std::string out = send(port, from(port).tag(port == 9 ? 100 : 10).type(0x9000));
+  std::string places(Port port) {
+    const std::string out = send(port, from(port.number()).tag(port == 9 ? 100 : 10).type(0x9000));
     std::string result;
     for (std::size_t line = 0; line < out.size(); line = out.find('\n', line) + 1) {
       result += out.substr(line, out.find(':', line) - line);

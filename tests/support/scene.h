@@ -14,7 +14,7 @@ std::string journal();
 
 class Scene : public testing::Test {
  protected:
-  /// One unit, initialised; errors go to a log in memory; nothing is recorded yet.
+  /// One unit, initialized; errors go to a log in memory; nothing is recorded yet.
   Scene();
   ~Scene() override;
 

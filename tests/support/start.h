@@ -7,7 +7,7 @@
 
 namespace support {
 
-/// A board of `units` chips with `ports` Ethernet ports, attached and initialised, on a chip that was off.
+/// A board of `units` chips with `ports` Ethernet ports, attached and initialized, on a chip that was off.
 void start_chip(int units = 1, int ports = 12);
 
 /// The same, but `system_init` is still to come.

@@ -8,7 +8,7 @@ namespace {
 
 constexpr uint8_t router[6] = {0x02, 0, 0, 0, 0, 0x01};
 constexpr uint8_t other_router[6] = {0x02, 0, 0, 0, 0, 0x02};
-constexpr uint8_t neighbour[6] = {0x02, 0, 0, 0, 0, 0x2A};
+constexpr uint8_t neighbor[6] = {0x02, 0, 0, 0, 0, 0x2A};
 constexpr uint32_t host = 0x0A000001;
 constexpr uint32_t subnet = 0x0A010000;
 constexpr uint32_t mask = 0xFFFF0000;
@@ -18,9 +18,9 @@ void interface() {
   sai_l3_intf_create(unit, router, 10);
 }
 
-void neighbour_on(int32_t port) {
+void neighbor_on(int32_t port) {
   sai_l2_mac_entry_t address{};
-  std::copy_n(neighbour, sizeof neighbour, address.mac);
+  std::copy_n(neighbor, sizeof neighbor, address.mac);
   address.vlan = 10;
   address.port = port;
   sai_l2_mac_entry_add(unit, &address);
@@ -28,23 +28,23 @@ void neighbour_on(int32_t port) {
 
 void use_egress_objects() { bcm_switch_control_set(unit, bcmSwitchL3EgressMode, 1); }
 
-void neighbour_on_port() {
+void neighbor_on_port() {
   interface();
-  neighbour_on(3);
+  neighbor_on(3);
 }
 
-void neighbour_on_virtual_port() {
+void neighbor_on_virtual_port() {
   sai_vlan_vport_init(unit);
   sai_vlan_create(unit, 10);
   sai_vport_t vport{3, 10, 20, 10, 0, -1};
   sai_vport_create(unit, 3, &vport);
-  neighbour_on(vport.vport_id);
+  neighbor_on(vport.vport_id);
 }
 
-int32_t add_host(uint8_t dtag) { return sai_l3_host_route_create(unit, host, router, neighbour, 3, 10, dtag); }
+int32_t add_host(uint8_t dtag) { return sai_l3_host_route_create(unit, host, router, neighbor, 3, 10, dtag); }
 
 int32_t add_subnet(uint8_t dtag) {
-  return sai_l3_subnet_route_create(unit, subnet, mask, host, router, neighbour, 3, 10, dtag);
+  return sai_l3_subnet_route_create(unit, subnet, mask, host, router, neighbor, 3, 10, dtag);
 }
 
 using Scene = std::function<void()>;
@@ -90,7 +90,7 @@ const std::vector<Failure> subnet_lookup{{"bcm_stk_my_modid_get", stops, no_line
 // What a deleted host or route pointed at goes too, and nothing of that shows in the result.
 
 std::vector<Failure> clean_up(const char* after_egress_object) {
-  return {{"bcm_l3_egress_get", "- *", no_line, positive},  // without a neighbour
+  return {{"bcm_l3_egress_get", "- *", no_line, positive},  // without a neighbor
           {"bcm_l3_egress_get", after_egress_object, no_line},
           {"bcm_l2_addr_get bcm_l3_egress_destroy", after_egress_object}};
 }
@@ -138,16 +138,16 @@ Row subnet_deletion(const std::string& name, std::vector<Failure> failures, cons
           .scene = both(scene, [dtag] { add_subnet(dtag); })};
 }
 
-/// The neighbour has moved to a port since.
+/// The neighbor has moved to a port since.
 Row moved(Row row) {
-  row.scene = both(row.scene, [] { neighbour_on(3); });
+  row.scene = both(row.scene, [] { neighbor_on(3); });
   return row;
 }
 
 }  // namespace
 
 Rows unicast() {
-  const Scene with_egress_objects = both(neighbour_on_port, use_egress_objects);
+  const Scene with_egress_objects = both(neighbor_on_port, use_egress_objects);
   return {
       {"sai_l3_enable_set", [] { return sai_l3_enable_set(unit, 1); }},
       // Whatever fails in the lookup leads to creation.
@@ -168,7 +168,7 @@ Rows unicast() {
       {.name = "sai_l3_intf_delete", .call = [] { return sai_l3_intf_delete(unit, 10); }, .scene = interface},
       {.name = "sai_l3_intf_delete_all", .call = [] { return sai_l3_intf_delete_all(unit); }, .scene = interface},
 
-      host_creation("to an interface", host_lookup, neighbour_on_port),
+      host_creation("to an interface", host_lookup, neighbor_on_port),
       host_creation("to an egress object", host_lookup + egress_object, with_egress_objects),
       host_creation(
           "to an egress object that is there",
@@ -176,16 +176,15 @@ Rows unicast() {
                                 no_line, positive}} +
               known_egress_object + host_lookup + egress_object,
           both(with_egress_objects, [] { add_subnet(0); })),
-      host_creation("over another", host_lookup, both(neighbour_on_port, [] { add_host(0); })),
-      host_creation("over a virtual port", host_lookup + egress_object + over_virtual_port(),
-                    neighbour_on_virtual_port),
-      host_creation("double-tagged", host_lookup + egress_object + double_tagged, neighbour_on_virtual_port, 1),
-      host_deletion("from an interface", {}, neighbour_on_port),
+      host_creation("over another", host_lookup, both(neighbor_on_port, [] { add_host(0); })),
+      host_creation("over a virtual port", host_lookup + egress_object + over_virtual_port(), neighbor_on_virtual_port),
+      host_creation("double-tagged", host_lookup + egress_object + double_tagged, neighbor_on_virtual_port, 1),
+      host_deletion("from an interface", {}, neighbor_on_port),
       host_deletion("from an egress object", clean_up(stops), with_egress_objects),
-      host_deletion("over a virtual port", clean_up_over_virtual_port, neighbour_on_virtual_port),
-      moved(host_deletion("double-tagged", clean_up_double_tagged, neighbour_on_virtual_port, 1)),
+      host_deletion("over a virtual port", clean_up_over_virtual_port, neighbor_on_virtual_port),
+      moved(host_deletion("double-tagged", clean_up_double_tagged, neighbor_on_virtual_port, 1)),
 
-      subnet_creation("to an interface", subnet_lookup, neighbour_on_port),
+      subnet_creation("to an interface", subnet_lookup, neighbor_on_port),
       subnet_creation("to an egress object", subnet_lookup + egress_object, with_egress_objects),
       subnet_creation(
           "that is there",
@@ -193,7 +192,7 @@ Rows unicast() {
               {"bcm_l3_route_get", "bcm_l3_route_add", no_line, non_zero},
               {"bcm_l3_intf_find_vlan", "bcm_l3_route_get bcm_l3_route_delete bcm_l3_route_add", no_line, positive}} +
               subnet_lookup,
-          both(neighbour_on_port, [] { add_subnet(0); })),
+          both(neighbor_on_port, [] { add_subnet(0); })),
       subnet_creation("in place of one",
                       std::vector<Failure>{{"bcm_l3_intf_find_vlan",
                                             "bcm_l3_route_get bcm_l3_route_delete "
@@ -204,21 +203,21 @@ Rows unicast() {
                           known_egress_object + subnet_lookup + egress_object,
                       both(with_egress_objects, [] { add_subnet(0); })),
       subnet_creation("over a virtual port", subnet_lookup + egress_object + over_virtual_port(),
-                      neighbour_on_virtual_port),
-      subnet_creation("double-tagged", subnet_lookup + egress_object + double_tagged, neighbour_on_virtual_port, 1),
-      subnet_deletion("from an interface", {}, neighbour_on_port),
+                      neighbor_on_virtual_port),
+      subnet_creation("double-tagged", subnet_lookup + egress_object + double_tagged, neighbor_on_virtual_port, 1),
+      subnet_deletion("from an interface", {}, neighbor_on_port),
       subnet_deletion("from an egress object", clean_up(stops), with_egress_objects),
-      subnet_deletion("over a virtual port", clean_up_over_virtual_port, neighbour_on_virtual_port),
-      moved(subnet_deletion("double-tagged", clean_up_double_tagged, neighbour_on_virtual_port, 1)),
+      subnet_deletion("over a virtual port", clean_up_over_virtual_port, neighbor_on_virtual_port),
+      moved(subnet_deletion("double-tagged", clean_up_double_tagged, neighbor_on_virtual_port, 1)),
 
       {.name = "sai_l3_host_route_hit_get",
        .call = [] { return sai_l3_host_route_hit_get(host); },
        .result = failure_or_value,
-       .scene = both(neighbour_on_port, [] { add_host(0); })},
+       .scene = both(neighbor_on_port, [] { add_host(0); })},
       {.name = "sai_l3_subnet_route_hit_get",
        .call = [] { return sai_l3_subnet_route_hit_get(subnet, mask); },
        .result = failure_or_value,
-       .scene = both(neighbour_on_port, [] { add_subnet(0); })},
+       .scene = both(neighbor_on_port, [] { add_subnet(0); })},
   };
 }
 

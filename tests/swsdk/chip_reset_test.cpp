@@ -39,7 +39,7 @@ const Part put_back[] = {
      [](Chip& c) { return static_cast<int64_t>(c.vlan_translations.ingress().size()); }},
     {"egress_actions",
      [](Chip& c) {
-       return c.egress_actions.set({1, 10, 0}, {});
+       return c.egress_actions.set({chip::Port{1}, 10, 0}, {});
      },
      [](Chip& c) { return size(c.egress_actions); }},
     {"port_filters", [](Chip& c) { return c.port_filters.set_membership_checks(1, chip::PortFilters::check_ingress); },
@@ -58,36 +58,41 @@ const Part put_back[] = {
     {"phy_controls", [](Chip& c) { return c.phy_controls.set(1, static_cast<int>(chip::PhyControl::dfe), 1); },
      [](Chip& c) { return size(c.phy_controls); }},
     {"port_rates", [](Chip& c) { return c.port_rates.police(1, {.rate = 64}); },
-     [](Chip& c) { return static_cast<int64_t>(c.port_rates.ingress().size()); }},
+     [](Chip& c) { return int64_t{c.port_rates.ingress()[1].rate}; }},
     {"storm_rates",
      [](Chip& c) {
        return c.storm_rates.set({1, chip::StormRates::broadcast}, chip::StormRates::broadcast, 100);
      },
-     [](Chip& c) { return size(c.storm_rates); }},
-    {"counters", [](Chip& c) { return c.counters.set(1, 0, 64); }, [](Chip& c) { return size(c.counters); }},
+     [](Chip& c) {
+       return int64_t{c.storm_rates.find({1, chip::StormRates::broadcast}) != nullptr};
+     }},
+    {"counters", [](Chip& c) { return c.counters.set(1, 0, 64); },
+     [](Chip& c) { return static_cast<int64_t>(*c.counters.find(1, 0)); }},
     {"protocol_vlans",
      [](Chip& c) {
        return c.protocol_vlans.add({1, chip::ProtocolVlans::ethernet2, 0x0800}, 10);
      },
      [](Chip& c) { return size(c.protocol_vlans); }},
     {"switch_controls",
-     [](Chip& c) { return c.switch_controls.set(static_cast<int>(chip::SwitchControl::l3_egress_mode), 1); },
-     [](Chip& c) { return size(c.switch_controls); }},
+     [](Chip& c) { return c.switch_controls.set(static_cast<int>(chip::SwitchControlOfChip::l3_egress_mode), 1); },
+     [](Chip& c) {
+       return int64_t{*c.switch_controls.get(static_cast<int>(chip::SwitchControlOfChip::l3_egress_mode))};
+     }},
+    {"switch_controls of ports",
+     [](Chip& c) { return c.switch_controls.set_port(1, static_cast<int>(chip::SwitchControlOfPort::dhcp_drop), 1); },
+     [](Chip& c) { return int64_t{c.switch_controls.is_on(chip::SwitchControlOfPort::dhcp_drop, 1)}; }},
     {"mac_table",
      [](Chip& c) {
-       return c.mac_table.add({.mac = {2, 0, 0, 0, 0, 1}, .vlan = 1, .port = 1});
+       return c.mac_table.add({.mac = {2, 0, 0, 0, 0, 1}, .vlan = 1, .place = chip::Port{1}});
      },
      [](Chip& c) { return int64_t{c.mac_table.size()}; }},
     {"trunks",
      [](Chip& c) {
-       int id = 0;
+       chip::TrunkId id;
        return c.trunks.create(0, id);
      },
      [](Chip& c) { return size(c.trunks); }},
-    {"learn_limits",
-     [](Chip& c) {
-       return c.learn_limits.set({{chip::MacScope::Kind::port, 1}}, {.limit = 4});
-     },
+    {"learn_limits", [](Chip& c) { return c.learn_limits.set({chip::Port{1}}, {.limit = 4}); },
      [](Chip& c) { return size(c.learn_limits); }},
     {"mirrors", [](Chip& c) { return c.mirrors.set_mode(static_cast<int>(chip::Mirrors::Mode::l2)); },
      [](Chip& c) { return static_cast<int64_t>(c.mirrors.mode()); }},
@@ -111,7 +116,7 @@ const Part put_back[] = {
      [](Chip& c) { return size(c.l2_cache); }},
     {"multicast_groups",
      [](Chip& c) {
-       int id = 0;
+       chip::GroupId id;
        return c.multicast_groups.create(chip::MulticastGroups::l2, id);
      },
      [](Chip& c) { return size(c.multicast_groups); }},
@@ -145,17 +150,12 @@ const Part put_back[] = {
      [](Chip& c) { return size(c.routes); }},
     {"virtual_ports",
      [](Chip& c) {
-       int gport = 0;
-       return c.virtual_ports.create({.criteria = chip::VirtualPort::match_port_vlan, .port = 1, .match_vlan = 10},
-                                     gport);
+       chip::VirtualPortId id;
+       return c.virtual_ports.create({.criteria = chip::VirtualPort::match_port_vlan, .port = 1, .match_vlan = 10}, id);
      },
      [](Chip& c) { return size(c.virtual_ports); }},
     {"network_groups", [](Chip& c) { return c.network_groups.set(1, chip::NetworkGroups::prune_ingress); },
-     [](Chip& c) {
-       uint32_t settings = 0;
-       c.network_groups.get(1, settings);
-       return int64_t{settings};
-     }},
+     [](Chip& c) { return int64_t{*c.network_groups.find(1)}; }},
     {"reserved_multicast", [](Chip& c) { return c.reserved_multicast.set(0, {{}}); },
      [](Chip& c) { return static_cast<int64_t>(c.reserved_multicast.of_outer_header().size()); }},
     {"queues",
@@ -236,7 +236,7 @@ TEST(ChipReset, LeavesTheObserverOfTheMacTableInPlace) {
   chip.mac_table.observe([&](chip::MacTable::Change, const chip::MacEntry&) { ++changes; });
   chip.reset();
   EXPECT_EQ(changes, 0);
-  chip.mac_table.add({.mac = {2, 0, 0, 0, 0, 1}, .vlan = 1, .port = 1});
+  chip.mac_table.add({.mac = {2, 0, 0, 0, 0, 1}, .vlan = 1, .place = chip::Port{1}});
   EXPECT_EQ(changes, 1);
 }
 

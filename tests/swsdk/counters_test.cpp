@@ -4,14 +4,15 @@
 
 namespace {
 
+using chip::Port;
 using chip::Status;
 
 class Counters : public testing::Test {
  protected:
-  uint64_t value(int port, int counter) {
-    uint64_t result = 99;
-    EXPECT_EQ(counters.get(port, counter, result), Status::ok);
-    return result;
+  uint64_t value(Port port, int counter) {
+    const uint64_t* const result = counters.find(port, counter);
+    EXPECT_NE(result, nullptr);
+    return result == nullptr ? 99 : *result;
   }
 
   chip::Ports ports{12};
@@ -19,7 +20,7 @@ class Counters : public testing::Test {
 };
 
 TEST_F(Counters, AreZeroAtFirst) {
-  for (const int port : {0, 1, 12})
+  for (const Port port : chip::PortSet{0, 1, 12})
     for (const int counter : {0, 58, 311}) EXPECT_EQ(value(port, counter), 0U);
 }
 
@@ -34,25 +35,26 @@ TEST_F(Counters, AreOfEachPortAndKeep64Bits) {
 }
 
 TEST_F(Counters, AreClearedPortByPortOrAllInAReset) {
-  for (const int port : {1, 2, 3}) counters.set(port, 58, 100);
+  for (const Port port : chip::PortSet{1, 2, 3}) counters.set(port, 58, 100);
   EXPECT_EQ(counters.clear(1), Status::ok);
   EXPECT_EQ(value(1, 58), 0U);
   EXPECT_EQ(value(2, 58), 100U);
   counters.reset();
   EXPECT_EQ(value(2, 58), 0U);
-  EXPECT_TRUE(counters.all().empty());
+  for (const auto& [port, values] : counters.all()) EXPECT_EQ(values, chip::Counters::Values{}) << port.number();
 }
 
 TEST_F(Counters, RefuseWhatIsNotThere) {
-  uint64_t ignored = 0;
   for (const int counter : {-1, 312}) {
-    EXPECT_EQ(counters.get(1, counter, ignored), Status::bad_parameter) << counter;
+    EXPECT_EQ(counters.find(1, counter), nullptr) << counter;
+    EXPECT_EQ(counters.absent(1, counter), Status::bad_parameter) << counter;
     EXPECT_EQ(counters.set(1, counter, 1), Status::bad_parameter) << counter;
   }
-  for (const int port : {-1, 13}) {
-    EXPECT_EQ(counters.get(port, 0, ignored), Status::bad_port) << port;
-    EXPECT_EQ(counters.set(port, 0, 1), Status::bad_port) << port;
-    EXPECT_EQ(counters.clear(port), Status::bad_port) << port;
+  for (const Port port : {Port{-1}, Port{13}}) {
+    EXPECT_EQ(counters.find(port, 0), nullptr) << port.number();
+    EXPECT_EQ(counters.absent(port, 0), Status::bad_port) << port.number();
+    EXPECT_EQ(counters.set(port, 0, 1), Status::bad_port) << port.number();
+    EXPECT_EQ(counters.clear(port), Status::bad_port) << port.number();
   }
 }
 

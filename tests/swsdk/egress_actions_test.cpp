@@ -97,14 +97,27 @@ TEST(EgressActionsOfAChip, KeepTheWholeAction) {
   wanted.untagged.inner.cfi = TagAction::remove;
   wanted.inner_vlan = 7;
   wanted.outer_cfi = 1;
-  EXPECT_EQ(actions.set({1, 10, 5}, wanted), chip::Status::ok);
-  const chip::EgressAction& found = actions.all().at({1, 10, 5});
+  EXPECT_EQ(actions.set({chip::Port{1}, 10, 5}, wanted), chip::Status::ok);
+  const chip::EgressAction& found = actions.all().at({chip::Port{1}, 10, 5});
   EXPECT_EQ(found.double_tagged.outer.vlan, TagAction::copy);
   EXPECT_EQ(found.untagged.inner.cfi, TagAction::remove);
   EXPECT_EQ(found.inner_vlan, 7);
   EXPECT_EQ(found.outer_cfi, 1);
   actions.clear();
   EXPECT_TRUE(actions.all().empty());
+}
+
+TEST(EgressActionsOfAChip, TellPortsFromVirtualPortsOfTheSameNumber) {
+  chip::EgressActions actions;
+  chip::EgressAction action;
+  action.outer_vlan = 20;
+  EXPECT_EQ(actions.set({chip::Port{1}, 10, 5}, action), chip::Status::ok);
+  EXPECT_EQ(actions.find({chip::VirtualPortId{1}, 10, 5}), nullptr);
+  EXPECT_EQ(actions.remove({chip::VirtualPortId{1}, 10, 5}), chip::Status::not_found);
+  action.outer_vlan = 30;
+  EXPECT_EQ(actions.set({chip::VirtualPortId{1}, 10, 5}, action), chip::Status::ok);
+  EXPECT_EQ(actions.find({chip::Port{1}, 10, 5})->outer_vlan, 20);
+  EXPECT_EQ(actions.find({chip::VirtualPortId{1}, 10, 5})->outer_vlan, 30);
 }
 
 }  // namespace

@@ -33,7 +33,7 @@ const std::set<std::string> without_number_zero = {"bcm_field_qualify_IpType", "
                                                    "bcm_switch_control_set", "bcm_vlan_control_set"};
 const std::set<std::string> without_result = {"soc_linkscan_pause", "soc_linkscan_continue"};
 
-bool is_initialiser(const std::string& name) { return name.ends_with("_t_init"); }
+bool is_initializer(const std::string& name) { return name.ends_with("_t_init"); }
 
 /// These take records by value, which are on the stack, or on Arm where an argument points to.
 const std::set<std::string> with_records = {"bcm_field_group_create", "bcm_field_qualify_InPorts",
@@ -65,7 +65,7 @@ class EntryPoints : public testing::Test {
   static void expect_each_answers(int unit, int code) {
     swsdk_journal_record(1);
     for (const std::string name : functions) {
-      if (is_initialiser(name) || without_unit.contains(name) || name == "system_init") continue;
+      if (is_initializer(name) || without_unit.contains(name) || name == "system_init") continue;
       swsdk_journal_clear();
       const int rv = call(name.c_str(), unit);
       EXPECT_TRUE(rv == code || without_result.contains(name)) << name << ": " << rv;
@@ -88,15 +88,15 @@ TEST_F(EntryPoints, RefuseAUnitThatDoesNotExist) {
   expect_each_answers(7, BCM_E_UNIT);
 }
 
-TEST_F(EntryPoints, AnswerNotInitialisedBeforeTheSystemIs) {
+TEST_F(EntryPoints, AnswerNotInitializedBeforeTheSystemIs) {
   support::attach_chip();
   expect_each_answers(0, BCM_E_INIT);
 }
 
-TEST_F(EntryPoints, AreAllModelled) {
+TEST_F(EntryPoints, AreAllModeled) {
   support::start_chip();
   for (const std::string name : functions) {
-    if (is_initialiser(name) || without_number_zero.contains(name)) continue;
+    if (is_initializer(name) || without_number_zero.contains(name)) continue;
     EXPECT_NE(call(name.c_str(), 0), BCM_E_UNAVAIL) << name;
   }
 }
@@ -105,7 +105,7 @@ TEST_F(EntryPoints, CanEachBeMadeToFail) {
   support::start_chip();
   for (const std::string name : functions) {
     const int accepted = swsdk_fault_inject(name.c_str(), -77, SWSDK_FAULT_EVERY_CALL);
-    EXPECT_EQ(accepted, is_initialiser(name) ? -1 : 0) << name;
+    EXPECT_EQ(accepted, is_initializer(name) ? -1 : 0) << name;
   }
   expect_each_answers(0, -77);
 }
@@ -116,7 +116,7 @@ TEST_F(EntryPoints, CanEachBeRecordedAndRepeated) {
   ASSERT_EQ(swsdk_record_start(path.c_str()), 0);
   support::start_chip();
   for (const std::string name : functions)
-    if (!is_initialiser(name)) call(name.c_str(), 0);
+    if (!is_initializer(name)) call(name.c_str(), 0);
   for (const char* name : undeclared) call(name, 0);
   EXPECT_EQ(swsdk_record_stop(), 0);
   const auto tell = [](const char* line, void*) { ADD_FAILURE() << line; };

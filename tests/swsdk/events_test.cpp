@@ -411,13 +411,13 @@ TEST_F(Events, EndBeforeTheObjectsOfAProgramThatLeavesTheChipOn) {
   EXPECT_EXIT(leave(), testing::ExitedWithCode(0), "");
 }
 
-TEST_F(Events, SurviveThatTheirUnitIsInitialisedAnew) {
+TEST_F(Events, SurviveThatTheirUnitIsInitializedAnew) {
   bcm_linkscan_register(0, first);
-  std::thread initialiser([] {
+  std::thread initializer([] {
     for (int i = 0; i < 50; ++i) EXPECT_EQ(system_init(0), BCM_E_NONE);
   });
   for (int i = 0; i < 50; ++i) EXPECT_EQ(swsdk_link_event(0, 3, down), 0);
-  initialiser.join();
+  initializer.join();
   EXPECT_EQ(take().size(), 50U);
 }
 

@@ -56,7 +56,7 @@ class FieldIndex : public FieldProcessor {
 
   FrameFields any_frame() {
     FrameFields frame;
-    frame.in_port = static_cast<int>(1 + any(6));
+    frame.in_port = chip::Port::of(static_cast<int>(1 + any(6)));
     if (one_in(4)) frame.readable = one_in(2) ? chip::Layer::ethernet : chip::Layer::network;
     frame.outer_tag = static_cast<uint16_t>(1 + any(6));
     frame.ether_type = one_in(2) ? 0x0800 : 0x86DD;

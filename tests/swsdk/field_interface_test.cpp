@@ -169,7 +169,7 @@ TEST_F(Field, IsLookedUpOnUnitsAndStagesThatThereAreWithAFrameAndAPlaceForTheAns
   EXPECT_EQ(swsdk_field_hits(unit, 1), -1);
 }
 
-TEST_F(Field, IsEmptyAfterTheSystemIsInitialisedAnew) {
+TEST_F(Field, IsEmptyAfterTheSystemIsInitializedAnew) {
   entry(group({bcmFieldQualifyStageIngress}));
   support::start_chip();
   EXPECT_EQ(bcm_field_entry_install(unit, 1), BCM_E_NOT_FOUND);

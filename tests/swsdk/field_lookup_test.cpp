@@ -73,7 +73,7 @@ TEST_F(FieldProcessor, DoesWhatEachActionSays) {
   processor.reinstall(trap);
   EXPECT_EQ(classify().priority, 7);
   EXPECT_TRUE(classify().copied_to_cpu);
-  EXPECT_EQ(classify().redirect_port, 9);
+  EXPECT_EQ(classify().redirect_port, chip::Port{9});
   EXPECT_FALSE(classify().dropped);
 
   const int red = entry(group(FieldGroup::any_priority, out), FieldAction::drop_red);
@@ -128,10 +128,10 @@ TEST_F(FieldProcessor, LetsTheGroupOfHighestPriorityDecideOnPortAndPriority) {
   processor.reinstall(1);
   processor.reinstall(2);
   EXPECT_EQ(classify().priority, 2);
-  EXPECT_EQ(classify().redirect_port, 2);
+  EXPECT_EQ(classify().redirect_port, chip::Port{2});
   processor.set_group_priority(low, 3);
   EXPECT_EQ(classify().priority, 1);
-  EXPECT_EQ(classify().redirect_port, 1);
+  EXPECT_EQ(classify().redirect_port, chip::Port{1});
 }
 
 TEST_F(FieldProcessor, DropsARedirectedFrameAndStillCopiesItToTheCpu) {
@@ -163,29 +163,29 @@ TEST_F(FieldPolicers, AreAttachedByLevel) {
   EXPECT_EQ(processor.attach_policer(id, 0, first), Status::ok);
   EXPECT_EQ(processor.attach_policer(id, 0, second), Status::exists);
   EXPECT_EQ(processor.attach_policer(id, 1, second), Status::ok);
-  int found = 0;
-  EXPECT_EQ(processor.policer(id, 0, found), Status::ok);
-  EXPECT_EQ(found, first);
-  EXPECT_EQ(processor.policer(id, 1, found), Status::ok);
-  EXPECT_EQ(found, second);
+  EXPECT_EQ(processor.policer(id, 0), first);
+  EXPECT_EQ(processor.policer(id, 1), second);
   EXPECT_EQ(processor.detach_policer(id, 0), Status::ok);
   EXPECT_EQ(processor.detach_policer(id, 0), Status::not_found);
-  EXPECT_EQ(processor.policer(id, 0, found), Status::not_found);
-  EXPECT_EQ(found, second);
-  EXPECT_EQ(processor.policer(id, 1, found), Status::ok);
+  EXPECT_EQ(processor.policer(id, 0), std::nullopt);
+  EXPECT_EQ(processor.absent_policer(id, 0), Status::not_found);
+  EXPECT_EQ(processor.policer(id, 1), second);
 }
 
 TEST_F(FieldPolicers, AreRefusedAtOtherLevelsOrWhenThereIsNone) {
   const int id = entry(group());
-  int found = 0;
   for (const int level : {-1, 2}) {
     EXPECT_EQ(processor.attach_policer(id, level, policer()), Status::bad_parameter);
     EXPECT_EQ(processor.detach_policer(id, level), Status::bad_parameter);
-    EXPECT_EQ(processor.policer(id, level, found), Status::bad_parameter);
+    EXPECT_EQ(processor.policer(id, level), std::nullopt);
+    EXPECT_EQ(processor.absent_policer(id, level), Status::bad_parameter);
   }
   EXPECT_EQ(processor.attach_policer(id, 0, 100), Status::not_found);
   EXPECT_EQ(processor.attach_policer(id, 0, 0), Status::bad_parameter);
-  EXPECT_EQ(processor.policer(id, 0, found), Status::not_found);
+  EXPECT_EQ(processor.policer(id, 0), std::nullopt);
+  EXPECT_EQ(processor.absent_policer(id, 0), Status::not_found);
+  EXPECT_EQ(processor.policer(id + 1, 0), std::nullopt);
+  EXPECT_EQ(processor.absent_policer(id + 1, 0), Status::not_found);
 }
 
 TEST_F(FieldPolicers, StayWhileAnEntryUsesThem) {

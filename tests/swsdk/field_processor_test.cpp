@@ -93,7 +93,6 @@ TEST_F(FieldProcessor, NumbersItsEntriesFrom1AcrossGroups) {
 TEST_F(FieldProcessor, ChangesOnlyEntriesThatThereAre) {
   entry(group());
   for (const int absent : {-1, 0, 2}) {
-    int policer = -5;
     EXPECT_EQ(processor.destroy_entry(absent), Status::not_found);
     EXPECT_EQ(processor.qualify(absent, FieldQualifier::in_port, port_1), Status::not_found);
     EXPECT_EQ(processor.qualify_ip_type(absent, 5), Status::not_found);
@@ -105,8 +104,9 @@ TEST_F(FieldProcessor, ChangesOnlyEntriesThatThereAre) {
     EXPECT_EQ(processor.remove(absent), Status::not_found);
     EXPECT_EQ(processor.attach_policer(absent, 0, 1), Status::not_found);
     EXPECT_EQ(processor.detach_policer(absent, 0), Status::not_found);
-    EXPECT_EQ(processor.policer(absent, 0, policer), Status::not_found);
-    EXPECT_EQ(policer, -5);
+    EXPECT_EQ(processor.policer(absent, 0), std::nullopt);
+    EXPECT_EQ(processor.absent_policer(absent, 0), Status::not_found);
+    EXPECT_EQ(processor.find_entry(absent), nullptr);
   }
 }
 
@@ -247,7 +247,8 @@ TEST_F(FieldProcessor, CountsTheFramesThatMeetAnEntrySinceItWasInstalled) {
   const int id = entry(group());
   processor.qualify(id, FieldQualifier::in_port, port_1);
   processor.install(id);
-  for (const int port : {1, 2, 1, 1}) classify({.in_port = port});
+  for (const chip::Port port : {chip::Port{1}, chip::Port{2}, chip::Port{1}, chip::Port{1}})
+    classify({.in_port = port});
   EXPECT_EQ(processor.entries().at(id).hits, 3U);
   processor.reinstall(id);
   EXPECT_EQ(processor.entries().at(id).hits, 3U);

@@ -1,4 +1,4 @@
-#include "chip/gports.h"
+#include "api/gports.h"
 
 #include <bcm/error.h>
 #include <bcm/port.h>
@@ -13,18 +13,30 @@
 
 namespace {
 
-using chip::gport::of_port;
-using chip::gport::port_of;
+using api::gport_of;
+using api::mirror_of;
+using api::place_of;
+using api::port_of;
+using api::port_place_of;
+using api::sdk_port;
+using api::virtual_port_of;
+using chip::MirrorId;
+using chip::Place;
+using chip::Port;
+using chip::TrunkId;
+using chip::VirtualPortId;
 using support::gport;
+
+constexpr unsigned virtual_port_type = 17;
 
 int module_port(int module, int port) { return gport(BCM_GPORT_TYPE_MODPORT, module << 11 | port); }
 
 class Gports : public support::ChipTest {};
 
 TEST_F(Gports, CarryTheirKindInTheTopBits) {
-  EXPECT_EQ(chip::gport::kind(gport(BCM_GPORT_TYPE_TRUNK, 5)), chip::gport::trunk);
-  EXPECT_EQ(chip::gport::kind(gport(63, 5)), 63);
-  EXPECT_EQ(chip::gport::kind(12), 0);
+  EXPECT_EQ(api::gport::kind(gport(BCM_GPORT_TYPE_TRUNK, 5)), api::gport::trunk);
+  EXPECT_EQ(api::gport::kind(gport(63, 5)), 63);
+  EXPECT_EQ(api::gport::kind(12), 0);
 }
 
 TEST_F(Gports, HaveKindsThatAreUnsignedAsInVendorsHeaders) {
@@ -36,16 +48,62 @@ TEST_F(Gports, HaveKindsThatAreUnsignedAsInVendorsHeaders) {
 
 TEST_F(Gports, OfThisChipAreItsPorts) {
   for (const int port : {0, 1, 12, 255}) {
-    EXPECT_EQ(port_of(port), port);
-    EXPECT_EQ(port_of(of_port(port)), port);
-    EXPECT_EQ(port_of(gport(BCM_GPORT_TYPE_LOCAL, port)), port);
-    EXPECT_EQ(port_of(module_port(0, port)), port);
+    EXPECT_EQ(port_of(port).number(), port);
+    EXPECT_EQ(port_of(gport_of(Port::of(port))).number(), port);
+    EXPECT_EQ(port_of(gport(BCM_GPORT_TYPE_LOCAL, port)).number(), port);
+    EXPECT_EQ(port_of(module_port(0, port)).number(), port);
   }
+}
+
+TEST_F(Gports, OfEveryOtherKindOrModuleAreNoPort) {
+  for (unsigned kind = 1; kind < 64; ++kind)
+    for (const int module : {0, 1, 0x7FFF})
+      for (const int port : {0, 1, 12, 255}) {
+        const int number = gport(kind, module << 11 | port);
+        const bool is_port = kind == BCM_GPORT_TYPE_LOCAL || (kind == BCM_GPORT_TYPE_MODPORT && module == 0);
+        if (is_port)
+          EXPECT_EQ(port_of(number).number(), port) << kind << ' ' << module;
+        else
+          EXPECT_FALSE(port_of(number).number() >= 0 && port_of(number).number() <= 255) << kind << ' ' << module;
+      }
+}
+
+TEST_F(Gports, ArePlacesOfTheirKind) {
+  for (const int third : {3, module_port(0, 3), gport(BCM_GPORT_TYPE_LOCAL, 3)}) {
+    EXPECT_EQ(place_of(third), Place{Port{3}}) << third;
+    EXPECT_EQ(port_place_of(third), Place{Port{3}}) << third;
+    EXPECT_EQ(virtual_port_of(third), std::nullopt) << third;
+  }
+  const int trunk = gport(BCM_GPORT_TYPE_TRUNK, 3);
+  EXPECT_EQ(place_of(trunk), Place{TrunkId{3}});
+  EXPECT_EQ(port_place_of(trunk), Place{port_of(trunk)})
+      << "where no trunk can be meant, it is a port that there is not";
+  EXPECT_EQ(virtual_port_of(trunk), std::nullopt);
+  const int virtual_port = gport(virtual_port_type, 3);
+  EXPECT_EQ(place_of(virtual_port), Place{VirtualPortId{3}});
+  EXPECT_EQ(port_place_of(virtual_port), Place{VirtualPortId{3}});
+  EXPECT_EQ(virtual_port_of(virtual_port), VirtualPortId{3});
+}
+
+TEST_F(Gports, OfMirrorsAloneAreDestinationsOfMirroredFrames) {
+  EXPECT_EQ(mirror_of(gport(BCM_GPORT_TYPE_MIRROR, 3)), MirrorId{3});
+  for (const int other : {3, module_port(0, 3), gport(BCM_GPORT_TYPE_TRUNK, 3), -1})
+    EXPECT_LT(mirror_of(other).number(), 0) << other;
+}
+
+TEST_F(Gports, AreMadeOfPlacesAndMirrors) {
+  EXPECT_EQ(gport_of(Port{3}), module_port(0, 3));
+  EXPECT_EQ(gport_of(TrunkId{3}), gport(BCM_GPORT_TYPE_TRUNK, 3));
+  EXPECT_EQ(gport_of(VirtualPortId{3}), gport(virtual_port_type, 3));
+  EXPECT_EQ(gport_of(MirrorId{3}), gport(BCM_GPORT_TYPE_MIRROR, 3));
+  EXPECT_EQ(sdk_port(Port{3}), 3) << "a plain number";
+  EXPECT_EQ(sdk_port(TrunkId{3}), gport(BCM_GPORT_TYPE_TRUNK, 3));
+  EXPECT_EQ(sdk_port(VirtualPortId{3}), gport(virtual_port_type, 3));
 }
 
 TEST_F(Gports, OfAllElseAreNoPort) {
   for (const int other : {module_port(1, 3), gport(BCM_GPORT_TYPE_TRUNK, 3), gport(BCM_GPORT_TYPE_MIRROR, 3), -1}) {
-    EXPECT_FALSE(port_of(other) >= 0 && port_of(other) <= 255) << other;
+    EXPECT_FALSE(port_of(other).number() >= 0 && port_of(other).number() <= 255) << other;
     EXPECT_EQ(bcm_port_vlan_member_set(0, other, 0), BCM_E_PORT) << other;
   }
 }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
 #include <vector>
 
 namespace {
@@ -9,7 +10,6 @@ namespace {
 using chip::HostKey;
 using chip::L3Entry;
 using chip::Status;
-using Hits = chip::Hosts::Hits;
 
 constexpr HostKey key{0, 0x0A000001};
 
@@ -26,22 +26,23 @@ std::vector<HostKey> colliding(int count) {
 class Hosts : public testing::Test {
  protected:
   chip::Hosts hosts;
-  L3Entry found;
 };
 
 TEST_F(Hosts, KeepTheirEntry) {
-  EXPECT_EQ(hosts.add(key, {.flags = 0x1000, .interface = 7, .next_hop = {0, 1, 2, 3, 4, 5}, .port = 3}, false),
-            Status::ok);
-  EXPECT_EQ(hosts.find(key, Hits::keep, found), Status::ok);
-  EXPECT_EQ(found.flags, 0x1000U);
-  EXPECT_EQ(found.interface, 7);
-  EXPECT_EQ(found.next_hop, (chip::Mac{0, 1, 2, 3, 4, 5}));
-  EXPECT_EQ(found.port, 3);
+  EXPECT_EQ(
+      hosts.add(key, {.flags = 0x1000, .interface = 7, .next_hop = {0, 1, 2, 3, 4, 5}, .place = chip::Port{3}}, false),
+      Status::ok);
+  const L3Entry* const found = hosts.find(key);
+  ASSERT_NE(found, nullptr);
+  EXPECT_EQ(found->flags, 0x1000U);
+  EXPECT_EQ(found->interface, 7);
+  EXPECT_EQ(found->next_hop, (chip::Mac{0, 1, 2, 3, 4, 5}));
+  EXPECT_EQ(found->place, chip::Place{chip::Port{3}});
 }
 
 TEST_F(Hosts, AreDifferentInEachVrf) {
   hosts.add(key, {.interface = 7}, false);
-  EXPECT_EQ(hosts.find({1, key.address}, Hits::keep, found), Status::not_found);
+  EXPECT_EQ(hosts.find({1, key.address}), nullptr);
   EXPECT_EQ(hosts.add({1, key.address}, {.interface = 8}, false), Status::ok);
   EXPECT_EQ(hosts.find(key)->interface, 7);
 }
@@ -56,7 +57,7 @@ TEST_F(Hosts, ThatAreThereAreReplacedOnlyOnDemand) {
 }
 
 TEST_F(Hosts, ThatAreAbsentAnswerNotFound) {
-  EXPECT_EQ(hosts.find(key, Hits::keep, found), Status::not_found);
+  EXPECT_EQ(hosts.find(key), nullptr);
   EXPECT_EQ(hosts.remove(key), Status::not_found);
   EXPECT_EQ(hosts.hit(key, L3Entry::any_hit), Status::not_found);
 }
@@ -94,16 +95,12 @@ TEST_F(Hosts, TellHowManyLeadToAnInterface) {
 
 TEST_F(Hosts, NoteHitsUntilTheyAreCleared) {
   hosts.add(key, {}, false);
-  hosts.find(key, Hits::keep, found);
-  EXPECT_EQ(found.hit, 0U);
+  EXPECT_EQ(hosts.find(key)->hit, 0U);
   EXPECT_EQ(hosts.hit(key, L3Entry::source_hit), Status::ok);
   EXPECT_EQ(hosts.hit(key, L3Entry::destination_hit | 0x1), Status::ok);
-  hosts.find(key, Hits::keep, found);
-  EXPECT_EQ(found.hit, L3Entry::any_hit);
-  hosts.find(key, Hits::clear, found);
-  EXPECT_EQ(found.hit, L3Entry::any_hit);
-  hosts.find(key, Hits::keep, found);
-  EXPECT_EQ(found.hit, 0U);
+  EXPECT_EQ(hosts.find(key)->hit, L3Entry::any_hit);
+  EXPECT_EQ(std::exchange(hosts.find(key)->hit, 0), L3Entry::any_hit);
+  EXPECT_EQ(hosts.find(key)->hit, 0U);
 }
 
 }  // namespace

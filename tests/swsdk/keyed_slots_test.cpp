@@ -29,10 +29,8 @@ TEST_F(KeyedSlots, FindAnItemByItsIdAndByItsKey) {
   EXPECT_EQ(slots.add({"a", 5}, id), Status::ok);
   ASSERT_NE(slots.find(id), nullptr);
   EXPECT_EQ(slots.find(id)->value, 5);
-  int found = 0;
-  EXPECT_EQ(slots.find_id({"a"}, found), Status::ok);
-  EXPECT_EQ(found, id);
-  EXPECT_EQ(slots.find_id({"b"}, found), Status::not_found);
+  EXPECT_EQ(slots.find_id({"a"}), id);
+  EXPECT_EQ(slots.find_id({"b"}), std::nullopt);
 }
 
 TEST_F(KeyedSlots, RefuseASecondItemWithTheSameKey) {
@@ -45,14 +43,14 @@ TEST_F(KeyedSlots, RememberNoKeyOfWhatDidNotFitOrIsGone) {
   slots.add({"a", 1}, id);
   slots.add({"b", 2}, id);
   EXPECT_EQ(slots.add({"c", 3}, id), Status::full);
-  EXPECT_EQ(slots.find_id({"c"}, id), Status::not_found);
+  EXPECT_EQ(slots.find_id({"c"}), std::nullopt);
   EXPECT_EQ(slots.remove(1), Status::ok);
   EXPECT_EQ(slots.remove(1), Status::not_found);
   EXPECT_EQ(slots.remove(3), Status::bad_parameter);
-  EXPECT_EQ(slots.find_id({"a"}, id), Status::not_found);
+  EXPECT_EQ(slots.find_id({"a"}), std::nullopt);
   EXPECT_EQ(slots.add({"c", 3}, id), Status::ok);
   slots.clear();
-  EXPECT_EQ(slots.find_id({"c"}, id), Status::not_found);
+  EXPECT_EQ(slots.find_id({"c"}), std::nullopt);
 }
 
 }  // namespace

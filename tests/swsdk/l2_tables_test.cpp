@@ -96,7 +96,7 @@ TEST_F(L2Tables, TheMembersOfATrunkAreGportsOfTheChip) {
   EXPECT_EQ(bcm_trunk_set(0, id, &info, 0, nullptr), BCM_E_NONE);
 }
 
-TEST_F(L2Tables, DetachedTrunksAreToBeInitialised) {
+TEST_F(L2Tables, DetachedTrunksAreToBeInitialized) {
   bcm_trunk_t id = 0;
   ASSERT_EQ(bcm_trunk_detach(0), BCM_E_NONE);
   EXPECT_EQ(bcm_trunk_create(0, 0, &id), BCM_E_INIT);
@@ -160,6 +160,25 @@ TEST_F(L2Tables, AMirrorDestinationWithoutAnIdIsToldItsOwn) {
   EXPECT_EQ(destination.mirror_dest_id, session(0));
   ASSERT_EQ(bcm_mirror_init(0), BCM_E_NONE);
   EXPECT_EQ(bcm_mirror_destination_destroy(0, session(0)), BCM_E_NOT_FOUND);
+}
+
+TEST_F(L2Tables, AMirrorIsNamedByGportsAlone) {
+  for (const bcm_gport_t to : {1, gport(13), session(1), support::gport(BCM_GPORT_TYPE_TRUNK, 1)})
+    EXPECT_EQ(mirror_to(2, to), BCM_E_PORT) << to;
+  ASSERT_EQ(mirror_to(2, gport(12)), BCM_E_NONE);
+  bcm_mirror_destination_t destination;
+  for (const bcm_gport_t id : {2, gport(2)}) {
+    bcm_mirror_destination_t_init(&destination);
+    destination.mirror_dest_id = id;
+    destination.flags = BCM_MIRROR_DEST_WITH_ID;
+    destination.gport = gport(12);
+    EXPECT_EQ(bcm_mirror_destination_create(0, &destination), BCM_E_BADID) << id;
+    EXPECT_EQ(bcm_mirror_destination_get(0, id, &destination), BCM_E_NOT_FOUND) << id;
+    EXPECT_EQ(bcm_mirror_port_dest_add(0, 3, BCM_MIRROR_PORT_ENABLE, id), BCM_E_NOT_FOUND) << id;
+    EXPECT_EQ(bcm_mirror_port_dest_delete(0, 3, BCM_MIRROR_PORT_ENABLE, id), BCM_E_NOT_FOUND) << id;
+    EXPECT_EQ(bcm_mirror_destination_destroy(0, id), BCM_E_NOT_FOUND) << id;
+  }
+  EXPECT_EQ(bcm_mirror_destination_get(0, session(2), &destination), BCM_E_NONE);
 }
 
 TEST_F(L2Tables, UntaggedFramesGetVlansBySourceAddress) {

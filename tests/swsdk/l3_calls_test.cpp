@@ -120,6 +120,10 @@ TEST_F(L3Calls, LeaveARecordAloneWhenNoInterfaceIsFound) {
   EXPECT_EQ(std::memcmp(&interface, &before, sizeof before), 0);
   interface.l3a_intf_id = 100000;
   EXPECT_EQ(bcm_l3_intf_find(0, &interface), BCM_E_PARAM);
+  for (const bcm_vlan_t none : std::initializer_list<bcm_vlan_t>{0, 4096}) {
+    interface.l3a_vid = none;
+    EXPECT_EQ(bcm_l3_intf_find_vlan(0, &interface), BCM_E_PARAM) << none;
+  }
 }
 
 TEST_F(L3Calls, DeleteOneInterfaceOrAll) {

@@ -38,15 +38,11 @@ TEST_F(L3Interfaces, AreFoundByTheirAddressAndVlansWhateverElseTheyHold) {
   const int tagged_twice = create({.mac = router_mac, .vlan = 10, .inner_vlan = 5});
   const int of_other_vrf = create({.vrf = 1, .mac = router_mac, .vlan = 10});
   const int of_other_mac = create({.mac = other_router, .vlan = 10});
-  EXPECT_EQ(interfaces.find_same({.flags = 0x820, .mac = router_mac, .vlan = 10, .ttl = 2}, id), Status::ok);
-  EXPECT_EQ(id, plain);
-  EXPECT_EQ(interfaces.find_same({.mac = router_mac, .vlan = 10, .inner_vlan = 5}, id), Status::ok);
-  EXPECT_EQ(id, tagged_twice);
-  EXPECT_EQ(interfaces.find_same({.vrf = 1, .mac = router_mac, .vlan = 10}, id), Status::ok);
-  EXPECT_EQ(id, of_other_vrf);
-  EXPECT_EQ(interfaces.find_same({.mac = other_router, .vlan = 10}, id), Status::ok);
-  EXPECT_EQ(id, of_other_mac);
-  EXPECT_EQ(interfaces.find_same({.mac = router_mac, .vlan = 11}, id), Status::not_found);
+  EXPECT_EQ(interfaces.find_same({.flags = 0x820, .mac = router_mac, .vlan = 10, .ttl = 2}), plain);
+  EXPECT_EQ(interfaces.find_same({.mac = router_mac, .vlan = 10, .inner_vlan = 5}), tagged_twice);
+  EXPECT_EQ(interfaces.find_same({.vrf = 1, .mac = router_mac, .vlan = 10}), of_other_vrf);
+  EXPECT_EQ(interfaces.find_same({.mac = other_router, .vlan = 10}), of_other_mac);
+  EXPECT_EQ(interfaces.find_same({.mac = router_mac, .vlan = 11}), std::nullopt);
 }
 
 TEST_F(L3Interfaces, AreRefusedASecondTime) {
@@ -59,15 +55,13 @@ TEST_F(L3Interfaces, AreFoundByVlanTheLowestIdFirst) {
   create({.mac = router_mac, .vlan = 9});
   const int first = create({.mac = router_mac, .vlan = 10});
   const int second = create({.mac = other_router, .vlan = 10});
-  EXPECT_EQ(interfaces.find_by_vlan(10, id), Status::ok);
-  EXPECT_EQ(id, first);
+  EXPECT_EQ(interfaces.find_by_vlan(10), first);
   interfaces.remove(first);
-  EXPECT_EQ(interfaces.find_by_vlan(10, id), Status::ok);
-  EXPECT_EQ(id, second);
+  EXPECT_EQ(interfaces.find_by_vlan(10), second);
   interfaces.remove(second);
-  EXPECT_EQ(interfaces.find_by_vlan(10, id), Status::not_found);
-  EXPECT_EQ(interfaces.find_by_vlan(11, id), Status::not_found);
-  for (const int vlan : {-1, 0, 4096}) EXPECT_EQ(interfaces.find_by_vlan(vlan, id), Status::bad_parameter) << vlan;
+  EXPECT_EQ(interfaces.find_by_vlan(10), std::nullopt);
+  EXPECT_EQ(interfaces.find_by_vlan(11), std::nullopt);
+  for (const int vlan : {-1, 0, 4096}) EXPECT_EQ(interfaces.find_by_vlan(vlan), std::nullopt) << vlan;
 }
 
 TEST_F(L3Interfaces, AreFoundByTheFramesThatAreSentToThemIfTheyAreInTheMacTable) {
@@ -108,10 +102,10 @@ TEST_F(L3Interfaces, AreFullAtTheirCapacity) {
             .vlan = static_cast<uint16_t>(1 + i % 4095),
             .inner_vlan = static_cast<uint16_t>(i / 4095)});
   EXPECT_EQ(interfaces.create({.mac = other_router, .vlan = 1}, id), Status::full);
-  EXPECT_EQ(interfaces.find_same({.mac = other_router, .vlan = 1}, id), Status::not_found);
+  EXPECT_EQ(interfaces.find_same({.mac = other_router, .vlan = 1}), std::nullopt);
   interfaces.clear();
   EXPECT_EQ(create({.mac = router_mac, .vlan = 1}), 1);
-  EXPECT_EQ(interfaces.find_by_vlan(2, id), Status::not_found);
+  EXPECT_EQ(interfaces.find_by_vlan(2), std::nullopt);
 }
 
 }  // namespace

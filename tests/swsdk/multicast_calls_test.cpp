@@ -212,7 +212,7 @@ TEST_F(MulticastCalls, RefuseARouteToAGroupThatCannotServeIt) {
   EXPECT_EQ(bcm_ipmc_add(0, &route), BCM_E_PARAM);
 }
 
-TEST_F(MulticastCalls, ForgetTheRoutesWhenTheyAreInitialised) {
+TEST_F(MulticastCalls, ForgetTheRoutesWhenTheyAreInitialized) {
   bcm_ipmc_addr_t route = ip4_route(make_group(BCM_MULTICAST_TYPE_L3));
   bcm_ipmc_add(0, &route);
   EXPECT_EQ(bcm_ipmc_init(0), BCM_E_NONE);

@@ -91,7 +91,7 @@ TEST_F(MulticastGroups, OutliveTheStartOfTheOtherMulticastModules) {
 TEST(MulticastGroupsOfAChip, KeepTheirType) {
   const chip::Ports ports(12);
   chip::MulticastGroups groups(ports);
-  int id = 0;
+  chip::GroupId id;
   EXPECT_EQ(groups.create(chip::MulticastGroups::l3, id), chip::Status::ok);
   EXPECT_EQ(groups.all().at(id).type, chip::MulticastGroups::l3);
 }

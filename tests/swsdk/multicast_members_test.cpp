@@ -4,15 +4,17 @@
 
 namespace {
 
+using chip::GroupId;
 using chip::MulticastMember;
+using chip::Port;
 using chip::Status;
 namespace encapsulation = chip::encapsulation;
 using Groups = chip::MulticastGroups;
 
 class MulticastMembers : public testing::Test {
  protected:
-  int create(uint32_t type) {
-    int id = 0;
+  GroupId create(uint32_t type) {
+    GroupId id;
     EXPECT_EQ(groups.create(type, id), Status::ok);
     return id;
   }
@@ -22,7 +24,7 @@ class MulticastMembers : public testing::Test {
 };
 
 TEST_F(MulticastMembers, AreInTheirGroupOnce) {
-  const int group = create(Groups::l3);
+  const GroupId group = create(Groups::l3);
   EXPECT_EQ(groups.add_member(group, {3, encapsulation::of_interface(1)}), Status::ok);
   EXPECT_EQ(groups.add_member(group, {3, encapsulation::of_interface(1)}), Status::exists);
   EXPECT_EQ(groups.add_member(group, {3, encapsulation::of_interface(2)}), Status::ok);
@@ -55,17 +57,18 @@ TEST_F(MulticastMembers, FitTheTypeOfTheirGroup) {
 }
 
 TEST_F(MulticastMembers, RefusePortsAndGroupsThatThereAreNone) {
-  const int group = create(Groups::l2);
-  for (const int port : {-1, 13, 256})
-    EXPECT_EQ(groups.add_member(group, {port, encapsulation::as_it_is}), Status::bad_port) << port;
-  EXPECT_EQ(groups.add_member(group + 1, {3, encapsulation::as_it_is}), Status::not_found);
-  EXPECT_EQ(groups.remove_member(group + 1, {3, encapsulation::as_it_is}), Status::not_found);
+  const GroupId group = create(Groups::l2);
+  const GroupId other = GroupId::of(group.number() + 1);
+  for (const Port port : {Port{-1}, Port{13}, Port{256}})
+    EXPECT_EQ(groups.add_member(group, {port, encapsulation::as_it_is}), Status::bad_port) << port.number();
+  EXPECT_EQ(groups.add_member(other, {3, encapsulation::as_it_is}), Status::not_found);
+  EXPECT_EQ(groups.remove_member(other, {3, encapsulation::as_it_is}), Status::not_found);
   EXPECT_EQ(groups.add_member(0, {3, encapsulation::as_it_is}), Status::bad_parameter);
-  EXPECT_EQ(groups.destroy(group + 1), Status::not_found);
+  EXPECT_EQ(groups.destroy(other), Status::not_found);
 }
 
 TEST_F(MulticastMembers, AreForgottenWithTheirGroup) {
-  const int group = create(Groups::l2);
+  const GroupId group = create(Groups::l2);
   groups.add_member(group, {3, encapsulation::as_it_is});
   EXPECT_EQ(groups.destroy(group), Status::ok);
   EXPECT_EQ(create(Groups::l2), group);

@@ -11,10 +11,10 @@ constexpr int all_controls[] = {74,  100, 101, 102, 103, 104, 105, 106, 107, 232
 
 class PhyControls : public testing::Test {
  protected:
-  uint32_t value(int port, int control) {
-    uint32_t result = 99;
-    EXPECT_EQ(controls.get(port, control, result), Status::ok);
-    return result;
+  uint32_t value(chip::Port port, int control) {
+    const std::optional<uint32_t> result = controls.get(port, control);
+    EXPECT_TRUE(result.has_value());
+    return result.value_or(99);
   }
 
   chip::Ports ports{12};
@@ -39,18 +39,18 @@ TEST_F(PhyControls, HaveEachItsOwnName) {
 }
 
 TEST_F(PhyControls, ThatThePhysDoNotHaveAreUnavailable) {
-  uint32_t ignored = 0;
   for (const int control : {-1, 0, 99, 108, 231, 237, 400}) {
     EXPECT_EQ(controls.set(1, control, 1), Status::unavailable) << control;
-    EXPECT_EQ(controls.get(1, control, ignored), Status::unavailable) << control;
+    EXPECT_EQ(controls.get(1, control), std::nullopt) << control;
+    EXPECT_EQ(controls.absent(1, control), Status::unavailable) << control;
   }
 }
 
 TEST_F(PhyControls, AreOnEthernetPortsOnly) {
-  uint32_t ignored = 0;
-  for (const int port : {-1, 0, 13}) {
-    EXPECT_EQ(controls.set(port, 74, 1), Status::bad_port) << port;
-    EXPECT_EQ(controls.get(port, 74, ignored), Status::bad_port) << port;
+  for (const chip::Port port : {chip::Port{-1}, chip::Port{0}, chip::Port{13}}) {
+    EXPECT_EQ(controls.set(port, 74, 1), Status::bad_port) << port.number();
+    EXPECT_EQ(controls.get(port, 74), std::nullopt) << port.number();
+    EXPECT_EQ(controls.absent(port, 74), Status::bad_port) << port.number();
   }
 }
 

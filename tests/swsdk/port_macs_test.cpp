@@ -7,21 +7,22 @@
 namespace {
 
 using chip::Duplex;
+using chip::Port;
 using chip::PortMac;
 using chip::Status;
 
-constexpr int gigabit = 1;
-constexpr int uplink = 9;
+constexpr Port gigabit = 1;
+constexpr Port uplink = 9;
 constexpr int half = 0;
 constexpr int full = 1;
 
 class PortMacs : public testing::Test {
  protected:
-  const PortMac& mac(int port) { return macs.all().at(port); }
-  int gap(int port, int speed, int duplex) {
-    int bit_times = -1;
-    EXPECT_EQ(macs.gap(port, speed, duplex, bit_times), Status::ok);
-    return bit_times;
+  const PortMac& mac(Port port) { return macs.of(port); }
+  int gap(Port port, int speed, int duplex) {
+    const std::optional<int> bit_times = macs.gap(port, speed, duplex);
+    EXPECT_TRUE(bit_times.has_value());
+    return bit_times.value_or(-1);
   }
 
   chip::Ports ports{12};
@@ -175,26 +176,26 @@ TEST_F(PortMacs, HaveAGapForEachSpeedAndDuplex) {
 }
 
 TEST_F(PortMacs, RefuseGapsOutOfRangeAndForWhatTheyDoNotRunAt) {
-  int bit_times = 0;
   for (const int bad : {-1, 63, 249}) EXPECT_EQ(macs.set_gap(gigabit, 1000, full, bad), Status::bad_parameter) << bad;
   EXPECT_EQ(macs.set_gap(gigabit, 10000, full, 96), Status::bad_parameter);
   EXPECT_EQ(macs.set_gap(uplink, 1000, half, 96), Status::bad_parameter);
-  EXPECT_EQ(macs.gap(gigabit, 1000, 2, bit_times), Status::bad_parameter);
-  EXPECT_EQ(macs.gap(gigabit, 0, full, bit_times), Status::bad_parameter);
+  EXPECT_EQ(macs.gap(gigabit, 1000, 2), std::nullopt);
+  EXPECT_EQ(macs.gap(gigabit, 0, full), std::nullopt);
+  EXPECT_EQ(macs.absent_gap(gigabit), Status::bad_parameter);
 }
 
 TEST_F(PortMacs, AreOnEthernetPortsOnly) {
-  int value = 0;
   EXPECT_EQ(macs.find(gigabit), &mac(gigabit));
-  for (const int port : {INT_MIN, -1, 0, 13, 256, 0x7FF, INT_MAX}) {
-    EXPECT_EQ(macs.find(port), nullptr) << port;
-    EXPECT_EQ(macs.get(port, &PortMac::speed, value), Status::bad_port) << port;
-    EXPECT_EQ(macs.get(port, &PortMac::link, value), Status::bad_port) << port;
-    EXPECT_EQ(macs.enable(port, true), Status::bad_port) << port;
-    EXPECT_EQ(macs.set_partner(port, true), Status::bad_port) << port;
-    EXPECT_EQ(macs.set_speed(port, 1000), Status::bad_port) << port;
-    EXPECT_EQ(macs.gap(port, 1000, full, value), Status::bad_port) << port;
-    EXPECT_EQ(macs.set_gap(port, 1000, full, 96), Status::bad_port) << port;
+  for (const int number : {INT_MIN, -1, 0, 13, 256, 0x7FF, INT_MAX}) {
+    const Port port = Port::of(number);
+    EXPECT_EQ(macs.find(port), nullptr) << number;
+    EXPECT_EQ(macs.all().find(port), nullptr) << number;
+    EXPECT_EQ(macs.enable(port, true), Status::bad_port) << number;
+    EXPECT_EQ(macs.set_partner(port, true), Status::bad_port) << number;
+    EXPECT_EQ(macs.set_speed(port, 1000), Status::bad_port) << number;
+    EXPECT_EQ(macs.gap(port, 1000, full), std::nullopt) << number;
+    EXPECT_EQ(macs.absent_gap(port), Status::bad_port) << number;
+    EXPECT_EQ(macs.set_gap(port, 1000, full, 96), Status::bad_port) << number;
   }
 }
 

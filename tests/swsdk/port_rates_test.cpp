@@ -4,28 +4,27 @@
 
 namespace {
 
+using chip::Port;
+using chip::PortRate;
 using chip::RateUnit;
 using chip::Status;
 
 class PortRates : public testing::Test {
  protected:
-  std::string policing(int port) {
-    uint32_t rate = 99;
-    uint32_t burst = 99;
-    const Status status = rates.policing(port, rate, burst);
-    return status == Status::ok ? std::to_string(rate) + "/" + std::to_string(burst) : "refused";
+  /// "rate/burst unit"
+  static std::string text_of(const PortRate* rate) {
+    if (rate == nullptr) return "refused";
+    const char* const unit = rate->unit == RateUnit::packets ? " packets" : " kilobits";
+    return std::to_string(rate->rate) + "/" + std::to_string(rate->burst) + unit;
   }
-  std::string shaping(int port, RateUnit unit) {
-    uint32_t rate = 99;
-    uint32_t burst = 99;
-    switch (rates.shaping(port, unit, rate, burst)) {
-      case Status::ok:
-        return std::to_string(rate) + "/" + std::to_string(burst);
-      case Status::bad_configuration:
-        return "other unit";
-      default:
-        return "refused";
-    }
+  std::string policing(Port port) { return text_of(rates.ingress().find(port)); }
+  std::string shaping(Port port) { return text_of(rates.egress().find(port)); }
+  /// The ports that have a limit on the way out: "1 2 ".
+  std::string shaped() {
+    std::string text;
+    for (const auto& [port, rate] : rates.egress())
+      if (rate.is_limit()) text += std::to_string(port.number()) + ' ';
+    return text;
   }
 
   chip::Ports ports{12};
@@ -33,47 +32,47 @@ class PortRates : public testing::Test {
 };
 
 TEST_F(PortRates, AreWithoutLimitAtFirst) {
-  EXPECT_EQ(policing(1), "0/0");
-  EXPECT_EQ(shaping(1, RateUnit::kilobits), "0/0");
-  EXPECT_EQ(shaping(1, RateUnit::packets), "0/0");
+  EXPECT_EQ(policing(1), "0/0 kilobits");
+  EXPECT_EQ(shaping(1), "0/0 kilobits");
+  EXPECT_FALSE(rates.ingress()[1].is_limit());
+  EXPECT_FALSE(rates.egress()[1].is_limit());
 }
 
 TEST_F(PortRates, AreApartInAndOutAndByPort) {
   EXPECT_EQ(rates.police(1, {RateUnit::kilobits, 64, 8}), Status::ok);
   EXPECT_EQ(rates.shape(1, {RateUnit::kilobits, 128, 16}), Status::ok);
-  EXPECT_EQ(policing(1), "64/8");
-  EXPECT_EQ(shaping(1, RateUnit::kilobits), "128/16");
-  EXPECT_EQ(policing(2), "0/0");
-  EXPECT_EQ(shaping(2, RateUnit::kilobits), "0/0");
+  EXPECT_EQ(policing(1), "64/8 kilobits");
+  EXPECT_EQ(shaping(1), "128/16 kilobits");
+  EXPECT_EQ(policing(2), "0/0 kilobits");
+  EXPECT_EQ(shaping(2), "0/0 kilobits");
+  EXPECT_EQ(shaped(), "1 ");
 }
 
-TEST_F(PortRates, TellAShapedRateInItsOwnUnitOnly) {
+TEST_F(PortRates, KeepTheUnitOfAShapedRate) {
   rates.shape(1, {RateUnit::packets, 100, 10});
-  EXPECT_EQ(shaping(1, RateUnit::packets), "100/10");
-  EXPECT_EQ(shaping(1, RateUnit::kilobits), "other unit");
+  EXPECT_EQ(shaping(1), "100/10 packets");
   rates.shape(1, {RateUnit::kilobits, 200, 20});
-  EXPECT_EQ(shaping(1, RateUnit::packets), "other unit");
+  EXPECT_EQ(shaping(1), "200/20 kilobits");
 }
 
 TEST_F(PortRates, EndWithRate0) {
   rates.shape(1, {RateUnit::packets, 100, 10});
   EXPECT_EQ(rates.shape(1, {RateUnit::packets, 0, 10}), Status::ok);
-  EXPECT_EQ(shaping(1, RateUnit::packets), "0/0");
-  EXPECT_EQ(shaping(1, RateUnit::kilobits), "0/0");
-  EXPECT_TRUE(rates.egress().empty());
+  EXPECT_EQ(shaping(1), "0/0 kilobits");
+  EXPECT_EQ(shaped(), "");
 }
 
 TEST_F(PortRates, AreOnTheCpuPortToo) {
   EXPECT_EQ(rates.shape(0, {RateUnit::packets, UINT32_MAX, UINT32_MAX}), Status::ok);
-  EXPECT_EQ(shaping(0, RateUnit::packets), "4294967295/4294967295");
+  EXPECT_EQ(shaping(0), "4294967295/4294967295 packets");
 }
 
 TEST_F(PortRates, RefuseAPortThatTheChipDoesNotHave) {
-  for (const int port : {-1, 13, 256}) {
-    EXPECT_EQ(rates.police(port, {}), Status::bad_port) << port;
-    EXPECT_EQ(rates.shape(port, {}), Status::bad_port) << port;
-    EXPECT_EQ(policing(port), "refused") << port;
-    EXPECT_EQ(shaping(port, RateUnit::packets), "refused") << port;
+  for (const Port port : {Port{-1}, Port{13}, Port{256}}) {
+    EXPECT_EQ(rates.police(port, {}), Status::bad_port) << port.number();
+    EXPECT_EQ(rates.shape(port, {}), Status::bad_port) << port.number();
+    EXPECT_EQ(policing(port), "refused") << port.number();
+    EXPECT_EQ(shaping(port), "refused") << port.number();
   }
 }
 

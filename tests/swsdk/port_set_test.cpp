@@ -26,7 +26,7 @@ TEST(PortSet, KnowsItsLowestAndHighestPort) {
 TEST(PortSet, IsWalkedFromItsLowestToItsHighestPort) {
   const auto walked = [](const PortSet& ports) {
     std::vector<int> result;
-    for (const int port : ports) result.push_back(port);
+    for (const chip::Port port : ports) result.push_back(port.number());
     return result;
   };
   EXPECT_EQ(walked({}), std::vector<int>{});

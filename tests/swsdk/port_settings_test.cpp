@@ -6,6 +6,7 @@
 #include <swsdk/chip.h>
 
 #include <string>
+#include <utility>
 
 #include "support/start.h"
 
@@ -155,8 +156,14 @@ TEST_F(PortSettings, OfARecordThatTheChipDoesNotModelAreUnavailable) {
 }
 
 TEST_F(PortSettings, LimitRates) {
-  uint32 rate = 0;
-  uint32 burst = 0;
+  uint32 rate = 77;
+  uint32 burst = 77;
+  for (const auto get : {bcm_port_rate_ingress_get, bcm_port_rate_egress_get, bcm_port_rate_egress_pps_get}) {
+    EXPECT_EQ(get(0, 13, &rate, &burst), BCM_E_PORT);
+    EXPECT_EQ(get(0, 0, &rate, &burst), BCM_E_NONE) << "no limit is one in every unit";
+    EXPECT_EQ(std::exchange(rate, 77), 0U);
+    EXPECT_EQ(std::exchange(burst, 77), 0U);
+  }
   EXPECT_EQ(bcm_port_rate_ingress_set(0, 1, 64, 8), BCM_E_NONE);
   EXPECT_EQ(bcm_port_rate_ingress_get(0, 1, &rate, &burst), BCM_E_NONE);
   EXPECT_EQ(rate, 64U);
@@ -170,6 +177,13 @@ TEST_F(PortSettings, LimitRates) {
   EXPECT_EQ(bcm_port_rate_egress_pps_get(0, 0, &rate, &burst), BCM_E_NONE);
   EXPECT_EQ(rate, 5U);
   EXPECT_EQ(burst, 6U);
+  EXPECT_EQ(bcm_port_rate_egress_get(0, 0, &rate, &burst), BCM_E_CONFIG);
+  EXPECT_EQ(bcm_port_rate_egress_pps_set(0, 0, 0, 6), BCM_E_NONE);
+  for (const auto get : {bcm_port_rate_egress_get, bcm_port_rate_egress_pps_get}) {
+    EXPECT_EQ(get(0, 0, &rate, &burst), BCM_E_NONE);
+    EXPECT_EQ(std::exchange(rate, 77), 0U);
+    EXPECT_EQ(std::exchange(burst, 77), 0U);
+  }
 }
 
 TEST_F(PortSettings, LimitStorms) {

@@ -2,17 +2,18 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 namespace {
 
 using chip::L3Entry;
 using chip::RouteKey;
 using chip::Status;
-using Hits = chip::Routes::Hits;
 
 RouteKey route(uint32_t subnet, uint32_t mask, int vrf = 0) {
-  RouteKey key{};
-  EXPECT_TRUE(chip::Routes::make_key(vrf, subnet, mask, key));
-  return key;
+  const std::optional<RouteKey> key = chip::Routes::key_of(vrf, subnet, mask);
+  EXPECT_TRUE(key.has_value());
+  return key.value_or(RouteKey{});
 }
 
 class Routes : public testing::Test {
@@ -28,7 +29,6 @@ class Routes : public testing::Test {
   }
 
   chip::Routes routes;
-  L3Entry found;
 };
 
 TEST_F(Routes, TakeTheAddressesOfTheirSubnetTheLongestPrefixFirst) {
@@ -47,14 +47,13 @@ TEST_F(Routes, TakeTheAddressesOfTheirSubnetTheLongestPrefixFirst) {
 
 TEST_F(Routes, AreKnownByTheirSubnetWithoutTheBitsOfItsHosts) {
   add(route(0x0A0000FF, 0xFFFFFF00), 1);
-  EXPECT_EQ(routes.find(route(0x0A000000, 0xFFFFFF00), Hits::keep, found), Status::ok);
-  EXPECT_EQ(routes.find(route(0x0A000000, 0xFFFFFFFF), Hits::keep, found), Status::not_found);
+  EXPECT_NE(routes.find(route(0x0A000000, 0xFFFFFF00)), nullptr);
+  EXPECT_EQ(routes.find(route(0x0A000000, 0xFFFFFFFF)), nullptr);
 }
 
 TEST_F(Routes, HaveNoMaskWithHoles) {
-  RouteKey key;
   for (const uint32_t mask : {0x00FFFFFFU, 0xFFFF00FFU, 0x00000001U, 0xFFFFFFFDU})
-    EXPECT_FALSE(chip::Routes::make_key(0, 0x0A000000, mask, key)) << mask;
+    EXPECT_FALSE(chip::Routes::key_of(0, 0x0A000000, mask).has_value()) << mask;
   EXPECT_EQ(route(0x0A000000, 0xFFFFFFFE).length, 31);
   EXPECT_EQ(route(0x0A000000, 0).length, 0);
 }
@@ -89,10 +88,8 @@ TEST_F(Routes, NoteHitsUntilTheyAreCleared) {
   const RouteKey key = route(0x0A000000, 0xFF000000);
   add(key, 1);
   EXPECT_EQ(routes.hit(key, L3Entry::destination_hit), Status::ok);
-  routes.find(key, Hits::clear, found);
-  EXPECT_EQ(found.hit, L3Entry::destination_hit);
-  routes.find(key, Hits::keep, found);
-  EXPECT_EQ(found.hit, 0U);
+  EXPECT_EQ(std::exchange(routes.find(key)->hit, 0), L3Entry::destination_hit);
+  EXPECT_EQ(routes.find(key)->hit, 0U);
 }
 
 }  // namespace

@@ -5,6 +5,8 @@
 #include <limits>
 #include <string>
 
+#include "chip/place.h"
+
 namespace {
 
 using chip::Status;
@@ -52,6 +54,23 @@ TEST(WideSlots, AHighIdCostsNoMoreThanALowOne) {
   EXPECT_EQ(slots.remove(2), Status::ok);
   EXPECT_EQ(slots.add(5, id), Status::ok);
   EXPECT_EQ(id, 2);
+}
+
+TEST(TypedSlots, HaveIdsOfTheirKind) {
+  chip::Slots<std::string, chip::GroupId> slots{5, 3};
+  chip::GroupId id;
+  EXPECT_EQ(slots.add("a", id), Status::ok);
+  EXPECT_EQ(id, chip::GroupId{5});
+  EXPECT_EQ(slots.add_with_id("b", 7), Status::ok);
+  EXPECT_EQ(*slots.find(7), "b");
+  EXPECT_EQ(slots.find(6), nullptr);
+  EXPECT_EQ(slots.absent(6), Status::not_found);
+  EXPECT_EQ(slots.absent(8), Status::bad_parameter);
+  EXPECT_EQ(slots.remove(5), Status::ok);
+  EXPECT_EQ(slots.add("c", id), Status::ok);
+  EXPECT_EQ(id, chip::GroupId{5});
+  EXPECT_EQ(slots.add("d", id), Status::ok);
+  EXPECT_EQ(id, chip::GroupId{6});
 }
 
 TEST_F(Slots, BeginAnewWhenTheyAreCleared) {

@@ -50,7 +50,7 @@ TEST_F(Units, AreAbsentUntilTheSdkStarts) {
   EXPECT_EQ(system_init(0), BCM_E_UNIT);
 }
 
-TEST_F(Units, AnswerNotInitialisedUntilTheSystemIsInitialised) {
+TEST_F(Units, AnswerNotInitializedUntilTheSystemIsInitialized) {
   attach_chip();
   EXPECT_EQ(soc_ndev, 1);
   EXPECT_EQ(bcm_vlan_create(0, 10), BCM_E_INIT);
@@ -94,7 +94,7 @@ TEST_F(Units, KeepTheirTablesApart) {
   EXPECT_EQ(bcm_vlan_destroy(1, 10), BCM_E_NOT_FOUND);
 }
 
-TEST_F(Units, AreInitialisedAnewWithEmptyTables) {
+TEST_F(Units, AreInitializedAnewWithEmptyTables) {
   start_chip();
   bcm_vlan_create(0, 10);
   bcm_switch_control_set(0, bcmSwitchL3EgressMode, 1);

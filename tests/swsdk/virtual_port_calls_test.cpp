@@ -86,7 +86,13 @@ TEST_F(VirtualPortCalls, LeaveARecordAloneWhenTheyFail) {
 
 TEST_F(VirtualPortCalls, DestroyAVirtualPort) {
   const bcm_gport_t gport = create(stacked_record(3, 100, 10));
-  EXPECT_EQ(bcm_vlan_port_destroy(0, 3), BCM_E_PORT);
+  bcm_vlan_port_t found = stacked_record(3, 100, 10);
+  for (const bcm_gport_t other : {1, 3, support::gport(BCM_GPORT_TYPE_LOCAL, 3),
+                                  support::gport(BCM_GPORT_TYPE_MODPORT, 1), support::gport(BCM_GPORT_TYPE_TRUNK, 1)}) {
+    found.vlan_port_id = other;
+    EXPECT_EQ(bcm_vlan_port_find(0, &found), BCM_E_PORT) << other;
+    EXPECT_EQ(bcm_vlan_port_destroy(0, other), BCM_E_PORT) << other;
+  }
   EXPECT_EQ(bcm_vlan_port_destroy(0, gport), BCM_E_NONE);
   EXPECT_EQ(bcm_vlan_port_destroy(0, gport), BCM_E_NOT_FOUND);
 }
@@ -159,7 +165,7 @@ TEST_F(VirtualPortCalls, KeepTheSettingsOfAPolicer) {
             "1        3     1000    1500   2008         999         0x74   0\n");
 }
 
-TEST_F(VirtualPortCalls, ForgetPolicersThatAreDestroyedOrInitialised) {
+TEST_F(VirtualPortCalls, ForgetPolicersThatAreDestroyedOrInitialized) {
   const int first = make_policer();
   const int second = make_policer();
   bcm_policer_config_t config;
@@ -190,6 +196,11 @@ TEST_F(VirtualPortCalls, KeepTheSettingsOfANetworkGroupWhateverTheDestination) {
   config.dest_network_group_id = 64;
   EXPECT_EQ(bcm_switch_network_group_config_get(0, 3, &config), BCM_E_PARAM);
   EXPECT_EQ(bcm_switch_network_group_config_set(0, 3, &config), BCM_E_PARAM);
+  config.dest_network_group_id = 3;
+  for (const int none : {-1, 64}) {
+    EXPECT_EQ(bcm_switch_network_group_config_get(0, none, &config), BCM_E_PARAM) << none;
+    EXPECT_EQ(bcm_switch_network_group_config_set(0, none, &config), BCM_E_PARAM) << none;
+  }
 }
 
 TEST_F(VirtualPortCalls, FillTheirTableForPeople) {

@@ -66,7 +66,7 @@ TEST_F(VlanControls, AreNotReadIntoNothing) {
   EXPECT_EQ(bcm_vlan_control_port_get(0, 1, prefer_mac, nullptr), BCM_E_PARAM);
 }
 
-TEST_F(VlanControls, AreKeptByUnitUntilItIsInitialisedAnew) {
+TEST_F(VlanControls, AreKeptByUnitUntilItIsInitializedAnew) {
   support::start_chip(2);
   bcm_vlan_control_port_set(1, 1, prefer_mac, 1);
   EXPECT_EQ(value(1, prefer_mac), 0);

@@ -6,6 +6,7 @@ namespace {
 
 using chip::PortSet;
 using chip::Status;
+using chip::VirtualPortId;
 using chip::Vlan;
 
 class Vlans : public testing::Test {
@@ -24,13 +25,13 @@ TEST_F(Vlans, StartWithTheDefaultVlanOfEveryPort) {
 
 TEST_F(Vlans, TakeIdsFrom1To4095) {
   for (const int id : {-1, 0, 4096, 65535}) {
-    chip::VlanControl control;
     EXPECT_EQ(vlans.create(id), Status::bad_parameter) << id;
     EXPECT_EQ(vlans.destroy(id), Status::bad_parameter) << id;
     EXPECT_EQ(vlans.add_ports(id, {1}, {}), Status::bad_parameter) << id;
     EXPECT_EQ(vlans.remove_ports(id, {1}), Status::bad_parameter) << id;
-    EXPECT_EQ(vlans.control(id, control), Status::bad_parameter) << id;
-    EXPECT_EQ(vlans.set_control(id, control), Status::bad_parameter) << id;
+    EXPECT_EQ(vlans.set_control(id, {}), Status::bad_parameter) << id;
+    EXPECT_EQ(vlans.find(id), nullptr) << id;
+    EXPECT_EQ(vlans.absent(id), Status::bad_parameter) << id;
   }
   EXPECT_EQ(vlans.create(2), Status::ok);
   EXPECT_EQ(vlans.create(4095), Status::ok);
@@ -68,12 +69,12 @@ TEST_F(Vlans, AreCreatedEmptyAndOnce) {
 }
 
 TEST_F(Vlans, ThatAreAbsentAnswerNotFound) {
-  chip::VlanControl control;
   EXPECT_EQ(vlans.destroy(10), Status::not_found);
   EXPECT_EQ(vlans.add_ports(10, {1}, {}), Status::not_found);
   EXPECT_EQ(vlans.remove_ports(10, {1}), Status::not_found);
-  EXPECT_EQ(vlans.control(10, control), Status::not_found);
-  EXPECT_EQ(vlans.set_control(10, control), Status::not_found);
+  EXPECT_EQ(vlans.set_control(10, {}), Status::not_found);
+  EXPECT_EQ(vlans.find(10), nullptr);
+  EXPECT_EQ(vlans.absent(10), Status::not_found);
   EXPECT_EQ(vlans.all().size(), 1U);
 }
 
@@ -131,19 +132,17 @@ TEST_F(Vlans, LoseRemovedPortsAndLeaveOthersAlone) {
 
 TEST_F(Vlans, KeepTheirControlRecord) {
   vlans.create(10);
-  const chip::VlanControl wanted{.flags = 0x80001, .unknown_unicast_group = 7};
+  const chip::VlanControl wanted{.flags = 0x80001, .unknown_unicast_group = chip::GroupId{7}};
   EXPECT_EQ(vlans.set_control(10, wanted), Status::ok);
-  chip::VlanControl found;
-  EXPECT_EQ(vlans.control(10, found), Status::ok);
-  EXPECT_EQ(found, wanted);
+  EXPECT_EQ(vlan(10).control, wanted);
 }
 
 TEST_F(Vlans, KeepVirtualPortsBesideTheirPorts) {
-  constexpr int virtual_port = 17 << 26 | 1;
+  constexpr VirtualPortId virtual_port = 1;
   vlans.create(10);
   EXPECT_EQ(vlans.add_virtual_port(10, virtual_port), Status::ok);
   EXPECT_EQ(vlans.add_virtual_port(10, virtual_port), Status::ok);
-  EXPECT_EQ(vlan(10).virtual_members, std::set<int>{virtual_port});
+  EXPECT_EQ(vlan(10).virtual_members, std::set<VirtualPortId>{virtual_port});
   EXPECT_TRUE(vlan(10).members.empty());
   EXPECT_EQ(vlans.remove_virtual_port(10, virtual_port), Status::ok);
   EXPECT_EQ(vlans.remove_virtual_port(10, virtual_port), Status::not_found);

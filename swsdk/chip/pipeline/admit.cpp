@@ -9,13 +9,12 @@ void admit(Passage& frame) {
   if (mac != nullptr) {  // the CPU port has none
     if (!mac->link()) return frame.stop(Drop::port_down);
     if (!mac->takes(packet.bytes.size(), packet.outer_tagged)) return frame.stop(Drop::too_long);
-  } else if (packet.bytes.size() > PortMacs::highest_frame_max) {
+  } else if (packet.bytes.size() > PortMacs::max_frame_max) {
     return frame.stop(Drop::too_long);
   }
-  const auto rate = frame.chip.port_rates.ingress().find(packet.port);
-  if (rate != frame.chip.port_rates.ingress().end() &&
-      !frame.meters.take_frame(Meters::Kind::port_ingress, packet.port, frame.chip.now, rate->second,
-                               packet.bytes.size()))
+  const PortRate& rate = frame.chip.port_rates.ingress()[packet.port];
+  if (rate.is_limit() &&
+      !frame.meters.take_frame(Meters::Kind::port_ingress, packet.port, frame.chip.now, rate, packet.bytes.size()))
     frame.stop(Drop::rate);
 }
 

@@ -5,7 +5,7 @@ namespace chip {
 
 namespace {
 
-/// What the frame's source address gets it, MAC or IP as the port prefers where both do.
+/// The assignment by the frame's source, MAC address or subnet; the port's preference decides where both have one.
 const VlanAssignment* assignment_of_source(const Chip& chip, const Packet& packet) {
   const VlanControls& controls = chip.vlan_controls;
   const auto by_mac = [&]() -> const VlanAssignment* {
@@ -24,8 +24,9 @@ const VlanAssignment* assignment_of_source(const Chip& chip, const Packet& packe
   return subnet_first ? by_mac() : by_subnet();
 }
 
-int vlan_of_protocol(const Chip& chip, const Packet& packet) {
-  if (packet.framing == Framing::unreadable) return 0;
+/// The VLAN of the frame's protocol on its port, or null.
+const int* vlan_of_protocol(const Chip& chip, const Packet& packet) {
+  if (packet.framing == Framing::unreadable) return nullptr;
   const int frame = packet.framing == Framing::ethernet2 ? ProtocolVlans::ethernet2
                     : packet.framing == Framing::snap    ? ProtocolVlans::snap
                                                          : ProtocolVlans::llc;
@@ -33,7 +34,7 @@ int vlan_of_protocol(const Chip& chip, const Packet& packet) {
   return chip.protocol_vlans.find({packet.port, frame, protocol});
 }
 
-/// Gives the frame its outer tag, and the priority that goes with it.
+/// Sets the outer tag and its priority.
 void set_outer(Packet& packet, int vlan, int priority) {
   packet.fields.outer_tag = with_priority(with_vlan(packet.fields.outer_tag, vlan), priority);
   packet.priority = packet.fields.outer_tag >> priority_shift;
@@ -44,35 +45,36 @@ void set_inner(Packet& packet, uint16_t tag) {
   packet.fields.inner_tag = tag;
 }
 
-/// For a frame without VLAN: its source counts before its protocol, and that before its port.
+/// Assigns the VLAN of an untagged frame: by source, else by protocol, else by port.
 void give_vlan(const Chip& chip, Packet& packet) {
   if (const VlanAssignment* const found = assignment_of_source(chip, packet))
     return set_outer(packet, found->vlan, found->priority);
-  int vlan = vlan_of_protocol(chip, packet);
-  if (vlan == 0) chip.port_forwarding.get(packet.port, &PortForwarding::untagged_vlan, vlan);
-  packet.set_vlan(vlan);
+  const int* const of_protocol = vlan_of_protocol(chip, packet);
+  packet.set_vlan(of_protocol != nullptr ? *of_protocol : chip.port_forwarding.of(packet.port).untagged_vlan);
 }
 
-/// The gport of the virtual port that the frame belongs to, by the keys of its port one after the other, or 0.
-int virtual_port_of(const Chip& chip, const Packet& packet) {
-  if (chip.virtual_ports.all().empty()) return 0;
+/// The virtual port that the frame belongs to; the keys of its port are tried in turn.
+std::optional<VirtualPortId> virtual_port_of(const Chip& chip, const Packet& packet) {
+  if (chip.virtual_ports.all().empty()) return std::nullopt;
   for (const VlanControlOfPort key :
        {VlanControlOfPort::translate_first_key, VlanControlOfPort::translate_second_key}) {
     const int kind = chip.vlan_controls.of_port(packet.port, key);
-    const bool both = kind == VlanControls::key_port_double;
-    if (both ? packet.inner_vlan() == 0 : kind != VlanControls::key_port_outer) continue;
-    const int inner = both ? packet.inner_vlan() : 0;
-    if (const int found = chip.virtual_ports.matching(packet.port, packet.vlan(), inner)) return found;
+    std::optional<VirtualPortId> found;
+    if (kind == VlanControls::key_port_outer)
+      found = chip.virtual_ports.matching(packet.port, packet.vlan());
+    else if (kind == VlanControls::key_port_double && packet.inner_vlan() != 0)
+      found = chip.virtual_ports.matching(packet.port, packet.vlan(), packet.inner_vlan());
+    if (found) return found;
   }
-  return 0;
+  return std::nullopt;
 }
 
 /// The frame gets the tags that the virtual port's egress action expects of the answer: `egress_vlan`, or the inner
 /// VLAN where only that goes on, and a second tag where `egress_inner_vlan` has one for it. Where it has none, the
 /// action adds the inner tag that was matched or knows of a single tag alone, so none stays, not even one that was not
 /// matched. Priorities stay; a second tag that is new has that of the outer one.
-void enter(Packet& packet, int gport, const VirtualPort& virtual_port) {
-  packet.source = gport;
+void enter(Packet& packet, VirtualPortId id, const VirtualPort& virtual_port) {
+  packet.source = id;
   const uint16_t inner_tag = packet.inner_tagged ? packet.fields.inner_tag : packet.fields.outer_tag;
   packet.set_vlan(virtual_port.egress_vlan != 0 ? virtual_port.egress_vlan : virtual_port.match_inner_vlan);
   packet.inner_tagged = false;
@@ -80,10 +82,11 @@ void enter(Packet& packet, int gport, const VirtualPort& virtual_port) {
 }
 
 void translate(const Chip& chip, Packet& packet) {
-  if (const int gport = virtual_port_of(chip, packet)) return enter(packet, gport, *chip.virtual_ports.find(gport));
+  if (const std::optional<VirtualPortId> id = virtual_port_of(chip, packet))
+    return enter(packet, *id, *chip.virtual_ports.find(*id));
   if (const Translation* const to = chip.vlan_translations.find(packet.port, packet.vlan()))
     return set_outer(packet, to->vlan, to->priority);
-  if (packet.inner_tagged) return;  // there is no room for a third
+  if (packet.inner_tagged) return;  // a frame has at most two tags
   if (const Translation* const outer = chip.vlan_translations.find_outer(packet.port, packet.vlan())) {
     set_inner(packet, packet.fields.outer_tag);
     set_outer(packet, outer->vlan, outer->priority);

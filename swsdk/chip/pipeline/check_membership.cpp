@@ -8,8 +8,9 @@ void check_membership(Passage& frame) {
   const Vlan* const vlan = frame.chip.vlans.find(packet.vlan());
   if (vlan == nullptr) return frame.stop(Drop::no_vlan);
   const bool checks = (frame.chip.port_filters.membership_checks(packet.port) & PortFilters::check_ingress) != 0;
-  const bool is_member = packet.source == packet.port ? vlan->members.contains(packet.port)
-                                                      : vlan->virtual_members.contains(packet.source);
+  const VirtualPortId* const virtual_port = std::get_if<VirtualPortId>(&packet.source);
+  const bool is_member =
+      virtual_port == nullptr ? vlan->members.contains(packet.port) : vlan->virtual_members.contains(*virtual_port);
   if (checks && !is_member) frame.stop(Drop::not_member);
   if (!frame.chip.spanning_trees.forwards(vlan->spanning_tree, packet.port)) frame.stop(Drop::spanning_tree);
 }

@@ -1,5 +1,4 @@
-// What frames add to the counters of the ports that they pass. Sizes are those on the cable: with the checksum, and
-// never below the shortest that there is.
+// Updates the counters of ports. Sizes are those on the wire: with the checksum, and padded to the minimum.
 #pragma once
 
 #include <cstddef>
@@ -10,22 +9,22 @@
 
 namespace chip {
 
-/// A frame that came in, be it passed on or not.
+/// A frame that was received, whether it is forwarded or not.
 void count_received(Counters& counters, const Packet& packet);
-/// Why one that came in was not passed on.
+/// A received frame that was not forwarded.
 void count_discarded(Counters& counters, const Packet& packet, Drop reason);
 
 /// A frame that left a port.
-void count_sent(Counters& counters, int port, const EgressHeader& header, std::size_t length);
+void count_sent(Counters& counters, Port port, const EgressHeader& header, std::size_t length);
 
-/// What becomes of an IP packet for the router, or of one that a multicast route takes.
+/// What happens to an IP packet in the router or in a multicast route.
 enum class IpEvent { received, header_error, discarded, forwarded, group_bridged, group_routed, group_dropped };
 void count_ip(Counters& counters, const Packet& packet, IpEvent event);
 /// An IP packet that left a port.
-void count_sent_ip(Counters& counters, int port, const Packet& packet, bool routed);
+void count_sent_ip(Counters& counters, Port port, const Packet& packet, bool routed);
 
-/// Why one did not leave.
+/// A frame that was dropped at egress.
 enum class NotSent { rate, too_long, field_rule };
-void count_not_sent(Counters& counters, int port, NotSent reason);
+void count_not_sent(Counters& counters, Port port, NotSent reason);
 
 }  // namespace chip

@@ -26,11 +26,11 @@ class Writer {
     put(tpid);
     put(*tag);
   }
-  /// Makes it as long as a frame has to be.
+  /// Pads the frame to the minimum size.
   void pad() {
-    if (at_ >= EgressFrame::shortest) return;
-    std::fill_n(room_.begin() + static_cast<std::ptrdiff_t>(at_), EgressFrame::shortest - at_, uint8_t{0});
-    at_ = EgressFrame::shortest;
+    if (at_ >= EgressFrame::min_size) return;
+    std::fill_n(room_.begin() + static_cast<std::ptrdiff_t>(at_), EgressFrame::min_size - at_, uint8_t{0});
+    at_ = EgressFrame::min_size;
   }
   std::span<uint8_t> written() const { return room_.first(at_); }
 
@@ -39,7 +39,7 @@ class Writer {
   std::size_t at_ = 0;
 };
 
-/// Takes one from the time to live of a packet that has it, and keeps the checksum of an IPv4 header right.
+/// Decrements the TTL or hop limit, and updates the checksum of an IPv4 header.
 void decrement_ttl(std::span<uint8_t> packet, bool is_ip4) {
   constexpr std::size_t ttl_of_ip4 = 8;
   constexpr std::size_t ttl_of_ip6 = 7;
@@ -47,7 +47,7 @@ void decrement_ttl(std::span<uint8_t> packet, bool is_ip4) {
   if (!is_ip4) return;
   uint8_t& high = packet[10];
   uint8_t& low = packet[11];
-  // What the header's sum lost, its complement gains; a carry out of the top comes in at the bottom.
+  // The checksum is a one's complement: it grows by what the sum lost, with end-around carry.
   const unsigned sum = (static_cast<unsigned>(high) << 8 | low) + 0x100;
   const unsigned folded = (sum & 0xFFFF) + (sum >> 16);
   high = static_cast<uint8_t>(folded >> 8);

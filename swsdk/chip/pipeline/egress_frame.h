@@ -11,29 +11,29 @@
 
 namespace chip {
 
-/// What stands in front of the payload of a copy.
+/// The header of a copy.
 struct EgressHeader {
   Mac destination{};
   Mac source{};
-  std::optional<uint16_t> outer_tag;  // until the tags for the wire are made, always there
+  std::optional<uint16_t> outer_tag;  // always present until make_egress_tags()
   std::optional<uint16_t> inner_tag;
-  bool routed = false;  // its time to live is one less
+  bool routed = false;  // its TTL is decremented
 
   int vlan() const { return outer_tag.value_or(0) & vlan_mask; }
 };
 
-/// Room for one frame that leaves.
+/// The buffer of one frame that leaves.
 class EgressFrame {
  public:
-  /// How long a frame has to be, without its checksum.
-  static constexpr std::size_t shortest = 60;
+  /// Minimum frame size in bytes, without checksum.
+  static constexpr std::size_t min_size = 60;
 
-  /// Writes a header and what stands behind the packet's own tags; the bytes stay until the next call.
+  /// Writes a header, then what follows the packet's own tags. The bytes are valid until the next call.
   std::span<uint8_t> write(const EgressHeader& header, const Packet& packet);
 
  private:
   static constexpr std::size_t tags = 8;
-  std::array<uint8_t, PortMacs::highest_frame_max + tags> bytes_;
+  std::array<uint8_t, PortMacs::max_frame_max + tags> bytes_;
 };
 
 }  // namespace chip

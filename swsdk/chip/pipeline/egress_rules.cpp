@@ -13,7 +13,7 @@ bool apply_egress_rules(Passage& frame, const Copy& copy, const EgressHeader& he
   fields.destination_mac = header.destination;
   fields.outer_tag = header.outer_tag.value_or(0);
   fields.inner_tag = header.inner_tag.value_or(0);
-  const bool outer_tagged = frame.packet.outer_tagged || header.routed;  // an interface gives a tag
+  const bool outer_tagged = frame.packet.outer_tagged || header.routed;  // a routed copy has the interface's tag
   fields.vlan_format = (outer_tagged ? 1 : 0) | (header.inner_tag ? 2 : 0);
   if (header.routed) --fields.ttl;
   const FieldVerdict verdict = rules.classify(FieldStage::egress, fields);

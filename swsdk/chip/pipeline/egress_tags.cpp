@@ -7,7 +7,7 @@ namespace {
 
 using Tag = std::optional<uint16_t>;
 
-/// What an action has for one tag.
+/// The values that an action offers for one tag.
 struct Offer {
   int vlan;
   int priority;
@@ -15,7 +15,7 @@ struct Offer {
   int cfi;
 };
 
-/// What a part of a tag becomes: its own, what is offered, nothing, or that of the other tag.
+/// The new value of one part of a tag: its own, the offered one, 0, or that of the other tag.
 int chosen(TagAction action, int own, int offered, int other) {
   switch (action) {
     case TagAction::none:
@@ -31,8 +31,8 @@ int chosen(TagAction action, int own, int offered, int other) {
   return own;
 }
 
-/// What becomes of a tag; its VLAN decides whether there is one. A new one has the priority of the frame. Where there
-/// is no other tag, nothing is copied.
+/// Applies a change to a tag; the action for its VLAN decides whether the tag exists. A new tag has the frame's
+/// priority. Without another tag, nothing is copied.
 Tag changed(const TagChange& change, const Tag& tag, const Tag& other, const Offer& offer, int frame_priority) {
   if (change.vlan == TagAction::remove) return std::nullopt;
   const bool adds = change.vlan == TagAction::add || (change.vlan == TagAction::copy && other);
@@ -41,7 +41,7 @@ Tag changed(const TagChange& change, const Tag& tag, const Tag& other, const Off
   const uint16_t from = other.value_or(bits);
   bits = with_vlan(bits, chosen(change.vlan, bits, offer.vlan, from));
 
-  // The priority of the frame and that on the wire are one in what leaves; where both change, the latter holds.
+  // The frame has one priority at egress; where both actions change it, the packet priority wins.
   const auto change_priority = [&](TagAction action, int offered) {
     bits = with_priority(bits, chosen(action, bits >> priority_shift, offered, from >> priority_shift));
   };
@@ -67,27 +67,25 @@ void apply(const EgressAction& action, int frame_priority, EgressHeader& header)
 
 }  // namespace
 
-/// The membership comes first: an untagged member has no outer tag left to translate, and what an action does to the
-/// frame is what it does to one without. Translation and action both go by the tags that the copy has inside; where
-/// both are there, the action, which knows more of the tags, has the last word.
+/// Membership comes first: the copy of an untagged member has no outer tag left to translate, and an action treats it
+/// as one without. Translation and action are both looked up by the tags inside the chip; where both exist, the action
+/// wins.
 void make_egress_tags(Passage& frame, const Copy& copy, EgressHeader& header) {
   const Chip& chip = frame.chip;
   const int outer = header.vlan();
   const int inner = header.inner_tag.value_or(0) & vlan_mask;
-  const bool is_virtual = copy.virtual_port != 0;
-  if (!is_virtual) {
+  if (!is_virtual(copy.place)) {
     const Vlan* const vlan = chip.vlans.find(outer);
     if (vlan != nullptr && vlan->untagged.contains(copy.port)) header.outer_tag.reset();
   }
   if (!chip.vlan_controls.translates(copy.port, VlanControlOfPort::translate_egress)) return;
 
-  if (!is_virtual && header.outer_tag)
+  if (!is_virtual(copy.place) && header.outer_tag)
     if (const Translation* const to = chip.vlan_translations.find_egress(copy.port, outer))
       header.outer_tag = with_priority(with_vlan(*header.outer_tag, to->vlan), to->priority);
 
-  const int port_class = is_virtual ? copy.virtual_port : copy.port;
-  const EgressAction* action = chip.egress_actions.find({port_class, outer, inner});
-  if (action == nullptr && inner != 0) action = chip.egress_actions.find({port_class, outer, 0});
+  const EgressAction* action = chip.egress_actions.find({copy.place, outer, inner});
+  if (action == nullptr && inner != 0) action = chip.egress_actions.find({copy.place, outer, 0});
   if (action != nullptr) apply(*action, frame.packet.priority, header);
 }
 

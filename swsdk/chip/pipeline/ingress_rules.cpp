@@ -5,8 +5,8 @@ namespace chip {
 
 namespace {
 
-/// A rule that permits a frame does not open a port that its VLAN or spanning tree closes, nor does it make a host of a
-/// group or take frames of control protocols away from the CPU.
+/// A rule that permits a frame does not override VLAN membership, spanning tree, the check of the source address or a
+/// trap to the CPU.
 bool can_be_cancelled(Drop drop) {
   return drop != Drop::group_source && drop != Drop::no_vlan && drop != Drop::not_member &&
          drop != Drop::spanning_tree && drop != Drop::trapped;
@@ -31,7 +31,7 @@ void apply_ingress_rules(Passage& frame) {
   if (verdict.drop_cancelled && can_be_cancelled(frame.drop())) frame.release();
   if (verdict.dropped) frame.stop(Drop::field_rule);
   if (verdict.redirect_port == Ports::cpu && !frame.dropped()) frame.trap(cpu_reason::field_rule);
-  // Too much is too much for the CPU as well.
+  // A red frame does not reach the CPU either.
   if (is_red(frame, verdict, frame.packet.bytes.size()) && verdict.red_dropped) frame.lose(Drop::policer);
 }
 

@@ -1,5 +1,5 @@
 #include "chip/chip.h"
-#include "chip/learning.h"
+#include "chip/pipeline/learning.h"
 #include "chip/pipeline/stages.h"
 
 namespace chip {
@@ -7,7 +7,7 @@ namespace chip {
 void learn_source(Passage& frame) {
   Chip& chip = frame.chip;
   const Packet& packet = frame.packet;
-  // A port that only learns drops its frames all the same, and the table hears of those that are trapped.
+  // Learning goes on for frames dropped by the state "learning" and for trapped ones.
   if (frame.dropped() && frame.drop() != Drop::spanning_tree && frame.drop() != Drop::trapped) return;
   const Source source{packet.fields.source_mac, static_cast<uint16_t>(packet.vlan()), packet.source};
 

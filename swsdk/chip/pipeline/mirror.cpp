@@ -2,24 +2,23 @@
 #include <array>
 
 #include "chip/chip.h"
-#include "chip/gports.h"
+#include "chip/pipeline/resolve.h"
 #include "chip/pipeline/stages.h"
 
 namespace chip {
 
 namespace {
 
-void mirror(Passage& frame, int port, uint32_t direction, const EgressHeader& header, std::span<const uint8_t> bytes,
+void mirror(Passage& frame, Port port, uint32_t direction, const EgressHeader& header, std::span<const uint8_t> bytes,
             Wire& wire) {
   const Mirrors& mirrors = frame.chip.mirrors;
   for (const auto& [source, flags] : mirrors.sources()) {
     const auto& [mirrored, destination] = source;
-    int gport = 0;
-    if (mirrored != port || (flags & direction) == 0 || mirrors.find(destination, gport) != Status::ok) continue;
-    const int to = gport::port_of(gport);
-    const PortMac* const mac = frame.chip.port_macs.find(to);
+    if (mirrored != port || (flags & direction) == 0) continue;
+    const std::optional<Exit> exit = exit_to(frame.chip, frame.packet, *mirrors.find(destination));
+    const PortMac* const mac = exit ? frame.chip.port_macs.find(exit->port) : nullptr;
     if (mac == nullptr || !mac->link()) continue;
-    if (lets_out(frame, to, header, bytes)) leave(frame, to, header, bytes, wire);
+    if (lets_out(frame, exit->port, header, bytes)) leave(frame, exit->port, header, bytes, wire);
   }
 }
 
@@ -33,13 +32,13 @@ void mirror_ingress(Passage& frame, Wire& wire) {
   header.source = packet.fields.source_mac;
   if (packet.outer_tagged) header.outer_tag = packet.fields.outer_tag;
   if (packet.inner_tagged) header.inner_tag = packet.fields.inner_tag;
-  std::array<uint8_t, EgressFrame::shortest> padded{};
+  std::array<uint8_t, EgressFrame::min_size> padded{};
   const bool is_short = packet.bytes.size() < padded.size();
   if (is_short) std::copy(packet.bytes.begin(), packet.bytes.end(), padded.begin());
   mirror(frame, packet.port, Mirrors::ingress, header, is_short ? padded : packet.bytes, wire);
 }
 
-void mirror_egress(Passage& frame, int port, const EgressHeader& header, std::span<const uint8_t> bytes, Wire& wire) {
+void mirror_egress(Passage& frame, Port port, const EgressHeader& header, std::span<const uint8_t> bytes, Wire& wire) {
   if (frame.chip.mirrors.mode() == Mirrors::Mode::off) return;
   mirror(frame, port, Mirrors::egress, header, bytes, wire);
 }

@@ -6,9 +6,9 @@ namespace chip {
 
 namespace {
 
-// Every port has this one. A tag of any other type is payload, and a frame that begins with one is untagged.
+// The TPID of every port. Frames with any other are untagged.
 constexpr uint16_t tpid = 0x8100;
-constexpr uint16_t lowest_ether_type = 0x600;  // below, it is a length
+constexpr uint16_t min_ether_type = 0x600;  // below, it is a length
 
 /// Reads a frame from front to back, never past its end.
 class Reader {
@@ -18,7 +18,7 @@ class Reader {
   bool has(std::size_t count) const { return bytes_.size() - at_ >= count; }
   std::size_t at() const { return at_; }
   void skip(std::size_t count) { at_ += count; }
-  /// Leaves out what is behind the next `count` bytes, if there is anything.
+  /// Ignores everything after the next `count` bytes.
   void limit(std::size_t count) {
     if (has(count)) bytes_ = bytes_.first(at_ + count);
   }
@@ -38,7 +38,7 @@ class Reader {
   std::size_t at_ = 0;
 };
 
-/// The ports or the type, wherever the protocol has any.
+/// Reads the ports or the ICMP type, if the protocol has any.
 void parse_transport(Reader& reader, Packet& packet) {
   FrameFields& fields = packet.fields;
   const int protocol = fields.ip_protocol;
@@ -72,12 +72,12 @@ void parse_ip4(Reader& reader, Packet& packet) {
   const std::size_t total = reader.word(2);
   packet.lengths_agree = header <= total && reader.has(total);
   if (total < header || !reader.has(header)) return;
-  reader.limit(total);  // what is behind is padding
+  reader.limit(total);  // the rest is padding
   reader.skip(header);
   if (is_first)
     parse_transport(reader, packet);
   else
-    fields.readable = Layer::transport;  // it has none
+    fields.readable = Layer::transport;  // a later fragment has no transport header
 }
 
 void parse_ip6(Reader& reader, Packet& packet) {
@@ -94,7 +94,7 @@ void parse_ip6(Reader& reader, Packet& packet) {
   packet.lengths_agree = reader.has(header + payload);
   reader.limit(header + payload);
   reader.skip(header);
-  // What the packet carries stands behind the extension headers.
+  // Skip the extension headers.
   while (fields.ip_protocol == ip_protocol::hop_by_hop || fields.ip_protocol == ip_protocol::routing_header ||
          fields.ip_protocol == ip_protocol::destination_options || fields.ip_protocol == ip_protocol::fragment_header) {
     constexpr std::size_t unit = 8;
@@ -121,8 +121,8 @@ void parse_arp(Reader& reader, Packet& packet) {
   packet.fields.readable = Layer::transport;
 }
 
-/// Behind a length stands LLC, and behind that there can be an ether type in SNAP. Of SNAP only the organization
-/// 00:00:00 counts, for which it is one: what another organization numbers is its own, and 00:00:F8 is no exception.
+/// Reads LLC and SNAP after a length. Only SNAP of the organization 00:00:00 contains an ether type; the numbers of
+/// other organizations, 00:00:F8 included, are their own.
 void parse_llc(Reader& reader, Packet& packet) {
   constexpr std::size_t llc = 3;
   constexpr std::size_t snap = 8;
@@ -142,7 +142,7 @@ void parse_llc(Reader& reader, Packet& packet) {
   reader.skip(is_snap ? snap : llc);
 }
 
-/// Reads a tag, if one of the port's type is here, and what stands behind it is not cut off.
+/// Reads a tag, if there is one; cut: the frame ends within it or before the next type.
 enum class TagRead { none, whole, cut };
 TagRead parse_tag(Reader& reader, uint16_t& tag) {
   constexpr std::size_t size = 4;
@@ -156,10 +156,11 @@ TagRead parse_tag(Reader& reader, uint16_t& tag) {
 
 }  // namespace
 
-bool parse(int port, std::span<const uint8_t> frame, Packet& packet) {
+bool parse(Port port, std::span<const uint8_t> frame, Packet& packet) {
   constexpr std::size_t addresses = 12;
   packet.bytes = frame;
-  packet.port = packet.source = port;
+  packet.port = port;
+  packet.source = port;
   FrameFields& fields = packet.fields;
   fields.in_port = port;
 
@@ -180,7 +181,7 @@ bool parse(int port, std::span<const uint8_t> frame, Packet& packet) {
   packet.ether_type_at = reader.at();
   fields.ether_type = reader.word(0);
   reader.skip(2);
-  if (fields.ether_type < lowest_ether_type) parse_llc(reader, packet);
+  if (fields.ether_type < min_ether_type) parse_llc(reader, packet);
   packet.payload_at = reader.at();
 
   fields.readable = Layer::ethernet;
@@ -195,7 +196,7 @@ bool parse(int port, std::span<const uint8_t> frame, Packet& packet) {
       parse_arp(reader, packet);
       break;
     default:
-      fields.readable = Layer::transport;  // there is nothing more to read
+      fields.readable = Layer::transport;  // nothing more to read
   }
   return true;
 }

@@ -1,4 +1,4 @@
-// The first stage: finds the headers of a frame.
+// The parser: reads the headers of a frame.
 #pragma once
 
 #include <cstdint>
@@ -8,9 +8,9 @@
 
 namespace chip {
 
-/// Reads the headers of a frame that came in at `port`, and nothing beyond its end, into a new packet. It tells how far
-/// they can be read: a frame is bridged by its Ethernet header, whatever is wrong behind that. False when that one, its
-/// tags included, is cut short; the packet is of no use then.
-bool parse(int port, std::span<const uint8_t> frame, Packet& packet);
+/// Reads the headers of a frame received at `port` into a new packet, and never past its end. `fields.readable` is the
+/// innermost readable header: a frame is bridged by its Ethernet header, even if the others are malformed. False when
+/// the Ethernet header, tags included, is truncated; the packet is unusable then.
+bool parse(Port port, std::span<const uint8_t> frame, Packet& packet);
 
 }  // namespace chip

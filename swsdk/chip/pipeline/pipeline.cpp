@@ -9,11 +9,11 @@
 
 namespace chip {
 
-Drop Pipeline::receive(int port, std::span<const uint8_t> bytes, Wire& wire) {
+Drop Pipeline::receive(Port port, std::span<const uint8_t> bytes, Wire& wire) {
   const Drop drop = pass(port, bytes, wire);
-  // A frame that a loop floods would go round for ever.
-  constexpr int most_rounds = 16;
-  for (int i = 0; i < most_rounds && !looped_.empty(); ++i) {
+  // A flooded frame in a loop would circulate forever.
+  constexpr int max_rounds = 16;
+  for (int i = 0; i < max_rounds && !looped_.empty(); ++i) {
     const Looped next = std::move(looped_.front());
     looped_.erase(looped_.begin());
     pass(next.port, next.bytes, wire);
@@ -22,7 +22,7 @@ Drop Pipeline::receive(int port, std::span<const uint8_t> bytes, Wire& wire) {
   return drop;
 }
 
-Drop Pipeline::pass(int port, std::span<const uint8_t> bytes, Wire& wire) {
+Drop Pipeline::pass(Port port, std::span<const uint8_t> bytes, Wire& wire) {
   copies_.clear();
   Passage frame(chip_, meters_, copies_, looped_);
   const bool has_header = parse(port, bytes, frame.packet);

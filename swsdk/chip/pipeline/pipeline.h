@@ -1,4 +1,4 @@
-// The pipeline: what the chip makes of a frame.
+// The pipeline: forwards frames by the chip's tables.
 #pragma once
 
 #include <array>
@@ -16,26 +16,26 @@ class Pipeline {
  public:
   explicit Pipeline(Chip& chip) : chip_(chip) {}
 
-  /// Forgets what it counted and metered.
+  /// Clears drop counts and meters.
   void reset() {
     meters_.reset();
     drops_ = {};
   }
 
-  /// Passes on a frame that came in at a port, the CPU port among them; it has no checksum. Tells why it went no
-  /// further, if it did not; the CPU may have got it all the same.
-  Drop receive(int port, std::span<const uint8_t> frame, Wire& wire);
+  /// Forwards a frame, without checksum, that was received at a port of the chip, which may be the CPU port. Returns
+  /// why it was dropped, or none; the CPU may have got a copy in either case. All copies have left when it returns.
+  Drop receive(Port port, std::span<const uint8_t> frame, Wire& wire);
 
   /// Frames dropped, by reason.
   uint64_t drops(Drop reason) const { return drops_[static_cast<std::size_t>(reason)]; }
 
  private:
+  Drop pass(Port port, std::span<const uint8_t> frame, Wire& wire);
+
   Chip& chip_;
   Meters meters_;
-  Drop pass(int port, std::span<const uint8_t> frame, Wire& wire);
-
   std::vector<Looped> looped_;
-  std::vector<Copy> copies_;  // of the frame that is on its way; kept, so that frames allocate nothing
+  std::vector<Copy> copies_;  // of the current frame; kept, so that no frame allocates memory
   std::array<uint64_t, drop_count> drops_{};
 };
 

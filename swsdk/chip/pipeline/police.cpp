@@ -17,9 +17,9 @@ bool is_red(Passage& frame, const FieldVerdict& verdict, std::size_t length) {
   bool red = false;
   for (const int id : verdict.policers) {
     const Policer* const policer = frame.chip.policers.find(id);
-    // Other ways to measure colour nothing.
-    if (policer == nullptr || policer->mode != Policers::two_rates_three_colours) continue;
-    // Nothing tells yellow from green further on, but only green frames use up the committed rate.
+    // Other modes are not metered.
+    if (policer == nullptr || policer->mode != Policers::two_rates_three_colors) continue;
+    // Later stages treat yellow as green, but only green frames consume the committed rate.
     const uint64_t bits = bits_of(length);
     if (!take(frame, Meters::Kind::peak, id, policer->peak, bits))
       red = true;

@@ -1,15 +1,14 @@
-// The IPv6 multicast addresses that hosts need to find each other.
+// Reserved IPv6 multicast.
 #pragma once
 
 #include "chip/chip.h"
 
 namespace chip {
 
-/// Whether the chip is told that the address is one of them.
+/// Whether an address is reserved and the chip is configured to treat it as such.
 inline bool is_reserved(const Chip& chip, const Ip6& address) {
-  int enabled = 0;
-  chip.switch_controls.get(static_cast<int>(SwitchControl::mld_reserved_multicast_enable), enabled);
-  return enabled != 0 && chip.reserved_multicast.contains(address);
+  return chip.switch_controls.is_on(SwitchControlOfChip::mld_reserved_multicast_enable) &&
+         chip.reserved_multicast.contains(address);
 }
 
 }  // namespace chip

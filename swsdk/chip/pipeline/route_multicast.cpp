@@ -2,15 +2,15 @@
 
 #include "chip/chip.h"
 #include "chip/pipeline/counting.h"
+#include "chip/pipeline/resolve.h"
 #include "chip/pipeline/router.h"
 #include "chip/pipeline/stages.h"
-#include "chip/pipeline/trunk_member.h"
 
 namespace chip {
 
 namespace {
 
-/// Groups of the link are not routed, nor is what hosts and routers tell each other about groups.
+/// Link-local groups are not routed, nor are IGMP and MLD messages.
 bool is_routable(const Packet& packet) {
   const FrameFields& fields = packet.fields;
   if (packet.is_ip4())
@@ -32,9 +32,8 @@ Ip6 widened(uint32_t address) {
 /// The route of the packet's source, or else the one of any source.
 const MulticastRoute* look_up(const Chip& chip, const Packet& packet) {
   const FrameFields& fields = packet.fields;
-  int id = 0;
-  const bool has_interface = chip.l3_interfaces.find_by_vlan(packet.vlan(), id) == Status::ok;
-  MulticastRouteKey key{.vrf = has_interface ? chip.l3_interfaces.find(id)->vrf : 0,
+  const std::optional<int> interface = chip.l3_interfaces.find_by_vlan(packet.vlan());
+  MulticastRouteKey key{.vrf = interface ? chip.l3_interfaces.find(*interface)->vrf : 0,
                         .vlan = packet.vlan(),
                         .ip6 = packet.is_ip6(),
                         .address = packet.is_ip6() ? fields.destination_ip6 : widened(fields.destination_ip),
@@ -47,28 +46,24 @@ const MulticastRoute* look_up(const Chip& chip, const Packet& packet) {
 void replicate(Passage& frame, const MulticastGroup& group) {
   const Chip& chip = frame.chip;
   const Packet& packet = frame.packet;
-  const std::optional<int> own_trunk = chip.trunks.trunk_of(packet.port);
-  int routes_within_vlan = 0;
-  chip.switch_controls.get(static_cast<int>(SwitchControl::ipmc_same_vlan_l3_route), routes_within_vlan);
+  const std::optional<TrunkId> own_trunk = chip.trunks.trunk_of(packet.port);
+  const bool routes_within_vlan = chip.switch_controls.is_on(SwitchControlOfChip::ipmc_same_vlan_l3_route);
   const bool passes_on = can_pass_on(packet);
   bool refused = false;
 
   for (const MulticastMember& member : group.members) {
     const L3Interface* const interface = chip.l3_interfaces.find(member.encapsulation);
     if (interface == nullptr) continue;
-    // A single-tagged interface is of its VLAN whatever the frames have inside.
+    // A single-tagged interface accepts any inner VLAN.
     const bool stays = interface->vlan == packet.vlan() &&
                        (interface->inner_vlan == 0 || interface->inner_vlan == packet.inner_vlan());
-    const std::optional<int> trunk = chip.trunks.trunk_of(member.port);
+    const std::optional<TrunkId> trunk = chip.trunks.trunk_of(member.port);
     if (stays && (member.port == packet.port || (trunk && trunk == own_trunk))) continue;
 
-    Copy copy{.port = member.port};
-    if (trunk) {
-      const std::optional<int> picked = pick_member(chip, chip.trunks.all().at(*trunk), packet);
-      if (!picked) continue;
-      copy.port = *picked;
-    }
-    if (!stays || routes_within_vlan != 0) {
+    const std::optional<Exit> exit = exit_to(chip, packet, trunk ? Place(*trunk) : Place(member.port));
+    if (!exit) continue;
+    Copy copy(*exit);
+    if (!stays || routes_within_vlan) {
       copy.l3_interface = member.encapsulation;
       if (!passes_on) {
         refused = true;
@@ -82,7 +77,7 @@ void replicate(Passage& frame, const MulticastGroup& group) {
     if (!trunk || std::none_of(frame.copies.begin(), frame.copies.end(), is_same)) frame.copies.push_back(copy);
   }
   if (refused && frame.copies.empty()) refuse(frame);
-  const auto is_routed = [](const Copy& copy) { return copy.l3_interface != 0; };
+  const auto is_routed = [](const Copy& copy) { return copy.l3_interface.has_value(); };
   const bool routed = std::any_of(frame.copies.begin(), frame.copies.end(), is_routed);
   count_ip(frame.chip.counters, packet,
            frame.copies.empty() ? IpEvent::group_dropped
@@ -100,7 +95,7 @@ bool route_multicast(Passage& frame) {
   const MulticastRoute* const route = look_up(chip, packet);
   if (route == nullptr) return false;
   count_ip(frame.chip.counters, packet, IpEvent::received);
-  if ((route->flags & MulticastRoute::from_any_port) == 0 && route->port != packet.port) {
+  if ((route->flags & MulticastRoute::from_any_port) == 0 && route->from != Place(packet.port)) {
     frame.stop(Drop::router);
     count_ip(frame.chip.counters, packet, IpEvent::group_dropped);
   } else if (const MulticastGroup* const group = chip.multicast_groups.find(route->group))

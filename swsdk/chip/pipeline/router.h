@@ -1,15 +1,15 @@
-// What routing to one destination and to many have in common.
+// What unicast and multicast routing have in common.
 #pragma once
 
 #include "chip/pipeline/packet.h"
 
 namespace chip {
 
-/// Whether an IP packet whose header can be read may be passed on: it lives on for another hop, and its header is right
+/// Whether an IP packet with a readable header may be forwarded: its TTL allows another hop, and its header is correct
 /// and has no options.
 bool can_pass_on(const Packet& packet);
 
-/// What becomes of a frame that may not be passed on: the CPU gets it, if its port says so.
+/// Handles a packet that may not be forwarded: the CPU gets it, if the control of its port is on.
 void refuse(Passage& frame);
 
 }  // namespace chip

@@ -10,8 +10,9 @@ namespace {
 bool is_in_vlan(const Chip& chip, const Copy& copy, int id) {
   const Vlan* const vlan = chip.vlans.find(id);
   if (vlan == nullptr) return false;
+  const VirtualPortId* const virtual_port = std::get_if<VirtualPortId>(&copy.place);
   const bool is_member =
-      copy.virtual_port != 0 ? vlan->virtual_members.contains(copy.virtual_port) : vlan->members.contains(copy.port);
+      virtual_port == nullptr ? vlan->members.contains(copy.port) : vlan->virtual_members.contains(*virtual_port);
   const bool checks = (chip.port_filters.membership_checks(copy.port) & PortFilters::check_egress) != 0;
   if (checks && !is_member) return false;
   return chip.spanning_trees.forwards(vlan->spanning_tree, copy.port);
@@ -29,7 +30,7 @@ EgressHeader header_of(const Packet& packet) {
 void send_copy(Passage& frame, const Copy& copy, Wire& wire) {
   Chip& chip = frame.chip;
   EgressHeader header = header_of(frame.packet);
-  if (copy.l3_interface != 0 && !rewrite_routed(frame, copy, header)) return;
+  if (copy.l3_interface && !rewrite_routed(frame, copy, header)) return;
   if (!is_in_vlan(chip, copy, header.vlan())) return;
   if (copy.port == Ports::cpu) {
     frame.cpu_reasons |= cpu_reason::destination;
@@ -48,19 +49,19 @@ void send_copy(Passage& frame, const Copy& copy, Wire& wire) {
   leave(frame, copy.port, header, bytes, wire);
 }
 
-bool lets_out(Passage& frame, int port, const EgressHeader& header, std::span<const uint8_t> bytes) {
+bool lets_out(Passage& frame, Port port, const EgressHeader& header, std::span<const uint8_t> bytes) {
   const auto refuse = [&](NotSent reason) {
     count_not_sent(frame.chip.counters, port, reason);
     return false;
   };
-  if (!frame.chip.port_macs.find(port)->takes(bytes.size(), header.outer_tag.has_value()))
+  if (!frame.chip.port_macs.of(port).takes(bytes.size(), header.outer_tag.has_value()))
     return refuse(NotSent::too_long);
   return is_within_shape(frame, port, bytes.size()) || refuse(NotSent::rate);
 }
 
-void leave(Passage& frame, int port, const EgressHeader& header, std::span<const uint8_t> bytes, Wire& wire) {
+void leave(Passage& frame, Port port, const EgressHeader& header, std::span<const uint8_t> bytes, Wire& wire) {
   count_sent(frame.chip.counters, port, header, bytes.size());
-  if (frame.chip.port_macs.find(port)->loopback == Loopback::none)
+  if (frame.chip.port_macs.of(port).loopback == Loopback::none)
     wire.transmit(port, bytes);
   else
     frame.looped.push_back({port, {bytes.begin(), bytes.end()}});

@@ -3,11 +3,10 @@
 
 namespace chip {
 
-// There are no queues in which a frame could wait until its time has come: what is too much is lost.
-bool is_within_shape(Passage& frame, int port, std::size_t length) {
-  const auto rate = frame.chip.port_rates.egress().find(port);
-  return rate == frame.chip.port_rates.egress().end() ||
-         frame.meters.take_frame(Meters::Kind::port_egress, port, frame.chip.now, rate->second, length);
+// The model has no queues in which a frame could wait: excess frames are dropped.
+bool is_within_shape(Passage& frame, Port port, std::size_t length) {
+  const PortRate& rate = frame.chip.port_rates.egress()[port];
+  return !rate.is_limit() || frame.meters.take_frame(Meters::Kind::port_egress, port, frame.chip.now, rate, length);
 }
 
 }  // namespace chip

@@ -19,17 +19,17 @@ Storm storm_of(const Passage& frame) {
 }  // namespace
 
 void control_storms(Passage& frame) {
-  const auto& rates = frame.chip.storm_rates.all();
+  const StormRates& rates = frame.chip.storm_rates;
   if (rates.empty()) return;
-  // Frames that rules keep for the CPU count, but those of control protocols pass every storm.
+  // Frames trapped by rules count, but control protocol frames are never limited.
   if ((frame.dropped() && frame.drop() != Drop::trapped) || (frame.cpu_reasons & cpu_reason::l2_cache) != 0) return;
   const Storm storm = storm_of(frame);
-  const auto rate = rates.find({frame.packet.port, storm.kind});
-  if (rate == rates.end()) return;
-  // A second's worth may come at once.
-  const auto packets = static_cast<uint64_t>(rate->second);
-  if (frame.meters.take(storm.meter, frame.packet.port, frame.chip.now, packets, packets, 1)) return;
-  frame.lose(Drop::storm);  // nor is the CPU to be flooded
+  const int* const rate = rates.find({frame.packet.port, storm.kind});
+  if (rate == nullptr) return;
+  // The burst is one second's worth.
+  const auto packets = static_cast<uint64_t>(*rate);
+  if (frame.meters.take(storm.meter, frame.packet.port.number(), frame.chip.now, packets, packets, 1)) return;
+  frame.lose(Drop::storm);  // for the CPU too
 }
 
 }  // namespace chip

@@ -13,7 +13,7 @@ const L2CacheEntry* find_entry(const Passage& frame) {
   for (const auto& [index, entry] : frame.chip.l2_cache.all())
     if (((number_of(entry.mac) ^ destination) & number_of(entry.mac_mask)) == 0 &&
         ((entry.vlan ^ packet.vlan()) & entry.vlan_mask) == 0 &&
-        ((entry.source_port ^ packet.port) & entry.source_port_mask) == 0)
+        ((entry.source_port.number() ^ packet.port.number()) & entry.source_port_mask) == 0)
       return &entry;
   return nullptr;
 }
@@ -30,31 +30,30 @@ bool is_dhcp(const Packet& packet) {
   return packet.is_ip4() ? port == 67 || port == 68 : packet.is_ip6() && (port == 546 || port == 547);
 }
 
-bool is_neighbour_discovery(const Packet& packet) {
+bool is_neighbor_discovery(const Packet& packet) {
   constexpr int router_solicitation = 133;
   constexpr int redirect = 137;
   const int type = packet.fields.icmp_type;
   return packet.fields.ip_protocol == ip_protocol::icmp6 && type >= router_solicitation && type <= redirect;
 }
 
-/// What the controls of the port say about protocols.
+/// Applies the protocol controls of the port.
 void obey_controls(Passage& frame) {
   const Packet& packet = frame.packet;
-  const auto says = [&](SwitchControl control) {
-    int value = 0;
-    frame.chip.switch_controls.get_port(packet.port, static_cast<int>(control), value);
-    return value != 0;
+  const auto is_on = [&](SwitchControlOfPort control) {
+    return frame.chip.switch_controls.is_on(control, packet.port);
   };
   bool to_cpu = false;
   if (packet.is_arp()) {
-    to_cpu = says(is_arp_request(packet) ? SwitchControl::arp_request_to_cpu : SwitchControl::arp_reply_to_cpu);
-  } else if (is_dhcp(packet)) {
-    to_cpu = says(SwitchControl::dhcp_to_cpu);
-    if (says(SwitchControl::dhcp_drop)) frame.stop(Drop::switch_control);
-  } else if (packet.is_ip6()) {
     to_cpu =
-        (is_neighbour_discovery(packet) && says(SwitchControl::neighbour_discovery_to_cpu)) ||
-        (is_reserved(frame.chip, packet.fields.destination_ip6) && says(SwitchControl::ip6_reserved_multicast_to_cpu));
+        is_on(is_arp_request(packet) ? SwitchControlOfPort::arp_request_to_cpu : SwitchControlOfPort::arp_reply_to_cpu);
+  } else if (is_dhcp(packet)) {
+    to_cpu = is_on(SwitchControlOfPort::dhcp_to_cpu);
+    if (is_on(SwitchControlOfPort::dhcp_drop)) frame.stop(Drop::switch_control);
+  } else if (packet.is_ip6()) {
+    to_cpu = (is_neighbor_discovery(packet) && is_on(SwitchControlOfPort::neighbor_discovery_to_cpu)) ||
+             (is_reserved(frame.chip, packet.fields.destination_ip6) &&
+              is_on(SwitchControlOfPort::ip6_reserved_multicast_to_cpu));
   }
   if (to_cpu) frame.cpu_reasons |= cpu_reason::protocol;
 }
@@ -62,9 +61,9 @@ void obey_controls(Passage& frame) {
 }  // namespace
 
 void trap(Passage& frame) {
-  if (frame.packet.port == Ports::cpu) return;  // the host does not want its own frames back
+  if (frame.packet.port == Ports::cpu) return;  // the CPU does not get its own frames back
   if (const L2CacheEntry* const entry = find_entry(frame)) {
-    // The destination of such an entry takes the place of all others; the library's entries leave it at the CPU.
+    // A matching entry replaces all other destinations by its own, which is the CPU for every entry of the library.
     const bool is_bpdu = (entry->flags & L2CacheEntry::bpdu) != 0;
     if (frame.dropped() && !(is_bpdu && frame.drop() == Drop::spanning_tree)) return;
     frame.trap(cpu_reason::l2_cache);

@@ -1,22 +1,24 @@
-// What is at the other end of the chip's ports.
+// The receiver of frames that leave the chip.
 #pragma once
 
 #include <cstdint>
 #include <span>
 
+#include "chip/place.h"
+
 namespace chip {
 
 /// A frame for the CPU.
 struct CpuFrame {
-  std::span<const uint8_t> bytes;  // always with the tag of its VLAN
-  int port;                        // where it came in
+  std::span<const uint8_t> bytes;  // always tagged with its VLAN
+  Port port;                       // ingress port
   uint32_t reasons;                // cpu_reason
 };
 
 class Wire {
  public:
-  /// A frame that leaves at an Ethernet port, without checksum.
-  virtual void transmit(int port, std::span<const uint8_t> frame) = 0;
+  /// Called for a frame, without checksum, that leaves through an Ethernet port; the bytes are valid during the call.
+  virtual void transmit(Port port, std::span<const uint8_t> frame) = 0;
   virtual void deliver(const CpuFrame& frame) = 0;
 
  protected:

@@ -48,7 +48,7 @@ typedef enum bcm_field_qualify_e {
   bcmFieldQualifyArpTargetIp4 = 288,
   bcmFieldQualifyTos = 31,
   bcmFieldQualifyIp6NextHeader = 30,
-  bcm_field_qualify_force_int = -0x7fffffff - 1 /* makes room for numbers that have no name here */
+  bcm_field_qualify_force_int = -0x7fffffff - 1 /* allows numbers that have no name here */
 } bcm_field_qualify_t;
 
 /** What an entry can do to a packet. */
@@ -59,7 +59,7 @@ typedef enum bcm_field_action_e {
   bcmFieldActionDrop = 39,
   bcmFieldActionDropCancel = 40,
   bcmFieldActionRpDrop = 52,
-  bcm_field_action_force_int = -0x7fffffff - 1 /* makes room for numbers that have no name here */
+  bcm_field_action_force_int = -0x7fffffff - 1 /* allows numbers that have no name here */
 } bcm_field_action_t;
 
 /** Kinds of IP packets. */
@@ -67,7 +67,7 @@ typedef enum bcm_field_IpType_e {
   bcmFieldIpTypeIpv4Any = 5,
   bcmFieldIpTypeIpv6 = 10,
   bcmFieldIpTypeIp = 11,
-  bcm_field_IpType_force_int = -0x7fffffff - 1 /* makes room for numbers that have no name here */
+  bcm_field_IpType_force_int = -0x7fffffff - 1 /* allows numbers that have no name here */
 } bcm_field_IpType_t;
 
 /** A set of qualifiers; BCM_FIELD_QSET_INIT() empties it. */
@@ -88,7 +88,7 @@ int bcm_field_action_add(int unit, bcm_field_entry_t entry, bcm_field_action_t a
 /** Creates an entry of a group and returns its number. */
 int bcm_field_entry_create(int unit, bcm_field_group_t group, bcm_field_entry_t* entry);
 
-/** As bcm_field_entry_create(), with a number of the caller's choice. */
+/** Like bcm_field_entry_create(), with a number that the caller chooses. */
 int bcm_field_entry_create_id(int unit, bcm_field_group_t group, bcm_field_entry_t entry);
 
 int bcm_field_entry_destroy(int unit, bcm_field_entry_t entry);
@@ -104,7 +104,7 @@ int bcm_field_entry_prio_set(int unit, bcm_field_entry_t entry, int prio);
 /** Writes an installed entry again after a change of its qualifiers or actions. */
 int bcm_field_entry_reinstall(int unit, bcm_field_entry_t entry);
 
-/** Takes an entry out of hardware; it can be installed again. */
+/** Removes an entry from hardware; it can be installed again. */
 int bcm_field_entry_remove(int unit, bcm_field_entry_t entry);
 
 /** Creates a group whose entries can match the fields of qset. */
@@ -147,7 +147,7 @@ int bcm_field_qualify_SrcMac(int unit, bcm_field_entry_t entry, uint8* data, uin
 int bcm_field_qualify_Tos(int unit, bcm_field_entry_t entry, uint8 data, uint8 mask);
 int bcm_field_qualify_Ttl(int unit, bcm_field_entry_t entry, uint8 data, uint8 mask);
 
-/** Drops all matches of an entry. */
+/** Removes all matches from an entry. */
 int bcm_field_qualify_clear(int unit, bcm_field_entry_t entry);
 
 #ifdef __cplusplus

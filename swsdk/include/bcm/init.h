@@ -19,7 +19,7 @@ typedef struct bcm_info_s {
   uint32 capability;
 } bcm_info_t;
 
-/** Tells which chip the unit is. */
+/** Reads which chip the unit is. */
 int bcm_info_get(int unit, bcm_info_t* info);
 
 #ifdef __cplusplus

@@ -1,6 +1,6 @@
 /**
  * @file bcm/knet.h
- * Network interfaces of the host, connected with the chip.
+ * Network interfaces of the host, connected to the chip.
  */
 #ifndef BCM_KNET_H
 #define BCM_KNET_H
@@ -18,7 +18,7 @@ extern "C" {
 /** Flags of an interface. */
 #define BCM_KNET_NETIF_F_KEEP_RX_TAG 0x4
 
-/** Room for an interface's name, with its zero byte. */
+/** Size of an interface's name, including its zero byte. */
 #define BCM_KNET_NETIF_NAME_MAX 16
 
 /** A network interface of the host. */

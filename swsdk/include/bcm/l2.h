@@ -1,6 +1,6 @@
 /**
  * @file bcm/l2.h
- * Layer 2: the table of addresses, the cache of special addresses, limits of learning.
+ * Layer 2: the table of addresses, the cache of special addresses, learn limits.
  */
 #ifndef BCM_L2_H
 #define BCM_L2_H
@@ -84,7 +84,7 @@ typedef struct bcm_l2_learn_limit_s {
   int limit;
 } bcm_l2_learn_limit_t;
 
-/** Told of each change of the table; operation is a BCM_L2_CALLBACK_ value. */
+/** Called for each change of the table; operation is a BCM_L2_CALLBACK_ value. */
 typedef void (*bcm_l2_addr_callback_t)(int unit, bcm_l2_addr_t* l2addr, int operation, void* userdata);
 
 /** Visits one entry of the table. */
@@ -100,7 +100,7 @@ int bcm_l2_addr_delete_by_trunk(int unit, bcm_trunk_t tid, uint32 flags);
 int bcm_l2_addr_delete_by_vlan(int unit, bcm_vlan_t vid, uint32 flags);
 int bcm_l2_addr_get(int unit, uint8* mac_addr, bcm_vlan_t vid, bcm_l2_addr_t* l2addr);
 
-/** Has callback called for each change of the table. */
+/** Registers callback for all changes of the table. */
 int bcm_l2_addr_register(int unit, bcm_l2_addr_callback_t callback, void* userdata);
 
 /** Clears the record and sets its address and VLAN. */
@@ -113,7 +113,7 @@ void bcm_l2_cache_addr_t_init(bcm_l2_cache_addr_t* addr);
 int bcm_l2_cache_delete(int unit, int index);
 int bcm_l2_cache_delete_all(int unit);
 
-/** Writes an entry; index_used tells where. */
+/** Writes an entry; index_used receives its index. */
 int bcm_l2_cache_set(int unit, int index, bcm_l2_cache_addr_t* addr, int* index_used);
 
 int bcm_l2_init(int unit);

@@ -12,13 +12,13 @@
 extern "C" {
 #endif
 
-/** Told of each change of a link. */
+/** Called for each change of a link. */
 typedef void (*bcm_linkscan_handler_t)(int unit, bcm_port_t port, bcm_port_info_t* info);
 
 /** Scans the links every us microseconds. */
 int bcm_linkscan_enable_set(int unit, int us);
 
-/** Has f called for each change of a link. */
+/** Registers f for all changes of links. */
 int bcm_linkscan_register(int unit, bcm_linkscan_handler_t f);
 
 int bcm_linkscan_unregister(int unit, bcm_linkscan_handler_t f);

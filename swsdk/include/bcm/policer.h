@@ -20,7 +20,7 @@ extern "C" {
 /** How a policer measures. */
 typedef enum bcm_policer_mode_e {
   bcmPolicerModeTrTcm = 3,
-  bcm_policer_mode_force_int = -0x7fffffff - 1 /* makes room for numbers that have no name here */
+  bcm_policer_mode_force_int = -0x7fffffff - 1 /* allows numbers that have no name here */
 } bcm_policer_mode_t;
 
 /** A policer: committed (c) and peak (p) rates and bursts. */

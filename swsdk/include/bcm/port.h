@@ -28,7 +28,7 @@ typedef uint32 bcm_port_abil_t;
 #define BCM_PORT_ATTR_RATE_BCAST_MASK 0x800000
 #define BCM_PORT_ATTR_RATE_DLFBC_MASK 0x1000000
 
-/** Where a port minds its VLAN membership. */
+/** Where a port checks its VLAN membership. */
 #define BCM_PORT_VLAN_MEMBER_INGRESS 0x1
 #define BCM_PORT_VLAN_MEMBER_EGRESS 0x2
 
@@ -49,29 +49,29 @@ typedef uint32 bcm_port_abil_t;
 
 /** Kinds of interfaces between a port and its PHY. */
 typedef enum bcm_port_if_e {
-  bcm_port_if_force_int = -0x7fffffff - 1 /* makes room for numbers that have no name here */
+  bcm_port_if_force_int = -0x7fffffff - 1 /* allows numbers that have no name here */
 } bcm_port_if_t;
 
 /** Duplex modes. */
 typedef enum bcm_port_duplex_e {
   BCM_PORT_DUPLEX_HALF = 0,
   BCM_PORT_DUPLEX_FULL = 1,
-  bcm_port_duplex_force_int = -0x7fffffff - 1 /* makes room for numbers that have no name here */
+  bcm_port_duplex_force_int = -0x7fffffff - 1 /* allows numbers that have no name here */
 } bcm_port_duplex_t;
 
 /** Crossover settings. */
 typedef enum bcm_port_mdix_e {
-  bcm_port_mdix_force_int = -0x7fffffff - 1 /* makes room for numbers that have no name here */
+  bcm_port_mdix_force_int = -0x7fffffff - 1 /* allows numbers that have no name here */
 } bcm_port_mdix_t;
 
 /** Crossover states. */
 typedef enum bcm_port_mdix_status_e {
-  bcm_port_mdix_status_force_int = -0x7fffffff - 1 /* makes room for numbers that have no name here */
+  bcm_port_mdix_status_force_int = -0x7fffffff - 1 /* allows numbers that have no name here */
 } bcm_port_mdix_status_t;
 
 /** Media of a port. */
 typedef enum bcm_port_medium_e {
-  bcm_port_medium_force_int = -0x7fffffff - 1 /* makes room for numbers that have no name here */
+  bcm_port_medium_force_int = -0x7fffffff - 1 /* allows numbers that have no name here */
 } bcm_port_medium_t;
 
 /** Controls of a PHY. */
@@ -96,7 +96,7 @@ typedef enum bcm_port_phy_control_e {
   BCM_PORT_PHY_CONTROL_FORWARD_ERROR_CORRECTION_CL91 = 319,
   BCM_PORT_PHY_CONTROL_RX_TAP6 = 338,
   BCM_PORT_PHY_CONTROL_FORWARD_ERROR_CORRECTION_CL108 = 353,
-  bcm_port_phy_control_force_int = -0x7fffffff - 1 /* makes room for numbers that have no name here */
+  bcm_port_phy_control_force_int = -0x7fffffff - 1 /* allows numbers that have no name here */
 } bcm_port_phy_control_t;
 
 /** The ports of a unit, by kind. */
@@ -109,7 +109,7 @@ typedef struct bcm_port_config_s {
   bcm_pbmp_t all;
 } bcm_port_config_t;
 
-/** The settings of a port; the action masks tell which are meant. */
+/** The settings of a port; the action masks select them. */
 typedef struct bcm_port_info_s {
   uint32 action_mask;
   uint32 action_mask2;
@@ -168,12 +168,12 @@ int bcm_port_enable_set(int unit, bcm_port_t port, int enable);
 /** Blocks kinds of flooding between two ports; flags are BCM_PORT_FLOOD_BLOCK_ values. */
 int bcm_port_flood_block_set(int unit, bcm_port_t ingress_port, bcm_port_t egress_port, uint32 flags);
 
-/** Sets the longest frame accepted, in bytes. */
+/** Sets the maximum frame size, in bytes. */
 int bcm_port_frame_max_set(int unit, bcm_port_t port, int size);
 
 int bcm_port_gport_get(int unit, bcm_port_t port, bcm_gport_t* gport);
 
-/** The gap between frames, in bit times, at one speed and duplex. */
+/** The inter-frame gap, in bit times, at one speed and duplex. */
 int bcm_port_ifg_get(int unit, bcm_port_t port, int speed, bcm_port_duplex_t duplex, int* bit_times);
 
 int bcm_port_ifg_set(int unit, bcm_port_t port, int speed, bcm_port_duplex_t duplex, int bit_times);
@@ -209,7 +209,7 @@ int bcm_port_rate_egress_set(int unit, bcm_port_t port, uint32 kbits_sec, uint32
 int bcm_port_rate_ingress_get(int unit, bcm_port_t port, uint32* kbits_sec, uint32* kbits_burst);
 int bcm_port_rate_ingress_set(int unit, bcm_port_t port, uint32 kbits_sec, uint32 kbits_burst);
 
-/** Applies those settings of the record that its action masks name. */
+/** Applies the settings of the record that its action masks select. */
 int bcm_port_selective_set(int unit, bcm_port_t port, bcm_port_info_t* info);
 
 int bcm_port_speed_get(int unit, bcm_port_t port, int* speed);

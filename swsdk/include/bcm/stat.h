@@ -21,11 +21,11 @@ typedef enum bcm_stat_val_e {
   /* clang-format off */
   BCM_STAT_NAME_LIST_TAIL(BCM_STAT_NAME_ENUMERATOR)
   /* clang-format on */
-  snmpValCount,                            /* how many there are */
-  bcm_stat_val_force_int = -0x7fffffff - 1 /* makes room for numbers that have no name here */
+  snmpValCount,                            /* number of statistics */
+  bcm_stat_val_force_int = -0x7fffffff - 1 /* allows numbers that have no name here */
 } bcm_stat_val_t;
 
-/** Initialises an array of snmpValCount names. */
+/** Initializes an array of snmpValCount names. */
 #define BCM_STAT_NAME_INITIALIZER \
   { BCM_STAT_NAME_LIST(BCM_STAT_NAME_STRING) }
 

@@ -30,14 +30,14 @@ typedef enum bcm_switch_control_e {
   bcmSwitchIpmcSameVlanL3Route = 364,
   bcmSwitchL2DstHitEnable = 611,
   bcmSwitchFlexibleMirrorDestinations = 781,
-  bcm_switch_control_force_int = -0x7fffffff - 1 /* makes room for numbers that have no name here */
+  bcm_switch_control_force_int = -0x7fffffff - 1 /* allows numbers that have no name here */
 } bcm_switch_control_t;
 
 /** What can be counted. */
 typedef enum bcm_switch_object_e {
   bcmSwitchObjectL2EntryCurrent = 0,
   bcmSwitchObjectL2EntryMax = 32,
-  bcm_switch_object_force_int = -0x7fffffff - 1 /* makes room for numbers that have no name here */
+  bcm_switch_object_force_int = -0x7fffffff - 1 /* allows numbers that have no name here */
 } bcm_switch_object_t;
 
 /** Settings of a network group. */
@@ -51,7 +51,7 @@ typedef struct bcm_switch_temperature_monitor_s {
   int peak;
 } bcm_switch_temperature_monitor_t;
 
-/** How a network group treats frames to another one. */
+/** How a network group treats frames to another group. */
 typedef struct bcm_switch_network_group_config_s {
   bcm_switch_network_group_t dest_network_group_id;
   uint32 config_flags;

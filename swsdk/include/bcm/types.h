@@ -66,7 +66,7 @@ typedef struct bcm_pbmp_s {
 #define BCM_PBMP_PORT_ADD(pbmp, port) ((pbmp).pbits[(port) / 32] |= 1U << ((port) % 32))
 #define BCM_PBMP_PORT_REMOVE(pbmp, port) ((pbmp).pbits[(port) / 32] &= ~(1U << ((port) % 32)))
 
-/** Runs the statement that follows for each port of the bitmap, in rising order. */
+/** Runs the statement that follows for each port of the bitmap, in ascending order. */
 #define BCM_PBMP_ITER(pbmp, port)                        \
   for ((port) = 0; (port) < BCM_PBMP_PORT_MAX; ++(port)) \
     if (BCM_PBMP_MEMBER(pbmp, port))

@@ -29,10 +29,10 @@ extern "C" {
 /** Controls of a unit. */
 typedef enum bcm_vlan_control_e {
   bcmVlanTranslate = 5,
-  bcm_vlan_control_force_int = -0x7fffffff - 1 /* makes room for numbers that have no name here */
+  bcm_vlan_control_force_int = -0x7fffffff - 1 /* allows numbers that have no name here */
 } bcm_vlan_control_t;
 
-/** Controls of a port. A number can mean another thing than in bcm_vlan_control_t. */
+/** Controls of a port. A number can have another meaning than in bcm_vlan_control_t. */
 typedef enum bcm_vlan_control_port_e {
   bcmVlanPortPreferIP4 = 0,
   bcmVlanPortPreferMAC = 1,
@@ -42,14 +42,14 @@ typedef enum bcm_vlan_control_port_e {
   bcmVlanLookupIPEnable = 9,
   bcmVlanPortTranslateKeyFirst = 14,
   bcmVlanPortTranslateKeySecond = 15,
-  bcm_vlan_control_port_force_int = -0x7fffffff - 1 /* makes room for numbers that have no name here */
+  bcm_vlan_control_port_force_int = -0x7fffffff - 1 /* allows numbers that have no name here */
 } bcm_vlan_control_port_t;
 
 /** What a port looks up for a translation: values of the two translate key controls. */
 typedef enum bcm_vlan_translate_key_e {
   bcmVlanTranslateKeyPortDouble = 7,
   bcmVlanTranslateKeyPortOuter = 8,
-  bcm_vlan_translate_key_force_int = -0x7fffffff - 1 /* makes room for numbers that have no name here */
+  bcm_vlan_translate_key_force_int = -0x7fffffff - 1 /* allows numbers that have no name here */
 } bcm_vlan_translate_key_t;
 
 /** Where multicast frames of a VLAN are flooded. */
@@ -57,27 +57,27 @@ typedef enum bcm_vlan_mcast_flood_e {
   BCM_VLAN_MCAST_FLOOD_ALL = 0,
   BCM_VLAN_MCAST_FLOOD_UNKNOWN = 1,
   BCM_VLAN_MCAST_FLOOD_NONE = 2,
-  bcm_vlan_mcast_flood_force_int = -0x7fffffff - 1 /* makes room for numbers that have no name here */
+  bcm_vlan_mcast_flood_force_int = -0x7fffffff - 1 /* allows numbers that have no name here */
 } bcm_vlan_mcast_flood_t;
 
-/** What becomes of a tag or of one of its fields. */
+/** What happens to a tag or to one of its fields. */
 typedef enum bcm_vlan_action_e {
   bcmVlanActionNone = 0,
   bcmVlanActionAdd = 1,
   bcmVlanActionReplace = 2,
   bcmVlanActionDelete = 3,
   bcmVlanActionCopy = 4,
-  bcm_vlan_action_force_int = -0x7fffffff - 1 /* makes room for numbers that have no name here */
+  bcm_vlan_action_force_int = -0x7fffffff - 1 /* allows numbers that have no name here */
 } bcm_vlan_action_t;
 
 /** What a virtual port matches. */
 typedef enum bcm_vlan_port_match_e {
   BCM_VLAN_PORT_MATCH_PORT_VLAN = 3,
   BCM_VLAN_PORT_MATCH_PORT_VLAN_STACKED = 4,
-  bcm_vlan_port_match_force_int = -0x7fffffff - 1 /* makes room for numbers that have no name here */
+  bcm_vlan_port_match_force_int = -0x7fffffff - 1 /* allows numbers that have no name here */
 } bcm_vlan_port_match_t;
 
-/** A virtual port: those frames of a port that match. */
+/** A virtual port: the frames of a port that match. */
 typedef struct bcm_vlan_port_s {
   bcm_vlan_port_match_t criteria;
   uint32 flags;
@@ -203,14 +203,14 @@ int bcm_vlan_gport_add(int unit, bcm_vlan_t vlan, bcm_gport_t port, int flags);
 int bcm_vlan_gport_delete(int unit, bcm_vlan_t vlan, bcm_gport_t port);
 int bcm_vlan_init(int unit);
 
-/** Gives frames from a subnet a VLAN. */
+/** Assigns a VLAN to frames from a subnet. */
 int bcm_vlan_ip_add(int unit, bcm_vlan_ip_t* vlan_ip);
 
 int bcm_vlan_ip_delete(int unit, bcm_vlan_ip_t* vlan_ip);
 int bcm_vlan_ip_delete_all(int unit);
 void bcm_vlan_ip_t_init(bcm_vlan_ip_t* vlan_ip);
 
-/** Gives frames from a station a VLAN; mac is 6 bytes. */
+/** Assigns a VLAN to frames from a station; mac is 6 bytes. */
 int bcm_vlan_mac_add(int unit, uint8* mac, bcm_vlan_t vid, int prio);
 
 int bcm_vlan_mac_delete(int unit, uint8* mac);
@@ -228,18 +228,18 @@ int bcm_vlan_port_find(int unit, bcm_vlan_port_t* vlan_port);
 int bcm_vlan_port_remove(int unit, bcm_vlan_t vid, bcm_pbmp_t pbmp);
 void bcm_vlan_port_t_init(bcm_vlan_port_t* vlan_port);
 
-/** The translations without egress are those of arriving frames. */
+/** Functions without egress in their name translate arriving frames. */
 int bcm_vlan_translate_add(int unit, int port, bcm_vlan_t old_vid, bcm_vlan_t new_vid, int prio);
 
 int bcm_vlan_translate_delete(int unit, int port, bcm_vlan_t old_vid);
 
-/** Sets what becomes of the tags of leaving frames. */
+/** Sets what happens to the tags of departing frames. */
 int bcm_vlan_translate_egress_action_add(int unit, int port_class, bcm_vlan_t outer_vlan, bcm_vlan_t inner_vlan,
                                          bcm_vlan_action_set_t* action);
 
 int bcm_vlan_translate_egress_action_delete(int unit, int port_class, bcm_vlan_t outer_vlan, bcm_vlan_t inner_vlan);
 
-/** Translates the VLAN of leaving frames. */
+/** Translates the VLAN of departing frames. */
 int bcm_vlan_translate_egress_add(int unit, int port, bcm_vlan_t old_vid, bcm_vlan_t new_vid, int prio);
 
 int bcm_vlan_translate_egress_delete(int unit, int port, bcm_vlan_t old_vid);

@@ -11,7 +11,7 @@
 extern "C" {
 #endif
 
-/** Holds link scanning until soc_linkscan_continue(). */
+/** Pauses link scanning until soc_linkscan_continue(). */
 void soc_linkscan_pause(int unit);
 
 void soc_linkscan_continue(int unit);

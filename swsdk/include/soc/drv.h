@@ -1,6 +1,6 @@
 /**
  * @file soc/drv.h
- * The attached units and what is known of each.
+ * The attached units and information on each.
  */
 #ifndef SOC_DRV_H
 #define SOC_DRV_H
@@ -11,12 +11,12 @@
 extern "C" {
 #endif
 
-/** Highest number of units. */
+/** Maximum number of units. */
 #define SOC_MAX_NUM_DEVICES 16
 
 /** Chip-type codes. */
 typedef enum soc_chip_types_e {
-  soc_chip_types_force_int = -0x7fffffff - 1 /* makes room for numbers that have no name here */
+  soc_chip_types_force_int = -0x7fffffff - 1 /* allows numbers that have no name here */
 } soc_chip_types;
 
 /** A set of ports. */
@@ -26,7 +26,7 @@ typedef struct soc_port_set_s {
   bcm_pbmp_t bitmap;
 } soc_port_set_t;
 
-/** What is known of a unit: the CPU port, the chip type, the Ethernet ports, the front ports and all ports. */
+/** Information on a unit: the CPU port, the chip type, the Ethernet ports, the front ports and all ports. */
 typedef struct soc_info_s {
   int cmic_port;
   soc_chip_types chip_type;

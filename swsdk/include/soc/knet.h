@@ -11,7 +11,7 @@
 extern "C" {
 #endif
 
-/** What each command starts with. */
+/** The header of each command. */
 typedef struct kcom_msg_hdr_s {
   uint8 type;
   uint8 opcode;
@@ -26,7 +26,7 @@ typedef union kcom_msg_u {
   uint8 bytes[512];
 } kcom_msg_t;
 
-/** Sends a command of len bytes; buf_size is the room for the answer. */
+/** Sends a command of len bytes; buf_size is the capacity for the answer. */
 int soc_knet_cmd_req(kcom_msg_t* kmsg, unsigned int len, unsigned int buf_size);
 
 #ifdef __cplusplus

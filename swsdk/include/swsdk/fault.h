@@ -1,9 +1,9 @@
 /**
  * @file swsdk/fault.h
- * Fault injection of the virtual chip: chosen calls answer a given code in place of doing their work.
+ * Fault injection of the virtual chip: chosen calls return a given code instead of doing their work.
  *
- * A call that meets a fault changes nothing and writes none of its outputs; the journal shows it with the injected
- * code. A call for a unit that does not exist meets no fault. All functions may be called from any thread.
+ * A call that hits a fault changes nothing and writes none of its outputs; the journal shows it with the injected
+ * code. A call for a unit that does not exist hits no fault. All functions may be called from any thread.
  */
 #ifndef SWSDK_FAULT_H
 #define SWSDK_FAULT_H
@@ -12,15 +12,15 @@
 extern "C" {
 #endif
 
-/** For `nth`: the fault meets every call. */
+/** For `nth`: the fault hits every call. */
 #define SWSDK_FAULT_EVERY_CALL 0
 
 /**
- * Makes calls of one SDK function fail. A function has one fault at a time; a new one takes the place of the old.
+ * Makes calls of one SDK function fail. A function has one fault at a time; a new one replaces the old.
  *
  * @param function  name of the function, such as "bcm_vlan_create"
- * @param code      what the call answers: usually a negative `BCM_E_*`, but any value is taken
- * @param nth       1 for the next call, 2 for the one after it, and so on: that one call fails;
+ * @param code      what the call returns: usually a negative `BCM_E_*`, but any value is accepted
+ * @param nth       1 for the next call, 2 for the one after it, and so on: only that call fails;
  *                  #SWSDK_FAULT_EVERY_CALL: every call fails until the fault is removed
  * @return 0, or -1 when the virtual chip has no such function or nth is negative; nothing is changed then
  */
@@ -33,7 +33,7 @@ int swsdk_fault_inject(const char* function, int code, int nth);
  */
 const char* swsdk_fault_function(int index);
 
-/** Removes all faults, those that are still waiting for their call too. */
+/** Removes all faults, including those that are still waiting for their call. */
 void swsdk_fault_clear(void);
 
 #ifdef __cplusplus

@@ -1,6 +1,6 @@
 /**
  * @file swsdk/field.h
- * The field processor of the virtual chip: what its entries would do to a frame, and how many frames each has met.
+ * The field processor of the virtual chip: what its entries would do to a frame, and how many frames each has matched.
  *
  * All functions may be called from any thread.
  */
@@ -13,11 +13,11 @@
 extern "C" {
 #endif
 
-/** The two stages: frames on their way in and on their way out. */
+/** The two stages: for arriving and for departing frames. */
 #define SWSDK_FIELD_INGRESS 0
 #define SWSDK_FIELD_EGRESS 1
 
-/** Groups that a frame can meet an entry of in one stage. */
+/** Maximum number of groups in which a frame can match an entry in one stage. */
 #define SWSDK_FIELD_HITS_MAX 16
 
 /** Levels of policers of an entry. */
@@ -27,19 +27,19 @@ extern "C" {
  * The fields of a frame as it reaches a stage; begin with all bytes 0. Numbers are in host order.
  *
  * The ether type tells what kind of frame it is: 0x0800 IPv4, 0x86DD IPv6, 0x0806 ARP. Fields that a frame of its kind
- * does not have are not read; entries see 0 in them. The same holds for L4 ports of what is neither TCP nor UDP, and
- * for the ICMP fields of what is no ICMP (IPv4) or ICMPv6 (IPv6). All others count as there: that entries pass over
- * fields which are cut off shows with swsdk_frame_send() alone.
+ * does not have are not read; entries see 0 in them. The same holds for the L4 ports of frames other than TCP and
+ * UDP, and for the ICMP fields of frames other than ICMP (IPv4) and ICMPv6 (IPv6). All other fields count as present;
+ * that entries do not match fields which are cut off shows only with swsdk_frame_send().
  */
 typedef struct swsdk_frame {
-  int in_port;            /**< where it entered; entries of the ingress stage match it */
+  int in_port;            /**< where it arrived; entries of the ingress stage match it */
   int out_port;           /**< where it leaves; entries of the egress stage match it */
   uint8_t src_mac[6];     /**< source MAC address */
   uint8_t dst_mac[6];     /**< destination MAC address */
-  int vlan_format;        /**< tags on arrival: 0 none, 1 an outer one, 2 an inner one, 3 both */
+  int vlan_format;        /**< tags on arrival: 0 none, 1 outer, 2 inner, 3 both */
   uint16_t outer_tag;     /**< priority (3 bits), CFI (1 bit) and VLAN (12 bits); the VLAN that the chip gave it when
                                it came without a tag */
-  uint16_t inner_tag;     /**< the same of the inner tag */
+  uint16_t inner_tag;     /**< the same for the inner tag */
   uint16_t ether_type;    /**< ether type behind the tags */
   uint32_t src_ip;        /**< IPv4 source address */
   uint32_t dst_ip;        /**< IPv4 destination address */
@@ -56,26 +56,26 @@ typedef struct swsdk_frame {
 } swsdk_frame;
 
 /**
- * What the entries of a stage do to a frame. It meets one entry of each group at most: the one of highest priority, and
- * of several the one that was installed first. Where groups disagree, the one of highest priority decides.
+ * What the entries of a stage do to a frame. It matches at most one entry of each group: the one of highest priority,
+ * and of several the one that was installed first. Where groups disagree, the group of highest priority decides.
  */
 typedef struct swsdk_verdict {
-  int hits;                                 /**< number of groups with an entry that the frame meets */
-  int groups[SWSDK_FIELD_HITS_MAX];         /**< these groups, the one of highest priority first */
+  int hits;                                 /**< number of groups with an entry that the frame matches */
+  int groups[SWSDK_FIELD_HITS_MAX];         /**< these groups, highest priority first */
   int entries[SWSDK_FIELD_HITS_MAX];        /**< the entry of each */
-  int dropped;                              /**< 1: the frame goes nowhere but to the CPU, if it is copied there */
-  int drop_cancelled;                       /**< 1: nor do other parts, but its VLAN, spanning tree and rates */
+  int dropped;                              /**< 1: the frame is dropped, except for a copy to the CPU */
+  int drop_cancelled;                       /**< 1: only its VLAN, spanning tree and rates can drop it */
   int red_dropped;                          /**< 1: dropped if its policer finds it red */
   int copied_to_cpu;                        /**< 1: the CPU gets a copy */
-  int redirect_port;                        /**< the one port that it goes to, or -1 */
+  int redirect_port;                        /**< the only port that it goes to, or -1 */
   int priority;                             /**< its new priority, or -1 */
   int policers[SWSDK_FIELD_POLICER_LEVELS]; /**< policers that meter it, by level; 0 for none */
 } swsdk_verdict;
 
 /**
- * Looks a frame up in the entries of a stage. Each entry that the frame meets counts a hit.
+ * Looks a frame up in the entries of a stage. Each entry that the frame matches counts a hit.
  *
- * @param unit     number of an initialised unit
+ * @param unit     number of an initialized unit
  * @param stage    #SWSDK_FIELD_INGRESS or #SWSDK_FIELD_EGRESS
  * @param frame    the frame
  * @param verdict  written when the result is 0
@@ -84,9 +84,9 @@ typedef struct swsdk_verdict {
 int swsdk_field_classify(int unit, int stage, const swsdk_frame* frame, swsdk_verdict* verdict);
 
 /**
- * Tells how many frames met an entry since it was last installed; a reinstallation goes on counting.
+ * Tells how many frames have matched an entry since it was last installed; a reinstallation keeps the count.
  *
- * @return the number, or -1 when there is no such initialised unit or entry
+ * @return the number, or -1 when there is no such initialized unit or entry
  */
 long long swsdk_field_hits(int unit, int entry);
 

@@ -3,14 +3,15 @@
  * Frames through the virtual chip: what comes in at a port goes out where the chip's tables send it.
  *
  * Frames are Ethernet frames without their checksum, from the destination address on. The chip does its work inside
- * swsdk_frame_send(): when that returns, every copy has left. Its clock stands still unless it is moved, which is what
- * rates, bursts and ageing go by. All functions may be called from any thread.
+ * swsdk_frame_send(): when that returns, every copy has left. Its clock, on which rates,
+ * bursts and aging depend, stands still unless it is moved. All functions may be called from any thread.
  */
 #ifndef SWSDK_FRAMES_H
 #define SWSDK_FRAMES_H
 
 #include <stddef.h>
 #include <stdint.h>
+#include <swsdk/events.h> /* the clock */
 
 #ifdef __cplusplus
 extern "C" {
@@ -18,53 +19,53 @@ extern "C" {
 
 /** Why the CPU gets a frame; several bits can be set. */
 #define SWSDK_CPU_L2_CACHE 0x1u     /**< an entry of the L2 cache */
-#define SWSDK_CPU_PROTOCOL 0x2u     /**< ARP, DHCP, neighbour discovery or reserved multicast, by a switch control */
-#define SWSDK_CPU_L3_MISS 0x4u      /**< the router knows no way */
-#define SWSDK_CPU_L3_ERROR 0x8u     /**< the router cannot pass it on */
+#define SWSDK_CPU_PROTOCOL 0x2u     /**< ARP, DHCP, neighbor discovery or reserved multicast, by a switch control */
+#define SWSDK_CPU_L3_MISS 0x4u      /**< the router has no route or host for it */
+#define SWSDK_CPU_L3_ERROR 0x8u     /**< the router cannot forward it */
 #define SWSDK_CPU_FIELD 0x10u       /**< an entry of the field processor */
-#define SWSDK_CPU_LEARNING 0x20u    /**< its source was unknown, or one too many */
+#define SWSDK_CPU_LEARNING 0x20u    /**< its source was unknown, or exceeded a learn limit */
 #define SWSDK_CPU_MAC_ENTRY 0x40u   /**< an entry of the MAC table */
 #define SWSDK_CPU_DESTINATION 0x80u /**< it is for the CPU, or flooded to it */
 
 /** A frame that leaves the chip. */
 typedef struct swsdk_out {
   int port;            /**< where it leaves: an Ethernet port, or 0 for the CPU */
-  int in_port;         /**< where it came in */
+  int in_port;         /**< where it arrived */
   uint32_t cpu;        /**< why the CPU gets it, SWSDK_CPU_*; 0 at an Ethernet port */
   const uint8_t* data; /**< the frame; for the CPU always with the tag of its VLAN */
   size_t length;       /**< its length in bytes */
 } swsdk_out;
 
 /**
- * Takes frames that leave. Runs in the thread that sent the frame, on which the unit stands still meanwhile: it may
- * read the chip, but not send frames.
+ * Receives the frames that leave. Runs in the thread that sent the frame, while the unit is locked: it may read the
+ * chip, but not send frames.
  *
- * @param out  the frame, which is there until the function returns
+ * @param out  the frame, valid until the function returns
  */
 typedef void (*swsdk_frame_handler)(int unit, const swsdk_out* out, void* user_data);
 
 /**
- * Sets who takes the frames that leave a unit. At load, and after swsdk_power_off(), nobody does, and they are lost.
+ * Sets the handler of frames that leave a unit. At load, and after swsdk_power_off(), there is none and they are lost.
  *
- * @param handler    the one; null for nobody
- * @param user_data  handed to it
+ * @param handler    the handler; null for none
+ * @param user_data  passed to it
  * @return 0, or -1 when there is no such attached unit
  */
 int swsdk_frame_handle(int unit, swsdk_frame_handler handler, void* user_data);
 
 /**
- * Lets a frame come in. At an Ethernet port it is lost unless the port has its link; at port 0 it is one that the host
- * sends through the CPU port.
+ * Makes a frame arrive. At an Ethernet port it is lost unless the port's link is up; at port 0 it is a frame that the
+ * host sends through the CPU port.
  *
  * @param port    an Ethernet port, or 0
  * @param data    the frame
  * @param length  its length in bytes
- * @return 0 when it was passed on; when it was not, why: a positive number, for swsdk_drop_name(). A frame that is for
- *         the CPU alone is not passed on. -1 when there is no such initialised unit or port, or data is null
+ * @return 0 when it was forwarded; otherwise the reason: a positive number, for swsdk_drop_name(). A frame that goes
+ *         only to the CPU is not forwarded. -1 when there is no such initialized unit or port, or data is null
  */
 int swsdk_frame_send(int unit, int port, const void* data, size_t length);
 
-/** A network interface of the host that was asked for by `bcm_knet_netif_create`. */
+/** A network interface of the host that `bcm_knet_netif_create` created. */
 typedef struct swsdk_netif {
   char name[16];
   unsigned char mac[6];
@@ -75,7 +76,7 @@ typedef struct swsdk_netif {
  * Tells about the network interfaces that connect the host with a unit.
  *
  * @param index  0 for the oldest
- * @return 0, or -1 when there is no such initialised unit or interface, or netif is null
+ * @return 0, or -1 when there is no such initialized unit or interface, or netif is null
  */
 int swsdk_netif_get(int unit, int index, swsdk_netif* netif);
 
@@ -83,19 +84,11 @@ int swsdk_netif_get(int unit, int index, swsdk_netif* netif);
 const char* swsdk_drop_name(int reason);
 
 /**
- * Tells how many frames a unit has not passed on for a reason since it was initialised.
+ * Tells how many frames a unit has not forwarded for a reason since it was initialized.
  *
- * @return the number, or -1 when there is no such initialised unit or reason
+ * @return the number, or -1 when there is no such initialized unit or reason
  */
 long long swsdk_drops(int unit, int reason);
-
-/**
- * Moves a unit's clock, as swsdk_clock_step() does, but finely.
- *
- * @param nanoseconds  how far
- * @return 0, or -1 when there is no such initialised unit
- */
-int swsdk_clock_advance(int unit, uint64_t nanoseconds);
 
 #ifdef __cplusplus
 }

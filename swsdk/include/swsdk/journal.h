@@ -7,7 +7,7 @@
  *
  * Numbers are decimal, flags hexadecimal; port bitmaps list their ports; records show the fields that differ from their
  * initial value; `&` marks what the call wrote (`&?`: nothing, it failed). Text is quoted, callbacks and untyped
- * pointers read `<callback>` and `<pointer>`, or `NULL`. Initialisers of records touch no chip and have no line.
+ * pointers read `<callback>` and `<pointer>`, or `NULL`. Initializers of records touch no chip and have no line.
  *
  * All functions may be called from any thread.
  */
@@ -20,13 +20,13 @@
 extern "C" {
 #endif
 
-/** Starts (non-zero) or stops (0) recording. Off at load. What is recorded stays. */
+/** Starts (non-zero) or stops (0) recording. Off at load. Recorded lines stay. */
 void swsdk_journal_record(int on);
 
 /** Tells whether calls are being recorded. */
 int swsdk_journal_recording(void);
 
-/** Forgets all recorded lines. */
+/** Deletes all recorded lines. */
 void swsdk_journal_clear(void);
 
 /**
@@ -39,9 +39,9 @@ void swsdk_journal_clear(void);
 size_t swsdk_journal_read(char* buffer, size_t size);
 
 /**
- * The same from a position on, for who has read what is before it.
+ * The same from a position on, for a caller that has read what is before it.
  *
- * @param position  how many bytes to pass over
+ * @param position  how many bytes to skip
  * @param buffer    as above
  * @param size      as above
  * @return length of the journal from there on in bytes; 0 when it ends there or before

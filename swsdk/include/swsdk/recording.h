@@ -12,8 +12,8 @@
  * The first line names the format and its version. Each line after it begins with its kind: `call`, a call that the
  * chip answered; `fault`, one that an injected fault answered; `action`, what the control interface of swsdk/chip.h,
  * swsdk/field.h and swsdk/frames.h did to the chip. The rest is as in swsdk/journal.h, with two additions: callbacks
- * and untyped pointers are numbered, so that different ones stay different, and behind an array that the call fills
- * stands its room, `&[7, 8] of 16`.
+ * and untyped pointers are numbered, so that different ones stay different, and an array that the call fills is
+ * followed by its capacity, `&[7, 8] of 16`.
  *
  * A process whose environment has #SWSDK_RECORD_VARIABLE at its first call records itself from there on, into the file
  * of that name.
@@ -29,10 +29,10 @@ extern "C" {
 #define SWSDK_RECORD_VARIABLE "SWSDK_RECORD"
 
 /**
- * Starts a recording in place of the one that is going on, if there is one. It begins with the chips off, so that it
- * can be repeated from there.
+ * Starts a recording; one that is in progress ends. It begins with the chips off, so that it can be repeated from
+ * there.
  *
- * @param path  file to write; what it held is lost
+ * @param path  file to write; its old contents are lost
  * @return 0, or -1 when units are attached or the file cannot be written, and nothing is changed
  */
 int swsdk_record_start(const char* path);
@@ -44,38 +44,38 @@ int swsdk_record_start(const char* path);
  */
 int swsdk_record_stop(void);
 
-/** What comes of repeating a recording. */
+/** Results of repeating a recording. */
 #define SWSDK_REPLAY_SAME 0       /**< every answer was the recorded one */
-#define SWSDK_REPLAY_DIFFERENT 1  /**< an answer was another one */
+#define SWSDK_REPLAY_DIFFERENT 1  /**< an answer was not the recorded one */
 #define SWSDK_REPLAY_UNREADABLE 2 /**< the file cannot be read or is no recording */
 #define SWSDK_REPLAY_INCOMPLETE 3 /**< every answer was the recorded one, but the recording lacks its end */
 
-/** Is handed a line of text, or several of a program; without the last newline. */
+/** Receives a line of text, or several lines of a program; without the last newline. */
 typedef void (*swsdk_line_t)(const char* line, void* data);
 
 /**
- * Switches the chips off and repeats the calls of a recording; the chips stay as the last one leaves them. Callbacks
- * are registered as functions that do nothing. Stops at the first answer, result or outputs, that differs. Lines of a
- * kind or function that is not known are passed over with a notice.
+ * Switches the chips off and repeats the calls of a recording; the chips stay as the last call leaves them. Callbacks
+ * are registered as functions that do nothing. Stops at the first answer, result or outputs, that differs. Lines of an
+ * unknown kind or function are skipped with a notice.
  *
  * @param path   the recording
- * @param tell   is told of notices, and of what is wrong or different, with file and line
- * @param data   handed to it
+ * @param tell   called with notices, and with what is wrong or different, with file and line
+ * @param data   passed to it
  * @return one of the SWSDK_REPLAY_ values
  */
 int swsdk_replay(const char* path, swsdk_line_t tell, void* data);
 
 /**
- * Writes a recording as a C program that makes the same calls with the SDK's headers alone, and those of the virtual
- * chip where the recording has faults or actions. It exits with 0 when all results are the recorded ones, otherwise it
- * prints the first that is not and exits with 1.
+ * Writes a recording as a C program that makes the same calls. It includes only the SDK's headers, and those of the
+ * virtual chip where the recording has faults or actions. It exits with 0 when all results are the recorded ones;
+ * otherwise it prints the first that differs and exits with 1.
  *
  * @param path   the recording
- * @param write  is handed the lines of the program
- * @param tell   is told of notices and of what is wrong, with file and line
- * @param data   handed to both
- * @return SWSDK_REPLAY_SAME; SWSDK_REPLAY_INCOMPLETE, and the program makes the calls that are there; or
- *         SWSDK_REPLAY_UNREADABLE, and it is of no use
+ * @param write  called with the lines of the program
+ * @param tell   called with notices and with what is wrong, with file and line
+ * @param data   passed to both
+ * @return SWSDK_REPLAY_SAME; SWSDK_REPLAY_INCOMPLETE, and the program makes the recorded calls; or
+ *         SWSDK_REPLAY_UNREADABLE, and the program is unusable
  */
 int swsdk_replay_as_c(const char* path, swsdk_line_t write, swsdk_line_t tell, void* data);
 

@@ -18,7 +18,7 @@ typedef enum cmd_result_e {
   CMD_EXIT = -4,
   CMD_INTR = -5,
   CMD_NOTIMPL = -6,
-  cmd_result_force_int = -0x7fffffff - 1 /* makes room for numbers that have no name here */
+  cmd_result_force_int = -0x7fffffff - 1 /* allows numbers that have no name here */
 } cmd_result_t;
 
 /** Runs the command line c. */

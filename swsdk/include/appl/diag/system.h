@@ -1,6 +1,6 @@
 /**
  * @file appl/diag/system.h
- * Start of the system.
+ * System start-up.
  */
 #ifndef APPL_DIAG_SYSTEM_H
 #define APPL_DIAG_SYSTEM_H

@@ -1,4 +1,4 @@
-#include "chip/pipeline/trunk_member.h"
+#include "chip/pipeline/resolve.h"
 
 #include "chip/chip.h"
 #include "chip/hash.h"
@@ -12,9 +12,8 @@ uint64_t address_of(const Ip6& address) {
   return value.high ^ value.low;
 }
 
-/// What of a frame its way depends on. A frame without IP addresses goes by the MAC addresses in their place.
-uint64_t key_of(int criterion, const Packet& packet) {
-  enum { own_choice, source_mac, destination_mac, both_macs, source_ip, destination_ip, both_ips };
+/// The fields that select the trunk member. Frames without IP addresses use MAC addresses instead.
+uint64_t key_of(TrunkCriterion criterion, const Packet& packet) {
   const FrameFields& fields = packet.fields;
   const bool has_ip = packet.is_ip4() || packet.is_ip6();
   const auto of_ip = [&](uint32_t ip4, const Ip6& ip6, const Mac& mac) {
@@ -25,8 +24,9 @@ uint64_t key_of(int criterion, const Packet& packet) {
   const uint64_t to_mac = number_of(fields.destination_mac);
   const uint64_t from_ip = of_ip(fields.source_ip, fields.source_ip6, fields.source_mac);
   const uint64_t to_ip = of_ip(fields.destination_ip, fields.destination_ip6, fields.destination_mac);
-  // Both of two are mixed so that the way back need not be the way there, but each is always the same.
+  // Hashing both addresses in order: the two directions may take different members, each always the same one.
   switch (criterion) {
+    using enum TrunkCriterion;
     case source_mac:
       return from_mac;
     case destination_mac:
@@ -39,22 +39,33 @@ uint64_t key_of(int criterion, const Packet& packet) {
       return hash_of(from_ip, to_ip);
     case own_choice:
     case both_macs:
-    default:
-      return hash_of(from_mac, to_mac);
+      break;
   }
+  return hash_of(from_mac, to_mac);
 }
 
-}  // namespace
-
-std::optional<int> pick_member(const Chip& chip, const Trunk& trunk, const Packet& packet) {
-  std::array<int, Trunks::most_members> alive{};
+std::optional<Port> pick_member(const Chip& chip, const Trunk& trunk, const Packet& packet) {
+  std::array<Port, Trunks::max_members> alive{};
   std::size_t count = 0;
-  for (const int member : trunk.members) {
+  for (const Port member : trunk.members) {
     const PortMac* const mac = chip.port_macs.find(member);
     if (mac != nullptr && mac->link()) alive[count++] = member;
   }
   if (count == 0) return std::nullopt;
   return alive[(hash_of(key_of(trunk.criterion, packet)) >> 32) % count];
+}
+
+}  // namespace
+
+std::optional<Exit> exit_to(const Chip& chip, const Packet& packet, const Place& place) {
+  if (const Port* const port = std::get_if<Port>(&place)) return Exit{place, *port};
+  if (const VirtualPortId* const id = std::get_if<VirtualPortId>(&place)) {
+    const VirtualPort* const found = chip.virtual_ports.find(*id);
+    return found == nullptr ? std::nullopt : std::optional(Exit{place, found->port});
+  }
+  const Trunk* const trunk = chip.trunks.find(std::get<TrunkId>(place));
+  const std::optional<Port> member = trunk == nullptr ? std::nullopt : pick_member(chip, *trunk, packet);
+  return member ? std::optional(Exit{*member, *member}) : std::nullopt;
 }
 
 }  // namespace chip

@@ -9,7 +9,7 @@ using chip::Status;
 
 int bcm_info_get(int unit, bcm_info_t* info) {
   return Call(__func__, unit, out(info)).answer([&](const chip::Chip&) {
-    *info = {};  // nobody made this chip
+    *info = {};  // a virtual chip has no vendor
     info->device = static_cast<uint32>(SOC_CHIP_TYPE(unit));
     return Status::ok;
   });

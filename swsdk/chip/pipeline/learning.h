@@ -1,38 +1,42 @@
 // What frames do to the MAC table: sources are learned, destinations looked up.
 #pragma once
 
-#include "chip/chip.h"
+#include <cstdint>
+
+#include "chip/mac_table.h"
 
 namespace chip {
+
+struct Chip;
 
 /// Where a frame came from.
 struct Source {
   Mac mac;
   uint16_t vlan;
-  int port;  // a port, or the gport of a virtual one
+  Place place;  // a port, or a virtual one
   uint32_t tunnel = 0;
 };
 
-/// What became of a source.
+/// The result of learning.
 enum class Learned {
   present,       // the table had it in this place
   added,         // the table has it in this place now
-  no_host,       // a group's address, or all zeros
-  not_learning,  // its VLAN or the state or setting of its port has the table left alone
+  no_host,       // a multicast address, or all zeros
+  not_learning,  // its VLAN, or the setting or spanning-tree state of its port, does not learn
   fixed,         // a fixed entry has it elsewhere
-  limited,       // one too many
-  full,          // its bucket has no room
+  limited,       // over a limit
+  full,          // its bucket is full
 };
 inline bool is_in_place(Learned learned) { return learned == Learned::present || learned == Learned::added; }
 
 Learned learn(Chip& chip, const Source& source);
-/// The same, by who has looked up already what the table has of the source: `present`, or null.
+/// The same for a caller that has already looked up the source's entry: `present`, or null.
 Learned learn(Chip& chip, const Source& source, const MacEntry* present);
 
-/// What a limit that keeps a source out has done with its frames: actions of LearnLimit.
+/// The actions (of LearnLimit) for frames of a source that a limit keeps out of the table.
 uint32_t actions_beyond_limit(const Chip& chip, const Source& source);
 
-/// The entry of a destination, which is marked as hit when the chip does so; or null.
+/// The entry of a destination, or null. It is marked as hit if the chip is configured to.
 const MacEntry* look_up(Chip& chip, int vlan, const Mac& mac);
 
 }  // namespace chip
