@@ -78,7 +78,7 @@ constexpr Group efp_mac_ipv6{
      bcmFieldQualifyEtherType, bcmFieldQualifyIpProtocol, bcmFieldQualifyDSCP, bcmFieldQualifyIpType,
      bcmFieldQualifyOutPort, bcmFieldQualifyStageEgress}};
 
-// Meant, here and in the next group: VLAN format and ARP target address, though no rule of the groups matches on them.
+// Meant: VLAN format, here and in the next group, and the ARP target address, though no rule matches on them.
 constexpr Group system_ipv4{
     Kind::trap,
     "ipv4 any",

@@ -302,7 +302,7 @@ int32_t sai_fp_igmp_packet_to_cpu(int32_t unit, int32_t port, int32_t group, int
 }
 
 int32_t sai_fp_mld_packet_to_cpu(int32_t unit, int32_t port, int32_t group, int32_t* entry) {
-  // Meant: each is installed even if others failed; the id and the result are those of the last.
+  // Meant: each is installed even if others failed; the result is that of the last, the id that of the last installed.
   constexpr uint8_t types[] = {130, 131, 132, 143};
   int32_t last = SAI_E_NONE;
   for (const uint8_t type : types) last = install(mld_packet, unit, group, {.port = port, .icmp_type = type}, entry);
