@@ -13,7 +13,8 @@
 
 namespace api {
 
-// What the SDK has as a number and the chip as a type of its own. A group of 0 is none.
+// What the SDK has as a number and the chip as a type of its own. A group of 0 is none. The port of a virtual port is
+// read back as a LOCAL gport, which is what the library writes.
 inline void assign(chip::Place& to, int from) { to = place_of(from); }
 inline void assign(int& to, const chip::Place& from) { to = sdk_port(from); }
 inline void assign(chip::Port& to, int from) { to = port_of(from); }
