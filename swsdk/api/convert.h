@@ -18,7 +18,7 @@ namespace api {
 inline void assign(chip::Place& to, int from) { to = place_of(from); }
 inline void assign(int& to, const chip::Place& from) { to = sdk_port(from); }
 inline void assign(chip::Port& to, int from) { to = port_of(from); }
-inline void assign(int& to, chip::Port from) { to = gport::of(gport::local, from.number()); }
+inline void assign(int& to, chip::Port from) { to = local_gport_of(from); }
 inline void assign(chip::GroupId& to, int from) { to = chip::GroupId::of(from); }
 inline void assign(int& to, chip::GroupId from) { to = from.number(); }
 inline void assign(std::optional<chip::GroupId>& to, int from) {

@@ -65,6 +65,7 @@ constexpr chip::MirrorId mirror_of(int gport) {
 }
 
 constexpr int gport_of(chip::Port port) { return gport::of(gport::module_port, port.number()); }
+constexpr int local_gport_of(chip::Port port) { return gport::of(gport::local, port.number()); }
 constexpr int gport_of(chip::TrunkId trunk) { return gport::of(gport::trunk, trunk.number()); }
 constexpr int gport_of(chip::VirtualPortId virtual_port) {
   return gport::of(gport::virtual_port, virtual_port.number());

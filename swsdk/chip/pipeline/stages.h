@@ -1,7 +1,8 @@
 // The stages of the pipeline, in the order in which a frame passes them.
 //
 // A stage that drops a frame calls Passage::stop, and the later stages still run: the field processor may release the
-// frame, and the CPU may get it. Stages do not change tables for a dropped frame.
+// frame, and the CPU may get it. A dropped frame still counts in the field processor; it is learned only if it was
+// trapped or dropped by the spanning-tree state.
 #pragma once
 
 #include "chip/pipeline/egress_frame.h"
