@@ -157,14 +157,13 @@ void api::tell_link(int unit, int port, bool up) {
 void api::stop_event_threads() { threads().stop(); }
 
 int swsdk_link_event(int unit, int port, int up) {
-  bool watched = false;
   const auto change = [&](chip::Chip& chip) {
-    watched = chip.link_scan.watches();
-    return api::zero_if_ok(chip.port_macs.set_partner(chip::Port::of(port), up != 0));
+    const int result = api::zero_if_ok(chip.port_macs.set_partner(chip::Port::of(port), up != 0));
+    // Queued under the unit's lock, so that events are in the order of the changes.
+    if (result == 0 && chip.link_scan.watches()) api::tell_link(unit, port, up != 0);
+    return result;
   };
-  if (api::act(__func__, unit, change, port, up) != 0) return -1;
-  if (watched) api::tell_link(unit, port, up != 0);
-  return 0;
+  return api::act(__func__, unit, change, port, up);
 }
 
 int swsdk_l2_event(int unit, int operation, int vid, const unsigned char* mac, int port) {

@@ -3,6 +3,7 @@
 #include <bcm/error.h>
 #include <bcm/l2.h>
 #include <bcm/link.h>
+#include <bcm/port.h>
 #include <bcm/vlan.h>
 
 #include <atomic>
@@ -321,6 +322,31 @@ TEST_F(Events, FromManyThreadsAtOnceAreAllTold) {
       EXPECT_EQ(of_stations[port][index], "x 0 " + number + " vlan " + std::to_string(i) + " station 7 port " + number);
     }
   }
+}
+
+TEST_F(Events, OfOneLinkAreInTheOrderOfItsChanges) {
+  constexpr int rounds = 2000;
+  bcm_linkscan_register(0, first);
+  std::atomic<int> begun = 0;
+  std::atomic<int> ended = 0;
+  std::thread other([&] {
+    for (int round = 1; round <= rounds; ++round) {
+      while (begun < round) continue;
+      swsdk_link_event(0, 1, down);
+      ended = round;
+    }
+  });
+  int out_of_order = 0;
+  for (int round = 1; round <= rounds; ++round) {
+    begun = round;
+    swsdk_link_event(0, 1, up);
+    while (ended < round) continue;
+    int status = -1;
+    bcm_port_link_status_get(0, 1, &status);
+    out_of_order += take().back() != (status != 0 ? "a 0/1 up" : "a 0/1 down");
+  }
+  other.join();
+  EXPECT_EQ(out_of_order, 0);
 }
 
 TEST_F(Events, ThatArePendingAtPowerOffAreForgotten) {
