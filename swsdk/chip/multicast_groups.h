@@ -33,9 +33,9 @@ class MulticastGroups {
   static constexpr uint32_t l3 = 0x20000;
   static constexpr uint32_t vlan = 0x400000;
 
-  explicit MulticastGroups(const Ports& ports) : ports_(ports) {}
-
   static constexpr uint32_t with_id = 0x1;  // a flag of create()
+
+  explicit MulticastGroups(const Ports& ports) : ports_(ports) {}
 
   /// Creates a group; with the flag `with_id` under the id in `id`, otherwise `id` is set.
   Status create(uint32_t flags, GroupId& id) {

@@ -19,7 +19,6 @@ struct NetworkInterface {
 class NetworkInterfaces {
  public:
   static constexpr int capacity = 128;
-
   static constexpr int max_type = 2;  // through a port of the chip
 
   /// Creates an interface under the lowest free id, to which `id` is set. Names are unique, except the empty one.

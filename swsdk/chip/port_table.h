@@ -1,4 +1,4 @@
-// One value for each port of a set, found at once.
+// One value for each port of a set, for lookup in constant time.
 #pragma once
 
 #include <cstddef>
