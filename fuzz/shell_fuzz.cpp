@@ -115,7 +115,7 @@ void run_line(saish::Session& session, const std::string& line) {
 extern "C" {
 
 int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
-  const saish::Session session(false);
+  const saish::Session session(saish::Power::on);
   fresh_tables = saish::tables();
   return 0;
 }
@@ -123,7 +123,7 @@ int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   constexpr int most_lines = 40;
   std::string script(reinterpret_cast<const char*>(data), size);
-  saish::Session session(script.starts_with("cold\n"));
+  saish::Session session(script.starts_with("cold\n") ? saish::Power::cold : saish::Power::on);
   std::size_t at = 0;
   for (int lines = 0; lines < most_lines && at < script.size(); ++lines) {
     const std::size_t end = std::min(script.find('\n', at), script.size());

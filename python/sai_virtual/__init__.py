@@ -163,18 +163,27 @@ _line_handler = ctypes.CFUNCTYPE(None, ctypes.c_char_p, ctypes.c_void_p)
 
 def _check(result, what):
     if result < 0:
-        raise ValueError(what)
+        raise ValueError(what() if callable(what) else what)
     return result
 
 
 class Chip:
-    """The virtual chip, on from `with` to its end: each unit attached and initialized, or none yet when `cold`."""
+    """The virtual chip, on from `with` to its end: each unit attached and initialized, or none yet when `cold`.
 
-    def __init__(self, units=1, ports=12, chip_type=0, cold=False):
+    With a path, it is the chip of the program that listens there, which is left as it is; the other arguments are that
+    program's business then.
+    """
+
+    def __init__(self, path=None, *, units=1, ports=12, chip_type=0, cold=False):
+        self._path = None if path is None else os.fsencode(path)
         self._board = _Board(units=units, ports=ports, chip_type=chip_type)
         self._cold = cold
 
     def __enter__(self):
+        if self._path is not None:
+            reason = ctypes.create_string_buffer(512)
+            _check(_swsdk.swsdk_connect(self._path, reason), lambda: reason.value.decode())
+            return self
         _swsdk.swsdk_power_off()
         _check(_swsdk.swsdk_board_set(ctypes.byref(self._board)), "there is no such board")
         if not self._cold:
@@ -184,7 +193,10 @@ class Chip:
         return self
 
     def __exit__(self, *_):
-        _swsdk.swsdk_power_off()
+        if self._path is not None:
+            _swsdk.swsdk_connect(None, None)
+        else:
+            _swsdk.swsdk_power_off()
 
     @staticmethod
     def tables():

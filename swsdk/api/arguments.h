@@ -57,7 +57,26 @@ struct OutArray {
   T* pointer;
   int count;
   const int* written = nullptr;
+  int capacity() const { return count; }
 };
+
+/// Points to `size` bytes for a text, which is cut if it does not fit.
+struct TextOut {
+  char* pointer;
+  std::size_t size;
+  std::size_t capacity() const { return size; }
+};
+
+/// Points to space for `room` bytes without a structure; the call returns how many it wrote.
+struct BytesOut {
+  uint8_t* pointer;
+  std::size_t room;
+  const std::size_t* written;
+  std::size_t capacity() const { return room; }
+};
+
+/// The longest text that a call can write.
+constexpr std::size_t max_text = std::size_t{16} << 20;
 
 struct Mac {
   const uint8_t* pointer;
@@ -105,6 +124,10 @@ Array<T> array(const T* pointer, int count) {
 template <class T>
 OutArray<T> out_array(T* pointer, int count, const int* written = nullptr) {
   return {pointer, count, written};
+}
+inline TextOut text_out(char* pointer, std::size_t size) { return {pointer, size}; }
+inline BytesOut bytes_out(uint8_t* pointer, std::size_t room, const std::size_t* written) {
+  return {pointer, room, written};
 }
 inline Mac mac(const uint8_t* address) { return {address}; }
 inline Ip4 ip4(uint32_t address) { return {address}; }
@@ -266,6 +289,16 @@ std::string shown(const OutArray<T>& array, int rv) {
   if (array.pointer == nullptr) return "NULL";
   const int count = array.written == nullptr ? array.count : std::clamp(*array.written, 0, std::max(array.count, 0));
   return rv < 0 ? "&?" : '&' + (items_text(array.pointer, count));
+}
+
+inline std::string shown(const TextOut& out, int rv) {
+  if (out.pointer == nullptr) return "NULL";
+  return rv < 0 ? "&?" : '&' + quoted({out.pointer, strnlen(out.pointer, out.size)});
+}
+
+inline std::string shown(const BytesOut& out, int rv) {
+  if (out.pointer == nullptr) return "NULL";
+  return rv < 0 ? "&?" : '&' + text(bytes(out.pointer, static_cast<unsigned>(std::min(*out.written, out.room))));
 }
 
 }  // namespace api

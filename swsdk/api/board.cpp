@@ -1,7 +1,5 @@
 #include <soc/drv.h>
 #include <swsdk/board.h>
-#include <swsdk/fault.h>
-#include <swsdk/journal.h>
 
 #include <optional>
 #include <vector>
@@ -26,28 +24,52 @@ chip::PhyRegisters::Key phy_register(int phy, int device, int reg) {
 static_assert(SWSDK_PHY_CLAUSE22 == chip::PhyRegisters::clause22);
 
 swsdk_board api::present_board = factory_board;
+swsdk_board api::lasting_board = factory_board;
 
-void swsdk_board_get(swsdk_board* board) { *board = api::present_board; }
+void swsdk_board_get(swsdk_board* board) {
+  const auto get = [=] {
+    const std::lock_guard guard(api::power_lock);
+    *board = api::present_board;
+    return 0;
+  };
+  if (board != nullptr) api::ask(__func__, get, -1, api::out(board));
+}
 
 int swsdk_board_set(const swsdk_board* board) {
   if (board == nullptr) return -1;
   const bool fits = board->units >= 0 && board->units <= SOC_MAX_NUM_DEVICES && board->ports >= 1 &&
                     board->ports < chip::PortSet::capacity && board->chip_type >= 0;
-  if (!fits || api::attached_units() > 0) return -1;
-  api::present_board = *board;
-  api::record(api::Kind::action, __func__, 0, {api::in(board)});
-  return 0;
+  const auto set = [=] {
+    const std::lock_guard guard(api::power_lock);
+    if (api::attached_units() > 0) return -1;
+    api::present_board = *board;
+    api::record(api::Kind::action, "swsdk_board_set", 0, {api::in(board)});
+    return 0;
+  };
+  if (!fits) return -1;
+  if (api::remote_chip() == nullptr) return set();
+  return static_cast<int>(api::call_remote(api::Kind::action, __func__, {api::in(board)}, -1));
 }
 
 void swsdk_power_off() {
-  api::stop_event_threads();
-  api::power_off_units();
-  api::present_board = factory_board;
-  swsdk_fault_clear();
-  swsdk_journal_record(0);
-  swsdk_journal_clear();
-  api::forget_kernel_commands();
+  if (api::RemoteChip* const chip = api::remote_chip()) {
+    chip->power_off();
+  } else {
+    const std::lock_guard guard(api::power_lock);
+    api::stop_event_threads();
+    api::power_off_units();
+    api::present_board = api::lasting_board;
+    api::clear_faults();
+    api::own_journal().record(0);
+    api::own_journal().clear();
+    api::forget_kernel_commands();
+  }
   api::add_power_off_to_recording();
+}
+
+int swsdk_starts(int unit) {
+  const auto count = [=](const Chip&) { return api::find_unit(unit)->starts; };
+  return api::ask_chip(__func__, unit, count, 0);
 }
 
 int swsdk_temperatures_set(int unit, const swsdk_temperature* readings, int count) {
@@ -66,7 +88,7 @@ int swsdk_phy_register_get(int unit, int phy, int device, int reg) {
     const std::optional<uint16_t> value = chip.phy_registers.read(phy_register(phy, device, reg));
     return value ? int{*value} : -1;
   };
-  return api::on_chip(unit, read, -1);
+  return api::ask_chip(__func__, unit, read, -1, phy, device, reg);
 }
 
 int swsdk_phy_register_set(int unit, int phy, int device, int reg, int value) {

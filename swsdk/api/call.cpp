@@ -1,25 +1,38 @@
 #include "api/call.h"
 
+#include <atomic>
+
 namespace {
 
-std::string line(const char* function, int rv, api::Arguments arguments, bool in_recording, int shown_rv) {
-  std::string result = function;
-  result += '(';
-  const char* separator = "";
-  for (const api::Argument& argument : arguments) {
-    result += separator + argument.shown(in_recording, shown_rv);
-    separator = ", ";
-  }
-  return result + ") = " + std::to_string(rv);
-}
+std::atomic<api::RemoteChip*> chip_elsewhere = nullptr;
 
 }  // namespace
 
+api::RemoteChip* api::remote_chip() { return chip_elsewhere.load(std::memory_order_acquire); }
+
+void api::set_remote_chip(RemoteChip* chip) { chip_elsewhere = chip; }
+
 void api::record(Kind kind, const char* function, int rv, Arguments arguments) {
-  if (journal_is_recording() && kind != Kind::action) journal_add(line(function, rv, arguments, false, rv));
+  const std::string result = " = " + std::to_string(rv);
   // A fault writes no outputs, whatever its code.
-  if (is_recording())
-    add_to_recording(kind, line(function, rv, arguments, true, kind == Kind::fault ? BCM_E_INTERNAL : rv));
+  const int outputs = kind == Kind::fault ? BCM_E_INTERNAL : rv;
+  const bool is_sdk_call = kind == Kind::call || kind == Kind::fault;
+  // The journal of a chip in another process is there.
+  if (is_sdk_call && any_journal_is_recording() && remote_chip() == nullptr)
+    journal_add(call_text(function, arguments, Form::journal, rv) + result);
+  if (is_recording() && kind != Kind::question)
+    add_to_recording(kind, call_text(function, arguments, Form::recording, outputs) + result);
+  if (const std::shared_ptr<Caller>& caller = present_caller(); caller != nullptr)
+    caller->answered =
+        std::string(kind_names[static_cast<int>(kind)]) + ' ' + call_text(function, arguments, Form::wire, outputs);
+}
+
+long long api::call_remote(Kind kind, const char* function, Arguments arguments, long long if_gone) {
+  const std::optional<Answer> answer = remote_chip()->call(function, arguments);
+  if (!answer) return if_gone;
+  if (answer->kind)
+    record(*answer->kind == Kind::fault ? Kind::fault : kind, function, static_cast<int>(answer->result), arguments);
+  return answer->result;
 }
 
 api::Entrance api::enter(const char* function, int unit, int of_arguments) {
@@ -30,7 +43,9 @@ api::Entrance api::enter(const char* function, int unit, int of_arguments) {
     return entrance;
   }
   entrance.guard = std::unique_lock(attached->lock);
-  if (const std::optional<int> fault = next_fault(function)) {
+  if (!attached->chip) {
+    entrance.refusal = BCM_E_UNIT;  // switched off meanwhile
+  } else if (const std::optional<int> fault = next_fault(function)) {
     entrance.refusal = *fault;
     entrance.kind = Kind::fault;
   } else if (!attached->initialized) {

@@ -69,5 +69,5 @@ long long swsdk_field_hits(int unit, int entry) {
     const chip::FieldEntry* const found = chip.field_processor.find_entry(entry);
     return found == nullptr ? -1LL : static_cast<long long>(found->hits);
   };
-  return api::on_chip(unit, hits, -1LL);
+  return api::ask_chip(__func__, unit, hits, -1LL, entry);
 }

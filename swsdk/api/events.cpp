@@ -4,107 +4,17 @@
 #include <swsdk/events.h>
 
 #include <algorithm>
-#include <array>
-#include <condition_variable>
 #include <cstring>
-#include <deque>
-#include <functional>
 #include <mutex>
-#include <thread>
-#include <utility>
 #include <vector>
 
 #include "api/call.h"
+#include "api/event_threads.h"
 #include "api/l2.h"
 
+using api::EventThreads;
+
 namespace {
-
-/// Threads that each run their work items in order. A thread starts with its first item.
-class EventThreads {
- public:
-  enum Kind : std::size_t { link_scan, l2_learning };
-
-  ~EventThreads() { stop(); }
-
-  /// Work that is posted while the threads stop is discarded.
-  void post(Kind kind, std::function<void()> work);
-
-  /// Waits until no thread has work left, including work that the threads post to each other. Returns at once on the
-  /// threads themselves.
-  void drain();
-
-  /// Waits for the items that are running, and discards the others.
-  void stop();
-
- private:
-  struct Thread {
-    std::deque<std::function<void()>> waiting;
-    bool busy = false;
-    std::thread thread;
-  };
-
-  void run(Thread& self);
-
-  std::mutex lock_;
-  std::condition_variable changed_;
-  std::array<Thread, 2> threads_;  // by kind
-  bool stopping_ = false;
-  static thread_local bool is_one_;
-};
-
-thread_local bool EventThreads::is_one_ = false;
-
-void EventThreads::post(Kind kind, std::function<void()> work) {
-  const std::lock_guard guard(lock_);
-  if (stopping_) return;
-  Thread& doer = threads_[kind];
-  doer.waiting.push_back(std::move(work));
-  if (!doer.thread.joinable()) doer.thread = std::thread([this, &doer] { run(doer); });
-  changed_.notify_all();
-}
-
-void EventThreads::drain() {
-  if (is_one_) return;
-  std::unique_lock guard(lock_);
-  const auto is_idle = [](const Thread& doer) { return doer.waiting.empty() && !doer.busy; };
-  changed_.wait(guard, [&] { return std::all_of(threads_.begin(), threads_.end(), is_idle); });
-}
-
-void EventThreads::stop() {
-  {
-    const std::lock_guard guard(lock_);
-    stopping_ = true;
-    for (Thread& doer : threads_) doer.waiting.clear();
-    changed_.notify_all();
-  }
-  for (Thread& doer : threads_)
-    if (doer.thread.joinable()) doer.thread.join();
-  const std::lock_guard guard(lock_);
-  stopping_ = false;
-}
-
-void EventThreads::run(Thread& self) {
-  is_one_ = true;
-  std::unique_lock guard(lock_);
-  while (true) {
-    changed_.wait(guard, [&] { return stopping_ || !self.waiting.empty(); });
-    if (stopping_) return;
-    const std::function<void()> work = std::move(self.waiting.front());
-    self.waiting.pop_front();
-    self.busy = true;
-    guard.unlock();
-    work();
-    guard.lock();
-    self.busy = false;
-    changed_.notify_all();
-  }
-}
-
-/// Made on first use: a program that exits with the chip on then ends the threads before the objects that they use.
-EventThreads& threads() {
-  static EventThreads all;
-  return all;
-}
 
 /// Calls each listener of a unit, in the order in which they were added, unless it was removed meanwhile. The unit's
 /// lock is free during the calls, so that they may call the SDK.
@@ -122,16 +32,15 @@ void tell_each(int unit, api::Listeners<Listener> api::Unit::*listeners, Tell te
   }
 }
 
-bool has_port(int unit, int port) {
-  return api::on_chip(
-      unit, [&](const chip::Chip& chip) { return chip.ports.has(chip::Port::of(port)); }, false);
-}
-
 void post_l2(int unit, int operation, const bcm_l2_addr_t& address) {
-  threads().post(EventThreads::l2_learning, [=] {
+  EventThreads::all().post(EventThreads::l2_learning, [=] {
     tell_each(unit, &api::Unit::l2_listeners, [=](const api::L2Listener& listener) {
+      const auto& [callback, user_data, caller] = listener;
+      if (caller != nullptr)
+        return caller->tell(
+            call_text(api::l2_event, {unit, address, operation, callback, user_data}, api::Form::wire, 0));
       bcm_l2_addr_t told = address;
-      listener.callback(unit, &told, operation, listener.user_data);
+      callback(unit, &told, operation, user_data);
     });
   });
 }
@@ -145,8 +54,10 @@ void api::tell_mac_change(int unit, chip::MacTable::Change change, const chip::M
 }
 
 void api::tell_link(int unit, int port, bool up) {
-  threads().post(EventThreads::link_scan, [=] {
-    tell_each(unit, &api::Unit::link_listeners, [=](bcm_linkscan_handler_t handler) {
+  EventThreads::all().post(EventThreads::link_scan, [=] {
+    tell_each(unit, &api::Unit::link_listeners, [=](const LinkListener& listener) {
+      const auto& [handler, caller] = listener;
+      if (caller != nullptr) return caller->tell(call_text(link_event, {unit, port, int{up}, handler}, Form::wire, 0));
       bcm_port_info_t info{};
       info.linkstatus = up ? 1 : 0;
       handler(unit, port, &info);
@@ -154,7 +65,7 @@ void api::tell_link(int unit, int port, bool up) {
   });
 }
 
-void api::stop_event_threads() { threads().stop(); }
+void api::stop_event_threads() { EventThreads::all().stop(); }
 
 int swsdk_link_event(int unit, int port, int up) {
   const auto change = [&](chip::Chip& chip) {
@@ -167,14 +78,17 @@ int swsdk_link_event(int unit, int port, int up) {
 }
 
 int swsdk_l2_event(int unit, int operation, int vid, const unsigned char* mac, int port) {
-  if (!has_port(unit, port) || mac == nullptr || !chip::is_vlan(vid)) return -1;
-  bcm_l2_addr_t address{};
-  std::memcpy(address.mac, mac, sizeof address.mac);
-  address.vid = static_cast<bcm_vlan_t>(vid);
-  address.port = port;
-  api::record(api::Kind::action, __func__, 0, {unit, operation, vid, api::mac(mac), port});
-  post_l2(unit, operation, address);
-  return 0;
+  const auto raise = [&](const chip::Chip& chip) {
+    if (!chip.ports.has(chip::Port::of(port))) return -1;
+    bcm_l2_addr_t address{};
+    std::memcpy(address.mac, mac, sizeof address.mac);
+    address.vid = static_cast<bcm_vlan_t>(vid);
+    address.port = port;
+    post_l2(unit, operation, address);
+    return 0;
+  };
+  if (mac == nullptr || !chip::is_vlan(vid)) return -1;
+  return api::act(__func__, unit, raise, operation, vid, api::mac(mac), port);
 }
 
 int swsdk_clock_step(int unit, int seconds) {
@@ -183,6 +97,8 @@ int swsdk_clock_step(int unit, int seconds) {
 }
 
 int swsdk_clock_advance(int unit, uint64_t nanoseconds) {
+  if (api::remote_chip() != nullptr)
+    return static_cast<int>(api::call_remote(api::Kind::action, __func__, {unit, nanoseconds}, -1));
   constexpr uint64_t second = 1'000'000'000;
   int seconds = 0;
   const auto advance = [&](chip::Chip& chip) {
@@ -206,8 +122,13 @@ int swsdk_clock_advance(int unit, uint64_t nanoseconds) {
   if (seconds == 0)
     age();
   else
-    threads().post(EventThreads::l2_learning, age);
+    EventThreads::all().post(EventThreads::l2_learning, age);
   return 0;
 }
 
-void swsdk_events_drain() { threads().drain(); }
+void swsdk_events_drain() {
+  if (api::RemoteChip* const chip = api::remote_chip())
+    chip->drain();
+  else
+    EventThreads::all().drain();
+}

@@ -5,6 +5,15 @@
 
 namespace api {
 
+// What a client is told, as the text of a call: unit, port, whether the link is up, callback;
+constexpr const char* link_event = "link";
+/// unit, address, operation, callback, user data;
+constexpr const char* l2_event = "l2";
+/// unit, port, port of arrival, SWSDK_CPU_ reasons, frame, handler, user data.
+constexpr const char* frame_event = "frame";
+/// what the client is to print.
+constexpr const char* print_event = "print";
+
 /// Makes the link scan thread call the listeners of a unit's links: one went up or down.
 void tell_link(int unit, int port, bool up);
 

@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "api/call.h"
 #include "api/replay.h"
 
 namespace {
@@ -43,16 +44,27 @@ std::optional<int> api::next_fault(const char* function) {
 int swsdk_fault_inject(const char* function, int code, int nth) {
   if (function == nullptr || nth < 0 || !is_entry_point(function) || api::find_replayable(function) == nullptr)
     return -1;
-  const std::lock_guard guard(faults_lock);
-  faults.insert_or_assign(function, Fault{.code = code, .calls_to_go = nth});
-  any_fault = true;
-  return 0;
+  const auto inject = [=] {
+    const std::lock_guard guard(faults_lock);
+    faults.insert_or_assign(function, Fault{.code = code, .calls_to_go = nth});
+    any_fault = true;
+    return 0;
+  };
+  return api::ask(__func__, inject, -1, function, code, nth);
 }
 
-void swsdk_fault_clear() {
+void api::clear_faults() {
   const std::lock_guard guard(faults_lock);
   faults.clear();
   any_fault = false;
+}
+
+void swsdk_fault_clear() {
+  const auto clear = [] {
+    api::clear_faults();
+    return 0;
+  };
+  api::ask(__func__, clear, -1);
 }
 
 const char* swsdk_fault_function(int index) {

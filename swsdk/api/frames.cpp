@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "api/call.h"
+#include "api/events.h"
 
 namespace {
 
@@ -20,36 +21,59 @@ static_assert(SWSDK_CPU_DESTINATION == chip::cpu_reason::destination);
 
 bool is_reason(int reason) { return reason > static_cast<int>(chip::Drop::none) && reason < chip::drop_count; }
 
-/// Passes frames that leave a unit to their handler.
-class Handler : public chip::Wire {
+/// Passes frames that leave a unit to its handlers.
+class Handlers : public chip::Wire {
  public:
-  Handler(int unit, const api::FrameHandler& handler, chip::Port in_port)
-      : unit_(unit), handler_(handler), in_port_(in_port) {}
+  Handlers(int unit, const std::vector<api::FrameHandler>& handlers, chip::Port in_port)
+      : unit_(unit), handlers_(handlers), in_port_(in_port) {}
 
   void transmit(chip::Port port, std::span<const uint8_t> frame) override { hand_over(port, 0, frame); }
   void deliver(const chip::CpuFrame& frame) override { hand_over(chip::Ports::cpu, frame.reasons, frame.bytes); }
 
  private:
   void hand_over(chip::Port port, uint32_t cpu, std::span<const uint8_t> frame) {
-    if (handler_.function == nullptr) return;
     const swsdk_out out{
         .port = port.number(), .in_port = in_port_.number(), .cpu = cpu, .data = frame.data(), .length = frame.size()};
-    handler_.function(unit_, &out, handler_.user_data);
+    for (std::size_t i = 0; i < handlers_.size(); ++i) {  // one may replace itself
+      const auto [function, user_data, caller] = handlers_[i];
+      if (caller == nullptr)
+        function(unit_, &out, user_data);
+      else
+        tell(*caller, out, function, user_data);
+    }
+  }
+
+  void tell(api::Caller& caller, const swsdk_out& out, swsdk_frame_handler function, void* user_data) const {
+    inform(caller, call_text(api::frame_event,
+                             {unit_, out.port, out.in_port, api::hex(out.cpu),
+                              api::bytes(out.data, static_cast<unsigned>(out.length)), function, user_data},
+                             api::Form::wire, 0));
   }
 
   const int unit_;
-  const api::FrameHandler handler_;
+  const std::vector<api::FrameHandler>& handlers_;
   const chip::Port in_port_;
 };
 
 }  // namespace
 
 int swsdk_frame_handle(int unit, swsdk_frame_handler handler, void* user_data) {
-  api::Unit* const attached = api::find_unit(unit);
-  if (attached == nullptr) return -1;
-  const std::lock_guard guard(attached->lock);
-  attached->frame_handler = {handler, user_data};
-  return 0;
+  const auto handle = [&] {
+    api::Unit* const attached = api::find_unit(unit);
+    if (attached == nullptr) return -1;
+    const std::lock_guard guard(attached->lock);
+    api::FrameHandler* const present = find_frame_handler(*attached, api::present_caller());
+    if (handler == nullptr)
+      std::erase_if(attached->frame_handlers, [&](const api::FrameHandler& one) { return &one == present; });
+    else if (present != nullptr)
+      *present = {handler, user_data};
+    else
+      attached->frame_handlers.push_back({handler, user_data});
+    return 0;
+  };
+  const api::RemoteCallback callback{api::frame_event, unit, reinterpret_cast<const void*>(handler), user_data};
+  return api::with_callback(callback,
+                            [&] { return api::ask("swsdk_frame_handle", handle, -1, unit, handler, user_data); });
 }
 
 int swsdk_frame_send(int unit, int port, const void* data, size_t length) {
@@ -59,7 +83,7 @@ int swsdk_frame_send(int unit, int port, const void* data, size_t length) {
     const chip::Port in_port = chip::Port::of(port);
     if (!chip.ports.has(in_port)) return -1;
     api::Unit& attached = *api::find_unit(unit);
-    Handler wire(unit, attached.frame_handler, in_port);
+    Handlers wire(unit, attached.frame_handlers, in_port);
     return static_cast<int>(attached.pipeline->receive(in_port, {bytes, length}, wire));
   };
   return api::act(__func__, unit, receive, port, api::bytes(bytes, static_cast<unsigned>(length)), length);
@@ -76,7 +100,7 @@ int swsdk_netif_get(int unit, int index, swsdk_netif* netif) {
     netif->keeps_tag = (found.flags & BCM_KNET_NETIF_F_KEEP_RX_TAG) != 0 ? 1 : 0;
     return 0;
   };
-  return api::on_chip(unit, get, -1);
+  return api::ask_chip(__func__, unit, get, -1, index, api::out(netif));
 }
 
 const char* swsdk_drop_name(int reason) {
@@ -84,9 +108,8 @@ const char* swsdk_drop_name(int reason) {
 }
 
 long long swsdk_drops(int unit, int reason) {
-  const api::Unit* const attached = api::find_unit(unit);
   const auto count = [&](const chip::Chip&) {
-    return static_cast<long long>(attached->pipeline->drops(static_cast<chip::Drop>(reason)));
+    return static_cast<long long>(api::find_unit(unit)->pipeline->drops(static_cast<chip::Drop>(reason)));
   };
-  return is_reason(reason) ? api::on_chip(unit, count, -1LL) : -1;
+  return is_reason(reason) ? api::ask_chip(__func__, unit, count, -1LL, reason) : -1;
 }

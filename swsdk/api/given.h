@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "api/c_text.h"
+#include "api/caller.h"
 #include "api/parse.h"
 #include "api/recording.h"
 
@@ -40,13 +41,13 @@ struct Callbacks<Returned (*)(Args...)> {
     if constexpr (!std::is_void_v<Returned>) return callback_answer;
   }
 
-  static Function numbered(int number) {
-    if (number < 1 || number > static_cast<int>(count)) throw Unreadable("more callbacks than can be told apart");
+  static Function numbered(uintptr_t number) {
+    if (number < 1 || number > count) throw Unreadable("more callbacks than can be told apart");
     static constexpr auto all = []<std::size_t... i>(std::index_sequence<i...>) {
       return std::array<Function, count>{&answer<i>...};
     }
     (std::make_index_sequence<count>());
-    return all[static_cast<std::size_t>(number - 1)];
+    return all[number - 1];
   }
 
   static std::string c_definition(const std::string& name) {
@@ -66,13 +67,17 @@ struct Callbacks<Returned (*)(Args...)> {
 };
 
 /// The number in "<callback 3>".
-int parsed_pointer(std::string_view text, const char* what);
+uintptr_t parsed_pointer(std::string_view text, const char* what);
+
+/// A pointer of a recording, which gets the number there; or one of a client.
+void know_pointer(const char* what, const void* pointer, uintptr_t number);
 
 /// The capacity that the text of an array shows: "[1, 2]", or "&[1] of 16" for an array that the call fills.
 std::size_t parsed_room(std::string_view text);
 
-/// A capacity greater than that of any table of the chip.
+/// A capacity greater than that of any table of the chip, and the memory that an array gets at most.
 constexpr std::size_t max_room = 1 << 20;
+constexpr std::size_t max_bytes = std::size_t{16} << 20;
 
 /// An argument of any type.
 struct AnyGiven {
@@ -109,7 +114,7 @@ struct Given<T*> : AnyGiven {
   explicit Given(std::string_view text) {
     if (text == "NULL") return;
     room = std::is_same_v<Item, uint8_t> ? sizeof(bcm_ip6_t) : parsed_room(text);
-    count = std::clamp(room, std::size_t{1}, max_room);
+    count = std::clamp(room, std::size_t{1}, std::min(max_room, max_bytes / sizeof(Item)));
     items = std::make_unique<Item[]>(count);
     if (text.starts_with('&')) return;
     given = count;
@@ -141,17 +146,31 @@ struct Given<T*> : AnyGiven {
   std::unique_ptr<Item[]> items;
 };
 
+/// Text, or room for it: "&? of 100".
 template <>
 struct Given<char*> : AnyGiven {
-  explicit Given(std::string_view text) : null(text == "NULL"), characters(null ? "" : parsed_quoted(text)) {}
+  explicit Given(std::string_view text) : null(text == "NULL") {
+    if (text.starts_with('&')) room = std::min(parsed_room(text), max_text);
+    if (room)
+      characters.resize(std::max(*room, std::size_t{1}));
+    else if (!null)
+      characters = parsed_quoted(text);
+  }
   char* get() { return null ? nullptr : characters.data(); }
   std::string c(const std::string& name, CCall& call) const override {
     if (null) return "NULL";
     call.statements += "  char " + name + "[] = " + c_string(characters) + ";\n";
     return name;
   }
+  std::optional<std::size_t> items_there() const override { return room; }
   bool null;
+  std::optional<std::size_t> room;
   std::string characters;
+};
+
+template <>
+struct Given<const char*> : Given<char*> {
+  using Given<char*>::Given;
 };
 
 /// A pointer that is never dereferenced: its number stands for it.
@@ -159,15 +178,15 @@ template <class T>
 requires std::is_void_v<T> || std::is_pointer_v<T>
 struct Given<T*> : AnyGiven {
   explicit Given(std::string_view text) : number(parsed_pointer(text, "pointer")) {
-    if (number > 0) set_pointer_number("pointer", get(), number);
+    if (number > 0) know_pointer("pointer", get(), number);
   }
   T* get() const {
-    return reinterpret_cast<T*>(static_cast<uintptr_t>(number));  // NOLINT(performance-no-int-to-ptr): it is no address
+    return reinterpret_cast<T*>(number);  // NOLINT(performance-no-int-to-ptr): it is no address
   }
   std::string c(const std::string& /*name*/, CCall& /*call*/) const override {
     return number == 0 ? "NULL" : "(" + c_type<T*>() + ')' + std::to_string(number);
   }
-  int number;
+  uintptr_t number;
 };
 
 /// A frame.
@@ -191,22 +210,27 @@ template <class Returned, class... Args>
 struct Given<Returned (*)(Args...)> : AnyGiven {
   using Function = Returned (*)(Args...);
   explicit Given(std::string_view text) : number(parsed_pointer(text, "callback")) {
-    if (number > 0) set_pointer_number("callback", reinterpret_cast<const void*>(get()), number);
+    if (number > 0) know_pointer("callback", reinterpret_cast<const void*>(get()), number);
   }
-  Function get() const { return number == 0 ? nullptr : Callbacks<Function>::numbered(number); }
+  Function get() const {
+    if (number == 0) return nullptr;
+    // A client's function has no meaning here but to name it in what the client is told.
+    if (present_caller() != nullptr) return reinterpret_cast<Function>(number);
+    return Callbacks<Function>::numbered(number);
+  }
   std::string c(const std::string& /*name*/, CCall& call) const override {
     if (number == 0) return "NULL";
     const std::string name = "callback_" + std::to_string(number);
     call.definitions.push_back(Callbacks<Function>::c_definition(name));
     return name;
   }
-  int number;
+  uintptr_t number;
 };
 
 template <>
 struct Given<kcom_msg_t*> : AnyGiven {
   explicit Given(std::string_view text)
-      : null(text == "NULL"), bytes(null ? std::vector<uint8_t>() : parsed_bytes(text)) {
+      : null(text == "NULL"), bytes(null || text.starts_with('&') ? std::vector<uint8_t>() : parsed_bytes(text)) {
     if (bytes.size() > sizeof message) throw Unreadable(text, "command that fits");
     std::copy(bytes.begin(), bytes.end(), message.bytes);
   }

@@ -39,9 +39,19 @@ int soc_knet_cmd_req(kcom_msg_t* kmsg, unsigned int len, unsigned int buf_size) 
 }
 
 size_t swsdk_kernel_command(int index, void* buffer, size_t size) {
-  const std::lock_guard guard(commands_lock);
-  if (index < 0 || static_cast<std::size_t>(index) >= commands.size()) return 0;
-  const std::vector<uint8_t>& command = commands[static_cast<std::size_t>(index)];
-  if (size > 0) std::memcpy(buffer, command.data(), std::min(size, command.size()));
-  return command.size();
+  kcom_msg_t message{};
+  std::size_t length = 0;
+  const auto read = [&] {
+    const std::lock_guard guard(commands_lock);
+    if (index >= 0 && static_cast<std::size_t>(index) < commands.size()) {
+      const std::vector<uint8_t>& command = commands[static_cast<std::size_t>(index)];
+      length = command.size();
+      std::copy(command.begin(), command.end(), message.bytes);
+    }
+    return length;
+  };
+  length =
+      api::ask(__func__, read, std::size_t{0}, index, api::bytes_out(message.bytes, sizeof message.bytes, &length));
+  if (size > 0 && buffer != nullptr) std::memcpy(buffer, message.bytes, std::min(size, length));
+  return length;
 }

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "api/call.h"
+#include "api/events.h"
 #include "api/gports.h"
 #include "api/l2.h"
 
@@ -47,6 +48,10 @@ std::vector<chip::MacScope> scopes_of(const bcm_l2_learn_limit_t& limit) {
   add(BCM_L2_LEARN_LIMIT_TRUNK, chip::Place(chip::TrunkId::of(limit.trunk)));
   add(BCM_L2_LEARN_LIMIT_TUNNEL, chip::TunnelAddresses{limit.tunnel_id});
   return result;
+}
+
+api::RemoteCallback callback_of(int unit, bcm_l2_addr_callback_t callback, const void* user_data) {
+  return {api::l2_event, unit, reinterpret_cast<const void*>(callback), user_data};
 }
 
 }  // namespace
@@ -120,15 +125,19 @@ int bcm_l2_addr_get(int unit, uint8* mac_addr, bcm_vlan_t vid, bcm_l2_addr_t* l2
 }
 
 int bcm_l2_addr_register(int unit, bcm_l2_addr_callback_t callback, void* userdata) {
-  return Call(__func__, unit, callback, userdata).answer([&](const Chip&) {
-    return callback == nullptr ? Status::bad_parameter : api::find_unit(unit)->l2_listeners.add({callback, userdata});
+  const Call call(__func__, unit, callback, userdata);
+  return api::with_callback(callback_of(unit, callback, userdata), [&] {
+    return call.answer([&](const Chip&) {
+      return callback == nullptr ? Status::bad_parameter : api::find_unit(unit)->l2_listeners.add({callback, userdata});
+    });
   });
 }
 
 int bcm_l2_addr_unregister(int unit, bcm_l2_addr_callback_t callback, void* userdata) {
-  return Call(__func__, unit, callback, userdata).answer([&](const Chip&) {
+  const int rv = Call(__func__, unit, callback, userdata).answer([&](const Chip&) {
     return api::find_unit(unit)->l2_listeners.remove({callback, userdata});
   });
+  return api::without_callback(callback_of(unit, callback, userdata), rv);
 }
 
 int bcm_l2_age_timer_get(int unit, int* age_seconds) {
@@ -209,18 +218,11 @@ int bcm_l2_learn_limit_set(int unit, bcm_l2_learn_limit_t* limit) {
 }
 
 int bcm_l2_traverse(int unit, bcm_l2_traverse_cb trav_fn, void* user_data) {
-  std::vector<MacEntry> entries;
-  const auto take = [&](const Chip& chip) {
+  const auto list = [&](const Chip& chip, std::vector<bcm_l2_addr_t>& entries) {
     if (trav_fn == nullptr) return Status::bad_parameter;
-    entries = chip.mac_table.all();
+    for (const MacEntry& entry : chip.mac_table.all()) entries.push_back(api::to_sdk(entry));
     return Status::ok;
   };
-  const auto visit = [&] {
-    for (const MacEntry& entry : entries) {
-      bcm_l2_addr_t sdk = api::to_sdk(entry);
-      if (const int rv = trav_fn(unit, &sdk, user_data); rv < 0) return rv;
-    }
-    return int{BCM_E_NONE};
-  };
-  return Call(__func__, unit, trav_fn, user_data).answer(take, visit);
+  const auto visit = [&](bcm_l2_addr_t& entry) { return trav_fn(unit, &entry, user_data); };
+  return Call(__func__, unit, trav_fn, user_data).walk<bcm_l2_addr_t>(list, visit);
 }

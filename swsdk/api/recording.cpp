@@ -3,16 +3,20 @@
 #include <swsdk/recording.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <map>
 #include <mutex>
 #include <utility>
 
-#include "api/units.h"
+#include "api/caller.h"
+#include "api/remote_chip.h"
+#include "api/system.h"
 
 namespace {
 
@@ -141,9 +145,17 @@ Recording& recording() {
 __attribute__((destructor)) void end_with_process() { recording().end_with_process(); }
 
 std::mutex numbers_lock;
-std::map<std::string, std::map<const void*, int>, std::less<>> numbers;  // guarded by `numbers_lock`
+/// A pointer, and whose it is; null: of this process.
+using Pointer = std::pair<const api::Caller*, const void*>;
+std::map<std::string, std::map<Pointer, int>, std::less<>> numbers;  // guarded by `numbers_lock`
 
 }  // namespace
+
+std::optional<api::Kind> api::kind_of(std::string_view word) {
+  const auto* const found = std::find(std::begin(kind_names), std::end(kind_names), word);
+  if (found == std::end(kind_names)) return std::nullopt;
+  return static_cast<Kind>(found - std::begin(kind_names));
+}
 
 bool api::is_recording() { return recording().is_wanted(); }
 
@@ -157,13 +169,13 @@ std::string api::take_captured() { return recording().take(); }
 
 int api::pointer_number(const char* what, const void* pointer) {
   const std::lock_guard guard(numbers_lock);
-  std::map<const void*, int>& known = numbers[what];
-  return known.try_emplace(pointer, static_cast<int>(known.size()) + 1).first->second;
+  std::map<Pointer, int>& known = numbers[what];
+  return known.try_emplace({present_caller().get(), pointer}, static_cast<int>(known.size()) + 1).first->second;
 }
 
 void api::set_pointer_number(const char* what, const void* pointer, int number) {
   const std::lock_guard guard(numbers_lock);
-  numbers[what][pointer] = number;
+  numbers[what][{nullptr, pointer}] = number;
 }
 
 void api::forget_pointer_numbers() {
@@ -172,7 +184,8 @@ void api::forget_pointer_numbers() {
 }
 
 int swsdk_record_start(const char* path) {
-  if (api::find_unit(0) != nullptr || path == nullptr || !recording().start(path)) return -1;
+  if ((api::published_units() > 0 && api::remote_chip() == nullptr) || path == nullptr || !recording().start(path))
+    return -1;
   api::forget_pointer_numbers();
   return 0;
 }

@@ -562,3 +562,13 @@ std::span<const Field> api::fields(const swsdk_verdict*) {
   };
   return list;
 }
+
+std::span<const Field> api::fields(const swsdk_netif*) {
+  using R = swsdk_netif;
+  static const Field list[] = {
+      field("name", &R::name),
+      field("mac", &R::mac),
+      field("keeps_tag", &R::keeps_tag),
+  };
+  return list;
+}

@@ -15,6 +15,7 @@
 #include <bcm/vlan.h>
 #include <swsdk/board.h>
 #include <swsdk/field.h>
+#include <swsdk/frames.h>
 
 #include <cstddef>
 #include <span>
@@ -79,5 +80,6 @@ std::span<const Field> fields(const swsdk_board*);
 std::span<const Field> fields(const swsdk_temperature*);
 std::span<const Field> fields(const swsdk_frame*);
 std::span<const Field> fields(const swsdk_verdict*);
+std::span<const Field> fields(const swsdk_netif*);
 
 }  // namespace api

@@ -28,17 +28,11 @@ struct Line {
   int result;
 };
 
-std::optional<Kind> kind_of(std::string_view word) {
-  const auto* const found = std::find(std::begin(api::kind_names), std::end(api::kind_names), word);
-  if (found == std::end(api::kind_names)) return std::nullopt;
-  return static_cast<Kind>(found - std::begin(api::kind_names));
-}
-
 /// Nothing, with a notice, when the line has a kind or a function that this chip does not know.
 std::optional<Line> parsed_line(std::string_view text, const Say& notice) {
   const std::string_view word = text.substr(0, text.find(' '));
-  const std::optional<Kind> kind = kind_of(word);
-  if (!kind) {
+  const std::optional<Kind> kind = api::kind_of(word);
+  if (!kind || *kind == Kind::question) {
     notice("skipped: there is no kind \"" + std::string(word) + "\" here");
     return std::nullopt;
   }
@@ -129,6 +123,9 @@ constexpr CountedArrays all_counted_arrays[] = {
     {"bcm_switch_temperature_monitor_get", 1, 2, 2},
     {"bcm_trunk_set", 3, 4, 4},
     {"swsdk_frame_send", 3, 2, 2},
+    {"swsdk_journal_read_from", 2, 1, 1},
+    {"swsdk_journal_take", 1, 0, 0},
+    {"swsdk_show", 3, 2, 2},
     {"swsdk_temperatures_set", 2, 1, 1},
 };
 
@@ -168,7 +165,7 @@ std::string repeated(const Line& line) {
   api::callback_answer = std::min(line.result, 0);
   if (line.kind == Kind::fault) swsdk_fault_inject(line.function->name, line.result, 1);
   api::take_captured();
-  line.function->call(line.function->function, all_given(*line.function, line.arguments));
+  call_with(*line.function, line.arguments);
   swsdk_events_drain();
   return api::take_captured();
 }
@@ -248,6 +245,10 @@ std::string in_comment(std::string_view text) {
 }
 
 }  // namespace
+
+long long api::call_with(const Replayable& function, const Texts& arguments) {
+  return function.call(function.function, all_given(function, arguments));
+}
 
 int swsdk_replay(const char* path, swsdk_line_t tell, void* data) {
   swsdk_power_off();

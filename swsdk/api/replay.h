@@ -21,7 +21,7 @@ struct Replayable {
   const char* name;
   void (*function)();
   std::span<const Parameter> parameters;
-  void (*call)(void (*function)(), const AllGiven& arguments);
+  long long (*call)(void (*function)(), const AllGiven& arguments);
   bool returns_nothing;
 };
 
@@ -30,5 +30,8 @@ std::span<const Replayable> replayables();
 
 /// The function of that name, or null.
 const Replayable* find_replayable(std::string_view name);
+
+/// Calls it with arguments from their texts, and returns its result; 0 if it returns nothing. Throws Unreadable.
+long long call_with(const Replayable& function, const Texts& arguments);
 
 }  // namespace api

@@ -11,8 +11,10 @@
 #include <soc/cmic.h>
 #include <soc/drv.h>
 #include <swsdk/chip.h>
+#include <swsdk/fault.h>
 #include <swsdk/field.h>
 #include <swsdk/frames.h>
+#include <swsdk/journal.h>
 
 #include <array>
 #include <map>
@@ -37,12 +39,21 @@ template <class... Args>
 constexpr std::array<api::Parameter, sizeof...(Args)> parameters = {&given<Args>...};
 
 template <class Returned, class... Args>
-void call(void (*function)(), const api::AllGiven& arguments) {
-  [&]<std::size_t... i>(std::index_sequence<i...>) {
-    reinterpret_cast<Returned (*)(Args...)>(function)(static_cast<api::Given<Args>&>(*arguments[i]).get()...);
+long long call(void (*function)(), const api::AllGiven& arguments) {
+  return [&]<std::size_t... i>(std::index_sequence<i...>) {
+    const auto run = [&] {
+      return reinterpret_cast<Returned (*)(Args...)>(function)(static_cast<api::Given<Args>&>(*arguments[i]).get()...);
+    };
+    if constexpr (std::is_void_v<Returned>)
+      return run(), 0LL;
+    else
+      return static_cast<long long>(run());
   }
   (std::index_sequence_for<Args...>());
 }
+
+/// With the type of its buffer, which it has not in C.
+size_t kernel_command(int index, kcom_msg_t* message) { return swsdk_kernel_command(index, message, sizeof *message); }
 
 template <class Returned, class... Args>
 api::Replayable replayable(const char* name, Returned (*function)(Args...)) {
@@ -72,6 +83,24 @@ const api::Replayable functions[] = {
     replayable("swsdk_phy_register_set", &swsdk_phy_register_set),
     replayable("swsdk_power_off", &swsdk_power_off),
     replayable("swsdk_temperatures_set", &swsdk_temperatures_set),
+    // Questions, which only clients of a chip's process ask by their names.
+    replayable("swsdk_board_get", &swsdk_board_get),
+    replayable("swsdk_drops", &swsdk_drops),
+    replayable("swsdk_events_drain", &swsdk_events_drain),
+    replayable("swsdk_fault_clear", &swsdk_fault_clear),
+    replayable("swsdk_fault_inject", &swsdk_fault_inject),
+    replayable("swsdk_field_hits", &swsdk_field_hits),
+    replayable("swsdk_frame_handle", &swsdk_frame_handle),
+    replayable("swsdk_journal_clear", &swsdk_journal_clear),
+    replayable("swsdk_journal_read_from", &swsdk_journal_read_from),
+    replayable("swsdk_journal_record", &swsdk_journal_record),
+    replayable("swsdk_journal_recording", &swsdk_journal_recording),
+    replayable("swsdk_journal_take", &swsdk_journal_take),
+    replayable("swsdk_kernel_command", &kernel_command),
+    replayable("swsdk_netif_get", &swsdk_netif_get),
+    replayable("swsdk_phy_register_get", &swsdk_phy_register_get),
+    replayable("swsdk_show", &swsdk_show),
+    replayable("swsdk_starts", &swsdk_starts),
 };
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include <appl/diag/shell.h>
 
 #include <charconv>
-#include <cstdio>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -28,7 +27,7 @@ cmd_result_t led(Chip& chip, const Words& words) {
 
   const Words rest(words.begin() + 2, words.end());
   if (rest.size() == 2 && rest[0] == "load") {
-    std::ifstream program(rest[1]);
+    std::ifstream program(api::path_of_caller(rest[1]));
     return program ? to_result(chip.led_processors.load(number, program)) : CMD_FAIL;
   }
   if (rest == Words{"auto", "on"} || rest == Words{"auto", "off"}) {
@@ -55,7 +54,7 @@ constexpr Command commands[] = {
 };
 
 cmd_result_t help(Chip& /*chip*/, const Words& /*words*/) {
-  for (const Command& command : commands) std::printf("%s\n", command.usage);
+  for (const Command& command : commands) api::print_for_caller(std::string(command.usage) + '\n');
   return CMD_OK;
 }
 
@@ -68,10 +67,10 @@ cmd_result_t process(Chip& chip, const char* line) {
   for (const Command& command : commands) {
     if (words[0] != command.name) continue;
     const cmd_result_t result = command.run(chip, words);
-    if (result == CMD_USAGE) std::printf("Usage: %s\n", command.usage);
+    if (result == CMD_USAGE) api::print_for_caller("Usage: " + std::string(command.usage) + '\n');
     return result;
   }
-  std::printf("%s: no such command; help lists them\n", words[0].c_str());
+  api::print_for_caller(words[0] + ": no such command; help lists them\n");
   return CMD_NFND;
 }
 

@@ -18,10 +18,15 @@ int sdk_main(int argc, char** argv);
 uint32* l3_module_data[SOC_MAX_NUM_DEVICES] = {};
 }
 
+std::mutex api::power_lock;
+
 namespace {
 
 std::array<soc_control_t, SOC_MAX_NUM_DEVICES> unit_information;
 std::array<uint32, SOC_MAX_NUM_DEVICES> l3_modules;
+
+std::mutex data_lock;
+api::UnitData exported;  // guarded by `data_lock`, as is changing what is exported
 
 soc_port_set_t port_set(const chip::PortSet& ports) {
   soc_port_set_t set{};
@@ -31,32 +36,112 @@ soc_port_set_t port_set(const chip::PortSet& ports) {
   return set;
 }
 
+/// Writes it atomically: in the client of a chip, another thread than the application's may change it.
+template <class T>
+void set(T& place, T value) {
+  if (place != value) __atomic_store_n(&place, value, __ATOMIC_RELEASE);
+}
+
+void export_unit(std::size_t unit, const swsdk_board& board) {
+  const chip::Ports ports(board.ports);
+  soc_info_t info{};
+  info.cmic_port = chip::Ports::cpu.number();
+  info.chip_type = static_cast<decltype(info.chip_type)>(board.chip_type);
+  info.ether = port_set(ports.ethernet());
+  info.port = port_set(ports.ethernet());
+  info.all = port_set(ports.all());
+  unit_information[unit].info = info;
+  set(l3_module_data[unit], &l3_modules[unit]);
+  set(soc_control[unit], &unit_information[unit]);
+}
+
+/// What is exported of a unit that stays is not written again: the application may have changed it, or be reading it.
+/// Nor is it cleared when the unit is switched off, since another process may have done that.
+void replace_exported(const api::UnitData& data) {
+  const bool same_board = data.board.ports == exported.board.ports && data.board.chip_type == exported.board.chip_type;
+  for (std::size_t unit = 0; unit < static_cast<std::size_t>(data.attached); ++unit) {
+    set(l3_modules[unit], uint32{data.l3_egress_modes[unit] != 0 ? 1U : 0U});
+    if (!same_board || static_cast<int>(unit) >= exported.attached) export_unit(unit, data.board);
+  }
+  set(soc_ndev, data.attached);
+  exported = data;
+}
+
+/// Exports the data that `change` changes, and tells the clients.
+template <class Change>
+void export_changed(Change change) {
+  std::string text;
+  {
+    const std::lock_guard guard(data_lock);
+    api::UnitData data = exported;
+    change(data);
+    ++data.version;
+    replace_exported(data);
+    text = api::text_of(data);
+  }
+  api::for_each_caller([&](api::Caller& caller) { inform(caller, text); });
+}
+
 void attach(int number) {
-  const auto index = static_cast<std::size_t>(number);
   chip::Chip& chip = *api::attach_unit(api::present_board.ports).chip;
   chip.mac_table.observe([number](chip::MacTable::Change change, const chip::MacEntry& entry) {
     api::tell_mac_change(number, change, entry);
   });
-  l3_modules[index] = 0;
-  l3_module_data[index] = &l3_modules[index];
-  soc_control[index] = &unit_information[index];
-  soc_info_t& info = unit_information[index].info;
-  info.cmic_port = chip::Ports::cpu.number();
-  info.chip_type = static_cast<decltype(info.chip_type)>(api::present_board.chip_type);
-  info.ether = port_set(chip.ports.ethernet());
-  info.port = port_set(chip.ports.ethernet());
-  info.all = port_set(chip.ports.all());
 }
 
 }  // namespace
 
+std::string api::text_of(const UnitData& data) {
+  return call_text("units",
+                   {data.version, in(&data.board), data.attached, array(data.l3_egress_modes.data(), data.attached)},
+                   Form::wire, 0);
+}
+
+api::UnitData api::unit_data_of(std::string_view text) {
+  UnitData data;
+  const std::vector<std::string_view> given = items(text.substr(std::min(text.find('('), text.size())), '(', ')');
+  if (given.size() != 4) throw Unreadable(text, "description of units");
+  parse_value(given[0], data.version);
+  parse_value(given[1], data.board);
+  parse_value(given[2], data.attached);
+  parse_items(given[3], data.l3_egress_modes.data(), data.l3_egress_modes.size());
+  const bool fits = data.attached >= 0 && data.attached <= SOC_MAX_NUM_DEVICES && data.board.ports >= 1 &&
+                    data.board.ports < chip::PortSet::capacity;
+  if (!fits) throw Unreadable(text, "description of units of this SDK");
+  return data;
+}
+
+api::UnitData api::present_unit_data() {
+  const std::lock_guard power(power_lock);
+  const std::lock_guard guard(data_lock);
+  UnitData data = exported;
+  if (data.attached == 0) data.board = present_board;
+  return data;
+}
+
+void api::publish(const UnitData& data, bool from_start) {
+  const std::lock_guard guard(data_lock);
+  if (data.version <= exported.version && !from_start) return;
+  replace_exported(data);
+}
+
+int api::published_units() {
+  const std::lock_guard guard(data_lock);
+  return exported.attached;
+}
+
 int sdk_main(int argc, char** argv) {
+  if (api::RemoteChip* const chip = api::remote_chip()) chip->look_again();
   return api::call_without_unit(
       __func__,
       [] {
+        const std::lock_guard guard(api::power_lock);
         // A second start finds the units attached and changes nothing.
         while (api::attached_units() < api::present_board.units) attach(api::attached_units());
-        soc_ndev = api::attached_units();
+        export_changed([](api::UnitData& data) {
+          data.board = api::present_board;
+          data.attached = api::attached_units();
+        });
         return BCM_E_NONE;
       },
       argc, argv);
@@ -72,6 +157,7 @@ int system_init(int unit) {
     api::Unit* const attached = api::find_unit(unit);
     if (attached == nullptr) return BCM_E_UNIT;
     const std::lock_guard guard(attached->lock);
+    if (!attached->chip) return BCM_E_UNIT;
     attached->chip->reset();
     attached->pipeline->reset();
     attached->initialized = true;
@@ -83,13 +169,26 @@ int system_init(int unit) {
 }
 
 void api::publish_egress_mode(int unit) {
+  const auto index = static_cast<std::size_t>(unit);
   const bool is_on = find_unit(unit)->chip->switch_controls.is_on(chip::SwitchControlOfChip::l3_egress_mode);
-  l3_modules[static_cast<std::size_t>(unit)] = is_on ? 1 : 0;
+  {
+    const std::lock_guard guard(data_lock);
+    if (static_cast<int>(index) >= exported.attached || (exported.l3_egress_modes[index] != 0) == is_on) return;
+  }
+  export_changed([&](UnitData& data) { data.l3_egress_modes[index] = is_on ? 1 : 0; });
 }
 
 void api::power_off_units() {
   detach_units();
-  soc_ndev = 0;  // for the application to read; attached_units() is what counts
+  export_changed([](UnitData& data) {
+    data.board = lasting_board;
+    data.attached = 0;
+    data.l3_egress_modes = {};
+  });
+  clear_exported_units();
+}
+
+void api::clear_exported_units() {
   for (soc_control_t*& control : soc_control) control = nullptr;
   for (uint32*& module : l3_module_data) module = nullptr;
 }

@@ -1,14 +1,50 @@
 // How the SDK starts, and what it exports for each unit in addition to its functions.
 #pragma once
 
+#include <soc/drv.h>
 #include <swsdk/board.h>
+
+#include <array>
+#include <cstdint>
+#include <mutex>
+#include <string>
+#include <string_view>
 
 namespace api {
 
-/// What sdk_main() finds.
-extern swsdk_board present_board;
+/// What the SDK exports about its units.
+struct UnitData {
+  uint64_t version = 0;  // of changes, so that an older one does not replace a newer one
+  swsdk_board board{};
+  int attached = 0;
+  std::array<int, SOC_MAX_NUM_DEVICES> l3_egress_modes{};  // by unit, of those that are attached
+};
 
-/// Sets the L3 module's record of an attached unit to the egress mode that its switch control sets.
+/// "units(version, board, attached, modes)", for the clients of this process, and read again.
+std::string text_of(const UnitData& data);
+UnitData unit_data_of(std::string_view text);
+
+/// What is exported now.
+UnitData present_unit_data();
+
+/// Exports what the chip's process says. `from_start`: it is another process than before.
+void publish(const UnitData& data, bool from_start = false);
+
+/// Clears what is exported of each unit: this process has switched the chips off.
+void clear_exported_units();
+
+/// How many units are exported as attached.
+int published_units();
+
+/// The board that sdk_main() finds; guarded by `power_lock`.
+extern swsdk_board present_board;
+/// The board of a chip that is switched off and on; the same.
+extern swsdk_board lasting_board;
+
+/// Held while units are attached and detached.
+extern std::mutex power_lock;
+
+/// Sets the L3 module's record of an attached unit to the egress mode that its switch control sets. The unit is locked.
 void publish_egress_mode(int unit);
 
 /// Detaches all units, and clears what is exported for them.

@@ -11,11 +11,15 @@
 using chip::Chip;
 
 long swsdk_show(int unit, const char* table, char* buffer, size_t size) {
-  api::Unit* const attached = api::find_unit(unit);
-  if (attached == nullptr || table == nullptr) return -1;
-  const std::lock_guard guard(attached->lock);
-  const std::optional<std::string> shown = api::show(*attached->chip, table);
-  return shown ? static_cast<long>(api::copy_out(*shown, buffer, size)) : -1;
+  const std::size_t room = std::min(size, api::max_text);
+  const auto show = [=]() -> long {
+    api::Unit* const attached = api::find_unit(unit);
+    if (attached == nullptr || table == nullptr) return -1;
+    const std::lock_guard guard(attached->lock);
+    const std::optional<std::string> shown = attached->chip ? api::show(*attached->chip, table) : std::nullopt;
+    return shown ? static_cast<long>(api::copy_out(*shown, buffer, room)) : -1;
+  };
+  return api::ask(__func__, show, -1L, unit, table, api::text_out(buffer, room), room);
 }
 
 const char* swsdk_show_table(int index) {

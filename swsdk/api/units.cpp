@@ -3,11 +3,12 @@
 #include <soc/drv.h>
 
 #include <array>
+#include <atomic>
 
 namespace {
 
 std::array<api::Unit, SOC_MAX_NUM_DEVICES> units;
-int attached = 0;
+std::atomic<int> attached = 0;
 
 }  // namespace
 
@@ -18,21 +19,40 @@ api::Unit* api::find_unit(int unit) {
 }
 
 api::Unit& api::attach_unit(int ethernet_ports) {
-  Unit& unit = units[static_cast<std::size_t>(attached++)];
+  Unit& unit = units[static_cast<std::size_t>(attached)];
+  const std::lock_guard guard(unit.lock);
   unit.chip.emplace(ethernet_ports);
   unit.pipeline.emplace(*unit.chip);
   unit.initialized = false;
+  ++unit.starts;
+  ++attached;
   return unit;
 }
 
 void api::detach_units() {
   attached = 0;
   for (Unit& unit : units) {
+    const std::lock_guard guard(unit.lock);
     unit.pipeline.reset();
     unit.chip.reset();
-    unit.frame_handler = {};
     unit.initialized = false;
     unit.link_listeners.clear();
     unit.l2_listeners.clear();
+    std::erase_if(unit.frame_handlers, [](const FrameHandler& one) { return one.caller == present_caller(); });
   }
+}
+
+void api::forget_caller(const std::shared_ptr<Caller>& caller) {
+  for (Unit& unit : units) {
+    const std::lock_guard guard(unit.lock);
+    unit.link_listeners.remove_those_of(caller);
+    unit.l2_listeners.remove_those_of(caller);
+    std::erase_if(unit.frame_handlers, [&](const FrameHandler& one) { return one.caller == caller; });
+  }
+}
+
+api::FrameHandler* api::find_frame_handler(Unit& unit, const std::shared_ptr<Caller>& caller) {
+  const auto found = std::find_if(unit.frame_handlers.begin(), unit.frame_handlers.end(),
+                                  [&](const FrameHandler& one) { return one.caller == caller; });
+  return found == unit.frame_handlers.end() ? nullptr : &*found;
 }

@@ -6,10 +6,12 @@
 #include <swsdk/frames.h>
 
 #include <algorithm>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <vector>
 
+#include "api/caller.h"
 #include "chip/chip.h"
 #include "chip/pipeline/pipeline.h"
 
@@ -31,6 +33,9 @@ class Listeners {
     return std::erase(all_, listener) == 1 ? chip::Status::ok : chip::Status::not_found;
   }
   void clear() { all_.clear(); }
+  void remove_those_of(const std::shared_ptr<Caller>& caller) {
+    std::erase_if(all_, [&](const Listener& listener) { return listener.caller == caller; });
+  }
 
   /// In the order in which they were added.
   const std::vector<Listener>& all() const { return all_; }
@@ -39,25 +44,37 @@ class Listeners {
   std::vector<Listener> all_;
 };
 
+// Of whose process a callback is, it is called there, with the same pointers.
+
+struct LinkListener {
+  bcm_linkscan_handler_t handler;
+  std::shared_ptr<Caller> caller = present_caller();
+  bool operator==(const LinkListener&) const = default;
+};
+
 struct L2Listener {
   bcm_l2_addr_callback_t callback;
   void* user_data;
+  std::shared_ptr<Caller> caller = present_caller();
   bool operator==(const L2Listener&) const = default;
 };
 
-/// The handler of the frames that leave a unit.
+/// A handler of the frames that leave a unit: each process has one at most.
 struct FrameHandler {
-  swsdk_frame_handler function = nullptr;
-  void* user_data = nullptr;
+  swsdk_frame_handler function;
+  void* user_data;
+  std::shared_ptr<Caller> caller = present_caller();
 };
 
+/// Its lock protects all of it. It outlives its chip: another process may switch that off while this one uses it.
 struct Unit {
   std::recursive_mutex lock;  // recursive: callbacks that run inside a call may call the SDK again
   std::optional<chip::Chip> chip;
   std::optional<chip::Pipeline> pipeline;
-  FrameHandler frame_handler;
+  std::vector<FrameHandler> frame_handlers;
   bool initialized = false;
-  Listeners<bcm_linkscan_handler_t> link_listeners;
+  int starts = 0;  // how often it was switched on
+  Listeners<LinkListener> link_listeners;
   Listeners<L2Listener> l2_listeners;
 };
 
@@ -67,8 +84,13 @@ int attached_units();
 Unit* find_unit(int unit);
 /// Attaches the next unit, with a chip of that many Ethernet ports that is not initialized yet.
 Unit& attach_unit(int ethernet_ports);
-/// Removes the chips of all units, and their listeners.
+/// Removes the chips of all units, and their listeners; of the handlers of frames those of the present caller.
 void detach_units();
+/// Removes everything by which a process is told something of the units.
+void forget_caller(const std::shared_ptr<Caller>& caller);
+
+/// The handler of one process for the frames that leave a unit, which is locked; null when it has none.
+FrameHandler* find_frame_handler(Unit& unit, const std::shared_ptr<Caller>& caller);
 
 /// The result of `body` on the unit's chip under its lock, or `otherwise` when the unit is not up.
 template <class Body, class Result>

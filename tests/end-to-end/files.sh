@@ -35,7 +35,7 @@ refused() {
 ip link add cable type veth peer name end
 refused 'port 1: there is no interface "nowhere"' "$work/switch.sai" --port 1=nowhere
 refused 'port 1: it is plugged in twice' "$work/switch.sai" --port 1=cable --port 1=tap:other
-refused 'port 99: the chip has no such port' "$work/switch.sai" --port 99=cable
+refused 'port 99: the chip has no such port; it has ports 1 to 12' "$work/switch.sai" --port 99=cable
 refused 'port 1: "a-name-that-is-too-long" is no name of an interface' "$work/switch.sai" --port 1=tap:a-name-that-is-too-long
 refused 'port 1: cannot read "/nowhere": No such file or directory' "$work/switch.sai" --port 1=pcap:/nowhere:
 refused 'port 1: "pcap:x" is not pcap:IN:OUT' "$work/switch.sai" --port 1=pcap:x

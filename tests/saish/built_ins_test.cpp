@@ -25,8 +25,8 @@ class ShellBuiltIns : public support::Shell {
 TEST_F(ShellBuiltIns, TooFewOrTooManyWordsAreRefusedWithTheForm) {
   EXPECT_EQ(refused("show"), "too few arguments; the form is show TABLE [UNIT]");
   EXPECT_EQ(refused("show vlan 0 0"), "too many arguments; the form is show TABLE [UNIT]");
-  EXPECT_EQ(refused("journal"), "too few arguments; the form is journal on|off|show|clear");
-  EXPECT_EQ(refused("journal on off"), "too many arguments; the form is journal on|off|show|clear");
+  EXPECT_EQ(refused("journal"), "too few arguments; the form is journal on|off|show|clear|follow [SECONDS]");
+  EXPECT_EQ(refused("journal on off"), "only follow takes a number of seconds");
   EXPECT_EQ(refused("fail"), "too few arguments; the form is fail FUNCTION CODE [NTH|every]");
   EXPECT_EQ(refused("fail bcm_vlan_init -1 1 1"), "too many arguments; the form is fail FUNCTION CODE [NTH|every]");
   EXPECT_EQ(refused("log"), "too few arguments; the form is log LEVEL");
@@ -92,7 +92,7 @@ TEST_F(ShellBuiltIns, JournalShowGivesAllCallsSinceTheLastClear) {
 }
 
 TEST_F(ShellBuiltIns, JournalRefusesAnyOtherWord) {
-  EXPECT_EQ(refused("journal maybe"), "\"maybe\" is not on, off, show or clear");
+  EXPECT_EQ(refused("journal maybe"), "\"maybe\" is not on, off, show, clear or follow");
 }
 
 TEST_F(ShellBuiltIns, FailMakesTheNextCallFail) {

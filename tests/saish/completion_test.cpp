@@ -65,7 +65,7 @@ TEST(Completion, OfARecordIsItsFieldsAndTheirConstants) {
 }
 
 TEST(Completion, OfTheShellsOwnWordsIsInTheirForms) {
-  EXPECT_EQ(after("journal "), (Texts{"clear", "off", "on", "show"}));
+  EXPECT_EQ(after("journal "), (Texts{"clear", "follow", "off", "on", "show"}));
   EXPECT_EQ(after("link 1 "), (Texts{"down", "up"}));
   EXPECT_EQ(after("hit 10.0.0.1 s"), Texts{"source"});
   EXPECT_EQ(after("classify "), (Texts{"egress", "ingress"}));

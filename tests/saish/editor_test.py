@@ -183,7 +183,7 @@ class Editor(unittest.TestCase):
         shell = Terminal(self.home)
         shell.type("journal \t\t")
         shell.wait_for("journal ")
-        self.assertEqual(shell.wait_for(PROMPT + "journal ").split(), ["clear", "off", "on", "show"])
+        self.assertEqual(shell.wait_for(PROMPT + "journal ").split(), ["clear", "follow", "off", "on", "show"])
         shell.type("\x03")
         shell.wait_for("^C\n" + PROMPT)
         shell.type("sai_vlan_create 0 \t\t")

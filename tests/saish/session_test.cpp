@@ -304,7 +304,7 @@ TEST_F(ShellSession, AnIndexThatTheLibraryUsesUncheckedIsRefusedOutsideItsTable)
 }
 
 TEST(ColdSession, LeavesTheChipOff) {
-  saish::Session session(true);
+  saish::Session session(saish::Power::cold);
   EXPECT_THROW(session.run("show vlan"), saish::BadInput);
   testing::internal::CaptureStdout();
   testing::internal::CaptureStderr();

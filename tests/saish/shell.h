@@ -18,7 +18,7 @@ class Shell : public testing::Test {
   /// Every SDK call after the start is recorded; log lines carry the stamp below.
   Shell() {
     system::set_clock(morning, 0);
-    session_.emplace(false);
+    session_.emplace(saish::Power::on);
     swsdk_journal_clear();
     swsdk_journal_record(1);
   }

@@ -109,6 +109,13 @@ void log(Session& /*session*/, const Words& arguments) {
 
 void journal(Session& session, const Words& arguments) {
   const std::string& word = arguments[0];
+  if (word == "follow") {
+    const std::optional<int> seconds = arguments.size() > 1 ? number<int>(arguments[1]) : std::nullopt;
+    if (arguments.size() > 1 && (!seconds || *seconds < 0))
+      throw BadInput("seconds: \"" + arguments[1] + "\" is not a number from 0 on");
+    return Session::print_calls_of_all(seconds);
+  }
+  if (arguments.size() > 1) throw BadInput("only follow takes a number of seconds");
   if (word == "on" || word == "off")
     session.follow_journal(word == "on");
   else if (word == "clear")
@@ -116,7 +123,7 @@ void journal(Session& session, const Words& arguments) {
   else if (word == "show")
     std::fputs(journal_text().c_str(), stdout);
   else
-    throw BadInput("\"" + word + "\" is not on, off, show or clear");
+    throw BadInput("\"" + word + "\" is not on, off, show, clear or follow");
 }
 
 void link(Session& /*session*/, const Words& arguments) {
@@ -285,8 +292,9 @@ constexpr BuiltIn all_built_ins[] = {
     {"help", "help [WORD...]", "Tells about a command, lists a family of them, or finds some by words.", 0, any_length,
      help},
     {"show", "show TABLE [UNIT]", "Shows one of the chip's tables.", 1, 2, show},
-    {"journal", "journal on|off|show|clear", "Shows the SDK calls of each command, or of all since the last clear.", 1,
-     1, journal},
+    {"journal", "journal on|off|show|clear|follow [SECONDS]",
+     "Shows the SDK calls of each command, of all since the last clear, or of all programs on the chip as they happen.",
+     1, 2, journal},
     {"fail", "fail FUNCTION CODE [NTH|every]", "Makes the nth call of an SDK function fail; \"fail clear\" ends all.",
      1, 3, fail},
     {"log", "log LEVEL", "Shows log messages up to a level on the console; off: none.", 1, 1, log},

@@ -1,6 +1,8 @@
 // saish: the library's functions as commands, on the virtual chip.
+#include <soc/drv.h>
 #include <swsdk/chip.h>
 #include <swsdk/recording.h>
+#include <swsdk/remote.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
@@ -28,7 +30,8 @@ void tell(const std::exception& error) {
 
 void run_interactively(saish::Session& session) {
   saish::Editor editor;
-  std::printf("The chip is up. help lists the commands, TAB completes them, quit ends.\n");
+  std::printf("The chip is %s. help lists the commands, TAB completes them, quit ends.\n",
+              soc_ndev > 0 ? "up" : "off: sdk_main switches it on");
   while (!session.ended()) {
     const std::optional<std::string> line = editor.read_line();
     if (!line) break;
@@ -70,6 +73,7 @@ int run(int argc, char** argv) {
   std::string program;
   std::string intended;
   std::string board;
+  std::string chip;
   std::vector<std::string> shown;
   bool cold = false;
   app.add_option("FILE", script, "script to run; - is standard input; without one, type commands");
@@ -78,6 +82,9 @@ int run(int argc, char** argv) {
   app.add_option("--record", recording, "write every SDK call into this file");
   app.add_option("--diff", intended, "at the end compare the chip's tables with those that this script would leave");
   app.add_option("--board", board, saish::board_help);
+  app.add_option("--chip", chip, "work on the chip of the program that listens at this socket, and leave it as it is")
+      ->excludes("--board")
+      ->excludes("--cold");
   CLI::Option* const tables =
       app.add_option("--tables", shown, "run a script silently and print all tables that it leaves; again for more")
           ->allow_extra_args(false);
@@ -86,7 +93,7 @@ int run(int argc, char** argv) {
   CLI::Option* const as_c =
       app.add_option("--replay-as-c", program, "print a C program that makes the calls of a recording");
   for (CLI::Option* const option : {tables, repeat, as_c})
-    for (const char* other : {"FILE", "--command", "--cold", "--record", "--diff"}) option->excludes(other);
+    for (const char* other : {"FILE", "--command", "--cold", "--record", "--diff", "--chip"}) option->excludes(other);
   for (CLI::Option* const option : {repeat, as_c}) option->excludes("--board")->excludes(tables);
   repeat->excludes(as_c);
   app.set_version_flag("--version", "saish " SAI_VERSION);
@@ -95,6 +102,9 @@ int run(int argc, char** argv) {
     app.parse(argc, argv);
     if (app.count("--replay") > 0) return replay(replayed, false);
     if (app.count("--replay-as-c") > 0) return replay(program, true);
+    char reason[SWSDK_REASON_SIZE];
+    const bool is_elsewhere = app.count("--chip") > 0;
+    if (is_elsewhere && swsdk_connect(chip.c_str(), reason) != 0) throw saish::BadInput(reason);
     const bool recorded = app.count("--record") > 0;
     const std::string unwritable = "cannot write the recording \"" + recording + '"';
     if (recorded && swsdk_record_start(recording.c_str()) != 0) throw saish::BadInput(unwritable);
@@ -103,7 +113,7 @@ int run(int argc, char** argv) {
       saish::print_tables_after(shown);
       return 0;
     }
-    saish::Session session(cold);
+    saish::Session session(is_elsewhere ? saish::Power::left : cold ? saish::Power::cold : saish::Power::on);
     if (app.count("--command") > 0)
       session.run_well(command);
     else if (app.count("FILE") > 0)

@@ -5,9 +5,12 @@
 #include <swsdk/chip.h>
 #include <swsdk/journal.h>
 
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <sstream>
+#include <thread>
+#include <vector>
 
 #include "built_ins.h"
 #include "library.h"
@@ -58,8 +61,8 @@ std::string journal_text(std::size_t position) {
   return text;
 }
 
-Session::Session(bool cold) {
-  if (cold) return;
+Session::Session(Power power) : power_(power) {
+  if (power != Power::on) return;
   sdk_main(0, nullptr);
   for (int unit = 0; unit < soc_ndev; ++unit) system_init(unit);
 }
@@ -67,7 +70,7 @@ Session::Session(bool cold) {
 Session::~Session() {
   if (sai_log_default != nullptr) close_sai_log(sai_log_default);
   sai_log_default = nullptr;
-  swsdk_power_off();
+  if (power_ != Power::left) swsdk_power_off();
 }
 
 void Session::follow_journal(bool on) {
@@ -79,6 +82,22 @@ void Session::follow_journal(bool on) {
 void Session::clear_journal() {
   swsdk_journal_clear();
   journal_shown_ = 0;
+}
+
+void Session::print_calls_of_all(std::optional<int> seconds) {
+  constexpr auto pause = std::chrono::milliseconds(50);
+  const bool was_recording = swsdk_journal_recording() != 0;
+  const auto begin = std::chrono::steady_clock::now();
+  std::vector<char> lines(65536);
+  swsdk_journal_record(SWSDK_JOURNAL_OF_ALL);
+  for (bool last = false; !last && std::ferror(stdout) == 0;) {
+    // What has happened up to the end is printed, too.
+    last = interrupted != 0 || (seconds && std::chrono::steady_clock::now() - begin >= std::chrono::seconds(*seconds));
+    while (swsdk_journal_take(lines.data(), lines.size()) > 0) std::fputs(lines.data(), stdout);
+    std::fflush(stdout);
+    if (!last) std::this_thread::sleep_for(pause);
+  }
+  swsdk_journal_record(was_recording ? 1 : 0);
 }
 
 void Session::print_news() {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -15,10 +16,16 @@ struct Unexpected : std::runtime_error {
   explicit Unexpected(std::string_view text) : runtime_error(printable(text)) {}
 };
 
+/// What a session does to the chip at its beginning and its end.
+enum class Power {
+  on,    ///< it starts the chip, and switches it off
+  cold,  ///< its commands start the chip, and it switches that off
+  left,  ///< the chip is another process's: it is left as it is
+};
+
 class Session {
  public:
-  /// Starts the chip, unless `cold`.
-  explicit Session(bool cold);
+  explicit Session(Power power);
   ~Session();
 
   Session(const Session&) = delete;
@@ -42,6 +49,9 @@ class Session {
   void follow_journal(bool on);
   void clear_journal();
 
+  /// Prints the SDK calls of all processes on the chip as they happen, for so long or until the session is interrupted.
+  static void print_calls_of_all(std::optional<int> seconds);
+
   /// What leaves the units to which frames were sent.
   Capture& capture() { return capture_; }
 
@@ -57,6 +67,7 @@ class Session {
   std::optional<int32_t> call(const Function& function, const Words& arguments);
   void print_news();
 
+  const Power power_;
   Capture capture_;
   bool ended_ = false;
   bool compared_ = false;

@@ -4,6 +4,7 @@
 #include <spawn.h>
 #include <swsdk/chip.h>
 #include <swsdk/recording.h>
+#include <swsdk/remote.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -144,10 +145,12 @@ bool run_again(std::vector<std::string> arguments, const Scratch& input, const S
   std::vector<char*> argv;
   for (std::string& argument : arguments) argv.push_back(argument.data());
   argv.push_back(nullptr);
-  // The child would overwrite a recording of this process.
+  // The child has a chip of its own, and would overwrite a recording of this process.
   std::vector<char*> environment;
   for (char** variable = environ; *variable != nullptr; ++variable)
-    if (!std::string_view(*variable).starts_with(SWSDK_RECORD_VARIABLE "=")) environment.push_back(*variable);
+    if (const std::string_view set = *variable;
+        !set.starts_with(SWSDK_RECORD_VARIABLE "=") && !set.starts_with(SWSDK_CHIP_VARIABLE "="))
+      environment.push_back(*variable);
   environment.push_back(nullptr);
 
   posix_spawn_file_actions_t actions;
@@ -221,7 +224,7 @@ void print_tables_after(const std::vector<std::string>& scripts) {
   std::FILE* const output = fdopen(dup(STDOUT_FILENO), "w");
   if (output == nullptr || std::freopen("/dev/null", "w", stdout) == nullptr)
     throw BadInput("cannot print the tables: " + std::string(std::strerror(errno)));
-  Session session(false);
+  Session session(Power::on);
   session.set_compared();
   for (const std::string& script : scripts) session.run_script(script);
   std::fputs(text(tables()).c_str(), output);

@@ -1,5 +1,6 @@
 // swsdk-switch: the virtual chip between interfaces of the host.
 #include <signal.h>
+#include <swsdk/remote.h>
 #include <sys/signalfd.h>
 
 #include <CLI/CLI.hpp>
@@ -54,6 +55,23 @@ void plug(vswitch::Switch& chip, const std::string& given) {
   chip.plug(*port, given.substr(equals + 1));
 }
 
+/// Serves other processes during its own lifetime, if there is a path.
+class Listening {
+ public:
+  explicit Listening(const std::string& path) : listens_(!path.empty()) {
+    char reason[SWSDK_REASON_SIZE];
+    if (listens_ && swsdk_listen(path.c_str(), reason) != 0) throw vswitch::CannotStart(reason);
+  }
+  ~Listening() {
+    if (listens_) swsdk_listen_end();
+  }
+  Listening(const Listening&) = delete;
+  Listening& operator=(const Listening&) = delete;
+
+ private:
+  const bool listens_;
+};
+
 int run(int argc, char** argv) {
   CLI::App app{
       "Runs the virtual chip as a switch between interfaces of the host. While it runs, it takes the shell's commands "
@@ -61,6 +79,7 @@ int run(int argc, char** argv) {
   std::string config;
   std::string cpu;
   std::string board;
+  std::string listen;
   std::vector<std::string> ports;
   std::vector<std::string> shown;
   app.add_option("CONFIG", config, "script of the shell that sets the chip up");
@@ -68,16 +87,21 @@ int run(int argc, char** argv) {
   app.add_option("--port", ports, "N=IFACE, N=tap:NAME or N=pcap:IN:OUT: what port N is plugged into")
       ->allow_extra_args(false);
   app.add_option("--board", board, saish::board_help);
+  app.add_option("--listen", listen,
+                 "path of a socket where other programs find the chip, with " SWSDK_CHIP_VARIABLE
+                 " in their environment; without CONFIG, one of them brings the chip up");
   app.add_option("--tables", shown, "run a script silently and print all tables that it leaves; again for more")
       ->allow_extra_args(false)
       ->excludes("CONFIG")
       ->excludes("--cpu")
+      ->excludes("--listen")
       ->excludes("--port");
   app.set_version_flag("--version", "swsdk-switch " SAI_VERSION);
 
   try {
     app.parse(argc, argv);
-    if (app.count("CONFIG") + app.count("--tables") == 0) throw CLI::RequiredError("CONFIG");
+    if (app.count("CONFIG") + app.count("--tables") + app.count("--listen") == 0)
+      throw CLI::RequiredError("CONFIG or --listen");
   } catch (const CLI::Success& help_or_version) {
     return app.exit(help_or_version);
   } catch (const CLI::ParseError& error) {
@@ -98,10 +122,11 @@ int run(int argc, char** argv) {
   vswitch::Console console;
   const int code = code_of([&] {
     choose_board();
-    saish::Session session(false);
-    session.run_script(config);
+    saish::Session session(config.empty() ? saish::Power::cold : saish::Power::on);
+    if (!config.empty()) session.run_script(config);
     vswitch::Switch chip(session, cpu);
     for (const std::string& port : ports) plug(chip, port);
+    const Listening listening(listen);
     std::printf("The switch is up.\n");
     std::fflush(stdout);
     chip.run(signals.get());

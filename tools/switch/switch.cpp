@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <cstring>
 #include <utility>
 
 #include "console.h"
@@ -29,7 +30,7 @@ void receive_at(int port, Bytes frame) { swsdk_frame_send(unit, port, frame.data
 }  // namespace
 
 Switch::Switch(saish::Session& session, const std::string& cpu)
-    : session_(session), cpu_(cpu), commands_(gives_commands(STDIN_FILENO)) {
+    : session_(session), cpu_(cpu), starts_(swsdk_starts(unit)), commands_(gives_commands(STDIN_FILENO)) {
   session_.capture().pass_to([this](const swsdk_out& out) { transmit(out); });
   session_.capture().watch(unit);
   make_host_interfaces();
@@ -38,7 +39,10 @@ Switch::Switch(saish::Session& session, const std::string& cpu)
 void Switch::plug(int port, const std::string& what) {
   const std::string where = "port " + std::to_string(port) + ": ";
   if (ports_.contains(port)) throw CannotStart(where + "it is plugged in twice");
-  if (swsdk_link_event(unit, port, 0) != 0) throw CannotStart(where + "the chip has no such port");
+  swsdk_board board{};
+  swsdk_board_get(&board);
+  if (port < 1 || port > board.ports) throw CannotStart(where + "the chip has no such port; it has ports 1 to " + std::to_string(board.ports));
+  swsdk_link_event(unit, port, 0);
   try {
     ports_[port] = attach(what, [this, where](const std::string& trouble) {
       had_trouble_ = true;
@@ -49,26 +53,60 @@ void Switch::plug(int port, const std::string& what) {
   }
 }
 
-/// The interfaces that were requested from the chip since the last call.
+/// The interfaces that were requested from the chip. One that is requested again, after a start of the chip, stays, so
+/// that the host's settings of it do.
 void Switch::make_host_interfaces() {
-  swsdk_netif wanted;
-  while (swsdk_netif_get(unit, static_cast<int>(host_interfaces_.size()), &wanted) == 0) {
-    const bool renamed = host_interfaces_.empty() && !cpu_.empty();
-    host_interfaces_.push_back({attach_tap(renamed ? cpu_ : wanted.name, wanted.mac), wanted.keeps_tag != 0});
+  std::vector<swsdk_netif> all;
+  for (swsdk_netif one; swsdk_netif_get(unit, static_cast<int>(all.size()), &one) == 0;) all.push_back(one);
+  if (!cpu_.empty() && !all.empty()) {
+    std::memset(all[0].name, 0, sizeof all[0].name);
+    cpu_.copy(all[0].name, sizeof all[0].name - 1);
+  }
+  const std::lock_guard guard(attachments_lock_);
+  for (std::size_t i = 0; i < all.size(); ++i) {
+    const swsdk_netif& wanted = all[i];
+    if (i == host_interfaces_.size()) host_interfaces_.emplace_back();
+    HostInterface& host = host_interfaces_[i];
+    const bool is_there = std::strcmp(host.wanted.name, wanted.name) == 0 &&
+                          std::memcmp(host.wanted.mac, wanted.mac, sizeof wanted.mac) == 0;
+    host.wanted = wanted;
+    if (is_there) continue;
+    host.attachment.reset();
+    host.attachment = attach_tap(wanted.name, wanted.mac);
   }
 }
 
 void Switch::transmit(const swsdk_out& out) {
+  const std::lock_guard guard(attachments_lock_);
   if (out.port != cpu_port) {
     const auto port = ports_.find(out.port);
     if (port != ports_.end()) port->second->send({out.data, out.length});
     return;
   }
   for (const HostInterface& host : host_interfaces_) {
+    if (host.attachment == nullptr) continue;
     std::vector<uint8_t> frame(out.data, out.data + out.length);
-    if (!host.keeps_tag && frame.size() >= tag_at + tag_size)
+    if (host.wanted.keeps_tag == 0 && frame.size() >= tag_at + tag_size)
       frame.erase(frame.begin() + tag_at, frame.begin() + tag_at + tag_size);
     host.attachment->send(frame);
+  }
+}
+
+/// Another process can have switched the chip off and on, or requested an interface.
+void Switch::follow_chip() {
+  const int starts = swsdk_starts(unit);
+  if (starts == 0) return;
+  if (starts != starts_) {
+    starts_ = starts;
+    session_.capture().watch(unit);
+    for (const auto& [port, attachment] : ports_)
+      swsdk_link_event(unit, port, (links_[port] = attachment->has_link()) ? 1 : 0);
+  }
+  try {
+    make_host_interfaces();
+  } catch (const CannotStart& error) {
+    had_trouble_ = true;
+    tell(error.what());
   }
 }
 
@@ -80,10 +118,15 @@ void Switch::advance_clock() {
 
 void Switch::follow_links() {
   for (const auto& [port, attachment] : ports_) {
-    if (attachment->plug_again()) set_link(port, false);
+    std::unique_lock guard(attachments_lock_);
+    const bool is_new = attachment->plug_again();
+    guard.unlock();
+    if (is_new) set_link(port, false);
     set_link(port, attachment->has_link());
   }
-  for (const HostInterface& host : host_interfaces_) host.attachment->plug_again();
+  const std::lock_guard guard(attachments_lock_);
+  for (const HostInterface& host : host_interfaces_)
+    if (host.attachment != nullptr) host.attachment->plug_again();
 }
 
 void Switch::set_link(int port, bool up) {
@@ -102,7 +145,6 @@ void Switch::run_commands() {
     if (isatty(STDIN_FILENO) == 0) std::printf("%s\n", line.c_str());
     try {
       session_.run(line);
-      make_host_interfaces();
     } catch (const std::runtime_error& error) {
       std::fflush(stdout);
       std::fprintf(stderr, "%s\n", error.what());
@@ -141,7 +183,8 @@ void Switch::pass_frames(int signals) {
       polled.push_back({attachment->descriptor(), POLLIN, 0});
       waits = waits && !attachment->has_frames();
     }
-    for (const HostInterface& host : host_interfaces_) polled.push_back({host.attachment->descriptor(), POLLIN, 0});
+    for (const HostInterface& host : host_interfaces_)
+      polled.push_back({host.attachment == nullptr ? -1 : host.attachment->descriptor(), POLLIN, 0});
     poll(polled.data(), polled.size(), waits ? rest : 0);
 
     advance_clock();
@@ -157,6 +200,7 @@ void Switch::pass_frames(int signals) {
     for (const HostInterface& host : host_interfaces_)
       if ((next++)->revents != 0) host.attachment->receive([](Bytes frame) { receive_at(cpu_port, frame); });
     if (polled[1].revents != 0) run_commands();
+    follow_chip();
   }
 }
 

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,8 @@ namespace vswitch {
 
 class Switch {
  public:
+  /// The chip can be off, and then be switched on by another process.
+  ///
   /// @param cpu  the name of the host's first interface instead of the one that start-up requests; empty: keep that one
   Switch(saish::Session& session, const std::string& cpu);
 
@@ -32,11 +35,12 @@ class Switch {
 
  private:
   struct HostInterface {
-    std::unique_ptr<Attachment> attachment;
-    bool keeps_tag;
+    swsdk_netif wanted;
+    std::unique_ptr<Attachment> attachment;  // null: it could not be created, which has been told
   };
 
   void make_host_interfaces();
+  void follow_chip();
   void transmit(const swsdk_out& out);
   void advance_clock();
   void follow_links();
@@ -51,7 +55,10 @@ class Switch {
   std::map<int, std::unique_ptr<Attachment>> ports_;
   std::map<int, bool> links_;
   LinkNews link_news_;
+  /// Held while attachments are replaced, and while a frame leaves, which another process may have sent.
+  std::mutex attachments_lock_;
   std::vector<HostInterface> host_interfaces_;
+  int starts_;  // of the chip that is known
   std::chrono::steady_clock::time_point now_ = std::chrono::steady_clock::now();
   bool commands_ = false;  // more commands can come
   bool had_trouble_ = false;

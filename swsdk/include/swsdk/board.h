@@ -34,6 +34,14 @@ int swsdk_board_set(const swsdk_board* board);
  *  called from a callback. */
 void swsdk_power_off(void);
 
+/**
+ * Tells how often a unit was switched on since its process began. With another number than before it is a new chip,
+ * whose links have to be set again.
+ *
+ * @return the number, from 1; 0 when there is no such initialized unit
+ */
+int swsdk_starts(int unit);
+
 /** A reading of a temperature sensor, in tenths of a degree Celsius. */
 typedef struct swsdk_temperature {
   int current; /**< now */

@@ -20,7 +20,17 @@
 extern "C" {
 #endif
 
-/** Starts (non-zero) or stops (0) recording. Off at load. Recorded lines stay. */
+/** For swsdk_journal_record(): also the calls of other processes on the same chip. */
+#define SWSDK_JOURNAL_OF_ALL 2
+
+/**
+ * Starts (non-zero) or stops (0) recording. Off at load. Recorded lines stay.
+ *
+ * When the chip is in another process (swsdk/remote.h), each process has a journal of its own, which has the calls of
+ * that process, or with #SWSDK_JOURNAL_OF_ALL those of all processes. A line of another process begins with its name
+ * and id, `switchd[4711]: `, or with `chip: ` if it is the one that runs the chip. Such a journal holds 16 MiB; then a
+ * line says that later ones are left out.
+ */
 void swsdk_journal_record(int on);
 
 /** Tells whether calls are being recorded. */
@@ -47,6 +57,16 @@ size_t swsdk_journal_read(char* buffer, size_t size);
  * @return length of the journal from there on in bytes; 0 when it ends there or before
  */
 size_t swsdk_journal_read_from(size_t position, char* buffer, size_t size);
+
+/**
+ * Moves the oldest lines out of the journal: as many whole lines as fit, or of a longer line its beginning.
+ *
+ * @param buffer  where to move them to; always ended by a zero byte
+ * @param size    size of the buffer in bytes, at least 2
+ * @return length of what was moved in bytes, without a zero byte; 0 when the journal is empty, buffer is null or size
+ *         is less than 2
+ */
+size_t swsdk_journal_take(char* buffer, size_t size);
 
 #ifdef __cplusplus
 }

@@ -15,6 +15,10 @@
  * and untyped pointers are numbered, so that different ones stay different, and an array that the call fills is
  * followed by its capacity, `&[7, 8] of 16`.
  *
+ * When the chip is in another process (swsdk/remote.h), a recording has the calls of its own process, and may begin
+ * with the chip up; it can then be repeated only from the state that the chip had. The recording of the process that
+ * runs the chip has the calls of all.
+ *
  * A process whose environment has #SWSDK_RECORD_VARIABLE at its first call records itself from there on, into the file
  * of that name.
  */
@@ -29,11 +33,11 @@ extern "C" {
 #define SWSDK_RECORD_VARIABLE "SWSDK_RECORD"
 
 /**
- * Starts a recording; one that is in progress ends. It begins with the chips off, so that it can be repeated from
- * there.
+ * Starts a recording; one that is in progress ends. If the chips are in this process, it begins with the chips off, so
+ * that it can be repeated from there.
  *
  * @param path  file to write; its old contents are lost
- * @return 0, or -1 when units are attached or the file cannot be written, and nothing is changed
+ * @return 0, or -1 when units of this process are attached or the file cannot be written, and nothing is changed
  */
 int swsdk_record_start(const char* path);
 

@@ -1,0 +1,58 @@
+#include "api/caller.h"
+
+#include <cstdio>
+#include <mutex>
+#include <utility>
+#include <vector>
+
+#include "api/call_text.h"
+#include "api/events.h"
+
+namespace {
+
+thread_local std::shared_ptr<api::Caller> worked_for;
+
+std::mutex callers_lock;
+std::vector<std::shared_ptr<api::Caller>> callers;  // guarded by `callers_lock`
+
+}  // namespace
+
+const std::shared_ptr<api::Caller>& api::present_caller() { return worked_for; }
+
+api::WorksFor::WorksFor(std::shared_ptr<Caller> caller) { worked_for = std::move(caller); }
+
+api::WorksFor::~WorksFor() { worked_for.reset(); }
+
+void api::print_for_caller(std::string_view text) {
+  if (worked_for == nullptr)
+    std::fwrite(text.data(), 1, text.size(), stdout);
+  else
+    worked_for->add_to_answer(call_text(print_event, {std::string(text).c_str()}, Form::wire, 0));
+}
+
+std::string api::path_of_caller(const std::string& path) {
+  if (worked_for == nullptr || path.starts_with('/')) return path;
+  return "/proc/" + std::to_string(worked_for->process()) + "/cwd/" + path;
+}
+
+void api::inform(Caller& caller, std::string_view line) {
+  if (&caller == worked_for.get())
+    caller.add_to_answer(line);
+  else
+    caller.tell(line);
+}
+
+void api::add_caller(const std::shared_ptr<Caller>& caller) {
+  const std::lock_guard guard(callers_lock);
+  callers.push_back(caller);
+}
+
+void api::remove_caller(const std::shared_ptr<Caller>& caller) {
+  const std::lock_guard guard(callers_lock);
+  std::erase(callers, caller);
+}
+
+void api::for_each_caller(const std::function<void(Caller&)>& work) {
+  const std::lock_guard guard(callers_lock);
+  for (const std::shared_ptr<Caller>& caller : callers) work(*caller);
+}

@@ -1,0 +1,104 @@
+#include "remote/session.h"
+
+#include "api/call.h"
+#include "api/replay.h"
+#include "api/system.h"
+#include "remote/protocol.h"
+
+namespace remote {
+
+Session::Session(const std::string& name, int process, LineStream calls, LineStream events)
+    : Caller(name, process), calls_(std::move(calls)), events_(std::move(events)) {}
+
+Session::~Session() {
+  end();
+  if (sender_.joinable()) sender_.join();
+}
+
+void Session::run() {
+  const auto self = shared_from_this();
+  {
+    const api::WorksFor works_for(self);
+    api::add_caller(self);
+    if (calls_.write(text_of(api::present_unit_data()) + '\n'))
+      for (auto line = calls_.read(); line && answer_line(*line); line = calls_.read()) continue;
+    api::remove_caller(self);
+  }
+  api::forget_caller(self);
+  end();
+}
+
+void Session::end() {
+  calls_.shut_down();
+  events_.shut_down();
+  const std::lock_guard guard(lock_);
+  ending_ = true;
+  changed_.notify_all();
+}
+
+void Session::tell(std::string_view event) {
+  const std::lock_guard guard(lock_);
+  if (ending_) return;
+  ++events_told_;
+  if (waiting_.size() + event.size() > max_waiting_events) {
+    ++lost_;
+    return;
+  }
+  if (lost_ > 0) waiting_ += api::call_text(lost_event, {lost_}, api::Form::wire, 0) + '\n';
+  lost_ = 0;
+  waiting_.append(event) += '\n';
+  if (!sender_.joinable() && !ending_) sender_ = std::thread([this] { send_events(); });
+  changed_.notify_all();
+}
+
+void Session::send_events() {
+  std::unique_lock guard(lock_);
+  while (true) {
+    changed_.wait(guard, [this] { return ending_ || !waiting_.empty(); });
+    if (ending_) return;
+    const std::string events = std::exchange(waiting_, {});
+    guard.unlock();
+    const bool sent = events_.write(events);
+    guard.lock();
+    if (!sent) ending_ = true;
+  }
+}
+
+void Session::add_to_answer(std::string_view line) { answer_.append(line) += '\n'; }
+
+/// False when the line is nothing that a client of this version says.
+bool Session::answer_line(std::string_view line) {
+  const std::size_t open = line.find('(');
+  const std::size_t close = line.rfind(')');
+  if (open == std::string_view::npos || close == std::string_view::npos || close < open) return false;
+  const std::string_view name = line.substr(0, open);
+  const api::Replayable* const function = api::find_replayable(name);
+  if (function == nullptr) return false;
+  try {
+    if (const std::string_view rest = line.substr(close + 1); !rest.empty()) {
+      if (!rest.starts_with(" = ")) return false;
+      api::parse_value(rest.substr(3), walk_result.emplace());
+    }
+    answered.clear();
+    answer_.clear();
+    long long result = api::call_with(*function, api::items(line.substr(open, close - open + 1), '(', ')'));
+    if (walk_result.has_value()) {
+      walk_result.reset();
+      return true;
+    }
+    if (name == "swsdk_events_drain" || name == "swsdk_power_off") {  // the client waits for what it was told before
+      const std::lock_guard guard(lock_);
+      result = events_told_;
+    }
+    answer_ += std::string(result_mark) + std::to_string(result) + (answered.empty() ? "" : ' ' + answered) + '\n';
+  } catch (const api::Unreadable& error) {
+    walk_result.reset();
+    answer_ = std::string(error_mark) + error.what() + '\n';
+  }
+  const bool sent = calls_.write(answer_);
+  constexpr std::size_t usual_size = 65536;
+  if (answer_.capacity() > usual_size) answer_ = {};
+  return sent;
+}
+
+}  // namespace remote
