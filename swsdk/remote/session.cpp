@@ -66,6 +66,20 @@ void Session::send_events() {
 
 void Session::add_to_answer(std::string_view line) { answer_.append(line) += '\n'; }
 
+/// Takes what follows a call: nothing, or " = " with what the client's walk has come to.
+bool Session::walk_result_of(std::string_view rest) {
+  constexpr std::string_view equals = " = ";
+  if (rest.empty()) return true;
+  if (!rest.starts_with(equals)) return false;
+  try {
+    api::parse_value(rest.substr(equals.size()), walk_result.emplace());
+    return true;
+  } catch (const api::Unreadable&) {
+    walk_result.reset();
+    return false;
+  }
+}
+
 /// False when the line is nothing that a client of this version says.
 bool Session::answer_line(std::string_view line) {
   const std::size_t open = line.find('(');
@@ -75,10 +89,7 @@ bool Session::answer_line(std::string_view line) {
   const api::Replayable* const function = api::find_replayable(name);
   if (function == nullptr) return false;
   try {
-    if (const std::string_view rest = line.substr(close + 1); !rest.empty()) {
-      if (!rest.starts_with(" = ")) return false;
-      api::parse_value(rest.substr(3), walk_result.emplace());
-    }
+    if (!walk_result_of(line.substr(close + 1))) return false;
     answered.clear();
     answer_.clear();
     long long result = api::call_with(*function, api::items(line.substr(open, close - open + 1), '(', ')'));

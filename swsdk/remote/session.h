@@ -35,6 +35,7 @@ class Session : public api::Caller, public std::enable_shared_from_this<Session>
   void add_to_answer(std::string_view line) override;
 
  private:
+  bool walk_result_of(std::string_view rest);
   bool answer_line(std::string_view line);
   void send_events();
 

@@ -124,7 +124,9 @@ int run(int argc, char** argv) {
     choose_board();
     saish::Session session(config.empty() ? saish::Power::cold : saish::Power::on);
     if (!config.empty()) session.run_script(config);
-    vswitch::Switch chip(session, cpu);
+    // One that only serves other programs takes nothing of the host.
+    const bool has_host = listen.empty() || !ports.empty() || !cpu.empty();
+    vswitch::Switch chip(session, cpu, has_host);
     for (const std::string& port : ports) plug(chip, port);
     const Listening listening(listen);
     std::printf("The switch is up.\n");

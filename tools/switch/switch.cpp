@@ -29,8 +29,12 @@ void receive_at(int port, Bytes frame) { swsdk_frame_send(unit, port, frame.data
 
 }  // namespace
 
-Switch::Switch(saish::Session& session, const std::string& cpu)
-    : session_(session), cpu_(cpu), starts_(swsdk_starts(unit)), commands_(gives_commands(STDIN_FILENO)) {
+Switch::Switch(saish::Session& session, const std::string& cpu, bool has_host)
+    : session_(session),
+      cpu_(cpu),
+      has_host_(has_host),
+      starts_(swsdk_starts(unit)),
+      commands_(gives_commands(STDIN_FILENO)) {
   session_.capture().pass_to([this](const swsdk_out& out) { transmit(out); });
   session_.capture().watch(unit);
   make_host_interfaces();
@@ -41,7 +45,8 @@ void Switch::plug(int port, const std::string& what) {
   if (ports_.contains(port)) throw CannotStart(where + "it is plugged in twice");
   swsdk_board board{};
   swsdk_board_get(&board);
-  if (port < 1 || port > board.ports) throw CannotStart(where + "the chip has no such port; it has ports 1 to " + std::to_string(board.ports));
+  if (port < 1 || port > board.ports)
+    throw CannotStart(where + "the chip has no such port; it has ports 1 to " + std::to_string(board.ports));
   swsdk_link_event(unit, port, 0);
   try {
     ports_[port] = attach(what, [this, where](const std::string& trouble) {
@@ -56,6 +61,7 @@ void Switch::plug(int port, const std::string& what) {
 /// The interfaces that were requested from the chip. One that is requested again, after a start of the chip, stays, so
 /// that the host's settings of it do.
 void Switch::make_host_interfaces() {
+  if (!has_host_) return;
   std::vector<swsdk_netif> all;
   for (swsdk_netif one; swsdk_netif_get(unit, static_cast<int>(all.size()), &one) == 0;) all.push_back(one);
   if (!cpu_.empty() && !all.empty()) {

@@ -21,7 +21,8 @@ class Switch {
   /// The chip can be off, and then be switched on by another process.
   ///
   /// @param cpu  the name of the host's first interface instead of the one that start-up requests; empty: keep that one
-  Switch(saish::Session& session, const std::string& cpu);
+  /// @param has_host  whether the interfaces that the chip's users request are made on the host
+  Switch(saish::Session& session, const std::string& cpu, bool has_host);
 
   /// Connects a port. Throws CannotStart.
   void plug(int port, const std::string& what);
@@ -52,6 +53,7 @@ class Switch {
 
   saish::Session& session_;
   const std::string cpu_;
+  const bool has_host_;
   std::map<int, std::unique_ptr<Attachment>> ports_;
   std::map<int, bool> links_;
   LinkNews link_news_;
