@@ -13,6 +13,19 @@ std::string formatted(const char* format, Args... args) {
   return buffer;
 }
 
+/// Each byte as two digits. Not by a format: addresses are in most calls, and frames are long.
+std::string pairs(const uint8_t* bytes, std::size_t count, char separator) {
+  constexpr char digits[] = "0123456789abcdef";
+  std::string result;
+  result.reserve(count * 3);
+  for (std::size_t i = 0; i < count; ++i) {
+    if (i > 0) result += separator;
+    result += digits[bytes[i] >> 4];
+    result += digits[bytes[i] & 0xF];
+  }
+  return result;
+}
+
 }  // namespace
 
 chip::PortSet api::ports(const bcm_pbmp_t& bitmap) {
@@ -29,11 +42,7 @@ bcm_pbmp_t api::bitmap(const chip::PortSet& ports) {
   return result;
 }
 
-std::string api::text(Mac mac) {
-  if (mac.pointer == nullptr) return "NULL";
-  const uint8_t* const m = mac.pointer;
-  return formatted("%02x:%02x:%02x:%02x:%02x:%02x", m[0], m[1], m[2], m[3], m[4], m[5]);
-}
+std::string api::text(Mac mac) { return mac.pointer == nullptr ? "NULL" : pairs(mac.pointer, 6, ':'); }
 
 std::string api::text(Ip4 ip4) {
   const uint32_t a = ip4.address;
@@ -49,13 +58,7 @@ std::string api::text(Ip6 ip6) {
 std::string api::text(Hex hex) { return formatted("0x%x", hex.value); }
 
 std::string api::text(Bytes bytes) {
-  if (bytes.pointer == nullptr) return "NULL";
-  std::string result = "[";
-  for (unsigned i = 0; i < bytes.count; ++i) {
-    if (i > 0) result += ' ';
-    result += formatted("%02x", bytes.pointer[i]);
-  }
-  return result + ']';
+  return bytes.pointer == nullptr ? "NULL" : '[' + pairs(bytes.pointer, bytes.count, ' ') + ']';
 }
 
 std::string api::text(const char* string) { return string == nullptr ? "NULL" : quoted(string); }

@@ -15,6 +15,15 @@ namespace {
 
 constexpr swsdk_board factory_board{.units = 1, .ports = 12, .chip_type = 0};
 
+std::mutex boards_lock;
+swsdk_board chosen_board = factory_board;  // guarded by `boards_lock`
+swsdk_board kept_board = factory_board;    // the same
+
+void choose(const swsdk_board& board) {
+  const std::lock_guard guard(boards_lock);
+  chosen_board = board;
+}
+
 chip::PhyRegisters::Key phy_register(int phy, int device, int reg) {
   return {static_cast<uint32_t>(phy), device, static_cast<uint32_t>(reg)};
 }
@@ -23,16 +32,27 @@ chip::PhyRegisters::Key phy_register(int phy, int device, int reg) {
 
 static_assert(SWSDK_PHY_CLAUSE22 == chip::PhyRegisters::clause22);
 
-swsdk_board api::present_board = factory_board;
-swsdk_board api::lasting_board = factory_board;
+swsdk_board api::present_board() {
+  const std::lock_guard guard(boards_lock);
+  return chosen_board;
+}
+
+swsdk_board api::lasting_board() {
+  const std::lock_guard guard(boards_lock);
+  return kept_board;
+}
+
+void api::keep_board() {
+  const std::lock_guard guard(boards_lock);
+  kept_board = chosen_board;
+}
 
 void swsdk_board_get(swsdk_board* board) {
   const auto get = [=] {
-    const std::lock_guard guard(api::power_lock);
-    *board = api::present_board;
+    *board = api::present_board();
     return 0;
   };
-  if (board != nullptr) api::ask(__func__, get, -1, api::out(board));
+  if (board != nullptr && api::ask(__func__, get, -1, api::out(board)) != 0) *board = {};
 }
 
 int swsdk_board_set(const swsdk_board* board) {
@@ -42,7 +62,7 @@ int swsdk_board_set(const swsdk_board* board) {
   const auto set = [=] {
     const std::lock_guard guard(api::power_lock);
     if (api::attached_units() > 0) return -1;
-    api::present_board = *board;
+    choose(*board);
     api::record(api::Kind::action, "swsdk_board_set", 0, {api::in(board)});
     return 0;
   };
@@ -58,7 +78,7 @@ void swsdk_power_off() {
     const std::lock_guard guard(api::power_lock);
     api::stop_event_threads();
     api::power_off_units();
-    api::present_board = api::lasting_board;
+    choose(api::lasting_board());
     api::clear_faults();
     api::own_journal().record(0);
     api::own_journal().clear();

@@ -23,8 +23,7 @@ void api::record(Kind kind, const char* function, int rv, Arguments arguments) {
   if (is_recording() && kind != Kind::question)
     add_to_recording(kind, call_text(function, arguments, Form::recording, outputs) + result);
   if (const std::shared_ptr<Caller>& caller = present_caller(); caller != nullptr)
-    caller->answered =
-        std::string(kind_names[static_cast<int>(kind)]) + ' ' + call_text(function, arguments, Form::wire, outputs);
+    caller->answered = std::string(kind_names[static_cast<int>(kind)]) + ' ' + outputs_text(arguments, outputs);
 }
 
 long long api::call_remote(Kind kind, const char* function, Arguments arguments, long long if_gone) {

@@ -26,6 +26,25 @@ void api::accept(const BytesOut& out, std::string_view text) {
   std::copy(bytes.begin(), bytes.end(), out.pointer);
 }
 
+std::string api::outputs_text(Arguments arguments, int rv) {
+  std::string result;
+  for (const Argument& argument : arguments)
+    if (argument.is_written()) result += (result.empty() ? "" : ", ") + argument.shown(Form::wire, rv);
+  return result;
+}
+
+void api::accept_outputs(Arguments arguments, std::string_view text) {
+  const std::string enclosed = '(' + std::string(text) + ')';
+  const std::vector<std::string_view> texts = items(enclosed, '(', ')');
+  std::size_t next = 0;
+  for (const Argument& argument : arguments) {
+    if (!argument.is_written()) continue;
+    if (next == texts.size()) throw Unreadable(text, "list of all outputs of this call");
+    argument.accept(texts[next++]);
+  }
+  if (next != texts.size()) throw Unreadable(text, "list of the outputs of this call");
+}
+
 std::string api::call_text(const char* function, Arguments arguments, Form form, int rv) {
   std::string result = function;
   result += '(';

@@ -55,9 +55,7 @@ void read_output(std::string_view text, T& value) {
 /// The list or the value of "&[7, 8] of 16"; nothing when the call wrote nothing.
 std::string_view written(std::string_view text);
 
-/// Writes what another process answered into the argument, if it is one that the call writes.
-template <class T>
-void accept(const T&, std::string_view) {}
+// Each of these writes what another process answered into an argument that the call writes.
 
 template <class T>
 void accept(const Out<T>& out, std::string_view text) {
@@ -81,14 +79,22 @@ void accept(const OutArray<T>& array, std::string_view text) {
 void accept(const TextOut& out, std::string_view text);
 void accept(const BytesOut& out, std::string_view text);
 
+/// Whether a call writes to an argument of this type.
+template <class T>
+constexpr bool is_output = requires(const T& argument) {
+  accept(argument, std::string_view());
+};
+
 /// An argument of any type, as the text of its call shows it.
 class Argument {
  public:
   template <class T>
   Argument(const T& argument)  // NOLINT(google-explicit-constructor)
-      : argument_(&argument), shown_(&shown_as<T>), accept_(&accept_as<T>) {}
+      : argument_(&argument), shown_(&shown_as<T>), accept_(is_output<T> ? &accept_as<T> : nullptr) {}
 
   std::string shown(Form form, int rv) const { return shown_(argument_, form, rv); }
+  /// Whether the call writes to it.
+  bool is_written() const { return accept_ != nullptr; }
   void accept(std::string_view text) const { accept_(argument_, text); }
 
  private:
@@ -98,7 +104,7 @@ class Argument {
   }
   template <class T>
   static void accept_as(const void* argument, std::string_view text) {
-    api::accept(*static_cast<const T*>(argument), text);
+    if constexpr (is_output<T>) api::accept(*static_cast<const T*>(argument), text);
   }
 
   const void* argument_;
@@ -110,5 +116,10 @@ using Arguments = std::initializer_list<Argument>;
 
 /// "function(arguments)" of a call that returned `rv`.
 std::string call_text(const char* function, Arguments arguments, Form form, int rv);
+
+/// What a call that returned `rv` wrote: "&{port=3}, &[7, 8] of 16", of the arguments that it writes to.
+std::string outputs_text(Arguments arguments, int rv);
+/// Writes these outputs, which another process answered. Throws Unreadable.
+void accept_outputs(Arguments arguments, std::string_view text);
 
 }  // namespace api

@@ -32,7 +32,7 @@ class Caller {
 
   Journal journal;
 
-  /// The text of the present call as it was answered, with its kind; empty while it has none.
+  /// How the present call was answered: its kind, a blank and its outputs. Empty while it has no answer.
   std::string answered;
 
   /// Set while the client tells how a walk ended whose entries it has been given.

@@ -4,6 +4,7 @@
 #include <soc/drv.h>
 
 #include <array>
+#include <atomic>
 
 #include "api/call.h"
 #include "api/events.h"
@@ -26,6 +27,7 @@ std::array<soc_control_t, SOC_MAX_NUM_DEVICES> unit_information;
 std::array<uint32, SOC_MAX_NUM_DEVICES> l3_modules;
 
 std::mutex data_lock;
+std::atomic<uint64_t> exported_version = 0;
 api::UnitData exported;  // guarded by `data_lock`, as is changing what is exported
 
 soc_port_set_t port_set(const chip::PortSet& ports) {
@@ -77,13 +79,17 @@ void export_changed(Change change) {
     change(data);
     ++data.version;
     replace_exported(data);
+    exported_version = data.version;
     text = api::text_of(data);
   }
-  api::for_each_caller([&](api::Caller& caller) { inform(caller, text); });
+  // The client that causes it hears of it with its answer.
+  api::for_each_caller([&](api::Caller& caller) {
+    if (&caller != api::present_caller().get()) caller.tell(text);
+  });
 }
 
-void attach(int number) {
-  chip::Chip& chip = *api::attach_unit(api::present_board.ports).chip;
+void attach(int number, const swsdk_board& board) {
+  chip::Chip& chip = *api::attach_unit(board.ports).chip;
   chip.mac_table.observe([number](chip::MacTable::Change change, const chip::MacEntry& entry) {
     api::tell_mac_change(number, change, entry);
   });
@@ -112,12 +118,13 @@ api::UnitData api::unit_data_of(std::string_view text) {
 }
 
 api::UnitData api::present_unit_data() {
-  const std::lock_guard power(power_lock);
   const std::lock_guard guard(data_lock);
   UnitData data = exported;
-  if (data.attached == 0) data.board = present_board;
+  if (data.attached == 0) data.board = present_board();
   return data;
 }
+
+uint64_t api::unit_data_version() { return exported_version.load(std::memory_order_acquire); }
 
 void api::publish(const UnitData& data, bool from_start) {
   const std::lock_guard guard(data_lock);
@@ -136,10 +143,11 @@ int sdk_main(int argc, char** argv) {
       __func__,
       [] {
         const std::lock_guard guard(api::power_lock);
+        const swsdk_board board = api::present_board();
         // A second start finds the units attached and changes nothing.
-        while (api::attached_units() < api::present_board.units) attach(api::attached_units());
-        export_changed([](api::UnitData& data) {
-          data.board = api::present_board;
+        while (api::attached_units() < board.units) attach(api::attached_units(), board);
+        export_changed([&](api::UnitData& data) {
+          data.board = board;
           data.attached = api::attached_units();
         });
         return BCM_E_NONE;
@@ -181,11 +189,12 @@ void api::publish_egress_mode(int unit) {
 void api::power_off_units() {
   detach_units();
   export_changed([](UnitData& data) {
-    data.board = lasting_board;
+    data.board = lasting_board();
     data.attached = 0;
     data.l3_egress_modes = {};
   });
-  clear_exported_units();
+  // What a client switches off stays readable in the process of the chip, as in those of other clients.
+  if (present_caller() == nullptr) clear_exported_units();
 }
 
 void api::clear_exported_units() {

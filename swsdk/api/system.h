@@ -24,8 +24,9 @@ struct UnitData {
 std::string text_of(const UnitData& data);
 UnitData unit_data_of(std::string_view text);
 
-/// What is exported now.
+/// What is exported now, and its version.
 UnitData present_unit_data();
+uint64_t unit_data_version();
 
 /// Exports what the chip's process says. `from_start`: it is another process than before.
 void publish(const UnitData& data, bool from_start = false);
@@ -36,12 +37,14 @@ void clear_exported_units();
 /// How many units are exported as attached.
 int published_units();
 
-/// The board that sdk_main() finds; guarded by `power_lock`.
-extern swsdk_board present_board;
-/// The board of a chip that is switched off and on; the same.
-extern swsdk_board lasting_board;
+/// The board that sdk_main() finds.
+swsdk_board present_board();
+/// The board of a chip that is switched off and on.
+swsdk_board lasting_board();
+/// Makes the present board the one that lasts.
+void keep_board();
 
-/// Held while units are attached and detached.
+/// Held while units are attached and detached. Not to be taken by who holds a unit's lock.
 extern std::mutex power_lock;
 
 /// Sets the L3 module's record of an attached unit to the egress mode that its switch control sets. The unit is locked.

@@ -30,7 +30,6 @@ api::Unit& api::attach_unit(int ethernet_ports) {
 }
 
 void api::detach_units() {
-  attached = 0;
   for (Unit& unit : units) {
     const std::lock_guard guard(unit.lock);
     unit.pipeline.reset();
@@ -40,6 +39,7 @@ void api::detach_units() {
     unit.l2_listeners.clear();
     std::erase_if(unit.frame_handlers, [](const FrameHandler& one) { return one.caller == present_caller(); });
   }
+  attached = 0;  // last: a call that is running has found its unit, and may do so again
 }
 
 void api::forget_caller(const std::shared_ptr<Caller>& caller) {

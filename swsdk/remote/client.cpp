@@ -145,7 +145,7 @@ class Client : public api::RemoteChip {
   std::mutex lock_;        // of the conversation
   State state_ = State::unconnected;
   std::unique_ptr<Connection> connection_;
-  std::thread reader_;  // of events; from the first call on, so that a program that forks before that has it
+  std::thread reader_;  // of events
 
   std::mutex events_lock_;
   std::condition_variable events_changed_;
@@ -157,6 +157,7 @@ class Client : public api::RemoteChip {
 void Client::connect() {
   connection_ = std::make_unique<Connection>(connected(path_));
   state_ = State::connected;
+  reader_ = std::thread([this] { read_events(); });
 }
 
 void Client::disconnect() {
@@ -201,7 +202,6 @@ void Client::connect_or_tell() {
 /// The conversation is locked.
 bool Client::is_connected() {
   if (state_ == State::unconnected) connect_or_tell();
-  if (state_ == State::connected && !reader_.joinable()) reader_ = std::thread([this] { read_events(); });
   return state_ == State::connected;
 }
 
@@ -209,6 +209,11 @@ std::optional<api::Answer> Client::call(const char* function, api::Arguments arg
   const std::string request = call_text(function, arguments, api::Form::wire, BCM_E_INTERNAL) + '\n';
   std::optional<api::Answer> answer;
   std::vector<std::string> frames;
+  if (request.size() > max_request) {
+    std::fprintf(stderr, "swsdk: a call of %s with %zu bytes of text is too long for a chip in another process\n",
+                 function, request.size());
+    return std::nullopt;
+  }
   {
     const std::lock_guard guard(lock_);
     if (!is_connected()) return std::nullopt;
@@ -248,10 +253,10 @@ std::optional<api::Answer> Client::read_answer(api::Arguments arguments, std::ve
         api::parse_value(line.substr(0, line.find(' ')), answer.result);
         if (line.find(' ') == std::string_view::npos) return answer;
         line.remove_prefix(line.find(' ') + 1);
-        answer.kind = api::kind_of(line.substr(0, line.find(' ')));
-        const Texts texts = api::items(line.substr(std::min(line.find('('), line.size())), '(', ')');
-        if (!answer.kind || texts.size() != arguments.size()) throw Unreadable(line, "answer to this call");
-        for (std::size_t i = 0; i < texts.size(); ++i) arguments.begin()[i].accept(texts[i]);
+        const std::size_t blank = std::min(line.find(' '), line.size());
+        answer.kind = api::kind_of(line.substr(0, blank));
+        if (!answer.kind) throw Unreadable(line.substr(0, 64), "kind of call");
+        api::accept_outputs(arguments, line.substr(std::min(blank + 1, line.size())));
         return answer;
       } else {
         throw Unreadable(line.substr(0, 64), "answer");
@@ -382,8 +387,7 @@ void Client::take_event(std::string_view line) {
     EventThreads::all().post(EventThreads::frames, [this, frame = std::string(line)] { deliver_frame(frame); });
   } else if (name == lost_event) {
     count = value_of<long long>(arguments_of(line, 1)[0]);
-    std::fprintf(stderr, "swsdk: %lld events of the chip are lost: the callbacks of this process are too slow\n",
-                 count);
+    std::fprintf(stderr, "swsdk: %lld events of the chip are lost: this process was too slow to take them\n", count);
   } else {
     throw Unreadable(line.substr(0, 64), "event");
   }
@@ -463,7 +467,7 @@ int swsdk_connect(const char* path, char* reason) {
     if (before != nullptr) before->disconnect();
     remote::use(nullptr);
     api::UnitData none;
-    none.board = api::present_board;
+    none.board = api::present_board();
     api::publish(none, true);
     api::clear_exported_units();
     return 0;

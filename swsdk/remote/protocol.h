@@ -4,9 +4,10 @@
 //     chip     swsdk-chip 1                                  with a second socket, on which only the chip speaks
 //     chip     units(3, {units=1, ports=12}, 1, [0])         what the SDK exports
 //
-//     client   bcm_vlan_port_add(0, 10, {3}, {})             a call, as a recording shows it before it is answered
+//     client   bcm_l2_age_timer_get(0, &?)                   a call, as a recording shows it before it is answered
 //     chip     units(...), frame(...) or entry {...}         any number: what changed, left the chip, or is walked over
-//     chip     = 0 call bcm_vlan_port_add(0, 10, {3}, {})    its result and, if it was recorded there, its line
+//     chip     = 0 call &300                                 its result and, if it was recorded there, as what kind of
+//                                                            line, and all outputs
 //
 //     client   bcm_l2_traverse(0, <callback 4711>, NULL) = 0 no answer: what the client's walk has come to
 //

@@ -215,8 +215,7 @@ int swsdk_listen(const char* path, char* reason) {
   } catch (const remote::CannotListen& error) {
     return fail(error.reason);
   }
-  const std::lock_guard power(api::power_lock);
-  api::lasting_board = api::present_board;
+  api::keep_board();
   return 0;
 }
 

@@ -20,12 +20,19 @@ void Session::run() {
   {
     const api::WorksFor works_for(self);
     api::add_caller(self);
-    if (calls_.write(text_of(api::present_unit_data()) + '\n'))
+    if (calls_.write(units()))
       for (auto line = calls_.read(); line && answer_line(*line); line = calls_.read()) continue;
     api::remove_caller(self);
   }
   api::forget_caller(self);
   end();
+}
+
+/// What the SDK exports, which the client knows then.
+std::string Session::units() {
+  const api::UnitData data = api::present_unit_data();
+  told_version_ = data.version;
+  return text_of(data) + '\n';
 }
 
 void Session::end() {
@@ -40,12 +47,10 @@ void Session::tell(std::string_view event) {
   const std::lock_guard guard(lock_);
   if (ending_) return;
   ++events_told_;
-  if (waiting_.size() + event.size() > max_waiting_events) {
+  if (lost_ > 0 || waiting_.size() + event.size() > max_waiting_events) {
     ++lost_;
     return;
   }
-  if (lost_ > 0) waiting_ += api::call_text(lost_event, {lost_}, api::Form::wire, 0) + '\n';
-  lost_ = 0;
   waiting_.append(event) += '\n';
   if (!sender_.joinable() && !ending_) sender_ = std::thread([this] { send_events(); });
   changed_.notify_all();
@@ -56,7 +61,9 @@ void Session::send_events() {
   while (true) {
     changed_.wait(guard, [this] { return ending_ || !waiting_.empty(); });
     if (ending_) return;
-    const std::string events = std::exchange(waiting_, {});
+    std::string events = std::exchange(waiting_, {});
+    if (lost_ > 0) events += api::call_text(lost_event, {lost_}, api::Form::wire, 0) + '\n';
+    lost_ = 0;
     guard.unlock();
     const bool sent = events_.write(events);
     guard.lock();
@@ -106,6 +113,7 @@ bool Session::answer_line(std::string_view line) {
     walk_result.reset();
     answer_ = std::string(error_mark) + error.what() + '\n';
   }
+  if (told_version_ != api::unit_data_version()) answer_.insert(0, units());
   const bool sent = calls_.write(answer_);
   constexpr std::size_t usual_size = 65536;
   if (answer_.capacity() > usual_size) answer_ = {};

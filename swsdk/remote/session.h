@@ -38,18 +38,20 @@ class Session : public api::Caller, public std::enable_shared_from_this<Session>
   bool walk_result_of(std::string_view rest);
   bool answer_line(std::string_view line);
   void send_events();
+  std::string units();
 
   static constexpr std::size_t max_waiting_events = std::size_t{16} << 20;
 
   LineStream calls_;
   LineStream events_;
   std::string answer_;
+  uint64_t told_version_ = 0;  // of what the SDK exports
 
   std::mutex lock_;
   std::condition_variable changed_;
   std::string waiting_;        // events, guarded by `lock_` as all below
   long long events_told_ = 0;  // the lost ones too
-  long long lost_ = 0;         // since the last one that was not
+  long long lost_ = 0;         // after those that wait
   bool ending_ = false;
   std::thread sender_;  // runs from the first event on
 };

@@ -29,9 +29,9 @@ for command in $commands; do
   grep -Eq "^\.(B|BI|BR) $command( |\$)" "$pages/man1/saish.1" || { echo "saish(1) does not tell of $command"; exit 1; }
 done
 
-for program in "$saish" "$switch"; do
+for program in "$saish" "$switch" "$(dirname "$switch")/swsdk-run"; do
   options=$("$program" --help | grep -Eo -- '^ +-[^ ]+' | tr -d ' ' | tr ',' '\n')
-  [ "$(wc -w <<<"$options")" -ge 5 ] || { echo "$program: too few options found; is its help still read rightly?"; exit 1; }
+  [ "$(wc -w <<<"$options")" -ge 4 ] || { echo "$program: too few options found; is its help still read rightly?"; exit 1; }
   for option in $options; do
     grep -Eq "^\.[BIR]+ .*${option//-/\\\\-}\>" "$pages/man1/$(basename "$program").1" ||
       { echo "the page of $program does not tell of $option"; exit 1; }

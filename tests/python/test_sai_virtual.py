@@ -1,4 +1,5 @@
 """The Python module against the libraries that the loader finds."""
+import os
 import pathlib
 import subprocess
 import sys
@@ -227,3 +228,24 @@ def test_a_recording_replays_and_a_changed_one_differs(tmp_path):
 def test_every_function_of_the_library_is_there():
     functions = [name for name in dir(sai) if name.startswith("sai_") and callable(getattr(sai, name))]
     assert len(functions) > 200
+
+
+def test_a_chip_of_another_process_is_left_as_it_is(tmp_path):
+    path = tmp_path / "chip"
+    with pytest.raises(ValueError, match="no chip listens at"), sai.Chip(path):
+        pass
+    with subprocess.Popen([os.environ["CHIP_SERVER"], "--listen", path], stdout=subprocess.PIPE) as server:
+        server.stdout.readline()
+        with sai.Log(), sai.Chip(path) as chip, sai.Journal() as journal:
+            sai.sai_switch_chip_init("02:00:00:00:00:01")
+            journal.clear()
+            sai.sai_vlan_create(0, 10)
+            assert journal.lines() == ["bcm_vlan_create(0, 10) = 0", "bcm_vlan_port_add(0, 10, {0}, {}) = 0"]
+            ports = []
+            handler = sai.link_handler(lambda unit, port, info: ports.append(port))
+            sai.sai_register_link_service(handler)
+            chip.link(3, False)
+            assert ports[-1] == 3
+        with sai.Chip(path) as chip:
+            assert "\n10 " in chip.show("vlan")
+        server.terminate()

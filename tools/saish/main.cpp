@@ -7,6 +7,7 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -31,7 +32,7 @@ void tell(const std::exception& error) {
 void run_interactively(saish::Session& session) {
   saish::Editor editor;
   std::printf("The chip is %s. help lists the commands, TAB completes them, quit ends.\n",
-              soc_ndev > 0 ? "up" : "off: sdk_main switches it on");
+              soc_ndev > 0 ? "up" : "off: sai_switch_chip_init switches it on");
   while (!session.ended()) {
     const std::optional<std::string> line = editor.read_line();
     if (!line) break;
@@ -100,10 +101,16 @@ int run(int argc, char** argv) {
 
   try {
     app.parse(argc, argv);
+    // Where the environment names a chip, it is for the shell itself what --chip names; these have a chip of their own.
+    const char* const from_environment = std::getenv(SWSDK_CHIP_VARIABLE);
+    if (app.count("--replay") + app.count("--replay-as-c") + app.count("--tables") > 0)
+      swsdk_connect(nullptr, nullptr);
+    else if (app.count("--chip") == 0 && from_environment != nullptr)
+      chip = from_environment;
     if (app.count("--replay") > 0) return replay(replayed, false);
     if (app.count("--replay-as-c") > 0) return replay(program, true);
     char reason[SWSDK_REASON_SIZE];
-    const bool is_elsewhere = app.count("--chip") > 0;
+    const bool is_elsewhere = app.count("--chip") > 0 || !chip.empty();
     if (is_elsewhere && swsdk_connect(chip.c_str(), reason) != 0) throw saish::BadInput(reason);
     const bool recorded = app.count("--record") > 0;
     const std::string unwritable = "cannot write the recording \"" + recording + '"';

@@ -92,7 +92,8 @@ void Session::print_calls_of_all(std::optional<int> seconds) {
   swsdk_journal_record(SWSDK_JOURNAL_OF_ALL);
   for (bool last = false; !last && std::ferror(stdout) == 0;) {
     // What has happened up to the end is printed, too.
-    last = interrupted != 0 || (seconds && std::chrono::steady_clock::now() - begin >= std::chrono::seconds(*seconds));
+    last = interrupted != 0 || swsdk_journal_recording() == 0 ||
+           (seconds && std::chrono::steady_clock::now() - begin >= std::chrono::seconds(*seconds));
     while (swsdk_journal_take(lines.data(), lines.size()) > 0) std::fputs(lines.data(), stdout);
     std::fflush(stdout);
     if (!last) std::this_thread::sleep_for(pause);

@@ -55,10 +55,10 @@ void plug(vswitch::Switch& chip, const std::string& given) {
   chip.plug(*port, given.substr(equals + 1));
 }
 
-/// Serves other processes during its own lifetime, if there is a path.
+/// Serves other processes during its own lifetime, if it is asked to.
 class Listening {
  public:
-  explicit Listening(const std::string& path) : listens_(!path.empty()) {
+  Listening(bool listens, const std::string& path) : listens_(listens) {
     char reason[SWSDK_REASON_SIZE];
     if (listens_ && swsdk_listen(path.c_str(), reason) != 0) throw vswitch::CannotStart(reason);
   }
@@ -117,7 +117,8 @@ int run(int argc, char** argv) {
       return 0;
     });
 
-  signal(SIGPIPE, SIG_IGN);  // a reader that goes away does not end the program
+  swsdk_connect(nullptr, nullptr);  // the chip of this program is its own, whatever the environment says
+  signal(SIGPIPE, SIG_IGN);         // a reader that goes away does not end the program
   const vswitch::Descriptor signals(end_signals());
   vswitch::Console console;
   const int code = code_of([&] {
@@ -125,10 +126,11 @@ int run(int argc, char** argv) {
     saish::Session session(config.empty() ? saish::Power::cold : saish::Power::on);
     if (!config.empty()) session.run_script(config);
     // One that only serves other programs takes nothing of the host.
-    const bool has_host = listen.empty() || !ports.empty() || !cpu.empty();
-    vswitch::Switch chip(session, cpu, has_host);
+    const bool listens = app.count("--listen") > 0;
+    const bool has_host = !listens || !ports.empty() || !cpu.empty();
+    vswitch::Switch chip(session, {.cpu = cpu, .has_host = has_host, .listens = listens});
     for (const std::string& port : ports) plug(chip, port);
-    const Listening listening(listen);
+    const Listening listening(listens, listen);
     std::printf("The switch is up.\n");
     std::fflush(stdout);
     chip.run(signals.get());

@@ -29,10 +29,9 @@ void receive_at(int port, Bytes frame) { swsdk_frame_send(unit, port, frame.data
 
 }  // namespace
 
-Switch::Switch(saish::Session& session, const std::string& cpu, bool has_host)
+Switch::Switch(saish::Session& session, Options options)
     : session_(session),
-      cpu_(cpu),
-      has_host_(has_host),
+      options_(std::move(options)),
       starts_(swsdk_starts(unit)),
       commands_(gives_commands(STDIN_FILENO)) {
   session_.capture().pass_to([this](const swsdk_out& out) { transmit(out); });
@@ -61,12 +60,12 @@ void Switch::plug(int port, const std::string& what) {
 /// The interfaces that were requested from the chip. One that is requested again, after a start of the chip, stays, so
 /// that the host's settings of it do.
 void Switch::make_host_interfaces() {
-  if (!has_host_) return;
+  if (!options_.has_host) return;
   std::vector<swsdk_netif> all;
   for (swsdk_netif one; swsdk_netif_get(unit, static_cast<int>(all.size()), &one) == 0;) all.push_back(one);
-  if (!cpu_.empty() && !all.empty()) {
+  if (!options_.cpu.empty() && !all.empty()) {
     std::memset(all[0].name, 0, sizeof all[0].name);
-    cpu_.copy(all[0].name, sizeof all[0].name - 1);
+    options_.cpu.copy(all[0].name, sizeof all[0].name - 1);
   }
   const std::lock_guard guard(attachments_lock_);
   for (std::size_t i = 0; i < all.size(); ++i) {
@@ -161,7 +160,8 @@ void Switch::run_commands() {
 
 bool Switch::is_over() const {
   const auto is_at_end = [](const auto& port) { return port.second->is_over(); };
-  return session_.ended() || (!ports_.empty() && std::all_of(ports_.begin(), ports_.end(), is_at_end));
+  return session_.ended() ||
+         (!options_.listens && !ports_.empty() && std::all_of(ports_.begin(), ports_.end(), is_at_end));
 }
 
 void Switch::run(int signals) {
@@ -187,7 +187,7 @@ void Switch::pass_frames(int signals) {
     bool waits = true;
     for (const auto& [port, attachment] : ports_) {
       polled.push_back({attachment->descriptor(), POLLIN, 0});
-      waits = waits && !attachment->has_frames();
+      waits = waits && !(attachment->has_frames() && starts_ > 0);
     }
     for (const HostInterface& host : host_interfaces_)
       polled.push_back({host.attachment == nullptr ? -1 : host.attachment->descriptor(), POLLIN, 0});
@@ -200,8 +200,9 @@ void Switch::pass_frames(int signals) {
       follow_links();
     }
     auto next = polled.begin() + static_cast<std::ptrdiff_t>(first_port);
+    // Frames of files wait until another process has switched the chip on.
     for (const auto& [port, attachment] : ports_)
-      if ((next++)->revents != 0 || attachment->has_frames())
+      if ((next++)->revents != 0 || (attachment->has_frames() && starts_ > 0))
         attachment->receive([at = port](Bytes frame) { receive_at(at, frame); });
     for (const HostInterface& host : host_interfaces_)
       if ((next++)->revents != 0) host.attachment->receive([](Bytes frame) { receive_at(cpu_port, frame); });

@@ -16,13 +16,19 @@
 
 namespace vswitch {
 
+struct Options {
+  /// The name of the host's first interface instead of the one that start-up requests; empty: keep that one.
+  std::string cpu;
+  /// Whether the interfaces that the chip's users request are made on the host.
+  bool has_host = true;
+  /// Whether other processes work on the chip, so that there is something to do when all ports are files at their end.
+  bool listens = false;
+};
+
 class Switch {
  public:
   /// The chip can be off, and then be switched on by another process.
-  ///
-  /// @param cpu  the name of the host's first interface instead of the one that start-up requests; empty: keep that one
-  /// @param has_host  whether the interfaces that the chip's users request are made on the host
-  Switch(saish::Session& session, const std::string& cpu, bool has_host);
+  Switch(saish::Session& session, Options options);
 
   /// Connects a port. Throws CannotStart.
   void plug(int port, const std::string& what);
@@ -52,8 +58,7 @@ class Switch {
   void tell_losses();
 
   saish::Session& session_;
-  const std::string cpu_;
-  const bool has_host_;
+  const Options options_;
   std::map<int, std::unique_ptr<Attachment>> ports_;
   std::map<int, bool> links_;
   LinkNews link_news_;

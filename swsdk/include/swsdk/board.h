@@ -29,9 +29,11 @@ void swsdk_board_get(swsdk_board* board);
  */
 int swsdk_board_set(const swsdk_board* board);
 
-/** Switches the chips off: detaches all units and forgets their tables, the board, the journal, all faults and pending
- *  events, and waits for a callback that is running. No SDK call may be running or follow until `sdk_main`. Not to be
- *  called from a callback. */
+/**
+ * Switches the chips off: detaches all units and forgets their tables, the board, the journal, all faults and pending
+ * events, and waits for a callback that is running. Calls that are running end first; later ones return `BCM_E_UNIT`
+ * until `sdk_main`. What the SDK exports of the units is not to be read meanwhile. Not to be called from a callback.
+ */
 void swsdk_power_off(void);
 
 /**
