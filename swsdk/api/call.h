@@ -155,12 +155,12 @@ class Call {
   template <class Entry, class Visit>
   int walk_remote(std::vector<Entry>& entries, Visit visit) const {
     return with_arguments([&](Arguments all) {
-      const std::optional<Answer> answer = remote_chip()->call(function_, all);
+      const auto take = [&](std::string_view text) { read_output(text, entries.emplace_back()); };
+      const std::optional<Answer> answer = remote_chip()->call(function_, all, take);
       if (!answer) return gone;
       int rv = static_cast<int>(answer->result);
       // One that the chip's process has recorded has been refused.
       if (!answer->kind) {
-        for (const std::string& text : answer->entries) read_output(text, entries.emplace_back());
         rv = visit_each(entries, visit);
         remote_chip()->end_walk(function_, all, rv);
       }

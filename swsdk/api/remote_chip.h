@@ -1,9 +1,9 @@
 // The chip, when it is in another process: what this side of the interface needs of it.
 #pragma once
 
+#include <functional>
 #include <optional>
-#include <string>
-#include <vector>
+#include <string_view>
 
 #include "api/call_text.h"
 
@@ -14,9 +14,10 @@ struct Answer {
   long long result;
   /// How the chip's process took the call; nothing when it has no line there, because its unit is not up.
   std::optional<Kind> kind;
-  /// What the call is to walk over.
-  std::vector<std::string> entries;
 };
+
+/// Takes the text of an entry that a call is to walk over; throws Unreadable.
+using TakeEntry = std::function<void(std::string_view text)>;
 
 /// A callback of this process, and what it is called with: by it the chip's process names it.
 struct RemoteCallback {
@@ -35,7 +36,7 @@ class RemoteChip {
   virtual ~RemoteChip() = default;
 
   /// Has the chip answer; the arguments' outputs are then written. Nothing when the chip is gone, which has been told.
-  virtual std::optional<Answer> call(const char* function, Arguments arguments) = 0;
+  virtual std::optional<Answer> call(const char* function, Arguments arguments, const TakeEntry& take_entry = {}) = 0;
 
   /// Tells the chip's process what a walk that it has answered has come to.
   virtual void end_walk(const char* function, Arguments arguments, int rv) = 0;

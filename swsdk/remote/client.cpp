@@ -106,7 +106,7 @@ Texts arguments_of(std::string_view line, std::size_t count) {
   return result;
 }
 
-/// The chip at a path. Never destroyed: a child of fork() leaves it to its parent, and calls can occur at any time.
+/// The chip at a path. Not destroyed at exit: calls can occur at any time. A child of fork() leaves it to its parent.
 class Client : public api::RemoteChip {
  public:
   explicit Client(std::string path) : path_(std::move(path)) {}
@@ -120,7 +120,8 @@ class Client : public api::RemoteChip {
   /// In the child of a fork(): the connection is its parent's.
   void close_descriptors() const;
 
-  std::optional<api::Answer> call(const char* function, api::Arguments arguments) override;
+  std::optional<api::Answer> call(const char* function, api::Arguments arguments,
+                                  const api::TakeEntry& take_entry = {}) override;
   void end_walk(const char* function, api::Arguments arguments, int rv) override;
   void look_again() override;
   void drain() override;
@@ -132,7 +133,8 @@ class Client : public api::RemoteChip {
   enum class State { unconnected, connected, gone };
 
   bool is_connected();
-  std::optional<api::Answer> read_answer(api::Arguments arguments, std::vector<std::string>& frames);
+  std::optional<api::Answer> read_answer(api::Arguments arguments, const api::TakeEntry& take_entry,
+                                         std::vector<std::string>& frames);
   void tell_gone(const std::string& what);
   bool is_known(const RemoteCallback& callback);
   void read_events();
@@ -146,6 +148,9 @@ class Client : public api::RemoteChip {
   State state_ = State::unconnected;
   std::unique_ptr<Connection> connection_;
   std::thread reader_;  // of events
+  /// What a thread does before a call comes before what the call causes, in the callbacks of this process, too: the
+  /// other process between the two orders nothing here.
+  std::atomic<uint64_t> calls_ = 0;
 
   std::mutex events_lock_;
   std::condition_variable events_changed_;
@@ -205,7 +210,8 @@ bool Client::is_connected() {
   return state_ == State::connected;
 }
 
-std::optional<api::Answer> Client::call(const char* function, api::Arguments arguments) {
+std::optional<api::Answer> Client::call(const char* function, api::Arguments arguments,
+                                        const api::TakeEntry& take_entry) {
   const std::string request = call_text(function, arguments, api::Form::wire, BCM_E_INTERNAL) + '\n';
   std::optional<api::Answer> answer;
   std::vector<std::string> frames;
@@ -217,8 +223,9 @@ std::optional<api::Answer> Client::call(const char* function, api::Arguments arg
   {
     const std::lock_guard guard(lock_);
     if (!is_connected()) return std::nullopt;
+    calls_.fetch_add(1, std::memory_order_release);
     if (connection_->calls.write(request))
-      answer = read_answer(arguments, frames);
+      answer = read_answer(arguments, take_entry, frames);
     else
       tell_gone("it has closed the connection");
   }
@@ -227,7 +234,8 @@ std::optional<api::Answer> Client::call(const char* function, api::Arguments arg
 }
 
 /// Nothing when the chip is gone, or what it says is no answer to this call.
-std::optional<api::Answer> Client::read_answer(api::Arguments arguments, std::vector<std::string>& frames) {
+std::optional<api::Answer> Client::read_answer(api::Arguments arguments, const api::TakeEntry& take_entry,
+                                               std::vector<std::string>& frames) {
   api::Answer answer{};
   const std::string frame_begin = std::string(api::frame_event) + '(';
   const std::string print_begin = std::string(api::print_event) + '(';
@@ -236,8 +244,8 @@ std::optional<api::Answer> Client::read_answer(api::Arguments arguments, std::ve
       std::string_view line = *read;
       if (line.starts_with(units_event)) {
         api::publish(api::unit_data_of(line));
-      } else if (line.starts_with(entry_mark)) {
-        answer.entries.emplace_back(line.substr(entry_mark.size()));
+      } else if (line.starts_with(entry_mark) && take_entry) {
+        take_entry(line.substr(entry_mark.size()));
       } else if (line.starts_with(frame_begin)) {
         frames.emplace_back(line);
       } else if (line.starts_with(print_begin)) {
@@ -359,6 +367,7 @@ void* pointer_of(std::string_view text, const char* kind) {
 }
 
 void Client::take_event(std::string_view line) {
+  calls_.load(std::memory_order_acquire);
   const std::string_view name = line.substr(0, line.find('('));
   long long count = 1;
   if (line.starts_with(units_event)) {
@@ -436,6 +445,14 @@ void use(Client* client) {
   api::set_remote_chip(client);
 }
 
+/// Ends what this process has used until now, if it has; nothing may call it any more.
+void end(Client* before) {
+  if (before == nullptr) return;
+  before->disconnect();
+  EventThreads::all().stop();
+  delete before;
+}
+
 __attribute__((constructor)) void connect_at_load() {
   const char* const path = std::getenv(SWSDK_CHIP_VARIABLE);
   if (path == nullptr || *path == '\0') return;
@@ -464,8 +481,8 @@ int swsdk_connect(const char* path, char* reason) {
   if (before == nullptr && api::published_units() > 0)
     return fail("the chip inside this process is up; swsdk_power_off switches it off");
   if (path == nullptr) {
-    if (before != nullptr) before->disconnect();
     remote::use(nullptr);
+    remote::end(before);
     api::UnitData none;
     none.board = api::present_board();
     api::publish(none, true);
@@ -478,7 +495,7 @@ int swsdk_connect(const char* path, char* reason) {
   } catch (const remote::CannotConnect& error) {
     return fail(error.reason);
   }
-  if (before != nullptr) before->disconnect();
   remote::use(client.release());
+  remote::end(before);
   return 0;
 }

@@ -102,6 +102,7 @@ TEST_F(Remote, ChipThatAnotherProcessStartsIsExportedHere) {
   EXPECT_EQ(swsdk_journal_recording(), 0);  // from the first call on
   const std::string journal = other("sai_switch_chip_init 02:00:00:00:00:01");
   EXPECT_TRUE(comes([] { return __atomic_load_n(&soc_ndev, __ATOMIC_ACQUIRE) == 1; })) << journal;
+  swsdk_events_drain();
   EXPECT_EQ(CMIC_PORT(0), 0);
   EXPECT_EQ(*l3_module_data[0] & 1, 1U) << "the start sets the egress mode";
   EXPECT_EQ(bcm_switch_control_set(0, bcmSwitchL3EgressMode, 0), 0);
