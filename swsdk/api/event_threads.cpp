@@ -16,7 +16,7 @@ struct EndsThreads {
   EndsThreads() {
     event_threads = new api::EventThreads;
     // A child has none of its parent's threads, so that nobody could wait for them.
-    pthread_atfork(nullptr, nullptr, [] { event_threads = new api::EventThreads; });
+    pthread_atfork(nullptr, nullptr, [] { event_threads = new api::EventThreads(event_threads); });
   }
   ~EndsThreads() { event_threads.load()->stop(true); }
 };

@@ -16,6 +16,9 @@ class EventThreads {
  public:
   enum Kind : std::size_t { link_scan, l2_learning, frames };
 
+  /// @param of_parent  those of the process that has forked this one: nobody can wait for them here
+  explicit EventThreads(EventThreads* of_parent = nullptr) : of_parent_(of_parent) {}
+
   /// Those of this process. A child of it has none at first.
   static EventThreads& all();
 
@@ -41,6 +44,7 @@ class EventThreads {
 
   void run(Thread& self);
 
+  [[maybe_unused]] EventThreads* const of_parent_;  // kept, so that it is not taken for a leak
   std::mutex lock_;
   std::condition_variable changed_;
   std::array<Thread, 3> threads_;  // by kind

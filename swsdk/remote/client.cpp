@@ -109,7 +109,8 @@ Texts arguments_of(std::string_view line, std::size_t count) {
 /// The chip at a path. Not destroyed at exit: calls can occur at any time. A child of fork() leaves it to its parent.
 class Client : public api::RemoteChip {
  public:
-  explicit Client(std::string path) : path_(std::move(path)) {}
+  /// @param of_parent  that of the process that has forked this one
+  explicit Client(std::string path, Client* of_parent = nullptr) : path_(std::move(path)), of_parent_(of_parent) {}
 
   const std::string& path() const { return path_; }
 
@@ -143,8 +144,9 @@ class Client : public api::RemoteChip {
   void wait_for_event(long long number);
 
   const std::string path_;
-  std::mutex start_lock_;  // of looking for a chip again
-  std::mutex lock_;        // of the conversation
+  [[maybe_unused]] Client* const of_parent_;  // kept, so that it is not taken for a leak
+  std::mutex start_lock_;                     // of looking for a chip again
+  std::mutex lock_;                           // of the conversation
   State state_ = State::unconnected;
   std::unique_ptr<Connection> connection_;
   std::thread reader_;  // of events
@@ -432,10 +434,10 @@ void use(Client* client) {
   static const bool forks_known = [] {
     // A child is a client of its own, from its first call on.
     pthread_atfork(nullptr, nullptr, [] {
-      const Client* const of_parent = present;
+      Client* const of_parent = present;
       if (of_parent == nullptr) return;
       of_parent->close_descriptors();
-      present = new Client(of_parent->path());
+      present = new Client(of_parent->path(), of_parent);
       api::set_remote_chip(present);
     });
     return true;
