@@ -13,16 +13,19 @@ api::RemoteChip* api::remote_chip() { return chip_elsewhere.load(std::memory_ord
 void api::set_remote_chip(RemoteChip* chip) { chip_elsewhere = chip; }
 
 void api::record(Kind kind, const char* function, int rv, Arguments arguments) {
+  const bool is_sdk_call = kind == Kind::call || kind == Kind::fault;
+  // The journal of a chip in another process is there.
+  const bool in_journal = is_sdk_call && any_journal_is_recording() && remote_chip() == nullptr;
+  const bool in_recording = is_recording() && kind != Kind::question;
+  const std::shared_ptr<Caller>& caller = present_caller();
+  if (!in_journal && !in_recording && caller == nullptr) return;
+
   const std::string result = " = " + std::to_string(rv);
   // A fault writes no outputs, whatever its code.
   const int outputs = kind == Kind::fault ? BCM_E_INTERNAL : rv;
-  const bool is_sdk_call = kind == Kind::call || kind == Kind::fault;
-  // The journal of a chip in another process is there.
-  if (is_sdk_call && any_journal_is_recording() && remote_chip() == nullptr)
-    journal_add(call_text(function, arguments, Form::journal, rv) + result);
-  if (is_recording() && kind != Kind::question)
-    add_to_recording(kind, call_text(function, arguments, Form::recording, outputs) + result);
-  if (const std::shared_ptr<Caller>& caller = present_caller(); caller != nullptr)
+  if (in_journal) journal_add(call_text(function, arguments, Form::journal, rv) + result);
+  if (in_recording) add_to_recording(kind, call_text(function, arguments, Form::recording, outputs) + result);
+  if (caller != nullptr)
     caller->answered = std::string(kind_names[static_cast<int>(kind)]) + ' ' + outputs_text(arguments, outputs);
 }
 

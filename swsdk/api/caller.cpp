@@ -10,33 +10,35 @@
 
 namespace {
 
-thread_local std::shared_ptr<api::Caller> worked_for;
+/// Of who works for a client; without a constructor, as every call asks for it.
+constinit thread_local const std::shared_ptr<api::Caller>* worked_for = nullptr;
+const std::shared_ptr<api::Caller> nobody;
 
 std::mutex callers_lock;
 std::vector<std::shared_ptr<api::Caller>> callers;  // guarded by `callers_lock`
 
 }  // namespace
 
-const std::shared_ptr<api::Caller>& api::present_caller() { return worked_for; }
+const std::shared_ptr<api::Caller>& api::present_caller() { return worked_for == nullptr ? nobody : *worked_for; }
 
-api::WorksFor::WorksFor(std::shared_ptr<Caller> caller) { worked_for = std::move(caller); }
+api::WorksFor::WorksFor(std::shared_ptr<Caller> caller) : caller_(std::move(caller)) { worked_for = &caller_; }
 
-api::WorksFor::~WorksFor() { worked_for.reset(); }
+api::WorksFor::~WorksFor() { worked_for = nullptr; }
 
 void api::print_for_caller(std::string_view text) {
-  if (worked_for == nullptr)
+  if (present_caller() == nullptr)
     std::fwrite(text.data(), 1, text.size(), stdout);
   else
-    worked_for->add_to_answer(call_text(print_event, {std::string(text).c_str()}, Form::wire, 0));
+    present_caller()->add_to_answer(call_text(print_event, {std::string(text).c_str()}, Form::wire, 0));
 }
 
 std::string api::path_of_caller(const std::string& path) {
-  if (worked_for == nullptr || path.starts_with('/')) return path;
-  return "/proc/" + std::to_string(worked_for->process()) + "/cwd/" + path;
+  if (present_caller() == nullptr || path.starts_with('/')) return path;
+  return "/proc/" + std::to_string(present_caller()->process()) + "/cwd/" + path;
 }
 
 void api::inform(Caller& caller, std::string_view line) {
-  if (&caller == worked_for.get())
+  if (&caller == present_caller().get())
     caller.add_to_answer(line);
   else
     caller.tell(line);

@@ -52,6 +52,9 @@ class WorksFor {
   ~WorksFor();
   WorksFor(const WorksFor&) = delete;
   WorksFor& operator=(const WorksFor&) = delete;
+
+ private:
+  const std::shared_ptr<Caller> caller_;
 };
 
 /// Prints on the standard output of the process whose call this is.
