@@ -15,7 +15,8 @@ constinit thread_local const std::shared_ptr<api::Caller>* worked_for = nullptr;
 const std::shared_ptr<api::Caller> nobody;
 
 std::mutex callers_lock;
-std::vector<std::shared_ptr<api::Caller>> callers;  // guarded by `callers_lock`
+/// Guarded by `callers_lock`. Never destroyed: clients can be there when the process exits.
+auto& callers = *new std::vector<std::shared_ptr<api::Caller>>;
 
 }  // namespace
 

@@ -54,7 +54,10 @@ void api::EventThreads::stop(bool forever) {
     changed_.notify_all();
   }
   for (Thread& doer : threads_)
-    if (doer.thread.joinable()) doer.thread.join();
+    if (doer.thread.get_id() == std::this_thread::get_id())
+      doer.thread.detach();  // a callback ends the program
+    else if (doer.thread.joinable())
+      doer.thread.join();
   const std::lock_guard guard(lock_);
   stopping_ = forever;
 }

@@ -72,8 +72,11 @@ int swsdk_frame_handle(int unit, swsdk_frame_handler handler, void* user_data) {
     return 0;
   };
   const api::RemoteCallback callback{api::frame_event, unit, reinterpret_cast<const void*>(handler), user_data};
-  return api::with_callback(callback,
-                            [&] { return api::ask("swsdk_frame_handle", handle, -1, unit, handler, user_data); });
+  const int rv = api::with_callback(
+      callback, [&] { return api::ask("swsdk_frame_handle", handle, -1, unit, handler, user_data); });
+  // A unit has one handler of each process.
+  if (api::RemoteChip* const chip = api::remote_chip(); chip != nullptr && rv == 0) chip->keep_alone(callback);
+  return rv;
 }
 
 int swsdk_frame_send(int unit, int port, const void* data, size_t length) {

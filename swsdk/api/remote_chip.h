@@ -53,6 +53,8 @@ class RemoteChip {
   // Which callbacks of this process are to be called. One that is refused has to be removed again.
   virtual bool add_callback(const RemoteCallback& callback) = 0;
   virtual void remove_callback(const RemoteCallback& callback) = 0;
+  /// Of those of its event and unit.
+  virtual void keep_alone(const RemoteCallback& callback) = 0;
 };
 
 /// Null when the chip is in this process.

@@ -1,7 +1,10 @@
 #include <appl/diag/shell.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include <array>
 #include <charconv>
-#include <fstream>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -19,6 +22,25 @@ cmd_result_t help(Chip& chip, const Words& words);
 
 cmd_result_t to_result(Status status) { return status == Status::ok ? CMD_OK : CMD_FAIL; }
 
+/// Of a regular file and only so much, as the unit is locked and whoever names the file may not wish it well.
+bool read_file(const std::string& path, std::istringstream& content) {
+  constexpr std::size_t most = std::size_t{1} << 20;
+  const int file = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  if (file < 0) return false;
+  struct stat status {};
+  std::string text;
+  bool good = fstat(file, &status) == 0 && S_ISREG(status.st_mode);
+  std::array<char, 4096> piece;
+  for (ssize_t length = 1; good && length > 0;) {
+    length = read(file, piece.data(), piece.size());
+    if (length > 0) text.append(piece.data(), static_cast<std::size_t>(length));
+    good = length >= 0 && text.size() <= most;
+  }
+  close(file);
+  content.str(text);
+  return good;
+}
+
 cmd_result_t led(Chip& chip, const Words& words) {
   if (words.size() < 3) return CMD_USAGE;
   int number = -1;
@@ -27,8 +49,9 @@ cmd_result_t led(Chip& chip, const Words& words) {
 
   const Words rest(words.begin() + 2, words.end());
   if (rest.size() == 2 && rest[0] == "load") {
-    std::ifstream program(api::path_of_caller(rest[1]));
-    return program ? to_result(chip.led_processors.load(number, program)) : CMD_FAIL;
+    std::istringstream program;
+    return read_file(api::path_of_caller(rest[1]), program) ? to_result(chip.led_processors.load(number, program))
+                                                            : CMD_FAIL;
   }
   if (rest == Words{"auto", "on"} || rest == Words{"auto", "off"}) {
     chip.led_processors.set_automatic(number, rest[1] == "on");

@@ -29,6 +29,7 @@ std::array<uint32, SOC_MAX_NUM_DEVICES> l3_modules;
 std::mutex data_lock;
 std::atomic<uint64_t> exported_version = 0;
 api::UnitData exported;  // guarded by `data_lock`, as is changing what is exported
+bool cleared = true;     // that of all units; the same
 
 soc_port_set_t port_set(const chip::PortSet& ports) {
   soc_port_set_t set{};
@@ -63,8 +64,9 @@ void replace_exported(const api::UnitData& data) {
   const bool same_board = data.board.ports == exported.board.ports && data.board.chip_type == exported.board.chip_type;
   for (std::size_t unit = 0; unit < static_cast<std::size_t>(data.attached); ++unit) {
     set(l3_modules[unit], uint32{data.l3_egress_modes[unit] != 0 ? 1U : 0U});
-    if (!same_board || static_cast<int>(unit) >= exported.attached) export_unit(unit, data.board);
+    if (cleared || !same_board || static_cast<int>(unit) >= exported.attached) export_unit(unit, data.board);
   }
+  cleared = cleared && data.attached == 0;
   set(soc_ndev, data.attached);
   exported = data;
 }
@@ -197,7 +199,12 @@ void api::power_off_units() {
   if (present_caller() == nullptr) clear_exported_units();
 }
 
-void api::clear_exported_units() {
+void api::clear_exported_units(bool is_gone) {
+  const std::lock_guard guard(data_lock);
+  if (is_gone) exported.attached = 0;
+  if (exported.attached > 0) return;  // another process has switched them on again
+  set(soc_ndev, 0);
   for (soc_control_t*& control : soc_control) control = nullptr;
   for (uint32*& module : l3_module_data) module = nullptr;
+  cleared = true;
 }

@@ -31,8 +31,9 @@ uint64_t unit_data_version();
 /// Exports what the chip's process says. `from_start`: it is another process than before.
 void publish(const UnitData& data, bool from_start = false);
 
-/// Clears what is exported of each unit: this process has switched the chips off.
-void clear_exported_units();
+/// Clears what is exported of each unit: this process has switched the chips off. `is_gone`: or would have, but the
+/// process that has them is gone.
+void clear_exported_units(bool is_gone = false);
 
 /// How many units are exported as attached.
 int published_units();

@@ -7,7 +7,8 @@
 
 namespace {
 
-std::array<api::Unit, SOC_MAX_NUM_DEVICES> units;
+/// Never destroyed: clients can be there when the process exits.
+auto& units = *new std::array<api::Unit, SOC_MAX_NUM_DEVICES>;
 std::atomic<int> attached = 0;
 
 }  // namespace

@@ -1,4 +1,5 @@
 #include <pthread.h>
+#include <signal.h>
 #include <swsdk/recording.h>
 #include <swsdk/remote.h>
 #include <sys/socket.h>
@@ -41,6 +42,7 @@ struct CannotConnect {
 struct Connection {
   LineStream calls;
   LineStream events;
+  api::UnitData units;  // what the chip's process exports
 };
 
 /// Reads up to the first line's end, and the descriptor that comes with that.
@@ -71,7 +73,6 @@ std::string read_greeting(int socket, Descriptor& events) {
   return line;
 }
 
-/// Connects, and exports what the chip's process says of its units.
 Connection connected(const std::string& path) {
   if (const std::string error = path_error(path); !error.empty()) throw CannotConnect{error};
   Descriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
@@ -90,10 +91,10 @@ Connection connected(const std::string& path) {
                         "; use the swsdk-switch and the libswsdk.so of one build"};
   if (answer != greeting || events.get() < 0)
     throw CannotConnect{"what listens at " + api::quoted(path) + " is no chip"};
-  Connection result{LineStream(std::move(socket), max_answer), LineStream(std::move(events), max_answer)};
+  Connection result{LineStream(std::move(socket), max_answer), LineStream(std::move(events), max_answer), {}};
   try {
     const auto units = result.calls.read();
-    api::publish(api::unit_data_of(units.value_or("")), true);
+    result.units = api::unit_data_of(units.value_or(""));
   } catch (const Unreadable& error) {
     throw CannotConnect{"what listens at " + api::quoted(path) + " is no chip: " + error.what()};
   }
@@ -116,6 +117,8 @@ class Client : public api::RemoteChip {
 
   /// Throws CannotConnect.
   void connect();
+  /// After that: exports the units of the chip, and takes events.
+  void begin();
   void connect_or_tell();
   void disconnect();
   /// In the child of a fork(): the connection is its parent's.
@@ -129,6 +132,7 @@ class Client : public api::RemoteChip {
   void power_off() override;
   bool add_callback(const RemoteCallback& callback) override;
   void remove_callback(const RemoteCallback& callback) override;
+  void keep_alone(const RemoteCallback& callback) override;
 
  private:
   enum class State { unconnected, connected, gone };
@@ -141,7 +145,8 @@ class Client : public api::RemoteChip {
   void read_events();
   void take_event(std::string_view line);
   void deliver_frame(std::string_view line);
-  void wait_for_event(long long number);
+  int disconnections();
+  void wait_for_event(long long number, int disconnections);
 
   const std::string path_;
   [[maybe_unused]] Client* const of_parent_;  // kept, so that it is not taken for a leak
@@ -156,6 +161,7 @@ class Client : public api::RemoteChip {
 
   std::mutex events_lock_;
   std::condition_variable events_changed_;
+  int disconnections_ = 0;
   long long events_taken_ = 0;  // guarded by `events_lock_`, as all below
   bool events_ended_ = false;
   std::vector<RemoteCallback> callbacks_;
@@ -164,7 +170,18 @@ class Client : public api::RemoteChip {
 void Client::connect() {
   connection_ = std::make_unique<Connection>(connected(path_));
   state_ = State::connected;
+}
+
+void Client::begin() {
+  api::publish(connection_->units, true);
+  // Signals are for the threads of the application, which may not have begun to block them yet.
+  sigset_t all;
+  sigset_t before;
+  sigfillset(&all);
+  for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT}) sigdelset(&all, fault);
+  pthread_sigmask(SIG_BLOCK, &all, &before);
   reader_ = std::thread([this] { read_events(); });
+  pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
 
 void Client::disconnect() {
@@ -177,9 +194,11 @@ void Client::disconnect() {
   connection_.reset();
   state_ = State::unconnected;
   const std::lock_guard events(events_lock_);
+  ++disconnections_;
   events_taken_ = 0;
   events_ended_ = false;
   callbacks_.clear();
+  events_changed_.notify_all();
 }
 
 void Client::close_descriptors() const {
@@ -200,6 +219,7 @@ void Client::tell_gone(const std::string& what) {
 void Client::connect_or_tell() {
   try {
     connect();
+    begin();
   } catch (const CannotConnect& error) {
     state_ = State::gone;
     std::fprintf(stderr, "swsdk: %s\n", error.reason.c_str());
@@ -295,17 +315,25 @@ void Client::look_again() {
   disconnect();
 }
 
-void Client::wait_for_event(long long number) {
+int Client::disconnections() {
+  const std::lock_guard guard(events_lock_);
+  return disconnections_;
+}
+
+/// Of the connection that there was before so many ended.
+void Client::wait_for_event(long long number, int disconnections) {
   std::unique_lock guard(events_lock_);
-  events_changed_.wait(guard, [&] { return events_ended_ || events_taken_ >= number; });
+  events_changed_.wait(guard,
+                       [&] { return events_ended_ || events_taken_ >= number || disconnections_ != disconnections; });
 }
 
 void Client::drain() {
   if (EventThreads::runs_here()) return;
   // Until nothing has come since the last time: callbacks can cause more.
   for (long long before = -1;;) {
+    const int ended = disconnections();
     const std::optional<api::Answer> told = call("swsdk_events_drain", {});
-    if (told) wait_for_event(told->result);
+    if (told) wait_for_event(told->result, ended);
     EventThreads::all().drain();
     if (!told || told->result == before) return;
     before = told->result;
@@ -313,26 +341,31 @@ void Client::drain() {
 }
 
 void Client::power_off() {
-  if (const std::optional<api::Answer> told = call("swsdk_power_off", {})) wait_for_event(told->result);
+  const std::lock_guard start(start_lock_);
+  const int ended = disconnections();
+  const std::optional<api::Answer> told = call("swsdk_power_off", {});
+  if (told) wait_for_event(told->result, ended);
   {
     const std::lock_guard guard(events_lock_);
     callbacks_.clear();
   }
   EventThreads::all().stop();
-  api::clear_exported_units();
+  api::clear_exported_units(!told);
 }
 
 bool Client::add_callback(const RemoteCallback& callback) {
   const std::lock_guard guard(events_lock_);
-  // The others can be several; of these there is one.
-  if (std::string_view(callback.event) == api::frame_event)
-    std::erase_if(callbacks_, [&](const RemoteCallback& one) {
-      return std::string_view(one.event) == callback.event && one.unit == callback.unit;
-    });
   const bool is_new =
       callback.function != nullptr && std::find(callbacks_.begin(), callbacks_.end(), callback) == callbacks_.end();
   if (is_new) callbacks_.push_back(callback);
   return is_new;
+}
+
+void Client::keep_alone(const RemoteCallback& callback) {
+  const std::lock_guard guard(events_lock_);
+  std::erase_if(callbacks_, [&](const RemoteCallback& one) {
+    return std::string_view(one.event) == callback.event && one.unit == callback.unit && !(one == callback);
+  });
 }
 
 void Client::remove_callback(const RemoteCallback& callback) {
@@ -466,7 +499,12 @@ __attribute__((constructor)) void connect_at_load() {
                  "swsdk: %s will hold the calls of this process alone; what others do to the chip at \"%s\" is not in "
                  "it\n",
                  recording, path);
-  client->connect_or_tell();
+  try {
+    client->connect();
+    client->begin();
+  } catch (const CannotConnect&) {
+    // The first call says so: a program that makes none need not hear of it.
+  }
 }
 
 }  // namespace
@@ -497,7 +535,8 @@ int swsdk_connect(const char* path, char* reason) {
   } catch (const remote::CannotConnect& error) {
     return fail(error.reason);
   }
-  remote::use(client.release());
   remote::end(before);
+  client->begin();
+  remote::use(client.release());
   return 0;
 }

@@ -11,6 +11,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -85,9 +86,16 @@ bool greet(int socket, int descriptor) {
   return sendmsg(socket, &message, MSG_NOSIGNAL) == static_cast<ssize_t>(line.size());
 }
 
-/// Greets who connected and answers until it goes away.
-void serve(Descriptor connection, const std::function<bool(std::shared_ptr<Session>)>& admit) {
-  LineStream calls(std::move(connection), max_request);
+/// How long the chip waits for what is read next; 0: for ever.
+void wait_for(int socket, int seconds) {
+  const timeval limit{.tv_sec = seconds, .tv_usec = 0};
+  setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
+}
+
+/// Greets who connected and answers until it goes away. Takes `calls` when it admits a client.
+void serve(LineStream& calls, const std::function<bool(std::shared_ptr<Session>)>& admit) {
+  constexpr int patience = 10;  // seconds: one that says nothing must not keep others out
+  wait_for(calls.socket(), patience);
   ucred peer{};
   socklen_t length = sizeof peer;
   const bool known = getsockopt(calls.socket(), SOL_SOCKET, SO_PEERCRED, &peer, &length) == 0;
@@ -104,8 +112,8 @@ void serve(Descriptor connection, const std::function<bool(std::shared_ptr<Sessi
   int ends[2];
   if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) return refuse(std::strerror(errno));
   LineStream events(Descriptor(ends[0]), 0);
-  const Descriptor of_client(ends[1]);
-  if (!greet(calls.socket(), of_client.get())) return;
+  if (const Descriptor of_client(ends[1]); !greet(calls.socket(), of_client.get())) return;
+  wait_for(calls.socket(), 0);
   const auto session = std::make_shared<Session>(name, peer.pid, std::move(calls), std::move(events));
   if (admit(session)) session->run();
 }
@@ -115,6 +123,7 @@ class Server {
  public:
   explicit Server(const std::string& path) : path_(path), socket_(bound_socket(path)) {
     lstat(path_.c_str(), &file_);
+    api::keep_board();
     acceptor_ = std::thread([this] { accept_clients(); });
   }
 
@@ -147,9 +156,15 @@ class Server {
         send(connection.get(), full.data(), full.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
         continue;
       }
-      ++threads_;
-      greeted_.push_back(connection.get());
-      std::thread(&Server::serve_one, this, std::move(connection)).detach();
+      const int number = connection.get();
+      try {
+        greeted_.push_back(number);
+        ++threads_;
+        std::thread(&Server::serve_one, this, std::move(connection)).detach();
+      } catch (const std::system_error&) {  // no room for a thread: it is as if the client had not been accepted
+        std::erase(greeted_, number);
+        --threads_;
+      }
     }
   }
 
@@ -163,8 +178,10 @@ class Server {
       session = std::move(greeted);
       return !ending_;
     };
-    serve(std::move(connection), admit);
     {
+      LineStream calls(std::move(connection), max_request);
+      serve(calls, admit);
+      // Before the number can be another connection's.
       const std::lock_guard guard(lock_);
       std::erase(greeted_, number);
       std::erase(sessions_, session);
@@ -215,7 +232,6 @@ int swsdk_listen(const char* path, char* reason) {
   } catch (const remote::CannotListen& error) {
     return fail(error.reason);
   }
-  api::keep_board();
   return 0;
 }
 

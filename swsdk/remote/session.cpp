@@ -1,5 +1,7 @@
 #include "remote/session.h"
 
+#include <system_error>
+
 #include "api/call.h"
 #include "api/replay.h"
 #include "api/system.h"
@@ -17,6 +19,11 @@ Session::~Session() {
 
 void Session::run() {
   const auto self = shared_from_this();
+  try {
+    sender_ = std::thread([this] { send_events(); });
+  } catch (const std::system_error&) {
+    return end();  // no room for a thread
+  }
   {
     const api::WorksFor works_for(self);
     api::add_caller(self);
@@ -52,7 +59,6 @@ void Session::tell(std::string_view event) {
     return;
   }
   waiting_.append(event) += '\n';
-  if (!sender_.joinable() && !ending_) sender_ = std::thread([this] { send_events(); });
   changed_.notify_all();
 }
 
@@ -62,9 +68,12 @@ void Session::send_events() {
     changed_.wait(guard, [this] { return ending_ || !waiting_.empty(); });
     if (ending_) return;
     std::string events = std::exchange(waiting_, {});
-    if (lost_ > 0) events += api::call_text(lost_event, {lost_}, api::Form::wire, 0) + '\n';
-    lost_ = 0;
+    const long long lost = std::exchange(lost_, 0);
+    if (lost > 0) ++events_told_;  // what the SDK exports, which may be among the lost
     guard.unlock();
+    if (lost > 0)
+      events +=
+          api::call_text(lost_event, {lost}, api::Form::wire, 0) + '\n' + text_of(api::present_unit_data()) + '\n';
     const bool sent = events_.write(events);
     guard.lock();
     if (!sent) ending_ = true;

@@ -53,7 +53,7 @@ class Session : public api::Caller, public std::enable_shared_from_this<Session>
   long long events_told_ = 0;  // the lost ones too
   long long lost_ = 0;         // after those that wait
   bool ending_ = false;
-  std::thread sender_;  // runs from the first event on
+  std::thread sender_;
 };
 
 }  // namespace remote

@@ -1,4 +1,5 @@
 // Several processes on the chip of one: each finds it as it is, is told what happens, and harms no other.
+#include <appl/diag/shell.h>
 #include <appl/diag/system.h>
 #include <bcm/error.h>
 #include <bcm/l2.h>
@@ -24,6 +25,7 @@
 #include <atomic>
 #include <cstring>
 #include <fstream>
+#include <memory>
 #include <optional>
 #include <sstream>
 #include <thread>
@@ -69,6 +71,42 @@ void start() {
   ASSERT_EQ(sdk_main(0, nullptr), 0);
   ASSERT_EQ(system_init(0), 0);
 }
+
+/// A client that says what it likes.
+class RawClient {
+ public:
+  explicit RawClient(const std::string& path, bool greets = true)
+      : socket_(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    path.copy(address.sun_path, sizeof address.sun_path - 1);
+    EXPECT_EQ(connect(socket_, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    if (!greets) return;
+    say("swsdk-chip 1 raw\n");
+    EXPECT_EQ(hear(), "swsdk-chip 1");
+    EXPECT_TRUE(hear().starts_with("units("));
+  }
+  ~RawClient() { close(socket_); }
+  RawClient(const RawClient&) = delete;
+  RawClient& operator=(const RawClient&) = delete;
+
+  bool say(const std::string& text) const {
+    return send(socket_, text.data(), text.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(text.size());
+  }
+  /// The next line; "(end)" when the chip ends the conversation.
+  std::string hear() const {
+    std::string line;
+    char byte = 0;
+    while (recv(socket_, &byte, 1, 0) == 1) {
+      if (byte == '\n') return line;
+      line += byte;
+    }
+    return "(end)";
+  }
+
+ private:
+  const int socket_;
+};
 
 class Remote : public testing::Test {
  protected:
@@ -195,7 +233,7 @@ TEST_F(Remote, WalksMayCallBackAndMayEndEarly) {
 
 struct Seen {
   std::atomic<int> frames = 0;
-  std::thread::id thread;
+  std::atomic<std::thread::id> thread;
 };
 void see_frame(int /*unit*/, const swsdk_out* out, void* seen) {
   auto& all = *static_cast<Seen*>(seen);
@@ -214,14 +252,14 @@ TEST_F(Remote, FramesThatLeaveReachWhoSentThemAtOnceAndOthersAsEvents) {
   frame[12] = 8;
   swsdk_frame_send(0, 1, frame.data(), frame.size());
   EXPECT_EQ(seen.frames, 1);
-  EXPECT_EQ(seen.thread, std::this_thread::get_id());
+  EXPECT_EQ(seen.thread.load(), std::this_thread::get_id());
 
   const pid_t child = fork();
   if (child == 0) _exit(swsdk_frame_send(0, 1, frame.data(), frame.size()));
   waitpid(child, nullptr, 0);
   swsdk_events_drain();
   EXPECT_EQ(seen.frames, 2);
-  EXPECT_NE(seen.thread, std::this_thread::get_id());
+  EXPECT_NE(seen.thread.load(), std::this_thread::get_id());
   ASSERT_EQ(swsdk_frame_handle(0, nullptr, nullptr), 0);
   swsdk_frame_send(0, 1, frame.data(), frame.size());
   EXPECT_EQ(seen.frames, 2);
@@ -338,6 +376,55 @@ TEST_F(Remote, ChipThatIsStartedAgainIsFoundBySdkMain) {
   EXPECT_EQ(links_told, 50);
 }
 
+TEST_F(Remote, ChipThatIsGoneAndSwitchedOffIsExportedAnew) {
+  start();
+  server_->stop(SIGKILL);
+  EXPECT_NE(errors_of([] { swsdk_power_off(); }), "");
+  EXPECT_EQ(soc_ndev, 0);
+  EXPECT_EQ(soc_control[0], nullptr);
+  server_.emplace(folder_ / "chip");
+  other("sai_switch_chip_init 02:00:00:00:00:01");
+  EXPECT_EQ(sdk_main(0, nullptr), 0);
+  EXPECT_EQ(soc_ndev, 1);
+  ASSERT_NE(soc_control[0], nullptr);
+  EXPECT_EQ(SOC_PORT_MAX(0, port), 12);
+}
+
+TEST_F(Remote, SignalsThatTheApplicationBlocksAreNotTakenByTheThreadsOfTheSdk) {
+  start();
+  ASSERT_EQ(bcm_linkscan_register(0, &count_link), 0);
+  swsdk_link_event(0, 1, 1);
+  swsdk_events_drain();
+  sigset_t one;
+  sigset_t before;
+  sigemptyset(&one);
+  sigaddset(&one, SIGUSR1);
+  pthread_sigmask(SIG_BLOCK, &one, &before);
+  kill(getpid(), SIGUSR1);  // would end the program
+  int signal = 0;
+  EXPECT_EQ(sigwait(&one, &signal), 0);
+  pthread_sigmask(SIG_SETMASK, &before, nullptr);
+}
+
+TEST_F(Remote, ClientThatNamesAPipeKeepsNobodyWaiting) {
+  start();
+  const std::string pipe = folder_ / "pipe";
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  std::string command = "led 0 load " + pipe;
+  EXPECT_LT(sh_process_command(0, command.data()), 0);
+  EXPECT_EQ(bcm_vlan_create(0, 10), 0);
+}
+
+TEST_F(Remote, ServerEndsWhileClientsComeAndGo) {
+  std::vector<std::unique_ptr<RawClient>> silent;
+  for (int i = 0; i < 100; ++i) {
+    silent.push_back(std::make_unique<RawClient>(server_->path(), false));
+    for (int probe = 0; probe < 5; ++probe) const RawClient gone(server_->path(), false);
+  }
+  server_->stop();  // the test would hang
+  EXPECT_EQ(silent.back()->hear(), "(end)");
+}
+
 TEST_F(Remote, ChildOfAForkIsAClientOfItsOwn) {
   start();
   ASSERT_EQ(bcm_linkscan_register(0, &count_link), 0);
@@ -447,42 +534,6 @@ TEST(RemoteVersion, ThatDiffersIsOneClearLine) {
 }
 
 // -------------------------------------------------------------------------------------- clients that misbehave ----
-
-/// A client that says what it likes.
-class RawClient {
- public:
-  explicit RawClient(const std::string& path, bool greets = true)
-      : socket_(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    path.copy(address.sun_path, sizeof address.sun_path - 1);
-    EXPECT_EQ(connect(socket_, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
-    if (!greets) return;
-    say("swsdk-chip 1 raw\n");
-    EXPECT_EQ(hear(), "swsdk-chip 1");
-    EXPECT_TRUE(hear().starts_with("units("));
-  }
-  ~RawClient() { close(socket_); }
-  RawClient(const RawClient&) = delete;
-  RawClient& operator=(const RawClient&) = delete;
-
-  bool say(const std::string& text) const {
-    return send(socket_, text.data(), text.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(text.size());
-  }
-  /// The next line; "(end)" when the chip ends the conversation.
-  std::string hear() const {
-    std::string line;
-    char byte = 0;
-    while (recv(socket_, &byte, 1, 0) == 1) {
-      if (byte == '\n') return line;
-      line += byte;
-    }
-    return "(end)";
-  }
-
- private:
-  const int socket_;
-};
 
 TEST_F(Remote, ClientIsAnsweredInTheTextOfRecordings) {
   start();

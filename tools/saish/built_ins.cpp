@@ -72,11 +72,7 @@ void show(Session& /*session*/, const Words& arguments) {
   if (!known) throw BadInput("there is no table \"" + arguments[0] + "\"; the tables are " + table_names());
   const int unit = unit_at(arguments, 1);
 
-  const long length = swsdk_show(unit, arguments[0].c_str(), nullptr, 0);
-  if (length < 0) throw BadInput("unit " + std::to_string(unit) + " is not attached");
-  std::string text(static_cast<std::size_t>(length), '\0');
-  swsdk_show(unit, arguments[0].c_str(), text.data(), text.size() + 1);
-  std::fputs(text.c_str(), stdout);
+  std::fputs(shown_table(unit, arguments[0]).c_str(), stdout);
 }
 
 void fail(Session& /*session*/, const Words& arguments) {

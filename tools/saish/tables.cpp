@@ -181,13 +181,22 @@ std::string link_commands(const std::vector<Table>& tables) {
 
 }  // namespace
 
+std::string shown_table(int unit, const std::string& table) {
+  const long length = swsdk_show(unit, table.c_str(), nullptr, 0);
+  if (length < 0) throw BadInput("unit " + std::to_string(unit) + " is not attached");
+  std::string text(static_cast<std::size_t>(length), '\0');
+  // Another process may change the table, or the chip, between the two.
+  const long shown = swsdk_show(unit, table.c_str(), text.data(), text.size() + 1);
+  text.resize(std::min(text.size(), static_cast<std::size_t>(std::max(shown, 0L))));
+  return text;
+}
+
 std::vector<Table> tables() {
   std::vector<Table> result;
   for (int unit = 0; unit < soc_ndev; ++unit)
     for (int i = 0; swsdk_show_table(i) != nullptr; ++i) {
       const char* const name = swsdk_show_table(i);
-      std::string text(static_cast<std::size_t>(swsdk_show(unit, name, nullptr, 0)), '\0');
-      swsdk_show(unit, name, text.data(), text.size() + 1);
+      const std::string text = shown_table(unit, name);
       result.push_back({name + (soc_ndev > 1 ? " of unit " + std::to_string(unit) : ""), lines_of(text)});
     }
   return result;

@@ -11,6 +11,9 @@ struct Table {
   std::vector<std::string> lines;
 };
 
+/// One of the chip's tables as text. Throws BadInput when there is no such unit.
+std::string shown_table(int unit, const std::string& table);
+
 /// Of all units.
 std::vector<Table> tables();
 

@@ -33,6 +33,7 @@ Switch::Switch(saish::Session& session, Options options)
     : session_(session),
       options_(std::move(options)),
       starts_(swsdk_starts(unit)),
+      is_on_(starts_ > 0),
       commands_(gives_commands(STDIN_FILENO)) {
   session_.capture().pass_to([this](const swsdk_out& out) { transmit(out); });
   session_.capture().watch(unit);
@@ -100,7 +101,8 @@ void Switch::transmit(const swsdk_out& out) {
 /// Another process can have switched the chip off and on, or requested an interface.
 void Switch::follow_chip() {
   const int starts = swsdk_starts(unit);
-  if (starts == 0) return;
+  is_on_ = starts > 0;
+  if (!is_on_) return;
   if (starts != starts_) {
     starts_ = starts;
     session_.capture().watch(unit);
@@ -187,7 +189,7 @@ void Switch::pass_frames(int signals) {
     bool waits = true;
     for (const auto& [port, attachment] : ports_) {
       polled.push_back({attachment->descriptor(), POLLIN, 0});
-      waits = waits && !(attachment->has_frames() && starts_ > 0);
+      waits = waits && !(attachment->has_frames() && is_on_);
     }
     for (const HostInterface& host : host_interfaces_)
       polled.push_back({host.attachment == nullptr ? -1 : host.attachment->descriptor(), POLLIN, 0});
@@ -202,7 +204,7 @@ void Switch::pass_frames(int signals) {
     auto next = polled.begin() + static_cast<std::ptrdiff_t>(first_port);
     // Frames of files wait until another process has switched the chip on.
     for (const auto& [port, attachment] : ports_)
-      if ((next++)->revents != 0 || (attachment->has_frames() && starts_ > 0))
+      if ((next++)->revents != 0 || (attachment->has_frames() && is_on_))
         attachment->receive([at = port](Bytes frame) { receive_at(at, frame); });
     for (const HostInterface& host : host_interfaces_)
       if ((next++)->revents != 0) host.attachment->receive([](Bytes frame) { receive_at(cpu_port, frame); });

@@ -3,6 +3,7 @@
 
 #include <swsdk/frames.h>
 
+#include <atomic>
 #include <chrono>
 #include <map>
 #include <memory>
@@ -66,10 +67,11 @@ class Switch {
   std::mutex attachments_lock_;
   std::vector<HostInterface> host_interfaces_;
   int starts_;  // of the chip that is known
+  bool is_on_;
   std::chrono::steady_clock::time_point now_ = std::chrono::steady_clock::now();
-  bool commands_ = false;  // more commands can come
-  bool had_trouble_ = false;
-  std::string typed_;  // part of a command line that is not complete yet
+  bool commands_ = false;                  // more commands can come
+  std::atomic<bool> had_trouble_ = false;  // a client's frame can cause it, too
+  std::string typed_;                      // part of a command line that is not complete yet
 };
 
 }  // namespace vswitch
