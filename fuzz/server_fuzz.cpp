@@ -14,6 +14,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdint>
 #include <cstring>
 #include <string>
@@ -62,7 +63,9 @@ void greet(int client, int events) {
 
 /// Says the first part of the text for events, and of the rest a line, or several of one answer, for each request.
 void serve(int listener, const std::string& events, const std::string& answers) {
-  const int client = accept(listener, nullptr, nullptr);
+  int client = -1;
+  do client = accept(listener, nullptr, nullptr);
+  while (client < 0 && errno == EINTR);  // the fuzzer has an alarm
   int ends[2];
   require(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) == 0, "no socket for events");
   greet(client, ends[1]);
@@ -74,7 +77,9 @@ void serve(int listener, const std::string& events, const std::string& answers) 
   send(client, answers.data(), answers.size(), MSG_NOSIGNAL);
   shutdown(client, SHUT_WR);
   char piece[4096];
-  while (recv(client, piece, sizeof piece, 0) > 0) continue;
+  ssize_t length = 0;
+  do length = recv(client, piece, sizeof piece, 0);
+  while (length > 0 || (length < 0 && errno == EINTR));
   close(client);
 }
 
