@@ -47,7 +47,9 @@ dpkg-gensymbols -plibsai1 -Plibsai1 -c4 -I"$packaging/libsai1.symbols" -Olibsai1
   -e"$(echo libsai1/usr/lib/*/libsai.so)" >symbols.diff || { cat symbols.diff >&2; exit 1; }
 
 for package in "${packages[@]}"; do
-  mapfile -t files < <(find "$package/usr" -type f \( -path '*/bin/*' -o -name '*.so' \) | sort)
+  # Scripts have neither symbols nor libraries.
+  mapfile -t files < <(find "$package/usr" -type f \( -path '*/bin/*' -o -name '*.so' \) \
+    -exec sh -c '[ "$(head -c 4 "$1")" = "$(printf "\177ELF")" ]' - {} \; -print | sort)
   build_ids=()
   for file in "${files[@]}"; do
     build_id=$(readelf --notes "$file" | sed -n 's/.*Build ID: //p')
