@@ -43,7 +43,7 @@ pid_t started(const std::vector<std::string>& command, const std::vector<std::st
 }  // namespace
 
 Folder::Folder() {
-  std::string name = "/tmp/remote-XXXXXX";
+  std::string name = "/tmp/remote-" + std::string(6, 'X');
   if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("cannot make a folder");
   path_ = name;
 }

@@ -41,7 +41,7 @@ extern "C" {
  *
  * @param path    a UNIX socket to create, with mode 0600; up to 107 bytes. One that a dead process left there is
  *                replaced
- * @param reason  written when the result is -1: what is wrong, and what would be right
+ * @param reason  null, or written when the result is -1: what is wrong, and what would be right
  * @return 0, or -1 when this process listens already or is a client itself, a living process listens at the path, it is
  *         something else than a socket, or cannot be created
  */
@@ -54,7 +54,7 @@ void swsdk_listen_end(void);
  * Makes this process a client of another one's chip, or no longer. No other call may be running.
  *
  * @param path    where that chip listens; null: the chip is inside this process again
- * @param reason  written when the result is -1: what is wrong, and what would be right
+ * @param reason  null, or written when the result is -1: what is wrong, and what would be right
  * @return 0, or -1 when the chip inside this process is up, or nothing listens at the path that this library can use;
  *         nothing is changed then
  */
