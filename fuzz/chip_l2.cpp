@@ -298,7 +298,11 @@ void fuzz_mirrors(Input& input) {
       }
     }
   }
-  require(mirrors.destinations() == destinations && mirrors.sources() == sources, "other mirrors are there");
+  const auto is_same = [](const auto& one, const auto& other) {
+    return one.first == other.first && one.second == other.second;
+  };
+  require(mirrors.destinations() == destinations && std::ranges::equal(mirrors.sources(), sources, is_same),
+          "other mirrors are there");
 }
 
 }  // namespace fuzz

@@ -16,6 +16,7 @@
 #include "api/journal.h"
 #include "api/remote_chip.h"
 #include "api/units.h"
+#include "chip/origin.h"
 #include "chip/status.h"
 
 namespace api {
@@ -92,6 +93,7 @@ class Call {
     if (remote_chip() != nullptr)
       return with_arguments([&](Arguments all) { return call_remote(Kind::call, function_, all, gone); });
     const Entrance entrance = enter(function_, unit_, refusal());
+    const chip::CallInProgress in_progress;  // to which what the body makes is due
     const int rv = entrance.chip == nullptr ? entrance.refusal : code(body(*entrance.chip));
     record_as(entrance.kind, rv);
     return rv;

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "api/frame_log.h"
 #include "api/journal.h"
 
 namespace api {
@@ -31,6 +32,7 @@ class Caller {
   virtual void add_to_answer(std::string_view line) = 0;
 
   Journal journal;
+  Watches watches;
 
   /// How the present call was answered: its kind, a blank and its outputs. Empty while it has no answer.
   std::string answered;

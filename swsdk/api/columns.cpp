@@ -5,7 +5,7 @@
 
 #include "api/arguments.h"
 
-std::string api::columns(const std::vector<Row>& rows) {
+std::string api::columns(const Rows& rows) {
   std::vector<std::size_t> widths(rows.front().size());
   for (const Row& row : rows)
     for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], row[i].size());

@@ -13,9 +13,11 @@
 namespace api {
 
 using Row = std::vector<std::string>;
+/// A table: its headings, then a row for each entry.
+using Rows = std::vector<Row>;
 
 /// The rows with their cells in columns, two blanks apart.
-std::string columns(const std::vector<Row>& rows);
+std::string columns(const Rows& rows);
 
 /// The names of the flags that are set, or "-".
 std::string flag_names(uint32_t flags, std::initializer_list<std::pair<uint32_t, const char*>> names);

@@ -6,6 +6,8 @@
 
 #include "api/call.h"
 #include "api/events.h"
+#include "api/frame_log.h"
+#include "api/way.h"
 
 namespace {
 
@@ -85,11 +87,25 @@ int swsdk_frame_send(int unit, int port, const void* data, size_t length) {
   const auto receive = [&](const chip::Chip& chip) {
     const chip::Port in_port = chip::Port::of(port);
     if (!chip.ports.has(in_port)) return -1;
-    api::Unit& attached = *api::find_unit(unit);
-    Handlers wire(unit, attached.frame_handlers, in_port);
-    return static_cast<int>(attached.pipeline->receive(in_port, {bytes, length}, wire));
+    Handlers wire(unit, api::find_unit(unit)->frame_handlers, in_port);
+    return static_cast<int>(api::receive_watched(unit, in_port, {bytes, length}, wire));
   };
   return api::act(__func__, unit, receive, port, api::bytes(bytes, static_cast<unsigned>(length)), length);
+}
+
+long swsdk_frame_trace(int unit, int port, const void* data, size_t length, char* buffer, size_t size) {
+  if (data == nullptr) return -1;
+  const auto* const bytes = static_cast<const uint8_t*>(data);
+  const std::size_t room = std::min(size, api::max_text);
+  const auto trace = [&](const chip::Chip& chip) {
+    const chip::Port in_port = chip::Port::of(port);
+    if (!chip.ports.has(in_port)) return -1L;
+    api::Way way(api::Way::Detail::all, nullptr);
+    api::find_unit(unit)->pipeline->try_out(in_port, {bytes, length}, way, way);
+    return static_cast<long>(api::copy_out(way.text(), buffer, room));
+  };
+  return api::ask_chip(__func__, unit, trace, -1L, port, api::bytes(bytes, static_cast<unsigned>(length)), length,
+                       api::text_out(buffer, room), room);
 }
 
 int swsdk_netif_get(int unit, int index, swsdk_netif* netif) {
@@ -111,8 +127,19 @@ const char* swsdk_drop_name(int reason) {
 }
 
 long long swsdk_drops(int unit, int reason) {
-  const auto count = [&](const chip::Chip&) {
-    return static_cast<long long>(api::find_unit(unit)->pipeline->drops(static_cast<chip::Drop>(reason)));
+  const auto count = [&](const chip::Chip& chip) {
+    long long sum = 0;
+    for (const auto& [port, counts] : chip.drops)
+      sum += static_cast<long long>(counts[static_cast<std::size_t>(reason)]);
+    return sum;
   };
   return is_reason(reason) ? api::ask_chip(__func__, unit, count, -1LL, reason) : -1;
+}
+
+long long swsdk_port_drops(int unit, int port, int reason) {
+  const auto count = [&](const chip::Chip& chip) {
+    const auto* const counts = chip.drops.find(chip::Port::of(port));
+    return counts == nullptr ? -1LL : static_cast<long long>((*counts)[static_cast<std::size_t>(reason)]);
+  };
+  return is_reason(reason) ? api::ask_chip(__func__, unit, count, -1LL, port, reason) : -1;
 }

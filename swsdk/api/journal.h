@@ -16,6 +16,9 @@ class Journal {
   Journal(const Journal&) = delete;
   Journal& operator=(const Journal&) = delete;
 
+  /// What precedes its owner's lines in the journals of others.
+  const std::string& owner() const { return owner_; }
+
   /// `on` is one of the values of swsdk_journal_record().
   void record(int on);
   int recording() const;

@@ -15,6 +15,7 @@
 #include <swsdk/field.h>
 #include <swsdk/frames.h>
 #include <swsdk/journal.h>
+#include <swsdk/watch.h>
 
 #include <array>
 #include <map>
@@ -91,6 +92,11 @@ const api::Replayable functions[] = {
     replayable("swsdk_fault_inject", &swsdk_fault_inject),
     replayable("swsdk_field_hits", &swsdk_field_hits),
     replayable("swsdk_frame_handle", &swsdk_frame_handle),
+    replayable("swsdk_frame_trace", &swsdk_frame_trace),
+    replayable("swsdk_port_drops", &swsdk_port_drops),
+    replayable("swsdk_watch_begin", &swsdk_watch_begin),
+    replayable("swsdk_watch_end", &swsdk_watch_end),
+    replayable("swsdk_watch_take", &swsdk_watch_take),
     replayable("swsdk_journal_clear", &swsdk_journal_clear),
     replayable("swsdk_journal_read_from", &swsdk_journal_read_from),
     replayable("swsdk_journal_record", &swsdk_journal_record),

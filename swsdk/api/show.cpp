@@ -15,10 +15,10 @@
 
 namespace {
 
-using api::columns;
 using api::flag_names;
 using api::mac_text;
 using api::Row;
+using api::Rows;
 
 std::string text(chip::Port port) { return std::to_string(port.number()); }
 
@@ -36,18 +36,18 @@ std::string flags_text(uint32_t flags) {
   return result.empty() ? "-" : result;
 }
 
-std::string show_vlans(const chip::Chip& chip) {
-  std::vector<Row> rows{{"VLAN", "tagged", "untagged", "flags"}};
+Rows show_vlans(const chip::Chip& chip) {
+  Rows rows{{"VLAN", "tagged", "untagged", "flags"}};
   for (const auto& [id, vlan] : chip.vlans.all())
     rows.push_back(
         {std::to_string(id), text(vlan.members - vlan.untagged), text(vlan.untagged), flags_text(vlan.control.flags)});
-  return columns(rows);
+  return rows;
 }
 
 const char* duplex_text(chip::Duplex duplex) { return duplex == chip::Duplex::full ? "full" : "half"; }
 
-std::string show_ports(const chip::Chip& chip) {
-  std::vector<Row> rows{{"port", "kind", "state", "speed", "duplex", "tagged in", "untagged in"}};
+Rows show_ports(const chip::Chip& chip) {
+  Rows rows{{"port", "kind", "state", "speed", "duplex", "tagged in", "untagged in"}};
   for (const chip::Port port : chip.ports.all()) {
     std::string tagged;
     std::string untagged;
@@ -66,33 +66,33 @@ std::string show_ports(const chip::Chip& chip) {
     row.push_back(untagged.empty() ? "-" : untagged);
     rows.push_back(std::move(row));
   }
-  return columns(rows);
+  return rows;
 }
 
-std::string show_l2_cache(const chip::Chip& chip) {
+Rows show_l2_cache(const chip::Chip& chip) {
   constexpr uint32_t to_cpu = 0x1;
-  std::vector<Row> rows{{"index", "MAC", "mask", "flags"}};
+  Rows rows{{"index", "MAC", "mask", "flags"}};
   for (const auto& [index, entry] : chip.l2_cache.all())
     rows.push_back({std::to_string(index), mac_text(entry.mac), mac_text(entry.mac_mask),
                     flag_names(entry.flags, {{to_cpu, "to-cpu"}, {chip::L2CacheEntry::bpdu, "bpdu"}})});
-  return columns(rows);
+  return rows;
 }
 
 /// The controls that are not 0 everywhere, by number: for a control per port its ports, else the value for the chip.
-std::string show_switch_controls(const chip::Chip& chip) {
-  std::vector<Row> rows{{"control", "value"}};
+Rows show_switch_controls(const chip::Chip& chip) {
+  Rows rows{{"control", "value"}};
   for (const auto& [control, of_each_port, name] : chip::SwitchControls::infos()) {
     const int of_chip = *chip.switch_controls.get(control);
     const chip::PortSet& on = chip.switch_controls.ports_with(static_cast<chip::SwitchControlOfPort>(control));
     if (of_each_port && !on.empty()) rows.push_back({name, "on ports " + text(on)});
     if (!of_each_port && of_chip != 0) rows.push_back({name, std::to_string(of_chip)});
   }
-  return columns(rows);
+  return rows;
 }
 
-std::string show_filters(const chip::Chip& chip) {
+Rows show_filters(const chip::Chip& chip) {
   using chip::PortFilters;
-  std::vector<Row> rows{{"port", "checks VLANs at", "floods kept from the CPU"}};
+  Rows rows{{"port", "checks VLANs at", "floods kept from the CPU"}};
   for (const chip::Port port : chip.ports.all())
     rows.push_back({text(port),
                     flag_names(chip.port_filters.membership_checks(port),
@@ -101,30 +101,30 @@ std::string show_filters(const chip::Chip& chip) {
                                {{PortFilters::broadcast, "broadcast"},
                                 {PortFilters::unknown_unicast, "unknown unicast"},
                                 {PortFilters::unknown_multicast, "unknown multicast"}})});
-  return columns(rows);
+  return rows;
 }
 
-std::string show_network_interfaces(const chip::Chip& chip) {
-  std::vector<Row> rows{{"id", "name", "MAC", "type", "flags"}};
+Rows show_network_interfaces(const chip::Chip& chip) {
+  Rows rows{{"id", "name", "MAC", "type", "flags"}};
   for (const auto& [id, netif] : chip.network_interfaces.all())
     rows.push_back({std::to_string(id), netif.name, mac_text(netif.mac), std::to_string(netif.type),
                     api::text(api::hex(netif.flags))});
-  return columns(rows);
+  return rows;
 }
 
-std::string show_leds(const chip::Chip& chip) {
-  std::vector<Row> rows{{"processor", "program", "auto", "state"}};
+Rows show_leds(const chip::Chip& chip) {
+  Rows rows{{"processor", "program", "auto", "state"}};
   for (int led = 0; led < chip::LedProcessors::count; ++led) {
     const chip::LedProcessor& processor = chip.led_processors[led];
     rows.push_back({std::to_string(led), processor.loaded ? "loaded" : "-", processor.automatic ? "on" : "off",
                     processor.running ? "running" : "stopped"});
   }
-  return columns(rows);
+  return rows;
 }
 
-std::string show_translations(const chip::Chip& chip) {
+Rows show_translations(const chip::Chip& chip) {
   const chip::VlanTranslations& tables = chip.vlan_translations;
-  std::vector<Row> rows{{"direction", "port", "VLAN", "becomes", "priority"}};
+  Rows rows{{"direction", "port", "VLAN", "becomes", "priority"}};
   for (const auto& [key, to] : tables.ingress())
     rows.push_back(
         {"in", text(key.port), std::to_string(key.vlan), std::to_string(to.vlan), std::to_string(to.priority)});
@@ -142,12 +142,12 @@ std::string show_translations(const chip::Chip& chip) {
                     : action.outer_vlan != 0                                   ? std::to_string(action.outer_vlan)
                                                                                : "-",
                     std::to_string(action.priority)});
-  return columns(rows);
+  return rows;
 }
 
-std::string show_attributes(const chip::Chip& chip) {
+Rows show_attributes(const chip::Chip& chip) {
   constexpr const char* loopbacks[] = {"-", "MAC", "PHY"};
-  std::vector<Row> rows{
+  Rows rows{
       {"port", "enabled", "link", "auto", "speed", "duplex", "interface", "loopback", "pause", "frame max", "gap"}};
   for (const auto& [port, mac] : chip.port_macs.all()) {
     const int gap = chip.port_macs.gap(port, mac.speed, static_cast<int>(mac.duplex)).value_or(0);
@@ -157,12 +157,12 @@ std::string show_attributes(const chip::Chip& chip) {
                     loopbacks[static_cast<std::size_t>(mac.loopback)], flag_names(pause, {{1, "tx"}, {2, "rx"}}),
                     std::to_string(mac.frame_max), std::to_string(gap)});
   }
-  return columns(rows);
+  return rows;
 }
 
-std::string show_forwarding(const chip::Chip& chip) {
+Rows show_forwarding(const chip::Chip& chip) {
   using chip::PortForwardings;
-  std::vector<Row> rows{{"port", "unknown addresses", "untagged VLAN", "by protocol", "goes to"}};
+  Rows rows{{"port", "unknown addresses", "untagged VLAN", "by protocol", "goes to"}};
   for (const auto& [port, forwarding] : chip.port_forwarding.all()) {
     std::string protocols;
     for (const auto& [key, vlan] : chip.protocol_vlans.all())
@@ -175,53 +175,62 @@ std::string show_forwarding(const chip::Chip& chip) {
                     std::to_string(forwarding.untagged_vlan), protocols.empty() ? "-" : protocols,
                     text(forwarding.destinations)});
   }
-  return columns(rows);
+  return rows;
 }
 
 std::string rate_text(const chip::PortRate& limit) {
   if (!limit.is_limit()) return "-";
-  const auto& [unit, rate, burst] = limit;
-  return std::to_string(rate) + '/' + std::to_string(burst) + (unit == chip::RateUnit::packets ? " packets" : " kbit");
+  return std::to_string(limit.rate) + '/' + std::to_string(limit.burst) +
+         (limit.unit == chip::RateUnit::packets ? " packets" : " kbit");
 }
 
 /// The ports with a limit: their rates per second and bursts, and the packets per second of each kind of storm.
-std::string show_rates(const chip::Chip& chip) {
+Rows show_rates(const chip::Chip& chip) {
   using chip::StormRates;
-  std::vector<Row> rows{{"port", "in", "out", "broadcast", "multicast", "unknown"}};
+  Rows rows{{"port", "in", "out", "broadcast", "multicast", "unknown"}};
   const Row unlimited(rows.front().size() - 1, "-");
   for (const chip::Port port : chip.ports.all()) {
     Row limits{rate_text(chip.port_rates.ingress()[port]), rate_text(chip.port_rates.egress()[port])};
     for (const uint32_t kind : {StormRates::broadcast, StormRates::multicast, StormRates::unknown_destination}) {
-      const int* const found = chip.storm_rates.find({port, kind});
-      limits.push_back(found == nullptr ? "-" : std::to_string(*found));
+      const chip::Setting<int>* const found = chip.storm_rates.find({port, kind});
+      limits.push_back(found == nullptr ? "-" : std::to_string(found->value));
     }
     if (limits == unlimited) continue;
     limits.insert(limits.begin(), text(port));
     rows.push_back(limits);
   }
-  return columns(rows);
+  return rows;
 }
 
 /// The controls that are set and the registers that were written.
-std::string show_phys(const chip::Chip& chip) {
-  std::vector<Row> rows{{"PHY", "device", "register or control", "value"}};
+Rows show_phys(const chip::Chip& chip) {
+  Rows rows{{"PHY", "device", "register or control", "value"}};
   for (const auto& [key, value] : chip.phy_registers.all())
     rows.push_back({std::to_string(key.phy),
                     key.device == chip::PhyRegisters::clause22 ? "-" : std::to_string(key.device),
                     api::text(api::hex(key.number)), api::text(api::hex(value))});
   for (const auto& [key, value] : chip.phy_controls.all())
     rows.push_back({text(key.first), "-", chip::PhyControls::name(key.second), std::to_string(value)});
-  return columns(rows);
+  return rows;
 }
 
 /// The counters that are not 0.
-std::string show_counters(const chip::Chip& chip) {
+Rows show_counters(const chip::Chip& chip) {
   constexpr const char* names[] = BCM_STAT_NAME_INITIALIZER;
-  std::vector<Row> rows{{"port", "counter", "value"}};
+  Rows rows{{"port", "counter", "value"}};
   for (const auto& [port, counters] : chip.counters.all())
     for (std::size_t i = 0; i < counters.size(); ++i)
       if (counters[i] != 0) rows.push_back({text(port), names[i], std::to_string(counters[i])});
-  return columns(rows);
+  return rows;
+}
+
+/// The reasons for which ports have lost frames.
+Rows show_drops(const chip::Chip& chip) {
+  Rows rows{{"port", "reason", "frames"}};
+  for (const auto& [port, counts] : chip.drops)
+    for (std::size_t i = 0; i < counts.size(); ++i)
+      if (counts[i] != 0) rows.push_back({text(port), name(static_cast<chip::Drop>(i)), std::to_string(counts[i])});
+  return rows;
 }
 
 /// Tenths of a degree in degrees Celsius.
@@ -231,22 +240,23 @@ std::string degrees(int tenths) {
   return text;
 }
 
-std::string show_temperatures(const chip::Chip& chip) {
-  std::vector<Row> rows{{"sensor", "current", "peak"}};
+Rows show_temperatures(const chip::Chip& chip) {
+  Rows rows{{"sensor", "current", "peak"}};
   for (const chip::Temperature& reading : chip.temperature_sensors.all())
     rows.push_back({std::to_string(rows.size() - 1), degrees(reading.current), degrees(reading.peak)});
-  return columns(rows);
+  return rows;
 }
 
 struct Table {
   const char* name;
-  std::string (*show)(const chip::Chip& chip);
+  Rows (*rows)(const chip::Chip& chip);
 };
 
 constexpr Table tables[] = {
     {"attribute", show_attributes},
     {"control", show_switch_controls},
     {"counters", show_counters},
+    {"drops", show_drops},
     {"egress", api::show_egress_objects},
     {"field", api::show_field},
     {"filter", show_filters},
@@ -278,9 +288,9 @@ constexpr Table tables[] = {
 
 }  // namespace
 
-std::optional<std::string> api::show(const chip::Chip& chip, std::string_view table) {
+std::optional<Rows> api::table_rows(const chip::Chip& chip, std::string_view table) {
   for (const Table& candidate : tables)
-    if (table == candidate.name) return candidate.show(chip);
+    if (table == candidate.name) return candidate.rows(chip);
   return std::nullopt;
 }
 

@@ -3,18 +3,18 @@
 
 #include <cstddef>
 #include <optional>
-#include <string>
 #include <string_view>
 
+#include "api/columns.h"
 #include "chip/chip.h"
 
 namespace api {
 
 /// The table of that name, or nothing when there is none.
-std::optional<std::string> show(const chip::Chip& chip, std::string_view table);
+std::optional<Rows> table_rows(const chip::Chip& chip, std::string_view table);
 /// The name of a table by its number, from 0; null past the last.
 const char* shown_table(std::size_t index);
 
-std::string show_field(const chip::Chip& chip);
+Rows show_field(const chip::Chip& chip);
 
 }  // namespace api

@@ -98,10 +98,9 @@ std::string installed_text(const chip::FieldEntry& entry) {
 
 }  // namespace
 
-std::string api::show_field(const chip::Chip& chip) {
+api::Rows api::show_field(const chip::Chip& chip) {
   const chip::FieldProcessor& processor = chip.field_processor;
-  std::vector<Row> rows{
-      {"group", "stage", "rank", "enabled", "entry", "priority", "installed", "hits", "actions", "matches"}};
+  Rows rows{{"group", "stage", "rank", "enabled", "entry", "priority", "installed", "hits", "actions", "matches"}};
   for (const auto& [id, group] : processor.groups()) {
     const Row start{std::to_string(id), group.stage == chip::FieldStage::ingress ? "ingress" : "egress",
                     group_priority_text(group.priority), group.enabled ? "yes" : "no"};
@@ -115,5 +114,5 @@ std::string api::show_field(const chip::Chip& chip) {
         add({std::to_string(number), entry_priority_text(entry.priority), installed_text(entry),
              std::to_string(entry.hits), actions_text(entry.rule), matches_text(entry.rule)});
   }
-  return columns(rows);
+  return rows;
 }

@@ -61,9 +61,9 @@ std::string or_dash(const std::string& text) { return text.empty() ? "-" : text;
 
 }  // namespace
 
-std::string api::show_learn_limits(const chip::Chip& chip) {
+api::Rows api::show_learn_limits(const chip::Chip& chip) {
   using chip::LearnLimit;
-  std::vector<Row> rows{{"learned", "of at most", "in", "then", "heeded"}};
+  Rows rows{{"learned", "of at most", "in", "then", "heeded"}};
   for (const auto& [scope, limit] : chip.learn_limits.all())
     rows.push_back(
         {std::to_string(chip.mac_table.learned(scope)),
@@ -71,11 +71,11 @@ std::string api::show_learn_limits(const chip::Chip& chip) {
          flag_names(limit.actions,
                     {{LearnLimit::drop, "drop"}, {LearnLimit::to_cpu, "to-cpu"}, {LearnLimit::prefer, "prefer"}}),
          chip.learn_limits.enabled() ? "yes" : "no"});
-  return columns(rows);
+  return rows;
 }
 
-std::string api::show_mac_table(const chip::Chip& chip) {
-  std::vector<Row> rows{{"VLAN", "MAC", "at", "kind", "hit"}};
+api::Rows api::show_mac_table(const chip::Chip& chip) {
+  Rows rows{{"VLAN", "MAC", "at", "kind", "hit"}};
   for (const MacEntry& entry : chip.mac_table.all())
     rows.push_back({std::to_string(entry.vlan), mac_text(entry.mac), where_text(entry),
                     flag_names(entry.flags, {{MacEntry::fixed, "static"},
@@ -84,18 +84,18 @@ std::string api::show_mac_table(const chip::Chip& chip) {
                                              {MacEntry::copy_to_cpu, "copy-to-cpu"}}),
                     flag_names((entry.source_hit ? 1U : 0U) | (entry.destination_hit ? 2U : 0U),
                                {{1, "source"}, {2, "destination"}})});
-  return columns(rows);
+  return rows;
 }
 
-std::string api::show_mac_vlans(const chip::Chip& chip) {
-  std::vector<Row> rows{{"MAC", "VLAN", "priority"}};
+api::Rows api::show_mac_vlans(const chip::Chip& chip) {
+  Rows rows{{"MAC", "VLAN", "priority"}};
   for (const auto& [mac, to] : chip.mac_vlans.all())
     rows.push_back({mac_text(mac), std::to_string(to.vlan), std::to_string(to.priority)});
-  return columns(rows);
+  return rows;
 }
 
-std::string api::show_mirrors(const chip::Chip& chip) {
-  std::vector<Row> rows{{"session", "to port", "mode", "sources", "ingress", "egress"}};
+api::Rows api::show_mirrors(const chip::Chip& chip) {
+  Rows rows{{"session", "to port", "mode", "sources", "ingress", "egress"}};
   for (const auto& [id, to] : chip.mirrors.destinations()) {
     chip::PortSet sources;
     chip::PortSet ingress;
@@ -110,11 +110,11 @@ std::string api::show_mirrors(const chip::Chip& chip) {
     rows.push_back({std::to_string(id.number()), place_text(to), mode_text(chip.mirrors.mode()), text(sources),
                     text(ingress), text(egress)});
   }
-  return columns(rows);
+  return rows;
 }
 
-std::string api::show_spanning_trees(const chip::Chip& chip) {
-  std::vector<Row> rows{{"group", "VLANs", "disabled", "blocking", "listening", "learning", "forwarding"}};
+api::Rows api::show_spanning_trees(const chip::Chip& chip) {
+  Rows rows{{"group", "VLANs", "disabled", "blocking", "listening", "learning", "forwarding"}};
   for (const auto& [id, states] : chip.spanning_trees.all()) {
     std::string vlans;
     for (const auto& [vlan, record] : chip.vlans.all())
@@ -128,11 +128,11 @@ std::string api::show_spanning_trees(const chip::Chip& chip) {
     }
     rows.push_back(row);
   }
-  return columns(rows);
+  return rows;
 }
 
-std::string api::show_subnet_vlans(const chip::Chip& chip) {
-  std::vector<Row> rows{{"subnet", "VLAN", "priority"}};
+api::Rows api::show_subnet_vlans(const chip::Chip& chip) {
+  Rows rows{{"subnet", "VLAN", "priority"}};
   for (const auto& [subnet, to] : chip.subnet_vlans.all()) {
     const chip::Ip6& a = subnet.address;
     const std::string address =
@@ -141,15 +141,15 @@ std::string api::show_subnet_vlans(const chip::Chip& chip) {
     rows.push_back(
         {address + "/" + std::to_string(subnet.prefix), std::to_string(to.vlan), std::to_string(to.priority)});
   }
-  return columns(rows);
+  return rows;
 }
 
-std::string api::show_trunks(const chip::Chip& chip) {
-  std::vector<Row> rows{{"trunk", "picks by", "members"}};
+api::Rows api::show_trunks(const chip::Chip& chip) {
+  Rows rows{{"trunk", "picks by", "members"}};
   for (const auto& [id, trunk] : chip.trunks.all()) {
     std::string members;
     for (const chip::Port port : trunk.members) append(members, port.number());
     rows.push_back({std::to_string(id.number()), criterion_text(trunk.criterion), or_dash(members)});
   }
-  return columns(rows);
+  return rows;
 }

@@ -50,45 +50,45 @@ std::string burst_text(const chip::Meter& meter) {
 
 }  // namespace
 
-std::string api::show_l3_interfaces(const chip::Chip& chip) {
-  std::vector<Row> rows{{"interface", "VRF", "MAC", "VLAN", "TTL", "flags"}};
+api::Rows api::show_l3_interfaces(const chip::Chip& chip) {
+  Rows rows{{"interface", "VRF", "MAC", "VLAN", "TTL", "flags"}};
   for (const auto& [id, interface] : chip.l3_interfaces.all())
     rows.push_back({to_string(id), to_string(interface.vrf), mac_text(interface.mac),
                     vlans_text(interface.vlan, interface.inner_vlan), to_string(interface.ttl),
                     flag_names(interface.flags, {{BCM_L3_ADD_TO_ARL, "in-mac-table"}, {BCM_L3_IPMC, "multicast"}})});
-  return columns(rows);
+  return rows;
 }
 
-std::string api::show_egress_objects(const chip::Chip& chip) {
-  std::vector<Row> rows{{"egress", "interface", "MAC", "VLAN", "port", "used by"}};
+api::Rows api::show_egress_objects(const chip::Chip& chip) {
+  Rows rows{{"egress", "interface", "MAC", "VLAN", "port", "used by"}};
   for (const auto& [id, object] : chip.egress_objects.all())
     rows.push_back({to_string(id), to_string(object.interface), mac_text(object.mac), vlans_text(object.vlan, 0),
                     place_text(object.place), to_string(chip.hosts.uses(id) + chip.routes.uses(id))});
-  return columns(rows);
+  return rows;
 }
 
-std::string api::show_hosts(const chip::Chip& chip) {
-  std::vector<Row> rows{{"host", "VRF", "by", "MAC", "port", "flags", "hit"}};
+api::Rows api::show_hosts(const chip::Chip& chip) {
+  Rows rows{{"host", "VRF", "by", "MAC", "port", "flags", "hit"}};
   for (const auto& [key, host] : chip.hosts.all())
     rows.push_back({text(ip4(key.address)), to_string(key.vrf), target_text(host.interface), mac_text(host.next_hop),
                     place_text(host.place), flag_names(host.flags, {{BCM_L3_L2TOCPU, "to-cpu"}}), hit_text(host.hit)});
-  return columns(rows);
+  return rows;
 }
 
-std::string api::show_routes(const chip::Chip& chip) {
+api::Rows api::show_routes(const chip::Chip& chip) {
   constexpr uint32_t local = 0x4000;  // the SDK's name for this flag has another value
-  std::vector<Row> rows{{"subnet", "VRF", "by", "next hop", "MAC", "port", "flags", "hit"}};
+  Rows rows{{"subnet", "VRF", "by", "next hop", "MAC", "port", "flags", "hit"}};
   for (const auto& [key, route] : chip.routes.all())
     rows.push_back({text(ip4(key.subnet)) + "/" + to_string(key.length), to_string(key.vrf),
                     target_text(route.interface), text(ip4(route.next_hop_ip)), mac_text(route.next_hop),
                     place_text(route.place), flag_names(route.flags, {{BCM_L3_DEFIP_CPU, "to-cpu"}, {local, "local"}}),
                     hit_text(route.hit)});
-  return columns(rows);
+  return rows;
 }
 
 /// A line per encapsulation of a group, with the ports that have a copy in it.
-std::string api::show_multicast_groups(const chip::Chip& chip) {
-  std::vector<Row> rows{{"group", "type", "ports", "encapsulation"}};
+api::Rows api::show_multicast_groups(const chip::Chip& chip) {
+  Rows rows{{"group", "type", "ports", "encapsulation"}};
   for (const auto& [id, group] : chip.multicast_groups.all()) {
     if (group.members.empty()) rows.push_back({to_string(id.number()), type_text(group.type), "-", "-"});
     std::map<int, chip::PortSet> ports;
@@ -96,27 +96,27 @@ std::string api::show_multicast_groups(const chip::Chip& chip) {
     for (const auto& [encapsulation, set] : ports)
       rows.push_back({to_string(id.number()), type_text(group.type), text(set), encapsulation_text(encapsulation)});
   }
-  return columns(rows);
+  return rows;
 }
 
-std::string api::show_multicast_routes(const chip::Chip& chip) {
-  std::vector<Row> rows{{"address", "source", "VLAN", "VRF", "group", "interface", "flags"}};
+api::Rows api::show_multicast_routes(const chip::Chip& chip) {
+  Rows rows{{"address", "source", "VLAN", "VRF", "group", "interface", "flags"}};
   for (const auto& [key, route] : chip.multicast_routes.all())
     rows.push_back({address_text(key.address, key.ip6),
                     key.source == chip::Ip6{} ? "*" : address_text(key.source, key.ip6), to_string(key.vlan),
                     to_string(key.vrf), to_string(route.group.number()), to_string(route.interface),
                     flag_names(route.flags, {{BCM_IPMC_SOURCE_PORT_NOCHECK, "from-any-port"}})});
-  return columns(rows);
+  return rows;
 }
 
-std::string api::show_virtual_ports(const chip::Chip& chip) {
+api::Rows api::show_virtual_ports(const chip::Chip& chip) {
   std::map<chip::VirtualPortId, std::string> members;
   for (const auto& [id, vlan] : chip.vlans.all())
     for (const chip::VirtualPortId member : vlan.virtual_members) {
       std::string& list = members[member];
       list += (list.empty() ? "" : ",") + to_string(id);
     }
-  std::vector<Row> rows{{"virtual port", "port", "match", "becomes", "in VLANs", "network groups", "flags"}};
+  Rows rows{{"virtual port", "port", "match", "becomes", "in VLANs", "network groups", "flags"}};
   for (const auto& [id, virtual_port] : chip.virtual_ports.all()) {
     const bool stacked = virtual_port.criteria == chip::VirtualPort::match_port_vlan_stacked;
     rows.push_back({to_string(id.number()), place_text(virtual_port.port),
@@ -131,14 +131,14 @@ std::string api::show_virtual_ports(const chip::Chip& chip) {
                                                     {BCM_VLAN_PORT_TRANSPARENT, "transparent"},
                                                     {BCM_VLAN_PORT_VLAN_TRANSLATION, "translates"}})});
   }
-  return columns(rows);
+  return rows;
 }
 
-std::string api::show_policers(const chip::Chip& chip) {
-  std::vector<Row> rows{{"policer", "mode", "kbit/s", "burst", "peak kbit/s", "peak burst", "flags", "attached"}};
+api::Rows api::show_policers(const chip::Chip& chip) {
+  Rows rows{{"policer", "mode", "kbit/s", "burst", "peak kbit/s", "peak burst", "flags", "attached"}};
   for (const auto& [id, policer] : chip.policers.all())
     rows.push_back({to_string(id), to_string(policer.mode), to_string(policer.committed.kilobits_per_second),
                     burst_text(policer.committed), to_string(policer.peak.kilobits_per_second),
                     burst_text(policer.peak), text(hex(policer.flags)), to_string(policer.attached)});
-  return columns(rows);
+  return rows;
 }

@@ -16,8 +16,8 @@ long swsdk_show(int unit, const char* table, char* buffer, size_t size) {
     api::Unit* const attached = api::find_unit(unit);
     if (attached == nullptr || table == nullptr) return -1;
     const std::lock_guard guard(attached->lock);
-    const std::optional<std::string> shown = attached->chip ? api::show(*attached->chip, table) : std::nullopt;
-    return shown ? static_cast<long>(api::copy_out(*shown, buffer, room)) : -1;
+    const std::optional<api::Rows> rows = attached->chip ? api::table_rows(*attached->chip, table) : std::nullopt;
+    return rows ? static_cast<long>(api::copy_out(api::columns(*rows), buffer, room)) : -1;
   };
   return api::ask(__func__, show, -1L, unit, table, api::text_out(buffer, room), room);
 }

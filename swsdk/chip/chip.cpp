@@ -39,6 +39,7 @@ void Chip::reset() {
   port_rates.reset();
   storm_rates.clear();
   counters.reset();
+  drops.fill({});
   protocol_vlans.clear();
   switch_controls.reset();
   mac_table.reset();

@@ -69,6 +69,7 @@ struct Chip {
   PortRates port_rates;
   StormRates storm_rates;
   Counters counters;
+  DropCounts drops{ports.all()};
   TemperatureSensors temperature_sensors;
   ProtocolVlans protocol_vlans;
   SwitchControls switch_controls;

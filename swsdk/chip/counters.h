@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "chip/pipeline/drop.h"
 #include "chip/port_table.h"
 #include "chip/ports.h"
 #include "chip/status.h"
@@ -51,5 +52,8 @@ class Counters {
 
   PortTable<Values> counters_;
 };
+
+/// How many frames, or copies, each port has lost, by reason.
+using DropCounts = PortTable<std::array<uint64_t, drop_count>>;
 
 }  // namespace chip

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "chip/hashed_map.h"
+#include "chip/origin.h"
 #include "chip/place.h"
 #include "chip/status.h"
 #include "chip/vlan_id.h"
@@ -37,6 +38,7 @@ struct EgressAction {
   int inner_packet_priority = 0;
   int outer_cfi = 0;
   int inner_cfi = 0;
+  Origin origin{};
 };
 
 class EgressActions {

@@ -9,6 +9,7 @@
 #include "chip/addresses.h"
 #include "chip/hash.h"
 #include "chip/keyed_slots.h"
+#include "chip/origin.h"
 #include "chip/place.h"
 
 namespace chip {
@@ -18,6 +19,7 @@ struct EgressObject {
   Mac mac{};
   uint16_t vlan = 0;
   Place place{};
+  Origin origin{};
 
   bool operator==(const EgressObject&) const = default;
   std::size_t hash() const { return hash_of(interface, number_of(mac), vlan, number_of(place)); }

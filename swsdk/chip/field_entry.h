@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "chip/field_qualifiers.h"
+#include "chip/origin.h"
 
 namespace chip {
 
@@ -41,6 +42,7 @@ struct FieldEntry {
   std::optional<FieldRule> installed;  // as written to hardware
   uint64_t installation = 0;           // sequence number of its installation
   uint64_t hits = 0;                   // frames that matched since then
+  Origin origin{};                     // of what is installed
 };
 
 }  // namespace chip

@@ -167,6 +167,7 @@ Status FieldProcessor::set_priority(int entry, int priority) {
   return with_entry(entry, [&](FieldEntry& found) {
     if (priority < FieldEntry::default_priority) return Status::bad_parameter;
     found.priority = priority;
+    found.origin = {};
     indexed_ = false;
     return Status::ok;
   });
@@ -177,6 +178,7 @@ Status FieldProcessor::install(int entry) {
     if (found.installed) return Status::exists;
     found.installed = found.rule;
     found.installation = ++installations_;
+    found.origin = {};
     found.hits = 0;
     indexed_ = false;
     return Status::ok;
@@ -187,6 +189,7 @@ Status FieldProcessor::reinstall(int entry) {
   return with_entry(entry, [&](FieldEntry& found) {
     if (!found.installed) return Status::not_found;
     found.installed = found.rule;
+    found.origin = {};
     indexed_ = false;
     return Status::ok;
   });
@@ -245,6 +248,19 @@ void FieldProcessor::forget_policers() {
     entry.rule.policers = {};
     if (entry.installed) entry.installed->policers = {};
   }
+}
+
+// ------------------------------------------------------------------------------------------------------ hits ----
+
+FieldProcessor::Hits FieldProcessor::hits() const {
+  Hits result;
+  for (const auto& [id, entry] : entries_.all()) result.push_back(entry.hits);
+  return result;
+}
+
+void FieldProcessor::restore(const Hits& hits) {
+  auto hit = hits.begin();
+  for (const auto& [id, entry] : entries_.all()) entries_.find(id)->hits = *hit++;
 }
 
 // ---------------------------------------------------------------------------------------------------- lookup ----

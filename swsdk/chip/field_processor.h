@@ -123,6 +123,12 @@ class FieldProcessor {
   /// Matches a frame against the installed entries and counts the hits.
   FieldVerdict classify(FieldStage stage, const FrameFields& frame);
 
+  /// How often each entry was hit, in the order of their ids.
+  using Hits = std::vector<uint64_t>;
+  Hits hits() const;
+  /// Of the same entries.
+  void restore(const Hits& hits);
+
   const std::map<int, FieldGroup>& groups() const { return groups_.all(); }
   const std::map<int, FieldEntry>& entries() const { return entries_.all(); }
   const FieldEntry* find_entry(int id) const { return entries_.find(id); }

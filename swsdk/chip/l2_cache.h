@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "chip/addresses.h"
+#include "chip/origin.h"
 #include "chip/place.h"
 #include "chip/slots.h"
 
@@ -19,6 +20,7 @@ struct L2CacheEntry {
   uint16_t vlan_mask = 0;
   Port source_port{};
   int source_port_mask = 0;
+  Origin origin{};
 };
 
 class L2Cache {

@@ -6,8 +6,10 @@
 #include <map>
 #include <memory_resource>
 #include <unordered_map>
+#include <vector>
 
 #include "chip/addresses.h"
+#include "chip/origin.h"
 #include "chip/place.h"
 #include "chip/status.h"
 
@@ -29,6 +31,7 @@ struct L3Entry {
   Mac next_hop{};
   Place place{};
   uint16_t vlan = 0;
+  Origin origin{};
 };
 
 /// Entries by their key, which has a `hash()`: lookup time does not depend on their number.
@@ -43,12 +46,30 @@ class L3Entries {
     return entry == entries_.end() ? nullptr : &entry->second;
   }
 
+  const L3Entry* find(const Key& key) const {
+    const auto entry = entries_.find(key);
+    return entry == entries_.end() ? nullptr : &entry->second;
+  }
+
   /// Records that frames used an entry.
   Status hit(const Key& key, uint32_t hits) {
     L3Entry* const entry = find(key);
     if (entry == nullptr) return Status::not_found;
     entry->hit |= hits & L3Entry::any_hit;
     return Status::ok;
+  }
+
+  /// The marks of the entries, in the table's own order.
+  using Hits = std::vector<uint32_t>;
+  Hits hits() const {
+    Hits result;
+    for (const auto& [key, entry] : entries_) result.push_back(entry.hit);
+    return result;
+  }
+  /// Of the same entries.
+  void restore(const Hits& hits) {
+    auto hit = hits.begin();
+    for (auto& [key, entry] : entries_) entry.hit = *hit++;
   }
 
   /// How many entries use an interface or egress object.

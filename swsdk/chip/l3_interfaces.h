@@ -12,6 +12,7 @@
 #include "chip/addresses.h"
 #include "chip/hash.h"
 #include "chip/keyed_slots.h"
+#include "chip/origin.h"
 #include "chip/vlan_id.h"
 
 namespace chip {
@@ -25,6 +26,7 @@ struct L3Interface {
   uint16_t vlan = 0;
   uint16_t inner_vlan = 0;  // 0: frames leave with one tag
   int ttl = 0;              // frames with less are not sent; 0: all are
+  Origin origin{};
 };
 
 class L3Interfaces {

@@ -50,20 +50,26 @@ void LearnLimits::exceeded(const MacEntry& entry, const MacEntry* present, Found
     const auto limit = limits_.find(scope);
     if (limit == limits_.end() || limit->second.limit == LearnLimit::unlimited) continue;
     const bool grows = std::find(counted.begin(), counted.end(), scope) == counted.end();
-    if (grows && table_.learned(scope) >= limit->second.limit) found(limit->second);
+    if (grows && table_.learned(scope) >= limit->second.limit) found(limit->second, scope);
   }
 }
 
 bool LearnLimits::admit(const MacEntry& entry, const MacEntry* present) const {
   bool admitted = true;
-  exceeded(entry, present, [&](const LearnLimit&) { admitted = false; });
+  exceeded(entry, present, [&](const LearnLimit&, const MacScope&) { admitted = false; });
   return admitted;
 }
 
 uint32_t LearnLimits::actions(const MacEntry& entry, const MacEntry* present) const {
   uint32_t actions = 0;
-  exceeded(entry, present, [&](const LearnLimit& limit) { actions |= limit.actions; });
+  exceeded(entry, present, [&](const LearnLimit& limit, const MacScope&) { actions |= limit.actions; });
   return actions;
+}
+
+std::vector<MacScope> LearnLimits::exceeded_by(const MacEntry& entry, const MacEntry* present) const {
+  std::vector<MacScope> scopes;
+  exceeded(entry, present, [&](const LearnLimit&, const MacScope& scope) { scopes.push_back(scope); });
+  return scopes;
 }
 
 }  // namespace chip

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "chip/mac_table.h"
+#include "chip/origin.h"
 #include "chip/trunks.h"
 
 namespace chip {
@@ -19,6 +20,7 @@ struct LearnLimit {
 
   int limit = unlimited;
   uint32_t actions = 0;
+  Origin origin{};
 };
 
 class LearnLimits {
@@ -44,12 +46,15 @@ class LearnLimits {
   /// The actions of the limits that it exceeds.
   uint32_t actions(const MacEntry& entry, const MacEntry* present) const;
 
+  /// The scopes of those limits.
+  std::vector<MacScope> exceeded_by(const MacEntry& entry, const MacEntry* present) const;
+
   const std::map<MacScope, LearnLimit>& all() const { return limits_; }
 
  private:
   /// Why there is no such scope, or ok.
   Status check(const MacScope& scope) const;
-  /// Calls `found` with each limit that the entry would exceed.
+  /// Calls `found` with each limit, and its scope, that the entry would exceed.
   template <class Found>
   void exceeded(const MacEntry& entry, const MacEntry* present, Found found) const;
 

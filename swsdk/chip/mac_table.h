@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "chip/addresses.h"
+#include "chip/origin.h"
 #include "chip/place.h"
 #include "chip/ports.h"
 #include "chip/status.h"
@@ -33,6 +34,7 @@ struct MacEntry {
   uint32_t tunnel = 0;  // through which the address was learned; 0: none
   bool source_hit = false;
   bool destination_hit = false;
+  Origin origin{};
 
   bool is(uint32_t flag) const { return (flags & flag) != 0; }
   bool operator==(const MacEntry&) const = default;
@@ -71,10 +73,31 @@ class MacTable {
   enum class Change { removed, added };
   using Observer = std::function<void(Change, const MacEntry&)>;
 
-  explicit MacTable(const Ports& ports) : ports_(ports), slots_(capacity) {}
+  /// The entries, in their slots.
+  class Contents {
+    friend class MacTable;
 
-  /// Sets the callback for every change except a reset.
-  void observe(Observer observer) { observer_ = std::move(observer); }
+    struct Slot {
+      uint64_t key = 0;  // of its entry; 0: free
+      MacEntry entry{.origin = Origin::none()};
+    };
+    struct ScopeHash {
+      std::size_t operator()(const MacScope& scope) const;
+    };
+
+    std::vector<Slot> slots = std::vector<Slot>(capacity);  // bucket after bucket
+    int size = 0;
+    std::unordered_map<MacScope, int, ScopeHash> learned;
+  };
+
+  explicit MacTable(const Ports& ports) : ports_(ports) {}
+
+  /// All of it, to be put back later.
+  const Contents& contents() const { return contents_; }
+  void restore(Contents contents) { contents_ = std::move(contents); }
+
+  /// Sets the callback for every change except a reset. Returns the one before.
+  Observer observe(Observer observer) { return std::exchange(observer_, std::move(observer)); }
 
   /// No entries, and the default age time. The observer stays.
   void reset();
@@ -90,7 +113,7 @@ class MacTable {
   template <class Matches>
   Status remove_if(uint32_t flags, Matches matches) {
     if ((flags & ~(fixed_too | pending_too | silently)) != 0) return Status::bad_parameter;
-    for (Slot& slot : slots_)
+    for (Slot& slot : contents_.slots)
       if (slot.key != 0 && matches(slot.entry) && (!slot.entry.is(MacEntry::fixed) || flags & fixed_too))
         take_out(slot, flags & silently);
     return Status::ok;
@@ -105,7 +128,7 @@ class MacTable {
   /// Advances time: each aging run removes the entries that were not hit since the run before, except fixed ones.
   void pass(int seconds);
 
-  int size() const { return size_; }
+  int size() const { return contents_.size; }
   /// The number of entries in a scope that are not fixed.
   int learned(const MacScope& scope) const;
   /// The entries in table order.
@@ -116,13 +139,7 @@ class MacTable {
   static int bucket_of(int vlan, const Mac& mac);
 
  private:
-  struct Slot {
-    uint64_t key = 0;  // of its entry; 0: free
-    MacEntry entry;
-  };
-  struct ScopeHash {
-    std::size_t operator()(const MacScope& scope) const;
-  };
+  using Slot = Contents::Slot;
 
   static constexpr std::size_t none = capacity;
 
@@ -135,9 +152,7 @@ class MacTable {
   void age();
 
   const Ports& ports_;
-  std::vector<Slot> slots_;  // bucket after bucket
-  int size_ = 0;
-  std::unordered_map<MacScope, int, ScopeHash> learned_;
+  Contents contents_;
   Observer observer_;
   int age_time_ = default_age_time;
   int since_aging_ = 0;

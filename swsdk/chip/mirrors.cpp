@@ -56,7 +56,8 @@ Status Mirrors::check_source(Port port, uint32_t flags, MirrorId id) const {
 Status Mirrors::add_source(Port port, uint32_t flags, MirrorId id) {
   if (const Status status = check_source(port, flags, id); status != Status::ok) return status;
   const auto [source, is_new] = sources_.try_emplace({port, id}, 0);
-  const uint32_t before = std::exchange(source->second, source->second | (flags & (ingress | egress)));
+  const uint32_t before = source->second;
+  source->second = before | (flags & (ingress | egress));
   return is_new || source->second != before ? Status::ok : Status::exists;
 }
 
@@ -65,7 +66,7 @@ Status Mirrors::remove_source(Port port, uint32_t flags, MirrorId id) {
   const auto source = sources_.find({port, id});
   const uint32_t directions = flags & (ingress | egress);
   if (source == sources_.end() || (directions != 0 && (source->second & directions) == 0)) return Status::not_found;
-  source->second &= ~directions;
+  source->second = source->second & ~directions;
   if (source->second == 0) sources_.erase(source);
   return Status::ok;
 }

@@ -5,6 +5,7 @@
 #include <map>
 #include <utility>
 
+#include "chip/origin.h"
 #include "chip/ports.h"
 #include "chip/status.h"
 
@@ -46,7 +47,7 @@ class Mirrors {
   /// Where copies go, by id.
   const std::map<MirrorId, Place>& destinations() const { return destinations_; }
   /// Directions, by (port, destination).
-  const std::map<std::pair<Port, MirrorId>, uint32_t>& sources() const { return sources_; }
+  const std::map<std::pair<Port, MirrorId>, Setting<uint32_t>>& sources() const { return sources_; }
 
  private:
   Status check_source(Port port, uint32_t flags, MirrorId id) const;
@@ -54,7 +55,7 @@ class Mirrors {
   const Ports& ports_;
   Mode mode_ = Mode::off;
   std::map<MirrorId, Place> destinations_;
-  std::map<std::pair<Port, MirrorId>, uint32_t> sources_;
+  std::map<std::pair<Port, MirrorId>, Setting<uint32_t>> sources_;
 };
 
 }  // namespace chip

@@ -7,6 +7,7 @@
 #include <set>
 
 #include "chip/encapsulations.h"
+#include "chip/origin.h"
 #include "chip/ports.h"
 #include "chip/slots.h"
 
@@ -22,6 +23,7 @@ struct MulticastMember {
 struct MulticastGroup {
   uint32_t type = 0;
   std::set<MulticastMember> members{};
+  Origin origin{};
 };
 
 class MulticastGroups {
@@ -62,13 +64,19 @@ class MulticastGroups {
   Status add_member(GroupId id, const MulticastMember& member) {
     const Status status = check(id, types_of(member.encapsulation), member.port);
     if (status != Status::ok) return status;
-    return groups_.find(id)->members.insert(member).second ? Status::ok : Status::exists;
+    MulticastGroup& group = *groups_.find(id);
+    if (!group.members.insert(member).second) return Status::exists;
+    group.origin = {};
+    return Status::ok;
   }
 
   Status remove_member(GroupId id, const MulticastMember& member) {
     const Status status = check(id, types_of(member.encapsulation), member.port);
     if (status != Status::ok) return status;
-    return groups_.find(id)->members.erase(member) == 1 ? Status::ok : Status::not_found;
+    MulticastGroup& group = *groups_.find(id);
+    if (group.members.erase(member) == 0) return Status::not_found;
+    group.origin = {};
+    return Status::ok;
   }
 
   const std::map<GroupId, MulticastGroup>& all() const { return groups_.all(); }

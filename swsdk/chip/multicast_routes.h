@@ -12,6 +12,7 @@
 
 #include "chip/addresses.h"
 #include "chip/hash.h"
+#include "chip/origin.h"
 #include "chip/place.h"
 #include "chip/status.h"
 #include "chip/vlan_id.h"
@@ -41,6 +42,7 @@ struct MulticastRoute {
   int interface = 0;
   int valid = 0;
   Place from{};  // where its packets come in, unless any port will do
+  Origin origin{};
 };
 
 class MulticastRoutes {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "chip/origin.h"
 #include "chip/slots.h"
 
 namespace chip {
@@ -21,6 +22,7 @@ struct Policer {
   Meter committed;
   Meter peak;
   int attached = 0;  // to how many entries
+  Origin origin{};
 };
 
 class Policers {

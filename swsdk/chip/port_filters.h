@@ -5,6 +5,7 @@
 #include <map>
 #include <utility>
 
+#include "chip/origin.h"
 #include "chip/port_table.h"
 #include "chip/ports.h"
 #include "chip/status.h"
@@ -25,7 +26,7 @@ class PortFilters {
 
   /// Nothing is filtered after a reset.
   void reset() {
-    checks_.fill(0);
+    checks_.fill({});
     blocks_.clear();
   }
 
@@ -47,13 +48,17 @@ class PortFilters {
   }
   uint32_t blocked_floods(Port from, Port to) const {
     const auto found = blocks_.find({from, to});
-    return found == blocks_.end() ? 0 : found->second;
+    return found == blocks_.end() ? 0 : found->second.value;
   }
+
+  /// Which calls made them so.
+  Origin origin_of_checks(Port port) const { return checks_[port].origin; }
+  Origin origin_of_blocks(Port from, Port to) const { return blocks_.at({from, to}).origin; }
 
  private:
   const Ports& ports_;
-  PortTable<uint32_t> checks_;
-  std::map<std::pair<Port, Port>, uint32_t> blocks_;  // by (from, to)
+  PortTable<Setting<uint32_t>> checks_;
+  std::map<std::pair<Port, Port>, Setting<uint32_t>> blocks_;  // by (from, to)
 };
 
 }  // namespace chip

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "chip/origin.h"
 #include "chip/port_table.h"
 #include "chip/ports.h"
 #include "chip/status.h"
@@ -12,9 +13,9 @@
 namespace chip {
 
 struct PortForwarding {
-  uint32_t learning = 0;  // what happens to frames from unknown addresses
-  PortSet destinations;   // ports to which its frames may be forwarded
-  int untagged_vlan = 0;
+  Setting<uint32_t> learning;     // what happens to frames from unknown addresses
+  Setting<PortSet> destinations;  // ports to which its frames may be forwarded
+  Setting<int> untagged_vlan;
 };
 
 class PortForwardings {

@@ -7,6 +7,7 @@
 #include <optional>
 #include <utility>
 
+#include "chip/origin.h"
 #include "chip/port_table.h"
 #include "chip/ports.h"
 #include "chip/status.h"
@@ -17,7 +18,7 @@ enum class Loopback : int { none, mac, phy };
 enum class Duplex : int { half, full };
 
 struct PortMac {
-  bool enabled = true;
+  Setting<bool> enabled = true;
   bool partner = false;  // a link partner is connected
   bool negotiates = false;
   int speed = 0;  // Mbit/s
@@ -27,7 +28,7 @@ struct PortMac {
   Loopback loopback = Loopback::none;
   bool pause_tx = false;
   bool pause_rx = false;
-  int frame_max = 0;                        // bytes
+  Setting<int> frame_max = 0;               // bytes
   std::map<std::pair<int, int>, int> gaps;  // bit times, by speed and duplex; absent: PortMacs::default_gap
 
   /// A port that is looped back needs no link partner.

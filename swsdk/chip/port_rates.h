@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "chip/origin.h"
 #include "chip/port_table.h"
 #include "chip/ports.h"
 #include "chip/status.h"
@@ -15,6 +16,7 @@ struct PortRate {
   RateUnit unit = RateUnit::kilobits;
   uint32_t rate = 0;  // per second; 0: no limit
   uint32_t burst = 0;
+  Origin origin{};
 
   bool is_limit() const { return rate != 0; }
 };

@@ -7,6 +7,7 @@
 #include <set>
 #include <utility>
 
+#include "chip/origin.h"
 #include "chip/ports.h"
 #include "chip/status.h"
 #include "chip/vlan_id.h"
@@ -55,12 +56,12 @@ class ProtocolVlans {
   }
 
   /// The VLAN of a protocol, or null.
-  const int* find(const Key& key) const {
+  const Setting<int>* find(const Key& key) const {
     if (vlans_.empty()) return nullptr;
     const auto found = vlans_.find(key);
     return found == vlans_.end() ? nullptr : &found->second;
   }
-  const std::map<Key, int>& all() const { return vlans_; }
+  const std::map<Key, Setting<int>>& all() const { return vlans_; }
 
  private:
   Status check(const Key& key) const {
@@ -70,7 +71,7 @@ class ProtocolVlans {
   }
 
   const Ports& ports_;
-  std::map<Key, int> vlans_;
+  std::map<Key, Setting<int>> vlans_;
 };
 
 }  // namespace chip

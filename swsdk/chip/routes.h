@@ -60,12 +60,19 @@ class Routes : public L3Entries<RouteKey> {
   L3Entry* lookup(int vrf, uint32_t address) {
     for (int length = max_length; length >= 0; --length) {
       if (of_length(length) == 0) continue;
-      if (L3Entry* const entry = find(RouteKey{vrf, address & mask(length), length})) return entry;
+      if (L3Entry* const entry = find(key_around(vrf, address, length))) return entry;
     }
     return nullptr;
   }
+  /// The key of that entry.
+  std::optional<RouteKey> key_of_longest(int vrf, uint32_t address) const {
+    for (int length = max_length; length >= 0; --length)
+      if (const RouteKey key = key_around(vrf, address, length); find(key) != nullptr) return key;
+    return std::nullopt;
+  }
 
  private:
+  static RouteKey key_around(int vrf, uint32_t address, int length) { return {vrf, address & mask(length), length}; }
   int& of_length(int length) { return of_length_[static_cast<std::size_t>(length)]; }
 
   std::array<int, max_length + 1> of_length_{};  // how many entries have a prefix of that length

@@ -7,7 +7,7 @@ namespace chip {
 void SpanningTrees::reset() {
   groups_.clear();
   groups_.put(states(StpState::forward), first_id);
-  note_forwarding(first_id);
+  note_new(first_id);
   vlans_.set_default_spanning_tree(first_id);
   for (const auto& [vlan, ignored] : vlans_.all()) vlans_.set_spanning_tree(vlan, first_id);
 }
@@ -20,7 +20,7 @@ Status SpanningTrees::set_default(int id) {
 
 Status SpanningTrees::create(int id) {
   const Status status = groups_.add_with_id(states(StpState::disable), id);
-  if (status == Status::ok) note_forwarding(id);
+  if (status == Status::ok) note_new(id);
   return status;
 }
 
@@ -59,8 +59,14 @@ Status SpanningTrees::set_state(int id, Port port, int state) {
   if (state < static_cast<int>(StpState::disable) || state > static_cast<int>(StpState::forward))
     return Status::bad_parameter;
   (*groups_.find(id))[port] = static_cast<StpState>(state);
+  origins_[static_cast<std::size_t>(id)][port.index()] = {};
   note_forwarding(id);
   return Status::ok;
+}
+
+void SpanningTrees::note_new(int id) {
+  origins_[static_cast<std::size_t>(id)].assign(static_cast<std::size_t>(ports_.all().highest()) + 1, Origin());
+  note_forwarding(id);
 }
 
 void SpanningTrees::note_forwarding(int id) {

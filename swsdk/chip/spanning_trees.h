@@ -4,7 +4,9 @@
 #include <array>
 #include <cstddef>
 #include <map>
+#include <vector>
 
+#include "chip/origin.h"
 #include "chip/port_table.h"
 #include "chip/slots.h"
 #include "chip/vlans.h"
@@ -46,6 +48,8 @@ class SpanningTrees {
     const PortTable<StpState>* const states = groups_.find(id);
     return states == nullptr ? nullptr : states->find(port);
   }
+  /// Which call made the state of a port of the chip what it is.
+  Origin origin_of_state(int id, Port port) const { return origins_[static_cast<std::size_t>(id)].at(port.index()); }
   /// Why there is no such state.
   Status absent_state(int id, Port /*port*/) const {
     const Status status = check(id);
@@ -59,13 +63,15 @@ class SpanningTrees {
 
  private:
   PortTable<StpState> states(StpState of_ethernet) const;
+  void note_new(int id);
   void note_forwarding(int id);
   Status check(int id) const;
 
   const Ports& ports_;
   Vlans& vlans_;
   Slots<PortTable<StpState>> groups_{first_id, capacity};
-  std::array<PortSet, first_id + capacity> forwarding_;  // the ports that forward, by group
+  std::array<PortSet, first_id + capacity> forwarding_;           // the ports that forward, by group
+  std::array<std::vector<Origin>, first_id + capacity> origins_;  // of their states, by group and port
 };
 
 }  // namespace chip

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <map>
 
+#include "chip/origin.h"
 #include "chip/ports.h"
 #include "chip/status.h"
 
@@ -40,7 +41,7 @@ class StormRates {
   }
 
   /// In packets per second; null for a kind that has no limit.
-  const int* find(const Key& key) const {
+  const Setting<int>* find(const Key& key) const {
     const auto found = rates_.find(key);
     return found == rates_.end() ? nullptr : &found->second;
   }
@@ -48,7 +49,7 @@ class StormRates {
 
  private:
   const Ports& ports_;
-  std::map<Key, int> rates_;
+  std::map<Key, Setting<int>> rates_;
 };
 
 }  // namespace chip

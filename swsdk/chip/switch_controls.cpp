@@ -64,8 +64,16 @@ Status SwitchControls::set(int control, int value) {
   const Info* const found = find(control);
   if (found == nullptr) return Status::unavailable;
   values_[row_of(control)] = value;
-  if (found->of_each_port) on_ports_[row_of(control)] = value != 0 ? ports_.all() : PortSet{};
+  if (!found->of_each_port) return Status::ok;
+  on_ports_[row_of(control)] = value != 0 ? ports_.all() : PortSet{};
+  origins(control).assign(origins(control).size(), Origin());
   return Status::ok;
+}
+
+std::vector<Origin>& SwitchControls::origins(int control) {
+  std::vector<Origin>& of_ports = origins_[row_of(control)];
+  of_ports.resize(static_cast<std::size_t>(ports_.all().highest()) + 1, Origin::none());
+  return of_ports;
 }
 
 std::optional<int> SwitchControls::get(int control) const {
@@ -81,6 +89,7 @@ Status SwitchControls::set_port(Port port, int control, int value) {
     on.add(port);
   else
     on -= PortSet{port};
+  origins(control)[port.index()] = {};
   return Status::ok;
 }
 

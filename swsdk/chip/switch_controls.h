@@ -5,7 +5,9 @@
 #include <cstddef>
 #include <optional>
 #include <span>
+#include <vector>
 
+#include "chip/origin.h"
 #include "chip/ports.h"
 #include "chip/status.h"
 
@@ -44,6 +46,7 @@ class SwitchControls {
   void reset() {
     values_ = {};
     on_ports_ = {};
+    origins_ = {};
   }
 
   /// Sets a control of the whole chip, or one of each port on every port.
@@ -59,6 +62,12 @@ class SwitchControls {
   /// Where it is not 0.
   const PortSet& ports_with(SwitchControlOfPort control) const { return on_ports_[row_of(static_cast<int>(control))]; }
 
+  /// Which call set it on a port last.
+  Origin origin(SwitchControlOfPort control, Port port) const {
+    const std::vector<Origin>& of_ports = origins_[row_of(static_cast<int>(control))];
+    return of_ports.empty() ? Origin() : of_ports[port.index()];
+  }
+
   struct Info {
     int control;
     bool of_each_port;
@@ -69,12 +78,14 @@ class SwitchControls {
 
  private:
   static constexpr std::size_t count = 17;
+  std::vector<Origin>& origins(int control);
   /// The place of a control that the chip has among the others.
   static std::size_t row_of(int control);
 
   const Ports& ports_;
   std::array<int, count> values_{};
   std::array<PortSet, count> on_ports_;
+  std::array<std::vector<Origin>, count> origins_;  // by port; empty where it was never set
 };
 
 }  // namespace chip

@@ -36,7 +36,7 @@ Status Trunks::set(TrunkId id, int criterion, const std::vector<Port>& members) 
   }
   release_members(id);
   for (const Port port : members) trunk_of_[port] = id;
-  *trunk = {static_cast<TrunkCriterion>(criterion), members};
+  *trunk = {static_cast<TrunkCriterion>(criterion), members, {}};
   return Status::ok;
 }
 
@@ -45,6 +45,7 @@ Status Trunks::set_criterion(TrunkId id, int criterion) {
   if (trunk == nullptr) return absent(id);
   if (!is_criterion(criterion)) return Status::bad_parameter;
   trunk->criterion = static_cast<TrunkCriterion>(criterion);
+  trunk->origin = {};
   return Status::ok;
 }
 

@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+#include "chip/origin.h"
 #include "chip/port_table.h"
 #include "chip/ports.h"
 #include "chip/slots.h"
@@ -25,6 +26,7 @@ enum class TrunkCriterion : int {
 struct Trunk {
   TrunkCriterion criterion{};
   std::vector<Port> members;  // in order; a port may be listed several times, for a larger share
+  Origin origin{};
 };
 
 class Trunks {

@@ -8,6 +8,7 @@
 
 #include "chip/hash.h"
 #include "chip/keyed_slots.h"
+#include "chip/origin.h"
 #include "chip/ports.h"
 #include "chip/vlan_id.h"
 
@@ -27,6 +28,7 @@ struct VirtualPort {
   uint16_t egress_inner_vlan = 0;
   int ingress_network_group = 0;
   int egress_network_group = 0;
+  Origin origin{};
 };
 
 class VirtualPorts {

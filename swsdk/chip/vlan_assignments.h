@@ -8,6 +8,7 @@
 
 #include "chip/addresses.h"
 #include "chip/hashed_map.h"
+#include "chip/origin.h"
 #include "chip/status.h"
 #include "chip/vlan_id.h"
 
@@ -17,6 +18,7 @@ namespace chip {
 struct VlanAssignment {
   uint16_t vlan = 0;
   int priority = 0;
+  Origin origin{};
 };
 
 /// The leading `prefix` bits of addresses; the others are 0, and an IPv4 address is in the first four bytes.

@@ -7,6 +7,7 @@
 #include <map>
 
 #include "chip/hashed_map.h"
+#include "chip/origin.h"
 #include "chip/ports.h"
 #include "chip/status.h"
 
@@ -16,6 +17,7 @@ namespace chip {
 struct Translation {
   uint16_t vlan = 0;
   int priority = 0;
+  Origin origin{};
 };
 
 class VlanTranslations {

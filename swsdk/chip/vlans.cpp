@@ -6,7 +6,10 @@ namespace chip {
 template <class Body>
 Status Vlans::with(int id, Body body) {
   if (find(id) == nullptr) return absent(id);
-  return body(*by_id_[static_cast<std::size_t>(id)]);
+  Vlan& vlan = *by_id_[static_cast<std::size_t>(id)];
+  const Status status = body(vlan);
+  if (status == Status::ok) vlan.origin = {};
+  return status;
 }
 
 bool Vlans::insert(int id, const Vlan& vlan) {
@@ -31,11 +34,10 @@ Status Vlans::create(int id) {
 
 Status Vlans::destroy(int id) {
   if (id == default_id) return Status::bad_id;
-  return with(id, [&](const Vlan&) {
-    vlans_.erase(id);
-    by_id_[static_cast<std::size_t>(id)] = nullptr;
-    return Status::ok;
-  });
+  if (find(id) == nullptr) return absent(id);
+  vlans_.erase(id);
+  by_id_[static_cast<std::size_t>(id)] = nullptr;
+  return Status::ok;
 }
 
 Status Vlans::destroy_all() {

@@ -9,6 +9,7 @@
 #include <optional>
 #include <set>
 
+#include "chip/origin.h"
 #include "chip/ports.h"
 #include "chip/status.h"
 #include "chip/vlan_id.h"
@@ -39,6 +40,7 @@ struct Vlan {
   PortSet untagged;
   VlanControl control;
   int spanning_tree = 0;  // its group
+  Origin origin{};
 };
 
 class Vlans {

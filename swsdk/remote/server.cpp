@@ -152,7 +152,8 @@ class Server {
       }
       const std::lock_guard guard(lock_);
       if (threads_ == max_clients) {
-        const std::string full = std::string(refused) + "the chip has " + std::to_string(max_clients) + " clients\n";
+        std::string full(refused);
+        full.append("the chip has ").append(std::to_string(max_clients)).append(" clients\n");
         send(connection.get(), full.data(), full.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
         continue;
       }

@@ -151,7 +151,7 @@ TEST_F(Acl, AnL2RuleDeniesADestinationOnTheWayOut) {
   int32_t entry = 0;
   EXPECT_EQ(fate(plain), "passed");
   EXPECT_EQ(sai_acl_l2_entry_install(0, 2, SAI_ACL_EGRESS, group(sai_efp_l2_group_create), &rule, &entry), 0);
-  EXPECT_EQ(send(1, plain), "");
+  EXPECT_EQ(send(1, plain), "dropped: egress field rule\n");
   EXPECT_EQ(fate(Frame(1, 8).tag(10).type(0x9000)), "passed");
   EXPECT_EQ(sai_vlan_port_add(0, 10, 3, 1), 0);
   EXPECT_EQ(send(1, plain), "3: 01>09 [10] 9000\n") << "the copies for other ports leave";
@@ -179,7 +179,7 @@ TEST_F(Acl, AnIp4RuleDeniesOnTheWayOut) {
   int32_t entry = 0;
   const int32_t out = group(sai_efp_mac_ipv4_group_create);
   EXPECT_EQ(sai_acl_ext_l3_entry_install(0, 2, SAI_ACL_EGRESS, out, &rule, &entry), 0);
-  EXPECT_EQ(send(1, udp), "");
+  EXPECT_EQ(send(1, udp), "dropped: egress field rule\n");
   EXPECT_EQ(fate(Frame(1, 9).tag(10).ip("10.0.0.1", "10.0.0.8").udp(5, 6)), "passed");
 }
 
@@ -190,7 +190,7 @@ TEST_F(Acl, EveryKindOfIp4RuleDeniesOnTheWayOut) {
     int32_t entry = 0;
     EXPECT_EQ(fate(udp), "passed");
     EXPECT_EQ(install(0, 2, SAI_ACL_EGRESS, out, &rule, &entry), 0);
-    EXPECT_EQ(send(1, udp), "");
+    EXPECT_EQ(send(1, udp), "dropped: egress field rule\n");
     EXPECT_EQ(sai_fp_entry_destroy(0, entry), 0);
   }
 }
@@ -203,7 +203,8 @@ TEST_F(Acl, AnIp6RuleDeniesOnTheWayOut) {
   const int32_t out = group(sai_efp_mac_ipv6_group_create);
   EXPECT_EQ(sai_acl_ext_l3_entry_install(0, 2, SAI_ACL_EGRESS, out, &rule, &entry), 0);
   EXPECT_EQ(fate(udp6), "passed");
-  EXPECT_EQ(send(1, Frame(1, 9).tag(10).ip("2001:db8::1", "2001:db8::9", 64, 46 << 2).udp(5, 6)), "");
+  EXPECT_EQ(send(1, Frame(1, 9).tag(10).ip("2001:db8::1", "2001:db8::9", 64, 46 << 2).udp(5, 6)),
+            "dropped: egress field rule\n");
 }
 
 }  // namespace

@@ -88,8 +88,9 @@ TEST_F(Interfaces, SendTheCpuWhatComesInAtAPanelPortAndCannotBePassedOn) {
   EXPECT_EQ(send(1, packet("20.0.0.3", 1)), "cpu 0x8: 01>e0 [10] 10.0.0.1>20.0.0.3 ttl 1 udp 5>6\n");
   EXPECT_EQ(send(1, other), "cpu 0x8: 01>e0 [10] 9000\n");
   // Port 9 is none of the panel.
-  for (const Frame& frame : {packet("20.0.0.9"), ip6, packet("20.0.0.3", 1), other})
-    EXPECT_EQ(send(9, frame), "dropped: router\n");
+  const std::pair<Frame, std::string> lost[] = {
+      {packet("20.0.0.9"), "no route"}, {ip6, "no route"}, {packet("20.0.0.3", 1), "ttl expired"}, {other, "not ip"}};
+  for (const auto& [frame, reason] : lost) EXPECT_EQ(send(9, frame), "dropped: " + reason + "\n");
 }
 
 }  // namespace

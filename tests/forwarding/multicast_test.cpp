@@ -114,7 +114,7 @@ TEST_F(Groups, OfIp6EndWhenTheyAreDestroyed) {
 }
 
 TEST_F(Groups, ThatNobodyKnowsAreFloodedAsTheirVlanSays) {
-  constexpr char nowhere[] = "dropped: no destination\n";
+  constexpr char nowhere[] = "dropped: multicast flood\n";
   for (const auto set : {sai_vlan_mcast_flood_set, sai_ipv6_vlan_mcast_flood_set}) {
     EXPECT_EQ(set(0, 3, 10), SAI_E_NONE);
     EXPECT_EQ(from_source(), nowhere);
@@ -128,7 +128,7 @@ TEST_F(Groups, ThatNobodyKnowsAreFloodedAsTheirVlanSays) {
 }
 
 TEST_F(Groups, ThatNobodyKnowsCanBeFloodedWithIp4OrWithIp6Alone) {
-  constexpr char nowhere[] = "dropped: no destination\n";
+  constexpr char nowhere[] = "dropped: multicast flood\n";
   EXPECT_EQ(sai_esw_vlan_mcast_flood_set(0, 1, 10), SAI_E_NONE);
   EXPECT_EQ(from_source(), nowhere);
   EXPECT_EQ(from_source6(), flooded6);

@@ -14,7 +14,7 @@ TEST_F(Admission, APortWithoutLinkHearsNothingNotEvenWhatIsMalformed) {
   const uint64_t* const octets = chip.counters.find(1, 0);
   ASSERT_NE(octets, nullptr);
   EXPECT_EQ(*octets, 0U);
-  EXPECT_EQ(pipeline.drops(Drop::malformed), 0U);
+  EXPECT_EQ(drops(Drop::malformed), 0U);
 }
 
 TEST_F(Admission, TheHostSendsNoFrameThatNoPortWouldTake) {

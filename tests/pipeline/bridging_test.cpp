@@ -39,7 +39,7 @@ TEST_F(Bridging, LeavesAnInnerTagOfAnotherTypeAlone) {
 
 TEST_F(Bridging, DropsAFrameOfAVlanThatDoesNotExist) {
   EXPECT_EQ(send(1, Frame(1, 2).tag(11).type(0x9000)), "dropped: no such vlan\n");
-  EXPECT_EQ(pipeline.drops(Drop::no_vlan), 1U);
+  EXPECT_EQ(drops(Drop::no_vlan), 1U);
 }
 
 TEST_F(Bridging, DropsAFrameFromAPortThatIsNoMemberAndChecksThat) {

@@ -52,7 +52,7 @@ TEST_F(Destinations, AnEntryCanDiscardOrCopyToTheCpu) {
 
 TEST_F(Destinations, AFrameDoesNotGoBackWhereItCameFrom) {
   add(9, {.place = Port{1}});
-  EXPECT_EQ(send(1, unicast()), "dropped: no destination\n");
+  EXPECT_EQ(send(1, unicast()), "dropped: own port\n");
 }
 
 TEST_F(Destinations, TheCpusAddressLeadsToTheCpu) {
@@ -75,16 +75,16 @@ TEST_F(Destinations, APortIsKeptApartFromOthers) {
   add(9, {.place = Port{3}});
   chip.port_forwarding.set_destinations(1, {0, 1, 2});
   EXPECT_EQ(ports(1, broadcast()), "2 0 ");
-  EXPECT_EQ(send(1, unicast()), "dropped: no destination\n");
+  EXPECT_EQ(send(1, unicast()), "dropped: isolated port\n");
   EXPECT_EQ(ports(3, broadcast()), "1 2 4 5 6 0 ") << "one way only";
 }
 
 TEST_F(Destinations, MulticastFloodsAsTheVlanSays) {
   chip.vlans.set_multicast_flood(10, {&chip::VlanControl::ip4_multicast_flood_mode}, 2);
-  EXPECT_EQ(send(1, multicast()), "dropped: no destination\n");
+  EXPECT_EQ(send(1, multicast()), "dropped: multicast flood\n");
   EXPECT_EQ(ports(1, broadcast()), "2 3 4 5 6 0 ");
   const Bytes reserved = Frame(support::mac(8), {1, 0, 0x5E, 0, 0, 5}).tag(10).ip("10.0.0.1", "224.0.0.5").udp(1, 2);
-  EXPECT_EQ(send(1, reserved), "dropped: no destination\n");
+  EXPECT_EQ(send(1, reserved), "dropped: multicast flood\n");
   chip.switch_controls.set_port(1, static_cast<int>(chip::SwitchControlOfPort::ip4_reserved_multicast_flood), 1);
   EXPECT_EQ(ports(1, reserved), "2 3 4 5 6 0 ") << "routers find each other there";
 }
@@ -115,7 +115,7 @@ TEST_F(Destinations, ATrunkDoesWithoutMembersWhoseLinkIsDown) {
   chip.port_macs.set_partner(3, false);
   for (int source = 20; source < 30; ++source) EXPECT_EQ(ports(1, unicast(9, source)), "4 ");
   chip.port_macs.set_partner(4, false);
-  EXPECT_EQ(send(1, unicast()), "dropped: no destination\n");
+  EXPECT_EQ(send(1, unicast()), "dropped: no exit\n");
 }
 
 TEST_F(Destinations, SourcesOnATrunkAreLearnedThere) {

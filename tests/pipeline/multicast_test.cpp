@@ -84,9 +84,9 @@ TEST_F(Multicast, IsRoutedWithinItsVlanWhenTheChipIsToldSo) {
 
 TEST_F(Multicast, GoesBackOutOfItsPortInAnotherVlanOnly) {
   member(1, within);
-  EXPECT_EQ(send(1, packet()), "dropped: no destination\n");
+  EXPECT_EQ(send(1, packet()), "dropped: no group member\n");
   EXPECT_EQ(send(1, Frame(support::mac(1), to_group).tag(10).tag(5).ip("10.0.0.1", "225.1.1.1").udp(5, 6)),
-            "dropped: no destination\n");
+            "dropped: no group member\n");
   member(1, beyond);
   EXPECT_EQ(send(1, packet()), "1: e0>01:00:5e:01:01:01 [20] 10.0.0.1>225.1.1.1 ttl 63 udp 5>6\n");
 }
@@ -157,7 +157,7 @@ TEST_F(Multicast, ComesInAtThePortOfItsRouteWhereThatIsChecked) {
   EXPECT_EQ(chip.multicast_routes.add({.vlan = 10, .address = {225, 1, 1, 1}}, {.group = group, .from = chip::Port{3}}),
             Status::ok);
   member(4, beyond);
-  EXPECT_EQ(send(1, packet()), "dropped: router\n");
+  EXPECT_EQ(send(1, packet()), "dropped: wrong ingress port\n");
   EXPECT_EQ(send(3, packet()).substr(0, 2), "4:");
 }
 
@@ -166,7 +166,7 @@ TEST_F(Multicast, ThatLivesForOneHopStaysInItsVlan) {
   member(4, beyond);
   EXPECT_EQ(send(1, packet(1)), "2: 01>01:00:5e:01:01:01 [10] 10.0.0.1>225.1.1.1 ttl 1 udp 5>6\n");
   set(SwitchControlOfChip::ipmc_same_vlan_l3_route);
-  EXPECT_EQ(send(1, packet(1)), "dropped: router\n");
+  EXPECT_EQ(send(1, packet(1)), "dropped: ttl expired\n");
   EXPECT_EQ(chip.switch_controls.set_port(1, static_cast<int>(SwitchControlOfPort::non_ip_l3_error_to_cpu), 1),
             Status::ok);
   EXPECT_EQ(send(1, packet(1)), "cpu 0x8: 01>01:00:5e:01:01:01 [10] 10.0.0.1>225.1.1.1 ttl 1 udp 5>6\n");
@@ -189,7 +189,7 @@ TEST_F(Multicast, LeavesATrunkOnceAndNotTheOneItCameFrom) {
   member(3, within);
   const std::string copies = send(1, packet());
   EXPECT_EQ(std::ranges::count(copies, '\n'), 1) << copies;
-  EXPECT_EQ(send(2, packet()), "dropped: no destination\n");
+  EXPECT_EQ(send(2, packet()), "dropped: no group member\n");
   chip.port_macs.set_partner(2, false);
   EXPECT_EQ(send(1, packet()).substr(0, 2), "3:");
 }

@@ -46,6 +46,13 @@ class PipelineTest : public testing::Test, private chip::Wire {
     return out_;
   }
 
+  /// How many frames and copies all ports have lost for a reason.
+  uint64_t drops(Drop reason) const {
+    uint64_t sum = 0;
+    for (const auto& [port, counts] : chip.drops) sum += counts[static_cast<std::size_t>(reason)];
+    return sum;
+  }
+
   chip::Chip chip{12};
   chip::Pipeline pipeline{chip};
 

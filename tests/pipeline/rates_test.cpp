@@ -28,7 +28,7 @@ TEST_F(Rates, APortLetsInItsBurstAndThenItsRate) {
   chip.port_rates.police(1, {RateUnit::kilobits, 1, 2});
   EXPECT_EQ(passing(), 3) << "2000 bits, 512 a frame";
   EXPECT_EQ(send(1, flood), "dropped: port rate\n") << "and the CPU gets none";
-  EXPECT_EQ(pipeline.drops(Drop::rate), 18U);
+  EXPECT_EQ(drops(Drop::rate), 18U);
   chip.now += second;
   EXPECT_EQ(passing(), 2) << "1464 bits";
   chip.port_rates.police(1, {RateUnit::kilobits, 0, 0});

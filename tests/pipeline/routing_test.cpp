@@ -74,7 +74,7 @@ TEST_F(Routing, ShowsRulesOnTheWayOutWhatItMade) {
   chip.port_forwarding.set_untagged_vlan(1, 10);
   const auto without_tag = [](int hops) { return Frame(1, router).ip("10.0.0.1", "20.0.0.3", hops).udp(5, 6); };
   EXPECT_EQ(send(1, without_tag(63)), "3: e0>33 [20] 10.0.0.1>20.0.0.3 ttl 62 udp 5>6\n");
-  EXPECT_EQ(send(1, without_tag(64)), "");
+  EXPECT_EQ(send(1, without_tag(64)), "dropped: egress field rule\n");
 }
 
 TEST_F(Routing, SendsAPacketBackOutOfItsPort) {
@@ -112,7 +112,7 @@ TEST_F(Routing, LooksUpInTheVrfOfTheInterfaceWhereThePacketCameIn) {
   interface({.vrf = 7, .vlan = 30});
   host("20.0.0.3", {.interface = out, .next_hop = mac(0x33), .place = Port{3}});
   const Frame frame = Frame(1, router).tag(30).ip("30.0.0.1", "20.0.0.3").udp(5, 6);
-  EXPECT_EQ(send(5, frame), "dropped: router\n");
+  EXPECT_EQ(send(5, frame), "dropped: no route\n");
   EXPECT_EQ(
       chip.hosts.add({7, support::ip4("20.0.0.3")}, {.interface = out, .next_hop = mac(0x44), .place = Port{4}}, false),
       Status::ok);
@@ -156,16 +156,16 @@ TEST_F(Routing, SendsTheCpuWhatHasAnEntryForIt) {
 }
 
 TEST_F(Routing, SendsTheCpuWhatNobodyKnowsTheWayToIfThePortSaysSo) {
-  EXPECT_EQ(send(1, packet("20.0.0.3")), "dropped: router\n");
+  EXPECT_EQ(send(1, packet("20.0.0.3")), "dropped: no route\n");
   to_cpu(SwitchControlOfPort::ip4_l3_destination_miss_to_cpu, 1);
   EXPECT_EQ(send(1, packet("20.0.0.3")), "cpu 0x4: 01>e0 [10] 10.0.0.1>20.0.0.3 ttl 64 udp 5>6\n");
-  EXPECT_EQ(send(2, packet("20.0.0.3")), "dropped: router\n");
+  EXPECT_EQ(send(2, packet("20.0.0.3")), "dropped: no route\n");
 }
 
 TEST_F(Routing, KnowsNoWayForIp6) {
   const Frame frame = Frame(1, router).tag(10).ip("2001:db8::1", "2001:db8::2").udp(5, 6);
   to_cpu(SwitchControlOfPort::ip4_l3_destination_miss_to_cpu, 1);
-  EXPECT_EQ(send(1, frame), "dropped: router\n");
+  EXPECT_EQ(send(1, frame), "dropped: no route\n");
   to_cpu(SwitchControlOfPort::ip6_l3_destination_miss_to_cpu, 1);
   EXPECT_EQ(send(1, frame), "cpu 0x4: 01>e0 [10] 2001:db8::1>2001:db8::2 ttl 64 udp 5>6\n");
 }
@@ -174,21 +174,27 @@ TEST_F(Routing, SendsTheCpuWhatItCannotPassOnIfThePortSaysSo) {
   subnet("0.0.0.0", 0, {.interface = out, .next_hop = mac(0x33), .place = Port{3}});
   support::Bytes spoilt = packet("20.0.0.3");
   spoilt[28] ^= 1;
-  const std::pair<support::Bytes, std::string> frames[] = {
-      {packet("20.0.0.3", 1), "01>e0 [10] 10.0.0.1>20.0.0.3 ttl 1 udp 5>6"},
-      {packet("20.0.0.3", 0), "01>e0 [10] 10.0.0.1>20.0.0.3 ttl 0 udp 5>6"},
-      {packet("224.1.1.1"), "01>e0 [10] 10.0.0.1>224.1.1.1 ttl 64 udp 5>6"},
-      {packet("127.0.0.1"), "01>e0 [10] 10.0.0.1>127.0.0.1 ttl 64 udp 5>6"},
-      {spoilt, "01>e0 [10] 10.0.0.1>20.0.0.3 ttl 64 BAD CHECKSUM udp 5>6"},
-      {Frame(1, router).tag(10).ip("255.1.1.1", "20.0.0.3").udp(5, 6), "01>e0 [10] 255.1.1.1>20.0.0.3 ttl 64 udp 5>6"},
-      {Frame(1, router).tag(10).ip("2001:db8::1", "2001:db8::2", 1).udp(5, 6),
-       "01>e0 [10] 2001:db8::1>2001:db8::2 ttl 1 udp 5>6"},
-      {Frame(1, router).tag(10).type(0x9000), "01>e0 [10] 9000"},
+  struct Case {
+    support::Bytes frame;
+    std::string at_cpu;
+    std::string reason;
   };
-  for (const auto& [frame, text] : frames) EXPECT_EQ(send(1, frame), "dropped: router\n") << text;
+  const Case cases[] = {
+      {packet("20.0.0.3", 1), "01>e0 [10] 10.0.0.1>20.0.0.3 ttl 1 udp 5>6", "ttl expired"},
+      {packet("20.0.0.3", 0), "01>e0 [10] 10.0.0.1>20.0.0.3 ttl 0 udp 5>6", "ttl expired"},
+      {packet("224.1.1.1"), "01>e0 [10] 10.0.0.1>224.1.1.1 ttl 64 udp 5>6", "martian destination"},
+      {packet("127.0.0.1"), "01>e0 [10] 10.0.0.1>127.0.0.1 ttl 64 udp 5>6", "martian destination"},
+      {spoilt, "01>e0 [10] 10.0.0.1>20.0.0.3 ttl 64 BAD CHECKSUM udp 5>6", "ip checksum"},
+      {Frame(1, router).tag(10).ip("255.1.1.1", "20.0.0.3").udp(5, 6), "01>e0 [10] 255.1.1.1>20.0.0.3 ttl 64 udp 5>6",
+       "martian source"},
+      {Frame(1, router).tag(10).ip("2001:db8::1", "2001:db8::2", 1).udp(5, 6),
+       "01>e0 [10] 2001:db8::1>2001:db8::2 ttl 1 udp 5>6", "ttl expired"},
+      {Frame(1, router).tag(10).type(0x9000), "01>e0 [10] 9000", "not ip"},
+  };
+  for (const Case& one : cases) EXPECT_EQ(send(1, one.frame), "dropped: " + one.reason + '\n') << one.at_cpu;
   to_cpu(SwitchControlOfPort::non_ip_l3_error_to_cpu, 1);
-  for (const auto& [frame, text] : frames) EXPECT_EQ(send(1, frame), "cpu 0x8: " + text + '\n');
-  EXPECT_EQ(send(2, frames[0].first), "dropped: router\n");
+  for (const Case& one : cases) EXPECT_EQ(send(1, one.frame), "cpu 0x8: " + one.at_cpu + '\n');
+  EXPECT_EQ(send(2, cases[0].frame), "dropped: ttl expired\n");
 }
 
 TEST_F(Routing, DoesNotPassOnOptions) {
@@ -197,7 +203,7 @@ TEST_F(Routing, DoesNotPassOnOptions) {
   EXPECT_EQ(send(1, frame), "3: e0>33 [20] 10.0.0.1>20.0.0.3 ttl 63 protocol 99\n");
   frame[18] = 0x46;  // the four zeros are options now
   --frame[28];
-  EXPECT_EQ(send(1, frame), "dropped: router\n");
+  EXPECT_EQ(send(1, frame), "dropped: ip options\n");
   to_cpu(SwitchControlOfPort::non_ip_l3_error_to_cpu, 1);
   EXPECT_EQ(send(1, frame), "cpu 0x8: 01>e0 [10] 10.0.0.1>20.0.0.3 ttl 64 protocol 99\n");
 }
@@ -205,7 +211,7 @@ TEST_F(Routing, DoesNotPassOnOptions) {
 TEST_F(Routing, TakesServiceAccessPointsForNoEtherType) {
   subnet("0.0.0.0", 0, {.interface = out, .next_hop = mac(0x33), .place = Port{3}});
   const Frame frame = Frame(1, router).tag(10).type(3).bytes({0x08, 0x00, 0x03}).length(21);
-  EXPECT_EQ(send(1, frame), "dropped: router\n");
+  EXPECT_EQ(send(1, frame), "dropped: not ip\n");
 }
 
 TEST_F(Routing, SendsAPacketOutOfAMemberOfATrunkThatHasALink) {
@@ -216,7 +222,7 @@ TEST_F(Routing, SendsAPacketOutOfAMemberOfATrunkThatHasALink) {
   chip.port_macs.set_partner(3, false);
   EXPECT_EQ(send(1, packet("20.0.0.3")), "4: e0>33 [20] 10.0.0.1>20.0.0.3 ttl 63 udp 5>6\n");
   chip.port_macs.set_partner(4, false);
-  EXPECT_EQ(send(1, packet("20.0.0.3")), "dropped: no destination\n");
+  EXPECT_EQ(send(1, packet("20.0.0.3")), "dropped: no next hop\n");
 }
 
 TEST_F(Routing, GivesBothTagsOfADoubleTaggedInterface) {
@@ -233,20 +239,20 @@ TEST_F(Routing, LeavesTheWayOutToTheChecksOfItsPort) {
   host("20.0.0.5", {.interface = out, .next_hop = mac(0x55), .place = Port{5}});
   EXPECT_EQ(send(1, packet("20.0.0.5")), "5: e0>55 [20] 10.0.0.1>20.0.0.5 ttl 63 udp 5>6\n");
   chip.port_filters.set_membership_checks(5, chip::PortFilters::check_egress);
-  EXPECT_EQ(send(1, packet("20.0.0.5")), "");
+  EXPECT_EQ(send(1, packet("20.0.0.5")), "dropped: egress not a member\n");
 }
 
 TEST_F(Routing, SendsNothingThroughAnInterfaceThatIsGone) {
   host("20.0.0.3", {.interface = out, .next_hop = mac(0x33), .place = Port{3}});
   EXPECT_EQ(chip.l3_interfaces.remove(out), Status::ok);
-  EXPECT_EQ(send(1, packet("20.0.0.3")), "");
+  EXPECT_EQ(send(1, packet("20.0.0.3")), "dropped: no interface\n");
 }
 
 TEST_F(Routing, KeepsBackWhatLivesTooShortForItsInterface) {
   const int far = interface({.vlan = 20, .inner_vlan = 7, .ttl = 10});
   host("20.0.0.3", {.interface = far, .next_hop = mac(0x33), .place = Port{3}});
   EXPECT_EQ(send(1, packet("20.0.0.3", 10)), "3: e0>33 [20 7] 10.0.0.1>20.0.0.3 ttl 9 udp 5>6\n");
-  EXPECT_EQ(send(1, packet("20.0.0.3", 9)), "");
+  EXPECT_EQ(send(1, packet("20.0.0.3", 9)), "dropped: ttl threshold\n");
 }
 
 }  // namespace

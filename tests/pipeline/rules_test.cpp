@@ -120,7 +120,7 @@ TEST_F(Rules, DropRedFramesWhereTheyAreAskedTo) {
   add_later(id, FieldAction::drop_red);
   EXPECT_EQ(passing(broadcast), 3) << "1536 bits, 512 a frame";
   EXPECT_EQ(send(1, broadcast), "dropped: policer\n") << "and the CPU gets none";
-  EXPECT_EQ(pipeline.drops(Drop::policer), 28U);
+  EXPECT_EQ(drops(Drop::policer), 28U);
 }
 
 TEST_F(Rules, LeaveWhatIsDroppedAndRedTooItsFirstReason) {

@@ -40,7 +40,7 @@ TEST_F(Storms, EachKindHasItsLimit) {
   limit(StormRates::unknown_destination, 5);
   EXPECT_EQ(passing(unknown), 5);
   EXPECT_EQ(passing(known), 20);
-  EXPECT_EQ(pipeline.drops(Drop::storm), 17U + 16U + 15U);
+  EXPECT_EQ(drops(Drop::storm), 17U + 16U + 15U);
 }
 
 TEST_F(Storms, ComeBackWithTime) {

@@ -68,6 +68,12 @@ const Part put_back[] = {
      }},
     {"counters", [](Chip& c) { return c.counters.set(1, 0, 64); },
      [](Chip& c) { return static_cast<int64_t>(*c.counters.find(1, 0)); }},
+    {"drops",
+     [](Chip& c) {
+       c.drops[1][1] = 1;
+       return Status::ok;
+     },
+     [](Chip& c) { return static_cast<int64_t>(c.drops[1][1]); }},
     {"protocol_vlans",
      [](Chip& c) {
        return c.protocol_vlans.add({1, chip::ProtocolVlans::ethernet2, 0x0800}, 10);

@@ -270,6 +270,25 @@ void send(Session& session, const Words& arguments) {
     std::printf("  not passed on: %s\n", swsdk_drop_name(outcome));
 }
 
+/// What swsdk_frame_trace() prints, with its frames as people read them.
+void print_way(std::string_view way) {
+  while (!way.empty()) {
+    const std::string_view line = way.substr(0, way.find('\n'));
+    way.remove_prefix(std::min(line.size() + 1, way.size()));
+    std::printf("  %s\n", with_frame_text(line).c_str());
+  }
+}
+
+void trace(Session& /*session*/, const Words& arguments) {
+  const int port = value<int>("port", arguments[0]);
+  const std::vector<uint8_t> frame = frame_bytes(std::span(arguments).subspan(1));
+  const int unit = initialized_unit_at({}, 0);
+  std::string way(std::size_t{1} << 20, '\0');
+  const long length = swsdk_frame_trace(unit, port, frame.data(), frame.size(), way.data(), way.size());
+  if (length < 0) throw no_port(unit, port);
+  print_way(std::string_view(way).substr(0, static_cast<std::size_t>(length)));
+}
+
 void diff(Session& session, const Words& arguments) {
   if (session.is_compared())
     throw BadInput("a script whose tables are compared or printed can have no diff; remove this line");
@@ -312,6 +331,14 @@ constexpr BuiltIn all_built_ins[] = {
      2,
      any_length,
      send,
+     {},
+     frame_form},
+    {"trace",
+     "trace PORT FRAME",
+     "Tells the way that a frame would take if it came in: what decides, which calls made that so, and what leaves.",
+     2,
+     any_length,
+     trace,
      {},
      frame_form},
     {"capture", "capture", "Shows what left the chip since the last time: a line per copy, with its port.", 0, 0,

@@ -243,7 +243,9 @@ void print_tables_after(const std::vector<std::string>& scripts) {
 void compare_with(const std::string& script) {
   if (soc_ndev == 0) throw BadInput("the chip is off; there is nothing to compare");
   std::vector<Table> actual = tables();
-  std::erase_if(actual, [](const Table& table) { return table.title.starts_with("counters"); });
+  std::erase_if(actual, [](const Table& table) {
+    return table.title.starts_with("counters") || table.title.starts_with("drops");
+  });
 
   // The links last: a script may initialize the chip.
   const Scratch links(link_commands(actual));

@@ -7,14 +7,21 @@ void admit(Passage& frame) {
   const Packet& packet = frame.packet;
   const PortMac* const mac = frame.chip.port_macs.find(packet.port);
   if (mac != nullptr) {  // the CPU port has none
-    if (!mac->link()) return frame.stop(Drop::port_down);
-    if (!mac->takes(packet.bytes.size(), packet.outer_tagged)) return frame.stop(Drop::too_long);
+    if (!mac->link()) {
+      frame.by(decider::Link{packet.port});
+      return frame.stop(Drop::port_down);
+    }
+    if (!mac->takes(packet.bytes.size(), packet.outer_tagged)) {
+      frame.by(decider::FrameMax{packet.port});
+      return frame.stop(Drop::too_long);
+    }
   } else if (packet.bytes.size() > PortMacs::max_frame_max) {
     return frame.stop(Drop::too_long);
   }
   const PortRate& rate = frame.chip.port_rates.ingress()[packet.port];
-  if (rate.is_limit() &&
-      !frame.meters.take_frame(Meters::Kind::port_ingress, packet.port, frame.chip.now, rate, packet.bytes.size()))
+  if (!rate.is_limit()) return;
+  frame.by(decider::IngressRate{packet.port});
+  if (!frame.meters.take_frame(Meters::Kind::port_ingress, packet.port, frame.chip.now, rate, packet.bytes.size()))
     frame.stop(Drop::rate);
 }
 

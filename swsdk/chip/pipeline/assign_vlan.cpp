@@ -6,17 +6,26 @@ namespace chip {
 namespace {
 
 /// The assignment by the frame's source, MAC address or subnet; the port's preference decides where both have one.
-const VlanAssignment* assignment_of_source(const Chip& chip, const Packet& packet) {
+const VlanAssignment* assignment_of_source(const Passage& frame) {
+  const Chip& chip = frame.chip;
+  const Packet& packet = frame.packet;
   const VlanControls& controls = chip.vlan_controls;
   const auto by_mac = [&]() -> const VlanAssignment* {
-    const bool looks = controls.of_port(packet.port, VlanControlOfPort::lookup_mac) != 0;
-    return looks ? chip.mac_vlans.find(packet.fields.source_mac) : nullptr;
+    if (controls.of_port(packet.port, VlanControlOfPort::lookup_mac) == 0) return nullptr;
+    const VlanAssignment* const found = chip.mac_vlans.find(packet.fields.source_mac);
+    if (found != nullptr) frame.by(decider::MacVlan{packet.fields.source_mac});
+    return found;
   };
-  const auto by_subnet = [&]() -> const VlanAssignment* {
+  const auto around_source = [&]() -> const VlanAssignment* {
     if (chip.subnet_vlans.all().empty()) return nullptr;
     if (controls.of_port(packet.port, VlanControlOfPort::lookup_ip) == 0) return nullptr;
     if (packet.is_ip4()) return find_around(chip.subnet_vlans, *subnet_of_ip4(packet.fields.source_ip, ~0U));
     return packet.is_ip6() ? find_around(chip.subnet_vlans, {true, 128, packet.fields.source_ip6}) : nullptr;
+  };
+  const auto by_subnet = [&] {
+    const VlanAssignment* const found = around_source();
+    if (found != nullptr) frame.by(decider::SubnetVlan{found});
+    return found;
   };
   const bool subnet_first = controls.prefers_subnet(packet.port);
   const VlanAssignment* const found = subnet_first ? by_subnet() : by_mac();
@@ -25,13 +34,17 @@ const VlanAssignment* assignment_of_source(const Chip& chip, const Packet& packe
 }
 
 /// The VLAN of the frame's protocol on its port, or null.
-const int* vlan_of_protocol(const Chip& chip, const Packet& packet) {
+const Setting<int>* vlan_of_protocol(const Passage& passage) {
+  const Packet& packet = passage.packet;
   if (packet.framing == Framing::unreadable) return nullptr;
   const int frame = packet.framing == Framing::ethernet2 ? ProtocolVlans::ethernet2
                     : packet.framing == Framing::snap    ? ProtocolVlans::snap
                                                          : ProtocolVlans::llc;
   const uint16_t protocol = packet.framing == Framing::llc ? packet.access_points : packet.fields.ether_type;
-  return chip.protocol_vlans.find({packet.port, frame, protocol});
+  const ProtocolVlans::Key key{packet.port, frame, protocol};
+  const Setting<int>* const found = passage.chip.protocol_vlans.find(key);
+  if (found != nullptr) passage.by(decider::ProtocolVlan{key});
+  return found;
 }
 
 /// Sets the outer tag and its priority.
@@ -46,11 +59,13 @@ void set_inner(Packet& packet, uint16_t tag) {
 }
 
 /// Assigns the VLAN of an untagged frame: by source, else by protocol, else by port.
-void give_vlan(const Chip& chip, Packet& packet) {
-  if (const VlanAssignment* const found = assignment_of_source(chip, packet))
+void give_vlan(Passage& frame) {
+  Packet& packet = frame.packet;
+  if (const VlanAssignment* const found = assignment_of_source(frame))
     return set_outer(packet, found->vlan, found->priority);
-  const int* const of_protocol = vlan_of_protocol(chip, packet);
-  packet.set_vlan(of_protocol != nullptr ? *of_protocol : chip.port_forwarding.of(packet.port).untagged_vlan);
+  if (const Setting<int>* const of_protocol = vlan_of_protocol(frame)) return packet.set_vlan(*of_protocol);
+  frame.by(decider::UntaggedVlan{packet.port});
+  packet.set_vlan(frame.chip.port_forwarding.of(packet.port).untagged_vlan);
 }
 
 /// The virtual port that the frame belongs to; the keys of its port are tried in turn.
@@ -81,13 +96,20 @@ void enter(Packet& packet, VirtualPortId id, const VirtualPort& virtual_port) {
   if (virtual_port.egress_inner_vlan != 0) set_inner(packet, with_vlan(inner_tag, virtual_port.egress_inner_vlan));
 }
 
-void translate(const Chip& chip, Packet& packet) {
-  if (const std::optional<VirtualPortId> id = virtual_port_of(chip, packet))
+void translate(Passage& frame) {
+  const Chip& chip = frame.chip;
+  Packet& packet = frame.packet;
+  if (const std::optional<VirtualPortId> id = virtual_port_of(chip, packet)) {
+    frame.by(decider::OfVirtualPort{*id});
     return enter(packet, *id, *chip.virtual_ports.find(*id));
-  if (const Translation* const to = chip.vlan_translations.find(packet.port, packet.vlan()))
+  }
+  if (const Translation* const to = chip.vlan_translations.find(packet.port, packet.vlan())) {
+    frame.by(decider::IngressTranslation{packet.port, packet.vlan()});
     return set_outer(packet, to->vlan, to->priority);
+  }
   if (packet.inner_tagged) return;  // a frame has at most two tags
   if (const Translation* const outer = chip.vlan_translations.find_outer(packet.port, packet.vlan())) {
+    frame.by(decider::OuterTranslation{packet.port, packet.vlan()});
     set_inner(packet, packet.fields.outer_tag);
     set_outer(packet, outer->vlan, outer->priority);
   }
@@ -96,12 +118,11 @@ void translate(const Chip& chip, Packet& packet) {
 }  // namespace
 
 void assign_vlan(Passage& frame) {
-  const Chip& chip = frame.chip;
-  Packet& packet = frame.packet;
+  const Packet& packet = frame.packet;
   if (packet.vlan() == 0)
-    give_vlan(chip, packet);
-  else if (chip.vlan_controls.translates(packet.port, VlanControlOfPort::translate_ingress))
-    translate(chip, packet);
+    give_vlan(frame);
+  else if (frame.chip.vlan_controls.translates(packet.port, VlanControlOfPort::translate_ingress))
+    translate(frame);
 }
 
 }  // namespace chip

@@ -28,14 +28,19 @@ class Reachable {
       isolated_group_ = group;
   }
 
-  bool has(const Exit& exit) const {
+  /// Why it may not take one, or none.
+  Drop why_not(const Exit& exit) const {
     const auto& [place, port] = exit;
-    if (const VirtualPortId* const id = std::get_if<VirtualPortId>(&place))
-      return place != packet_.source && (port == packet_.port || ports_.contains(port)) &&
-             !is_split(*chip_.virtual_ports.find(*id));
-    if (port == Ports::cpu) return packet_.port != port;  // isolation is between the ports of the panel
+    if (const VirtualPortId* const id = std::get_if<VirtualPortId>(&place)) {
+      if (place == packet_.source) return Drop::own_port;
+      if (port != packet_.port && !ports_.contains(port)) return Drop::isolated;
+      return is_split(*chip_.virtual_ports.find(*id)) ? Drop::split_horizon : Drop::none;
+    }
+    if (port == Ports::cpu)  // isolation is between the ports of the panel
+      return packet_.port == port ? Drop::own_port : Drop::none;
     const bool back = port == packet_.port || (trunk_ && chip_.trunks.trunk_of(port) == trunk_);
-    return !(back && !is_virtual(packet_.source)) && ports_.contains(port);
+    if (back && !is_virtual(packet_.source)) return Drop::own_port;
+    return ports_.contains(port) ? Drop::none : Drop::isolated;
   }
 
  private:
@@ -52,18 +57,23 @@ class Reachable {
   const PortSet& ports_;
 };
 
-void send_by(Passage& frame, const Reachable& reachable, const Exit& exit) {
-  if (reachable.has(exit)) frame.copies.emplace_back(exit);
+/// Adds the copy for an exit. Returns why not, or none.
+Drop send_by(Passage& frame, const Reachable& reachable, const Exit& exit) {
+  const Drop reason = reachable.why_not(exit);
+  if (reason == Drop::isolated) frame.by(decider::Destinations{frame.packet.port});
+  if (reason == Drop::none) frame.copies.emplace_back(exit);
+  return reason;
 }
 
-void send_to(Passage& frame, const Reachable& reachable, const Place& place) {
-  if (const std::optional<Exit> exit = exit_to(frame.chip, frame.packet, place)) send_by(frame, reachable, *exit);
+Drop send_to(Passage& frame, const Reachable& reachable, const Place& place) {
+  const std::optional<Exit> exit = exit_to(frame, place);
+  return exit ? send_by(frame, reachable, *exit) : Drop::no_exit;
 }
 
 void send_to_entry(Passage& frame, const MacEntry& entry) {
   if (entry.is(MacEntry::copy_to_cpu)) frame.cpu_reasons |= cpu_reason::mac_entry;
   if (entry.is(MacEntry::discard_destination)) return frame.stop(Drop::discard);
-  send_to(frame, Reachable(frame), entry.place);
+  frame.nowhere = send_to(frame, Reachable(frame), entry.place);
 }
 
 /// The kind of flood of a frame with an unknown destination.
@@ -102,33 +112,51 @@ void flood(Passage& frame, const Vlan& vlan) {
   const Packet& packet = frame.packet;
   const uint32_t kind = flood_kind(packet);
   frame.unknown_destination = kind == PortFilters::unknown_unicast;
-  if (kind == PortFilters::unknown_multicast && !floods_multicast(frame, vlan.control)) return;
+  if (kind == PortFilters::unknown_multicast && !floods_multicast(frame, vlan.control)) {
+    frame.nowhere = Drop::multicast_flood;
+    return;
+  }
 
   const std::optional<GroupId> group = flood_group(vlan.control, kind);
   const MulticastGroup* const members = group ? chip.multicast_groups.find(*group) : nullptr;
+  if (members != nullptr) frame.by(decider::Group{*group});
   const auto in_group = [&](Port port, int encapsulation) {
     return members == nullptr || members->members.contains({port, encapsulation});
   };
   const auto is_blocked = [&](Port port) { return (chip.port_filters.blocked_floods(packet.port, port) & kind) != 0; };
 
+  // The first that keeps it from a member other than its own port tells why it went nowhere.
+  const auto note = [&](Drop reason) {
+    if (reason != Drop::none && reason != Drop::own_port && frame.nowhere == Drop::no_destination)
+      frame.nowhere = reason;
+  };
   const Reachable reachable(frame);
   std::bitset<Trunks::capacity> trunks_seen;
   for (const Port port : vlan.members) {
-    if (is_blocked(port)) continue;
+    if (is_blocked(port)) {
+      if (port == packet.port) continue;
+      frame.by(decider::BlockedFloods{packet.port, port});
+      note(Drop::flood_blocked);
+      continue;
+    }
     // A trunk gets one copy.
     if (const std::optional<TrunkId> trunk = chip.trunks.trunk_of(port)) {
       if (trunks_seen.test(trunk->index())) continue;
       trunks_seen.set(trunk->index());
-      send_to(frame, reachable, *trunk);
+      note(send_to(frame, reachable, *trunk));
     } else if (port == Ports::cpu || in_group(port, encapsulation::as_it_is)) {
-      send_by(frame, reachable, Exit{port, port});
+      note(send_by(frame, reachable, Exit{port, port}));
     }
   }
   for (const VirtualPortId id : vlan.virtual_members) {
-    const std::optional<Exit> exit = exit_to(chip, packet, id);
+    const std::optional<Exit> exit = exit_to(frame, id);
     if (!exit) continue;  // destroyed, but still a member
-    if (!is_blocked(exit->port) && in_group(exit->port, encapsulation::of_virtual_port(id)))
-      send_by(frame, reachable, *exit);
+    if (is_blocked(exit->port)) {
+      frame.by(decider::BlockedFloods{packet.port, exit->port});
+      note(Drop::flood_blocked);
+    } else if (in_group(exit->port, encapsulation::of_virtual_port(id))) {
+      note(send_by(frame, reachable, *exit));
+    }
   }
 }
 
@@ -139,8 +167,13 @@ void bridge(Passage& frame) {
   const Vlan* const vlan = frame.chip.vlans.find(packet.vlan());
   const bool looks_up = vlan == nullptr || (vlan->control.flags & VlanControl::l2_lookup_disable) == 0;
   const MacEntry* const entry = looks_up ? look_up(frame.chip, packet.vlan(), packet.fields.destination_mac) : nullptr;
-  if (entry != nullptr) return send_to_entry(frame, *entry);
-  if (vlan != nullptr) flood(frame, *vlan);
+  if (entry != nullptr) {
+    frame.by(decider::OfMac{entry});
+    return send_to_entry(frame, *entry);
+  }
+  if (vlan == nullptr) return;
+  frame.by(decider::OfVlan{packet.vlan()});
+  flood(frame, *vlan);
 }
 
 }  // namespace chip

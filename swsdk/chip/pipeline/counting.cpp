@@ -157,10 +157,13 @@ void count_sent_ip(Counters& counters, Port port, const Packet& packet, bool rou
   if (packet.is_multicast()) ++counter_of(counters, port, counter::ip6_multicast_out);
 }
 
-void count_not_sent(Counters& counters, Port port, NotSent reason) {
+void count_not_sent(Counters& counters, Port port, Drop reason) {
+  const bool is_discard = reason == Drop::egress_rate || reason == Drop::egress_too_long ||
+                          reason == Drop::egress_field_rule || reason == Drop::egress_policer;
+  if (!is_discard) return;
   Counters::Values& values = counters.of(port);
   ++values[counter::out_discards];
-  if (reason != NotSent::too_long) return;
+  if (reason != Drop::egress_too_long) return;
   ++values[counter::mtu_discards];
   ++values[counter::ether_out_oversize];
 }

@@ -23,8 +23,7 @@ void count_ip(Counters& counters, const Packet& packet, IpEvent event);
 /// An IP packet that left a port.
 void count_sent_ip(Counters& counters, Port port, const Packet& packet, bool routed);
 
-/// A frame that was dropped at egress.
-enum class NotSent { rate, too_long, field_rule };
-void count_not_sent(Counters& counters, Port port, NotSent reason);
+/// A frame that was not sent by a port. Only the port's own limits and the egress entries make it a discard.
+void count_not_sent(Counters& counters, Port port, Drop reason);
 
 }  // namespace chip

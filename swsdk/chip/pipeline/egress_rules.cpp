@@ -1,12 +1,11 @@
 #include "chip/chip.h"
-#include "chip/pipeline/counting.h"
 #include "chip/pipeline/stages.h"
 
 namespace chip {
 
-bool apply_egress_rules(Passage& frame, const Copy& copy, const EgressHeader& header) {
+Drop apply_egress_rules(Passage& frame, const Copy& copy, const EgressHeader& header) {
   FieldProcessor& rules = frame.chip.field_processor;
-  if (rules.is_idle(FieldStage::egress)) return true;
+  if (rules.is_idle(FieldStage::egress)) return Drop::none;
   FrameFields fields = frame.packet.fields;
   fields.out_port = copy.port;
   fields.source_mac = header.source;
@@ -17,10 +16,10 @@ bool apply_egress_rules(Passage& frame, const Copy& copy, const EgressHeader& he
   fields.vlan_format = (outer_tagged ? 1 : 0) | (header.inner_tag ? 2 : 0);
   if (header.routed) --fields.ttl;
   const FieldVerdict verdict = rules.classify(FieldStage::egress, fields);
+  for (const auto& [group, entry] : verdict.hits) frame.by(decider::FieldRules{entry});
   const bool red = is_red(frame, verdict, frame.packet.bytes.size());
-  const bool passes = !verdict.dropped && !(red && verdict.red_dropped);
-  if (!passes) count_not_sent(frame.chip.counters, copy.port, NotSent::field_rule);
-  return passes;
+  if (verdict.dropped) return Drop::egress_field_rule;
+  return red && verdict.red_dropped ? Drop::egress_policer : Drop::none;
 }
 
 }  // namespace chip

@@ -81,12 +81,20 @@ void make_egress_tags(Passage& frame, const Copy& copy, EgressHeader& header) {
   if (!chip.vlan_controls.translates(copy.port, VlanControlOfPort::translate_egress)) return;
 
   if (!is_virtual(copy.place) && header.outer_tag)
-    if (const Translation* const to = chip.vlan_translations.find_egress(copy.port, outer))
+    if (const Translation* const to = chip.vlan_translations.find_egress(copy.port, outer)) {
+      frame.by(decider::EgressTranslation{copy.port, outer});
       header.outer_tag = with_priority(with_vlan(*header.outer_tag, to->vlan), to->priority);
+    }
 
-  const EgressAction* action = chip.egress_actions.find({copy.place, outer, inner});
-  if (action == nullptr && inner != 0) action = chip.egress_actions.find({copy.place, outer, 0});
-  if (action != nullptr) apply(*action, frame.packet.priority, header);
+  EgressActions::Key key{copy.place, outer, inner};
+  const EgressAction* action = chip.egress_actions.find(key);
+  if (action == nullptr && inner != 0) {
+    key.inner = 0;
+    action = chip.egress_actions.find(key);
+  }
+  if (action == nullptr) return;
+  frame.by(decider::TagsAtEgress{key});
+  apply(*action, frame.packet.priority, header);
 }
 
 }  // namespace chip

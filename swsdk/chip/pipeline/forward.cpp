@@ -9,7 +9,7 @@ void forward(Passage& frame) {
     frame.copies.emplace_back(Exit{*to, *to});
   else if (!route(frame) && !route_multicast(frame))
     bridge(frame);
-  if (frame.copies.empty() && frame.cpu_reasons == 0) frame.stop(Drop::no_destination);
+  if (frame.copies.empty() && frame.cpu_reasons == 0) frame.stop(frame.nowhere);
 }
 
 }  // namespace chip

@@ -26,6 +26,7 @@ void apply_ingress_rules(Passage& frame) {
   if (rules.is_idle(FieldStage::ingress)) return;
   frame.verdict = rules.classify(FieldStage::ingress, frame.packet.fields);
   const FieldVerdict& verdict = frame.verdict;
+  for (const auto& [group, entry] : verdict.hits) frame.by(decider::FieldRules{entry});
   if (verdict.priority) set_priority(frame.packet, *verdict.priority);
   if (verdict.copied_to_cpu) frame.cpu_reasons |= cpu_reason::field_rule;
   if (verdict.drop_cancelled && can_be_cancelled(frame.drop())) frame.release();

@@ -52,6 +52,11 @@ uint32_t actions_beyond_limit(const Chip& chip, const Source& source) {
   return chip.learn_limits.actions(seen, chip.mac_table.find(source.vlan, source.mac));
 }
 
+std::vector<MacScope> limits_exceeded(const Chip& chip, const Source& source) {
+  const MacEntry seen = entry_of(source, place_of(chip, source));
+  return chip.learn_limits.exceeded_by(seen, chip.mac_table.find(source.vlan, source.mac));
+}
+
 const MacEntry* look_up(Chip& chip, int vlan, const Mac& mac) {
   const MacEntry* const entry = chip.mac_table.find(vlan, mac);
   const bool hits = chip.switch_controls.is_on(SwitchControlOfChip::l2_destination_hit_enable);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "chip/mac_table.h"
 
@@ -35,6 +36,9 @@ Learned learn(Chip& chip, const Source& source, const MacEntry* present);
 
 /// The actions (of LearnLimit) for frames of a source that a limit keeps out of the table.
 uint32_t actions_beyond_limit(const Chip& chip, const Source& source);
+
+/// The scopes of those limits.
+std::vector<MacScope> limits_exceeded(const Chip& chip, const Source& source);
 
 /// The entry of a destination, or null. It is marked as hit if the chip is configured to.
 const MacEntry* look_up(Chip& chip, int vlan, const Mac& mac);

@@ -15,10 +15,14 @@ void mirror(Passage& frame, Port port, uint32_t direction, const EgressHeader& h
   for (const auto& [source, flags] : mirrors.sources()) {
     const auto& [mirrored, destination] = source;
     if (mirrored != port || (flags & direction) == 0) continue;
-    const std::optional<Exit> exit = exit_to(frame.chip, frame.packet, *mirrors.find(destination));
+    const std::optional<Exit> exit = exit_to(frame, *mirrors.find(destination));
     const PortMac* const mac = exit ? frame.chip.port_macs.find(exit->port) : nullptr;
+    frame.by(decider::Mirror{port, destination});
     if (mac == nullptr || !mac->link()) continue;
-    if (lets_out(frame, exit->port, header, bytes)) leave(frame, exit->port, header, bytes, wire);
+    if (const Drop reason = why_not_out(frame, exit->port, header, bytes); reason != Drop::none)
+      lose_copy(frame, exit->port, reason);
+    else
+      leave(frame, exit->port, header, bytes, wire);
   }
 }
 

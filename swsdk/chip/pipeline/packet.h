@@ -9,40 +9,13 @@
 
 #include "chip/field_processor.h"
 #include "chip/field_qualifiers.h"
+#include "chip/pipeline/drop.h"
+#include "chip/pipeline/observer.h"
 
 namespace chip {
 
 struct Chip;
 class Meters;
-
-/// Why a frame is dropped.
-enum class Drop : int {
-  none,
-  malformed,       // its Ethernet header is truncated
-  port_down,       // the port has no link
-  too_long,        // longer than the port's maximum
-  rate,            // over the ingress rate of the port
-  no_vlan,         // its VLAN does not exist
-  not_member,      // the port is not a member of its VLAN
-  spanning_tree,   // the port does not forward in its VLAN
-  trapped,         // sent only to the CPU
-  switch_control,  // a switch control of its port
-  source_discard,  // the MAC entry of its source
-  learn_limit,     // its source exceeds a learn limit
-  unknown_source,  // its port does not forward from unknown addresses
-  field_rule,      // an entry of the field processor
-  policer,         // marked red, and red frames are dropped
-  storm,           // over a storm-control rate
-  discard,         // the MAC entry of its destination
-  router,          // the router does not forward it
-  no_destination,  // no port to send it to
-  // Last, because recordings contain the numbers of the others.
-  group_source,  // its source is a multicast address
-};
-constexpr int drop_count = static_cast<int>(Drop::group_source) + 1;
-
-/// In lower case, for people.
-const char* name(Drop drop);
 
 /// Why the CPU gets a frame; several bits can be set.
 namespace cpu_reason {
@@ -139,12 +112,21 @@ struct Passage {
 
   Chip& chip;
   Meters& meters;
+  Observer* observer = nullptr;  // null: nobody is told
   Packet packet;
-  uint32_t cpu_reasons = 0;          // not 0: the CPU gets a copy
-  bool unknown_destination = false;  // destination unknown, so the frame is flooded
-  FieldVerdict verdict;              // of the ingress stage
-  std::vector<Copy>& copies;         // the copies to send
+  uint32_t cpu_reasons = 0;             // not 0: the CPU gets a copy
+  bool unknown_destination = false;     // destination unknown, so the frame is flooded
+  Drop nowhere = Drop::no_destination;  // why there are no copies, if there are none
+  FieldVerdict verdict;                 // of the ingress stage
+  std::vector<Copy>& copies;            // the copies to send
   std::vector<Looped>& looped;
+
+  /// Names an entry that decides, whose key it has.
+  template <class Which>
+  void by(const Which& which) const {
+    if (observer != nullptr) [[unlikely]]
+      observer->decides(which);
+  }
 
   /// Why it is dropped, or none.
   Drop drop() const { return drop_; }

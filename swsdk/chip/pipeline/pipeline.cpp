@@ -6,41 +6,95 @@
 #include "chip/pipeline/counting.h"
 #include "chip/pipeline/parse.h"
 #include "chip/pipeline/stages.h"
+#include "chip/pipeline/trial.h"
 
 namespace chip {
 
-Drop Pipeline::receive(Port port, std::span<const uint8_t> bytes, Wire& wire) {
-  const Drop drop = pass(port, bytes, wire);
+namespace {
+
+struct Stage {
+  const char* name;
+  void (*run)(Passage& frame);
+};
+
+constexpr Stage admission{"admit", admit};
+/// Those between the copies for mirrors of what came in and the copies that leave.
+constexpr Stage stages[] = {
+    {"check_source", check_source},
+    {"assign_vlan", assign_vlan},
+    {"check_membership", check_membership},
+    {"trap", trap},
+    {"learn_source", learn_source},
+    {"ingress_rules", apply_ingress_rules},
+    {"forward", forward},
+    {"storm", control_storms},
+};
+
+void run(const Stage& stage, Passage& frame) {
+  if (frame.observer != nullptr) [[unlikely]] {
+    frame.observer->begins(stage.name, frame);
+    stage.run(frame);
+    frame.observer->ends(frame);
+  } else {
+    stage.run(frame);
+  }
+}
+
+}  // namespace
+
+Drop Pipeline::receive(Port port, std::span<const uint8_t> bytes, Wire& wire, Observer* observer) {
+  const Drop drop = pass(port, bytes, wire, observer);
   // A flooded frame in a loop would circulate forever.
   constexpr int max_rounds = 16;
   for (int i = 0; i < max_rounds && !looped_.empty(); ++i) {
     const Looped next = std::move(looped_.front());
     looped_.erase(looped_.begin());
-    pass(next.port, next.bytes, wire);
+    pass(next.port, next.bytes, wire, observer);
   }
   looped_.clear();
   return drop;
 }
 
-Drop Pipeline::pass(Port port, std::span<const uint8_t> bytes, Wire& wire) {
+Drop Pipeline::try_out(Port port, std::span<const uint8_t> bytes, Wire& wire, Observer& observer) {
+  const Meters meters = meters_;
+  const Trial trial(chip_);
+  const Drop drop = receive(port, bytes, wire, &observer);
+  meters_ = meters;
+  return drop;
+}
+
+Drop Pipeline::pass(Port port, std::span<const uint8_t> bytes, Wire& wire, Observer* observer) {
   copies_.clear();
   Passage frame(chip_, meters_, copies_, looped_);
+  frame.observer = observer;
   const bool has_header = parse(port, bytes, frame.packet);
-  admit(frame);
+  if (observer != nullptr) observer->arrives(frame);
+  run(admission, frame);
   if (!has_header) frame.stop(Drop::malformed);
+  Drop lost = Drop::none;  // why the first copy was lost, if all were
   if (!frame.dropped()) {
     mirror_ingress(frame, wire);
-    for (const auto stage : {check_source, assign_vlan, check_membership, trap, learn_source, apply_ingress_rules,
-                             forward, control_storms})
-      stage(frame);
-    for (const Copy& copy : copies_) send_copy(frame, copy, wire);
-    if (frame.cpu_reasons != 0) send_to_cpu(frame, wire);
+    for (const Stage& stage : stages) run(stage, frame);
+    bool has_left = false;
+    for (const Copy& copy : copies_) {
+      const Drop reason = send_copy(frame, copy, wire);
+      has_left = has_left || reason == Drop::none;
+      if (lost == Drop::none) lost = reason;
+    }
+    if (frame.cpu_reasons != 0) {
+      const Drop reason = send_to_cpu(frame, wire);
+      has_left = has_left || reason == Drop::none;
+      if (lost == Drop::none) lost = reason;
+    }
+    if (has_left) lost = Drop::none;
   }
   const Drop drop = frame.drop();
   if (drop != Drop::port_down) count_received(chip_.counters, frame.packet);
   count_discarded(chip_.counters, frame.packet, drop);
-  if (frame.dropped()) ++drops_[static_cast<std::size_t>(drop)];
-  return drop;
+  if (frame.dropped()) ++chip_.drops[port][static_cast<std::size_t>(drop)];
+  const Drop outcome = frame.dropped() ? drop : lost;
+  if (observer != nullptr) observer->passed(frame, outcome);
+  return outcome;
 }
 
 }  // namespace chip

@@ -19,6 +19,7 @@ bool is_red(Passage& frame, const FieldVerdict& verdict, std::size_t length) {
     const Policer* const policer = frame.chip.policers.find(id);
     // Other modes are not metered.
     if (policer == nullptr || policer->mode != Policers::two_rates_three_colors) continue;
+    frame.by(decider::OfPolicer{id});
     // Later stages treat yellow as green, but only green frames consume the committed rate.
     const uint64_t bits = bits_of(length);
     if (!take(frame, Meters::Kind::peak, id, policer->peak, bits))

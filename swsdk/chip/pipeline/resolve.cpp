@@ -57,14 +57,18 @@ std::optional<Port> pick_member(const Chip& chip, const Trunk& trunk, const Pack
 
 }  // namespace
 
-std::optional<Exit> exit_to(const Chip& chip, const Packet& packet, const Place& place) {
+std::optional<Exit> exit_to(const Passage& frame, const Place& place) {
+  const Chip& chip = frame.chip;
   if (const Port* const port = std::get_if<Port>(&place)) return Exit{place, *port};
   if (const VirtualPortId* const id = std::get_if<VirtualPortId>(&place)) {
+    frame.by(decider::OfVirtualPort{*id});
     const VirtualPort* const found = chip.virtual_ports.find(*id);
     return found == nullptr ? std::nullopt : std::optional(Exit{place, found->port});
   }
-  const Trunk* const trunk = chip.trunks.find(std::get<TrunkId>(place));
-  const std::optional<Port> member = trunk == nullptr ? std::nullopt : pick_member(chip, *trunk, packet);
+  const auto id = std::get<TrunkId>(place);
+  frame.by(decider::OfTrunk{id});
+  const Trunk* const trunk = chip.trunks.find(id);
+  const std::optional<Port> member = trunk == nullptr ? std::nullopt : pick_member(chip, *trunk, frame.packet);
   return member ? std::optional(Exit{*member, *member}) : std::nullopt;
 }
 

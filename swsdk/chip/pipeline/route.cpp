@@ -9,15 +9,16 @@ namespace chip {
 namespace {
 
 /// Sends the frame to the CPU if the control of its port is on; drops it otherwise.
-void give_up(Passage& frame, SwitchControlOfPort control, uint32_t reason) {
-  if (!frame.chip.switch_controls.is_on(control, frame.packet.port)) return frame.stop(Drop::router);
-  frame.cpu_reasons |= reason;
+void give_up(Passage& frame, SwitchControlOfPort control, uint32_t to_cpu, Drop reason) {
+  frame.by(decider::Control{control, frame.packet.port});
+  if (!frame.chip.switch_controls.is_on(control, frame.packet.port)) return frame.stop(reason);
+  frame.cpu_reasons |= to_cpu;
 }
 
 /// There is no route.
 void miss(Passage& frame, SwitchControlOfPort control) {
-  give_up(frame, control, cpu_reason::l3_miss);
-  if (frame.drop() == Drop::router) count_ip(frame.chip.counters, frame.packet, IpEvent::discarded);
+  give_up(frame, control, cpu_reason::l3_miss, Drop::no_route);
+  if (frame.dropped()) count_ip(frame.chip.counters, frame.packet, IpEvent::discarded);
 }
 
 bool is_right_checksum(std::span<const uint8_t> header) {
@@ -45,23 +46,38 @@ struct NextHop {
   Mac mac;
 };
 
-NextHop next_hop_of(const Chip& chip, const L3Entry& entry) {
-  if (const EgressObject* const object = chip.egress_objects.find(entry.interface))
+NextHop next_hop_of(const Passage& frame, const L3Entry& entry) {
+  if (const EgressObject* const object = frame.chip.egress_objects.find(entry.interface)) {
+    frame.by(decider::NextHop{entry.interface});
     return {object->interface, object->place, object->mac};
+  }
   return {entry.interface, entry.place, entry.next_hop};
 }
 
 void send_to(Passage& frame, const NextHop& hop) {
-  const std::optional<Exit> exit = exit_to(frame.chip, frame.packet, hop.place);
-  if (!exit) return;
+  const std::optional<Exit> exit = exit_to(frame, hop.place);
+  if (!exit) {
+    frame.nowhere = Drop::no_next_hop;
+    return;
+  }
   Copy& copy = frame.copies.emplace_back(*exit);
   copy.l3_interface = hop.interface;
   copy.next_hop = hop.mac;
 }
 
+/// Names the host or the route of the packet's destination.
+void tell_entry(const Passage& frame, int vrf) {
+  const uint32_t address = frame.packet.fields.destination_ip;
+  if (frame.chip.hosts.find({vrf, address}) != nullptr)
+    frame.by(decider::Host{{vrf, address}});
+  else
+    frame.by(decider::Route{vrf, address});
+}
+
 void route_ip4(Passage& frame, int vrf) {
   L3Entry* const entry = look_up(frame.chip, vrf, frame.packet.fields.destination_ip);
   if (entry != nullptr) entry->hit |= L3Entry::destination_hit;
+  if (entry != nullptr && frame.observer != nullptr) tell_entry(frame, vrf);
   L3Entry* const source = look_up(frame.chip, vrf, frame.packet.fields.source_ip);
   if (source != nullptr) source->hit |= L3Entry::source_hit;
 
@@ -70,27 +86,31 @@ void route_ip4(Passage& frame, int vrf) {
     frame.cpu_reasons |= cpu_reason::destination;
     return;
   }
-  if (!can_pass_on(frame.packet)) return refuse(frame);
+  if (const Drop reason = why_not_passed_on(frame.packet); reason != Drop::none) return refuse(frame, reason);
   if (entry == nullptr) return miss(frame, SwitchControlOfPort::ip4_l3_destination_miss_to_cpu);
-  send_to(frame, next_hop_of(frame.chip, *entry));
+  send_to(frame, next_hop_of(frame, *entry));
   count_ip(frame.chip.counters, frame.packet, frame.copies.empty() ? IpEvent::discarded : IpEvent::forwarded);
 }
 
 }  // namespace
 
-bool can_pass_on(const Packet& packet) {
-  if (packet.fields.ttl <= 1 || !packet.lengths_agree) return false;
-  if (packet.is_ip6()) return true;
+Drop why_not_passed_on(const Packet& packet) {
+  const FrameFields& fields = packet.fields;
+  if (!packet.lengths_agree) return Drop::ip_length;
+  const Drop of_ttl = fields.ttl <= 1 ? Drop::ttl_expired : Drop::none;
+  if (packet.is_ip6()) return of_ttl;
   constexpr uint8_t without_options = 0x45;
   constexpr std::size_t length = 20;
   const std::span<const uint8_t> header = packet.bytes.subspan(packet.payload_at, length);
-  const FrameFields& fields = packet.fields;
-  return header[0] == without_options && is_right_checksum(header) && is_of_host(fields.source_ip) &&
-         (packet.is_multicast() || is_of_host(fields.destination_ip));
+  if (header[0] != without_options) return Drop::ip_options;
+  if (!is_right_checksum(header)) return Drop::ip_checksum;
+  if (!is_of_host(fields.source_ip)) return Drop::martian_source;
+  if (!packet.is_multicast() && !is_of_host(fields.destination_ip)) return Drop::martian_destination;
+  return of_ttl;
 }
 
-void refuse(Passage& frame) {
-  give_up(frame, SwitchControlOfPort::non_ip_l3_error_to_cpu, cpu_reason::l3_error);
+void refuse(Passage& frame, Drop reason) {
+  give_up(frame, SwitchControlOfPort::non_ip_l3_error_to_cpu, cpu_reason::l3_error, reason);
   count_ip(frame.chip.counters, frame.packet, IpEvent::header_error);
 }
 
@@ -99,25 +119,31 @@ bool route(Passage& frame) {
   const Packet& packet = frame.packet;
   const L3Interface* const interface = chip.l3_interfaces.find_station(packet.vlan(), packet.fields.destination_mac);
   if (interface == nullptr) return false;
+  frame.by(decider::Interface{interface});
   if (!chip.unicast_routing) {
     frame.copies.emplace_back(
         Exit{Ports::cpu, Ports::cpu});  // the MAC table has the interface's address at the CPU port
     return true;
   }
   count_ip(frame.chip.counters, packet, IpEvent::received);
-  if (packet.is_ip4())
+  if (packet.is_ip4()) {
     route_ip4(frame, interface->vrf);
-  else if (packet.is_ip6() && can_pass_on(packet))
+    return true;
+  }
+  const Drop reason = packet.is_ip6() ? why_not_passed_on(packet) : Drop::not_ip;
+  if (reason == Drop::none)
     miss(frame, SwitchControlOfPort::ip6_l3_destination_miss_to_cpu);  // there are no IPv6 routes
   else
-    refuse(frame);
+    refuse(frame, reason);
   return true;
 }
 
-bool rewrite_routed(Passage& frame, const Copy& copy, EgressHeader& header) {
+Drop rewrite_routed(Passage& frame, const Copy& copy, EgressHeader& header) {
   const Packet& packet = frame.packet;
   const L3Interface* const interface = frame.chip.l3_interfaces.find(*copy.l3_interface);
-  if (interface == nullptr || packet.fields.ttl < interface->ttl) return false;
+  if (interface == nullptr) return Drop::no_interface;
+  frame.by(decider::Interface{interface});
+  if (packet.fields.ttl < interface->ttl) return Drop::ttl_threshold;
   // For a next hop on a virtual port, the inner VLAN is the VLAN inside the chip; the virtual port sets the tags.
   const bool is_inside = is_virtual(copy.place) && interface->inner_vlan != 0;
   const auto tag = [&](int vlan) { return static_cast<uint16_t>((packet.fields.outer_tag & ~vlan_mask) | vlan); };
@@ -127,7 +153,7 @@ bool rewrite_routed(Passage& frame, const Copy& copy, EgressHeader& header) {
   header.inner_tag.reset();
   if (interface->inner_vlan != 0 && !is_inside) header.inner_tag = tag(interface->inner_vlan);
   header.routed = true;
-  return true;
+  return Drop::none;
 }
 
 }  // namespace chip

@@ -30,7 +30,9 @@ Ip6 widened(uint32_t address) {
 }
 
 /// The route of the packet's source, or else the one of any source.
-const MulticastRoute* look_up(const Chip& chip, const Packet& packet) {
+const MulticastRoute* look_up(const Passage& frame) {
+  const Chip& chip = frame.chip;
+  const Packet& packet = frame.packet;
   const FrameFields& fields = packet.fields;
   const std::optional<int> interface = chip.l3_interfaces.find_by_vlan(packet.vlan());
   MulticastRouteKey key{.vrf = interface ? chip.l3_interfaces.find(*interface)->vrf : 0,
@@ -38,9 +40,13 @@ const MulticastRoute* look_up(const Chip& chip, const Packet& packet) {
                         .ip6 = packet.is_ip6(),
                         .address = packet.is_ip6() ? fields.destination_ip6 : widened(fields.destination_ip),
                         .source = packet.is_ip6() ? fields.source_ip6 : widened(fields.source_ip)};
-  if (const MulticastRoute* const of_source = chip.multicast_routes.find(key)) return of_source;
-  key.source = {};
-  return chip.multicast_routes.find(key);
+  const MulticastRoute* found = chip.multicast_routes.find(key);
+  if (found == nullptr) {
+    key.source = {};
+    found = chip.multicast_routes.find(key);
+  }
+  if (found != nullptr) frame.by(decider::GroupRoute{key});
+  return found;
 }
 
 void replicate(Passage& frame, const MulticastGroup& group) {
@@ -48,8 +54,9 @@ void replicate(Passage& frame, const MulticastGroup& group) {
   const Packet& packet = frame.packet;
   const std::optional<TrunkId> own_trunk = chip.trunks.trunk_of(packet.port);
   const bool routes_within_vlan = chip.switch_controls.is_on(SwitchControlOfChip::ipmc_same_vlan_l3_route);
-  const bool passes_on = can_pass_on(packet);
+  const Drop reason = why_not_passed_on(packet);
   bool refused = false;
+  frame.nowhere = Drop::no_group_member;
 
   for (const MulticastMember& member : group.members) {
     const L3Interface* const interface = chip.l3_interfaces.find(member.encapsulation);
@@ -60,12 +67,12 @@ void replicate(Passage& frame, const MulticastGroup& group) {
     const std::optional<TrunkId> trunk = chip.trunks.trunk_of(member.port);
     if (stays && (member.port == packet.port || (trunk && trunk == own_trunk))) continue;
 
-    const std::optional<Exit> exit = exit_to(chip, packet, trunk ? Place(*trunk) : Place(member.port));
+    const std::optional<Exit> exit = exit_to(frame, trunk ? Place(*trunk) : Place(member.port));
     if (!exit) continue;
     Copy copy(*exit);
     if (!stays || routes_within_vlan) {
       copy.l3_interface = member.encapsulation;
-      if (!passes_on) {
+      if (reason != Drop::none) {
         refused = true;
         continue;
       }
@@ -76,7 +83,7 @@ void replicate(Passage& frame, const MulticastGroup& group) {
     };
     if (!trunk || std::none_of(frame.copies.begin(), frame.copies.end(), is_same)) frame.copies.push_back(copy);
   }
-  if (refused && frame.copies.empty()) refuse(frame);
+  if (refused && frame.copies.empty()) refuse(frame, reason);
   const auto is_routed = [](const Copy& copy) { return copy.l3_interface.has_value(); };
   const bool routed = std::any_of(frame.copies.begin(), frame.copies.end(), is_routed);
   count_ip(frame.chip.counters, packet,
@@ -92,14 +99,18 @@ bool route_multicast(Passage& frame) {
   const Packet& packet = frame.packet;
   if (!chip.multicast_routing || !packet.is_multicast() || chip.multicast_routes.empty() || !is_routable(packet))
     return false;
-  const MulticastRoute* const route = look_up(chip, packet);
+  const MulticastRoute* const route = look_up(frame);
   if (route == nullptr) return false;
   count_ip(frame.chip.counters, packet, IpEvent::received);
   if ((route->flags & MulticastRoute::from_any_port) == 0 && route->from != Place(packet.port)) {
-    frame.stop(Drop::router);
+    frame.stop(Drop::wrong_ingress_port);
     count_ip(frame.chip.counters, packet, IpEvent::group_dropped);
-  } else if (const MulticastGroup* const group = chip.multicast_groups.find(route->group))
+  } else if (const MulticastGroup* const group = chip.multicast_groups.find(route->group)) {
+    frame.by(decider::Group{route->group});
     replicate(frame, *group);
+  } else {
+    frame.nowhere = Drop::no_group_member;
+  }
   return true;
 }
 

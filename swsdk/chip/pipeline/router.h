@@ -5,11 +5,11 @@
 
 namespace chip {
 
-/// Whether an IP packet with a readable header may be forwarded: its TTL allows another hop, and its header is correct
-/// and has no options.
-bool can_pass_on(const Packet& packet);
+/// Why an IP packet with a readable header may not be forwarded, or none: its header has to be correct and without
+/// options, and its TTL has to allow another hop.
+Drop why_not_passed_on(const Packet& packet);
 
 /// Handles a packet that may not be forwarded: the CPU gets it, if the control of its port is on.
-void refuse(Passage& frame);
+void refuse(Passage& frame, Drop reason);
 
 }  // namespace chip

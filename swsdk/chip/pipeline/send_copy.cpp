@@ -6,16 +6,23 @@ namespace chip {
 
 namespace {
 
-/// Whether the copy may leave in its VLAN.
-bool is_in_vlan(const Chip& chip, const Copy& copy, int id) {
+/// Why the copy may not leave in its VLAN, or none.
+Drop why_not_in_vlan(const Passage& frame, const Copy& copy, int id) {
+  const Chip& chip = frame.chip;
   const Vlan* const vlan = chip.vlans.find(id);
-  if (vlan == nullptr) return false;
+  if (vlan == nullptr) return Drop::egress_no_vlan;
   const VirtualPortId* const virtual_port = std::get_if<VirtualPortId>(&copy.place);
   const bool is_member =
       virtual_port == nullptr ? vlan->members.contains(copy.port) : vlan->virtual_members.contains(*virtual_port);
   const bool checks = (chip.port_filters.membership_checks(copy.port) & PortFilters::check_egress) != 0;
-  if (checks && !is_member) return false;
-  return chip.spanning_trees.forwards(vlan->spanning_tree, copy.port);
+  frame.by(decider::OfVlan{id});
+  if (checks && !is_member) {
+    frame.by(decider::MembershipChecks{copy.port});
+    return Drop::egress_not_member;
+  }
+  if (chip.spanning_trees.forwards(vlan->spanning_tree, copy.port)) return Drop::none;
+  frame.by(decider::SpanningTreeState{vlan->spanning_tree, copy.port});
+  return Drop::egress_spanning_tree;
 }
 
 EgressHeader header_of(const Packet& packet) {
@@ -25,56 +32,76 @@ EgressHeader header_of(const Packet& packet) {
           .inner_tag = packet.inner_tagged ? std::optional(packet.fields.inner_tag) : std::nullopt};
 }
 
-}  // namespace
-
-void send_copy(Passage& frame, const Copy& copy, Wire& wire) {
+/// Sends a copy that the tables let out. Returns why it was lost, or none.
+Drop sent(Passage& frame, const Copy& copy, Wire& wire) {
   Chip& chip = frame.chip;
   EgressHeader header = header_of(frame.packet);
-  if (copy.l3_interface && !rewrite_routed(frame, copy, header)) return;
-  if (!is_in_vlan(chip, copy, header.vlan())) return;
+  if (copy.l3_interface)
+    if (const Drop reason = rewrite_routed(frame, copy, header); reason != Drop::none) return reason;
+  if (const Drop reason = why_not_in_vlan(frame, copy, header.vlan()); reason != Drop::none) return reason;
   if (copy.port == Ports::cpu) {
     frame.cpu_reasons |= cpu_reason::destination;
-    return;
+    return Drop::none;
   }
   const PortMac* const mac = chip.port_macs.find(copy.port);
-  if (mac == nullptr || !mac->link()) return;
-  if (!apply_egress_rules(frame, copy, header)) return;
+  if (mac == nullptr || !mac->link()) {
+    frame.by(decider::Link{copy.port});
+    return Drop::egress_port_down;
+  }
+  if (const Drop reason = apply_egress_rules(frame, copy, header); reason != Drop::none) return reason;
   make_egress_tags(frame, copy, header);
 
   EgressFrame out;
   const std::span<const uint8_t> bytes = out.write(header, frame.packet);
-  if (!lets_out(frame, copy.port, header, bytes)) return;
+  if (const Drop reason = why_not_out(frame, copy.port, header, bytes); reason != Drop::none) return reason;
   count_sent_ip(chip.counters, copy.port, frame.packet, header.routed);
   mirror_egress(frame, copy.port, header, bytes, wire);
   leave(frame, copy.port, header, bytes, wire);
+  return Drop::none;
 }
 
-bool lets_out(Passage& frame, Port port, const EgressHeader& header, std::span<const uint8_t> bytes) {
-  const auto refuse = [&](NotSent reason) {
-    count_not_sent(frame.chip.counters, port, reason);
-    return false;
-  };
-  if (!frame.chip.port_macs.of(port).takes(bytes.size(), header.outer_tag.has_value()))
-    return refuse(NotSent::too_long);
-  return is_within_shape(frame, port, bytes.size()) || refuse(NotSent::rate);
+}  // namespace
+
+Drop send_copy(Passage& frame, const Copy& copy, Wire& wire) {
+  if (frame.observer != nullptr) frame.observer->sends(copy.port, frame);
+  const Drop reason = sent(frame, copy, wire);
+  if (reason != Drop::none) lose_copy(frame, copy.port, reason);
+  return reason;
+}
+
+void lose_copy(Passage& frame, Port port, Drop reason) {
+  if (!frame.chip.ports.has(port)) return;
+  if (frame.observer != nullptr) frame.observer->lost(port, reason);
+  count_not_sent(frame.chip.counters, port, reason);
+  ++frame.chip.drops[port][static_cast<std::size_t>(reason)];
+}
+
+Drop why_not_out(Passage& frame, Port port, const EgressHeader& header, std::span<const uint8_t> bytes) {
+  if (!frame.chip.port_macs.of(port).takes(bytes.size(), header.outer_tag.has_value())) {
+    frame.by(decider::FrameMax{port});
+    return Drop::egress_too_long;
+  }
+  return is_within_shape(frame, port, bytes.size()) ? Drop::none : Drop::egress_rate;
 }
 
 void leave(Passage& frame, Port port, const EgressHeader& header, std::span<const uint8_t> bytes, Wire& wire) {
   count_sent(frame.chip.counters, port, header, bytes.size());
-  if (frame.chip.port_macs.of(port).loopback == Loopback::none)
-    wire.transmit(port, bytes);
-  else
-    frame.looped.push_back({port, {bytes.begin(), bytes.end()}});
+  if (frame.chip.port_macs.of(port).loopback == Loopback::none) return wire.transmit(port, bytes);
+  if (frame.observer != nullptr) frame.observer->comes_back(port);
+  frame.looped.push_back({port, {bytes.begin(), bytes.end()}});
 }
 
-void send_to_cpu(Passage& frame, Wire& wire) {
+Drop send_to_cpu(Passage& frame, Wire& wire) {
   EgressFrame out;
   const EgressHeader header = header_of(frame.packet);
   const std::span<const uint8_t> bytes = out.write(header, frame.packet);
-  if (!is_within_shape(frame, Ports::cpu, bytes.size()))
-    return count_not_sent(frame.chip.counters, Ports::cpu, NotSent::rate);
+  if (!is_within_shape(frame, Ports::cpu, bytes.size())) {
+    lose_copy(frame, Ports::cpu, Drop::egress_rate);
+    return Drop::egress_rate;
+  }
   count_sent(frame.chip.counters, Ports::cpu, header, bytes.size());
   wire.deliver({bytes, frame.packet.port, frame.cpu_reasons});
+  return Drop::none;
 }
 
 }  // namespace chip

@@ -36,26 +36,29 @@ bool route(Passage& frame);
 bool route_multicast(Passage& frame);
 void bridge(Passage& frame);
 
-/// Sends one copy out of its port, unless an egress check drops it.
-void send_copy(Passage& frame, const Copy& copy, Wire& wire);
+/// Sends one copy out of its port. Returns why it was lost, or none.
+Drop send_copy(Passage& frame, const Copy& copy, Wire& wire);
 
-/// The steps of send_copy(). Rewrites the header of a routed copy; false when the copy is dropped.
-bool rewrite_routed(Passage& frame, const Copy& copy, EgressHeader& header);
-/// Applies the egress entries of the field processor; false when they drop the copy.
-bool apply_egress_rules(Passage& frame, const Copy& copy, const EgressHeader& header);
+/// The steps of send_copy(), of which those that can lose the copy return why. Rewrites the header of a routed copy.
+Drop rewrite_routed(Passage& frame, const Copy& copy, EgressHeader& header);
+/// Applies the egress entries of the field processor.
+Drop apply_egress_rules(Passage& frame, const Copy& copy, const EgressHeader& header);
 /// Turns the tags inside the chip into those on the wire.
 void make_egress_tags(Passage& frame, const Copy& copy, EgressHeader& header);
 /// Whether the policers of the matched entries mark a frame red.
 bool is_red(Passage& frame, const FieldVerdict& verdict, std::size_t length);
 /// Whether the copy is within the egress rate of the port.
 bool is_within_shape(Passage& frame, Port port, std::size_t length);
-/// Whether an Ethernet port may send the bytes: not too long, and within its rate.
-bool lets_out(Passage& frame, Port port, const EgressHeader& header, std::span<const uint8_t> bytes);
+/// Why an Ethernet port may not send the bytes: too long, or beyond its rate.
+Drop why_not_out(Passage& frame, Port port, const EgressHeader& header, std::span<const uint8_t> bytes);
 /// Sends the bytes. A port in loopback receives them again.
 void leave(Passage& frame, Port port, const EgressHeader& header, std::span<const uint8_t> bytes, Wire& wire);
 
-/// Sends the CPU its copy.
-void send_to_cpu(Passage& frame, Wire& wire);
+/// Sends the CPU its copy. Returns why that was lost, or none.
+Drop send_to_cpu(Passage& frame, Wire& wire);
+
+/// Counts a copy that a port has not sent.
+void lose_copy(Passage& frame, Port port, Drop reason);
 
 /// Copies for the mirrors of a port: of what came in, and of what goes out.
 void mirror_ingress(Passage& frame, Wire& wire);

@@ -24,10 +24,11 @@ void control_storms(Passage& frame) {
   // Frames trapped by rules count, but control protocol frames are never limited.
   if ((frame.dropped() && frame.drop() != Drop::trapped) || (frame.cpu_reasons & cpu_reason::l2_cache) != 0) return;
   const Storm storm = storm_of(frame);
-  const int* const rate = rates.find({frame.packet.port, storm.kind});
+  const Setting<int>* const rate = rates.find({frame.packet.port, storm.kind});
   if (rate == nullptr) return;
+  frame.by(decider::StormRate{frame.packet.port, storm.kind});
   // The burst is one second's worth.
-  const auto packets = static_cast<uint64_t>(*rate);
+  const auto packets = static_cast<uint64_t>(rate->value);
   if (frame.meters.take(storm.meter, frame.packet.port.number(), frame.chip.now, packets, packets, 1)) return;
   frame.lose(Drop::storm);  // for the CPU too
 }

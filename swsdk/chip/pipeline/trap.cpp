@@ -13,8 +13,10 @@ const L2CacheEntry* find_entry(const Passage& frame) {
   for (const auto& [index, entry] : frame.chip.l2_cache.all())
     if (((number_of(entry.mac) ^ destination) & number_of(entry.mac_mask)) == 0 &&
         ((entry.vlan ^ packet.vlan()) & entry.vlan_mask) == 0 &&
-        ((entry.source_port.number() ^ packet.port.number()) & entry.source_port_mask) == 0)
+        ((entry.source_port.number() ^ packet.port.number()) & entry.source_port_mask) == 0) {
+      frame.by(decider::L2CacheSlot{index});
       return &entry;
+    }
   return nullptr;
 }
 
@@ -41,7 +43,9 @@ bool is_neighbor_discovery(const Packet& packet) {
 void obey_controls(Passage& frame) {
   const Packet& packet = frame.packet;
   const auto is_on = [&](SwitchControlOfPort control) {
-    return frame.chip.switch_controls.is_on(control, packet.port);
+    const bool on = frame.chip.switch_controls.is_on(control, packet.port);
+    if (on) frame.by(decider::Control{control, packet.port});
+    return on;
   };
   bool to_cpu = false;
   if (packet.is_arp()) {

@@ -61,9 +61,41 @@ int swsdk_frame_handle(int unit, swsdk_frame_handler handler, void* user_data);
  * @param data    the frame
  * @param length  its length in bytes
  * @return 0 when it was forwarded; otherwise the reason: a positive number, for swsdk_drop_name(). A frame that goes
- *         only to the CPU is not forwarded. -1 when there is no such initialized unit or port, or data is null
+ *         only to the CPU is not forwarded; one whose copies were all lost on their way out has the reason of the
+ *         first. -1 when there is no such initialized unit or port, or data is null
  */
 int swsdk_frame_send(int unit, int port, const void* data, size_t length);
+
+/**
+ * Tells the way of a frame, which does not come in: nothing changes, no address is learned, and nothing is counted or
+ * metered. The lines, of which those of a stage that decided nothing are left out:
+ *
+ *     in 1: 02000000000202000000000186dd...
+ *     assign_vlan: VLAN 10
+ *       forwarding: port 1, unknown addresses learn,forward, untagged VLAN 10, goes to 0-64
+ *         call 12: bcm_port_untagged_vlan_set(0, 1, 10) = 0
+ *     forward: goes to 2
+ *       mac: VLAN 10, MAC 02:00:00:00:00:02, at port 2, hit source
+ *         learned
+ *     out 2: 02000000000202000000000186dd...
+ *     passed on
+ *
+ * Below a stage are the entries that decided, as swsdk_show() shows them, each with the call that made it so: its
+ * number among the calls that the chip's process has answered, and its line in the journal. An entry is told once.
+ * Below `out PORT: BYTES` and `cpu (REASONS): BYTES` is what the copy met on its way out; `lost PORT: REASON` is a copy
+ * that did not leave. `out PORT, looped back` is a copy that comes in again there, with an `in` line of its own later.
+ * The last line is `passed on`, `trapped to the cpu` for a frame that went to the CPU alone, or
+ * `dropped: REASON; to pass it needs ...`.
+ *
+ * @param port    as for swsdk_frame_send()
+ * @param data    the frame
+ * @param length  its length in bytes
+ * @param buffer  where to print to; always ended by a zero byte when size is not 0; may be null when size is 0
+ * @param size    size of the buffer in bytes; what does not fit is left out
+ * @return length of the whole text in bytes, without a zero byte; -1 when there is no such initialized unit or port, or
+ *         data is null
+ */
+long swsdk_frame_trace(int unit, int port, const void* data, size_t length, char* buffer, size_t size);
 
 /** A network interface of the host that `bcm_knet_netif_create` created. */
 typedef struct swsdk_netif {
@@ -84,11 +116,21 @@ int swsdk_netif_get(int unit, int index, swsdk_netif* netif);
 const char* swsdk_drop_name(int reason);
 
 /**
- * Tells how many frames a unit has not forwarded for a reason since it was initialized.
+ * Tells how many frames, and copies of frames, a unit has not forwarded for a reason since it was initialized.
  *
+ * @param reason  a reason that swsdk_drop_name() names. Those that begin with "egress", "no interface" and
+ *                "ttl threshold" are of copies, the others of frames
  * @return the number, or -1 when there is no such initialized unit or reason
  */
 long long swsdk_drops(int unit, int reason);
+
+/**
+ * The same for one port: that where the frame came in, or where the copy would have left. The table `drops` of
+ * swsdk_show() has them all.
+ *
+ * @return the number, or -1 when there is no such initialized unit, port or reason
+ */
+long long swsdk_port_drops(int unit, int port, int reason);
 
 #ifdef __cplusplus
 }

@@ -1,0 +1,74 @@
+// The way of a frame through the chip, as text.
+#pragma once
+
+#include <optional>
+#include <set>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "chip/pipeline/observer.h"
+#include "chip/pipeline/packet.h"
+#include "chip/pipeline/wire.h"
+
+namespace api {
+
+/// Why the CPU gets a frame: "l2 cache, field".
+std::string cpu_reasons_text(uint32_t reasons);
+
+/// Writes down what becomes of a frame; what leaves goes on to another wire, if there is one.
+class Way : public chip::Observer, public chip::Wire {
+ public:
+  enum class Detail {
+    ends,  // what came in, left, was lost and why
+    all,   // the stages and the entries that decided, too
+  };
+
+  Way(Detail detail, chip::Wire* wire) : detail_(detail), wire_(wire) {}
+
+  const std::string& text() const { return text_; }
+
+  /// Whether a line tells what Detail::ends does.
+  static bool is_of_ends(std::string_view line);
+
+  void arrives(const chip::Passage& frame) override;
+  void begins(const char* stage, const chip::Passage& frame) override;
+  void ends(const chip::Passage& frame) override;
+  void decides(const chip::Decider& decider) override;
+  void sends(chip::Port port, const chip::Passage& frame) override;
+  void lost(chip::Port port, chip::Drop reason) override;
+  void comes_back(chip::Port port) override;
+  void passed(const chip::Passage& frame, chip::Drop reason) override;
+
+  void transmit(chip::Port port, std::span<const uint8_t> frame) override;
+  void deliver(const chip::CpuFrame& frame) override;
+
+ private:
+  /// What a stage can change.
+  struct State {
+    explicit State(const chip::Passage& frame);
+
+    uint16_t outer_tag;
+    std::optional<uint16_t> inner_tag;
+    chip::Place source;
+    uint32_t cpu_reasons;
+    chip::Drop drop;
+    std::size_t copies;
+    std::optional<chip::MacEntry> source_entry;  // what the MAC table knows of its source
+  };
+
+  void head(std::string_view line);
+  void flush_entries();
+  std::string changes(const chip::Passage& frame) const;
+
+  const Detail detail_;
+  chip::Wire* const wire_;
+  const chip::Chip* chip_ = nullptr;
+  const char* stage_ = nullptr;
+  std::optional<State> before_;
+  std::set<std::string> told_;  // entries
+  std::string entries_;         // below the line to come
+  std::string text_;
+};
+
+}  // namespace api

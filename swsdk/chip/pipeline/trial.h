@@ -1,0 +1,44 @@
+// A trial: what frames change in a chip is put back at its end.
+#pragma once
+
+#include <utility>
+
+#include "chip/chip.h"
+
+namespace chip {
+
+class Trial {
+ public:
+  explicit Trial(Chip& chip)
+      : chip_(chip),
+        counters_(chip.counters),
+        drops_(chip.drops),
+        macs_(chip.mac_table.contents()),
+        observer_(chip.mac_table.observe({})),
+        hosts_(chip.hosts.hits()),
+        routes_(chip.routes.hits()),
+        rules_(chip.field_processor.hits()) {}
+  ~Trial() {
+    chip_.counters = std::move(counters_);
+    chip_.drops = std::move(drops_);
+    chip_.mac_table.restore(std::move(macs_));
+    chip_.mac_table.observe(std::move(observer_));
+    chip_.hosts.restore(hosts_);
+    chip_.routes.restore(routes_);
+    chip_.field_processor.restore(rules_);
+  }
+  Trial(const Trial&) = delete;
+  Trial& operator=(const Trial&) = delete;
+
+ private:
+  Chip& chip_;
+  Counters counters_;
+  DropCounts drops_;
+  MacTable::Contents macs_;
+  MacTable::Observer observer_;
+  Hosts::Hits hosts_;
+  Routes::Hits routes_;
+  FieldProcessor::Hits rules_;
+};
+
+}  // namespace chip
