@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "frame_pattern.h"
 #include "frame_text.h"
 #include "input.h"
 #include "library.h"
@@ -71,6 +72,7 @@ void check_frame(std::span<const std::string> given) {
   const auto again = read_frame(saish::words(shown));
   require(again.has_value(), "a frame that was shown does not read");
   require(saish::frame_text(*again) == shown, "a frame that was shown reads as another one");
+  require(saish::FramePattern(saish::words(shown)).matches(*again), "a frame does not match what is shown of it");
 }
 
 std::vector<saish::Table> fresh_tables;

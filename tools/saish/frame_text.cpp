@@ -4,6 +4,8 @@
 #include <cctype>
 #include <cstdio>
 #include <iterator>
+#include <optional>
+#include <utility>
 
 #include "values.h"
 
@@ -41,18 +43,24 @@ unsigned header_sum(std::span<const uint8_t> header) {
   return sum;
 }
 
-/// Makes a frame of words, from front to back.
+/// Makes a frame of words, from front to back. In a pattern, "*" leaves a value open.
 class Builder {
  public:
   explicit Builder(std::span<const std::string> words) : words_(words) {}
+  Builder(std::span<const std::string> words, std::size_t open_ip)
+      : words_(words), is_pattern_(true), open_ip_(open_ip) {}
 
   Bytes build() {
-    const auto [source, destination] = pair("MAC address", mac);
-    put(destination);
-    put(source);
-    while (!words_.empty()) add(next("field"));
-    frame_.resize(std::max({frame_.size(), length_, shortest}));
+    add_all();
+    frame_.resize(std::max({frame_.size(), std::min(length_.value_or(0), longest), shortest}));
     return frame_;
+  }
+
+  NamedPart named_part() {
+    add_all();
+    frame_.resize(named_end_);
+    named_.resize(named_end_);
+    return {frame_, named_, length_};
   }
 
  private:
@@ -80,6 +88,10 @@ class Builder {
     return value;
   }
 
+  static Bytes bytes_of(unsigned value) { return {static_cast<uint8_t>(value >> 8), static_cast<uint8_t>(value)}; }
+  static Bytes short_number(const std::string& text) { return {integer<uint8_t>(text)}; }
+  static Bytes long_number(const std::string& text) { return bytes_of(integer<uint16_t>(text)); }
+
   std::string next(const char* wanted) {
     if (words_.empty()) throw BadInput("frame: it ends where a " + std::string(wanted) + " should be");
     const std::string result = words_.front();
@@ -87,28 +99,68 @@ class Builder {
     return result;
   }
 
-  /// "A > B".
+  /// What a word says; nothing when it leaves the value open.
   template <class T>
-  std::pair<T, T> pair(const char* wanted, T (*read_one)(const std::string& word)) {
-    T first = read_one(next(wanted));
-    if (const std::string arrow = next(">"); arrow != ">") throw BadInput("frame: \"" + arrow + "\" is not >");
-    return std::pair(std::move(first), read_one(next(wanted)));
+  std::optional<T> value_of(const std::string& word, T (*read_one)(const std::string& word)) const {
+    if (is_pattern_ && word == "*") return std::nullopt;
+    return read_one(word);
   }
 
-  void put(const Bytes& bytes) { frame_.insert(frame_.end(), bytes.begin(), bytes.end()); }
-  void put_word(unsigned value) { put({static_cast<uint8_t>(value >> 8), static_cast<uint8_t>(value)}); }
+  template <class T>
+  std::optional<T> value(const char* wanted, T (*read_one)(const std::string& word)) {
+    return value_of(next(wanted), read_one);
+  }
+
+  /// "A > B".
+  using Pair = std::pair<std::optional<Bytes>, std::optional<Bytes>>;
+  Pair pair(const char* wanted, Bytes (*read_one)(const std::string& word)) {
+    std::optional<Bytes> first = value(wanted, read_one);
+    if (const std::string arrow = next(">"); arrow != ">") throw BadInput("frame: \"" + arrow + "\" is not >");
+    return {std::move(first), value(wanted, read_one)};
+  }
+
+  /// Bytes that no word names.
+  void fill(const Bytes& bytes) {
+    frame_.insert(frame_.end(), bytes.begin(), bytes.end());
+    named_.resize(frame_.size());
+  }
+
+  void put(const Bytes& bytes, const Bytes& named) {
+    fill(bytes);
+    std::copy(named.begin(), named.end(), named_.end() - static_cast<std::ptrdiff_t>(named.size()));
+    named_end_ = frame_.size();
+  }
+  void put(const Bytes& bytes) { put(bytes, Bytes(bytes.size(), 0xFF)); }
+  void put(const std::optional<Bytes>& bytes, std::size_t size) {
+    if (bytes)
+      put(*bytes);
+    else
+      put(Bytes(size), Bytes(size));
+  }
+
+  void set(std::size_t at, unsigned value, unsigned named = 0xFF) {
+    frame_[at] = static_cast<uint8_t>(value);
+    named_[at] = static_cast<uint8_t>(named_[at] | named);
+  }
   void set_word(std::size_t at, unsigned value) {
     frame_[at] = static_cast<uint8_t>(value >> 8);
     frame_[at + 1] = static_cast<uint8_t>(value);
   }
 
+  void add_all() {
+    const auto [source, destination] = pair("MAC address", mac);
+    put(destination, 6);
+    put(source, 6);
+    while (!words_.empty()) add(next("field"));
+  }
+
   void add(const std::string& name) {
     if (name == "length")
-      length_ = std::min(integer<std::size_t>(next("number")), longest);
+      length_ = value("number", &integer<std::size_t>);
     else if (name == "vlan" || name == "svlan")
       add_tag(name == "vlan" ? vlan_tag : service_tag, next("VLAN"));
     else if (name == "type")
-      put_word(integer<uint16_t>(next("number")));
+      put(value("number", long_number), 2);
     else if (name == "arp")
       add_arp();
     else if (name == "ip")
@@ -122,64 +174,76 @@ class Builder {
 
   void add_tag(uint16_t tpid, const std::string& text) {
     const std::size_t slash = std::min(text.find('/'), text.size());
-    const auto vlan = integer<uint16_t>(text.substr(0, slash));
-    const auto priority = slash == text.size() ? uint16_t{0} : integer<uint16_t>(text.substr(slash + 1));
+    const std::optional<uint16_t> vlan = value_of(text.substr(0, slash), &integer<uint16_t>);
+    // "*" alone leaves the priority open too; otherwise a tag without one has the priority 0.
+    const std::optional<uint16_t> priority = slash == text.size()
+                                                 ? (vlan ? std::optional(uint16_t{0}) : std::nullopt)
+                                                 : value_of(text.substr(slash + 1), &integer<uint16_t>);
     if (vlan > 4095 || priority > 7) throw BadInput("frame: a tag has a VLAN up to 4095 and a priority up to 7");
-    put_word(tpid);
-    put_word(static_cast<unsigned>(priority << 13 | vlan));
+    put(bytes_of(tpid));
+    put(bytes_of(static_cast<unsigned>(priority.value_or(0) << 13 | vlan.value_or(0))),
+        bytes_of((priority ? 0xE000U : 0) | (vlan ? 0x0FFFU : 0)));
   }
 
   void add_arp() {
     const Bytes source(frame_.begin() + 6, frame_.begin() + 12);
     const auto [sender, target] = pair("IPv4 address", ip);
-    if (sender.size() != 4 || target.size() != 4) throw BadInput("frame: ARP is of IPv4 addresses");
-    put_word(arp_type);
-    put({0, 1, 8, 0, 6, 4, 0, 1});  // a request
-    put(source);
-    put(sender);
-    put(Bytes(6));
-    put(target);
+    if ((sender && sender->size() != 4) || (target && target->size() != 4))
+      throw BadInput("frame: ARP is of IPv4 addresses");
+    put(bytes_of(arp_type));
+    fill({0, 1, 8, 0, 6, 4, 0, 1});  // a request
+    fill(source);
+    put(sender, 4);
+    fill(Bytes(6));
+    put(target, 4);
   }
 
   void add_ip() {
     const auto [source, destination] = pair("IP address", ip);
-    if (source.size() != destination.size()) throw BadInput("frame: an IPv4 address does not go with an IPv6 one");
-    is_ip4_ = source.size() == 4;
-    put_word(is_ip4_ ? ip4_type : ip6_type);
+    if (source && destination && source->size() != destination->size())
+      throw BadInput("frame: an IPv4 address does not go with an IPv6 one");
+    const std::size_t size = source ? source->size() : destination ? destination->size() : open_ip_;
+    is_ip4_ = size == 4;
+    put(bytes_of(is_ip4_ ? ip4_type : ip6_type));
     ip_at_ = frame_.size();
-    put(is_ip4_ ? Bytes{0x45, 0, 0, 0, 0, 0, 0, 0, 64, 253, 0, 0} : Bytes{0x60, 0, 0, 0, 0, 0, 59, 64});
-    put(source);
-    put(destination);
+    fill(is_ip4_ ? Bytes{0x45, 0, 0, 0, 0, 0, 0, 0, 64, 253, 0, 0} : Bytes{0x60, 0, 0, 0, 0, 0, 59, 64});
+    put(source, size);
+    put(destination, size);
   }
 
   void add_to_ip(const std::string& name) {
-    uint8_t& protocol = frame_[ip_at_ + (is_ip4_ ? 9 : 6)];
+    const std::size_t protocol_at = ip_at_ + (is_ip4_ ? 9 : 6);
     if (name == "ttl") {
-      frame_[ip_at_ + (is_ip4_ ? 8 : 7)] = integer<uint8_t>(next("number"));
+      if (const auto ttl = value("number", &integer<uint8_t>)) set(ip_at_ + (is_ip4_ ? 8 : 7), *ttl);
     } else if (name == "tos") {
-      const auto tos = integer<uint8_t>(next("number"));
-      if (is_ip4_)
-        frame_[ip_at_ + 1] = tos;
-      else
-        set_word(ip_at_, 0x6000U | static_cast<unsigned>(tos) << 4);
+      if (const auto tos = value("number", &integer<uint8_t>)) set_tos(*tos);
     } else if (name == "protocol") {
-      protocol = integer<uint8_t>(next("number"));
+      if (const auto protocol = value("number", &integer<uint8_t>)) set(protocol_at, *protocol);
     } else if (name == "udp" || name == "tcp") {
-      protocol = name == "udp" ? 17 : 6;
-      const auto [source, destination] = pair("port", &integer<uint16_t>);
-      put_word(source);
-      put_word(destination);
-      put(name == "udp" ? Bytes{0, 8, 0, 0} : Bytes{0, 0, 0, 0, 0, 0, 0, 0, 0x50, 2, 0, 0, 0, 0, 0, 0});
+      set(protocol_at, name == "udp" ? 17 : 6);
+      const auto [source, destination] = pair("port", long_number);
+      put(source, 2);
+      put(destination, 2);
+      fill(name == "udp" ? Bytes{0, 8, 0, 0} : Bytes{0, 0, 0, 0, 0, 0, 0, 0, 0x50, 2, 0, 0, 0, 0, 0, 0});
     } else if (name == "icmp") {
-      protocol = is_ip4_ ? 1 : 58;
-      put({integer<uint8_t>(next("number")), 0, 0, 0, 0, 0, 0, 0});
+      set(protocol_at, is_ip4_ ? 1 : 58);
+      put(value("number", short_number), 1);
+      fill(Bytes(7));
     } else if (name == "igmp") {
-      protocol = 2;
-      put({integer<uint8_t>(next("number")), 0, 0, 0});
-      put(ip(next("group")));
+      set(protocol_at, 2);
+      put(value("number", short_number), 1);
+      fill(Bytes(3));
+      put(value("group", ip), 4);
     } else {
       throw BadInput("frame: there is no field \"" + name + '"');
     }
+  }
+
+  /// It fills a byte of IPv4, and parts of two bytes of IPv6.
+  void set_tos(unsigned tos) {
+    if (is_ip4_) return set(ip_at_ + 1, tos);
+    set(ip_at_, 0x60 | tos >> 4, 0x0F);
+    set(ip_at_ + 1, tos << 4, 0xF0);
   }
 
   void complete_ip() {
@@ -191,8 +255,12 @@ class Builder {
   }
 
   std::span<const std::string> words_;
+  const bool is_pattern_ = false;
+  const std::size_t open_ip_ = 4;  // the size of IP addresses that are both open
   Bytes frame_;
-  std::size_t length_ = 0;
+  Bytes named_;  // the bits of the frame that words name
+  std::size_t named_end_ = 0;
+  std::optional<std::size_t> length_;
   std::size_t ip_at_ = 0;  // 0: there is no IP header
   bool is_ip4_ = false;
 };
@@ -220,19 +288,25 @@ std::string in_ip_text(int protocol, std::span<const uint8_t> inside) {
   return " protocol " + std::to_string(protocol);
 }
 
+/// What is inside an IP packet: behind the options of its header, and without the padding that may follow.
+std::span<const uint8_t> inside(std::span<const uint8_t> packet, bool is_ip4) {
+  const std::size_t header = is_ip4 ? std::size_t{4} * (packet[0] & 0xFU) : ip6_header;
+  const std::size_t begin = std::min(header, packet.size());
+  const std::size_t length = is_ip4 ? word(packet, 2) : ip6_header + word(packet, 4);
+  return packet.subspan(begin, std::clamp(length, begin, packet.size()) - begin);
+}
+
 std::string ip_packet_text(std::span<const uint8_t> packet, bool is_ip4) {
   if (packet.size() < (is_ip4 ? ip4_header : ip6_header)) return " ip cut short";
-  const std::size_t header = is_ip4 ? std::size_t{4} * (packet[0] & 0xFU) : ip6_header;
   const unsigned tos = is_ip4 ? packet[1] : word(packet, 0) >> 4 & 0xFF;
   std::string result = " ip " + (is_ip4 ? ip4_at(&packet[12]) + " > " + ip4_at(&packet[16])
                                         : address_text<16>(&packet[8]) + " > " + address_text<16>(&packet[24]));
   if (tos != 0) result += " tos " + std::to_string(tos);
   result += " ttl " + std::to_string(packet[is_ip4 ? 8 : 7]);
-  const std::size_t begin = std::min(header, packet.size());
-  const std::size_t length = is_ip4 ? word(packet, 2) : ip6_header + word(packet, 4);  // padding may follow
-  const std::size_t end = std::clamp(length, begin, packet.size());
-  result += in_ip_text(packet[is_ip4 ? 9 : 6], packet.subspan(begin, end - begin));
-  return is_ip4 && header_sum(packet.first(begin)) != 0xFFFF ? result + " (bad checksum)" : result;
+  const std::span<const uint8_t> content = inside(packet, is_ip4);
+  result += in_ip_text(packet[is_ip4 ? 9 : 6], content);
+  const auto header = packet.first(static_cast<std::size_t>(content.data() - packet.data()));
+  return is_ip4 && header_sum(header) != 0xFFFF ? result + " (bad checksum)" : result;
 }
 
 }  // namespace
@@ -249,17 +323,38 @@ std::vector<uint8_t> frame_bytes(std::span<const std::string> words) {
   return frame;
 }
 
+NamedPart named_part(std::span<const std::string> words, std::size_t open_ip) {
+  return Builder(words, open_ip).named_part();
+}
+
+std::size_t end_of_tags(std::span<const uint8_t> frame) {
+  std::size_t at = 12;
+  while (word(frame, at) == vlan_tag || word(frame, at) == service_tag) at += 4;
+  return at;
+}
+
+std::vector<uint8_t> without_options(std::span<const uint8_t> frame) {
+  const std::size_t type_at = end_of_tags(frame);
+  const unsigned type = word(frame, type_at);
+  const std::size_t inside_at = type_at + 2 + (type == ip4_type ? ip4_header : ip6_header);
+  if ((type != ip4_type && type != ip6_type) || frame.size() < inside_at) return {frame.begin(), frame.end()};
+  const std::span<const uint8_t> content = inside(frame.subspan(type_at + 2), type == ip4_type);
+  Bytes result(frame.begin(), frame.begin() + static_cast<std::ptrdiff_t>(inside_at));
+  result.insert(result.end(), content.begin(), content.end());
+  return result;
+}
+
 std::string frame_text(std::span<const uint8_t> frame) {
   if (frame.size() < 14) return std::to_string(frame.size()) + " bytes";
   std::string result = address_text<6>(&frame[6]) + " > " + address_text<6>(frame.data());
-  std::size_t at = 12;
-  for (; word(frame, at) == vlan_tag || word(frame, at) == service_tag; at += 4) {
+  const std::size_t end = end_of_tags(frame);
+  for (std::size_t at = 12; at < end; at += 4) {
     const unsigned tag = word(frame, at + 2);
     result += (word(frame, at) == vlan_tag ? " vlan " : " svlan ") + std::to_string(tag & 0xFFF);
     if (tag >> 13 != 0) result += '/' + std::to_string(tag >> 13);
   }
-  const unsigned type = word(frame, at);
-  const std::span<const uint8_t> payload = frame.subspan(std::min(at + 2, frame.size()));
+  const unsigned type = word(frame, end);
+  const std::span<const uint8_t> payload = frame.subspan(std::min(end + 2, frame.size()));
   if (type == ip4_type || type == ip6_type) return result + ip_packet_text(payload, type == ip4_type);
   if (type == arp_type)
     return result + (payload.size() < arp_packet ? " arp cut short"
