@@ -37,6 +37,20 @@ TEST(Completion, BehindExpectIsThatOfTheCommand) {
   EXPECT_EQ(after("expect 0 sai_mirror_source_port_set 0 0 1 "), (Texts{"SAI_MIRROR_EGRESS", "SAI_MIRROR_INGRESS"}));
 }
 
+TEST(Completion, BehindExpectIsWhatIsExpectedOfAFrame) {
+  const Texts all = after("expect ");
+  for (const std::string word : {"out", "cpu", "dropped", "nothing", "SAI_E_FULL"}) EXPECT_TRUE(has(all, word)) << word;
+  EXPECT_EQ(after("expect cpu l"), (Texts{"l2-cache", "l3-error", "l3-miss", "learning"}));
+  EXPECT_EQ(after("expect cpu a"), Texts{"any"});
+  EXPECT_EQ(after("expect dropped not"), Texts{"not-a-member-of-the-vlan"});
+  EXPECT_EQ(after("expect dropped not-a-member-of-the-vlan "), Texts{});
+  EXPECT_EQ(after("expect out "), Texts{});
+  EXPECT_EQ(saish::completion_of("expect out ").hint, "PORT");
+  EXPECT_EQ(saish::completion_of("expect out 2 ").hint, "FRAME");
+  EXPECT_EQ(saish::completion_of("expect cpu any ").hint, "FRAME");
+  EXPECT_EQ(saish::completion_of("expect nothing ").hint, "");
+}
+
 TEST(Completion, OfWhatShallFailIsEverySdkFunction) {
   EXPECT_EQ(after("fail bcm_vlan_port_a"), Texts{"bcm_vlan_port_add"});
   EXPECT_EQ(after("fail cl"), Texts{"clear"});

@@ -167,6 +167,7 @@ class Editor(unittest.TestCase):
             ("sai_trunk_p\t", "sai_trunk_psc_set "),
             ("fail bcm_vlan_port_a\tBCM_E_FU\t", "fail bcm_vlan_port_add BCM_E_FULL "),
             ("expect SAI_E_NOT\t", "expect SAI_E_NOT_FOUND "),
+            ("expect dr\tno-s\t", "expect dropped no-such-vlan "),
             ("sai_acl_std_l3_entry_install 0 1 SAI_ACL_E\t", "sai_acl_std_l3_entry_install 0 1 SAI_ACL_EGRESS "),
             ("sai_l2_mac_entry_add 0 \tma\t", "sai_l2_mac_entry_add 0 {mac="),
             ("sai_l2_mac_entry_add 0 {fl\tSAI_L2_MAC_S\t", "sai_l2_mac_entry_add 0 {flags=SAI_L2_MAC_STATIC"),

@@ -78,7 +78,7 @@ TEST_F(ShellHelp, FindsWordsInNamesAndInWhatIsSaidOfThem) {
 }
 
 TEST_F(ShellHelp, RefusesWhatIsFoundNowhereWithTheNearestName) {
-  EXPECT_EQ(refused("help nothing"), "no such command \"nothing\"; help lists them all");
+  EXPECT_EQ(refused("help nonsense"), "no such command \"nonsense\"; help lists them all");
   EXPECT_EQ(refused("help sai_vlan_craete"), "no such command \"sai_vlan_craete\"; did you mean sai_vlan_create?");
 }
 
@@ -116,7 +116,11 @@ TEST_F(ShellHelp, OnAFunctionOfRecordsShowsTheirFieldsWithTypesAndConstants) {
 }
 
 TEST_F(ShellHelp, OnACommandOfTheShellShowsItsFormAndItsFields) {
-  EXPECT_EQ(run("help expect"), "expect CODE COMMAND\nRuns a command that has to return that code.\n");
+  EXPECT_EQ(run("help link"), "link PORT up|down [UNIT]\nTakes a port's link up or down; who is registered is told.\n");
+  const std::string notes = run("help expect");
+  EXPECT_TRUE(notes.starts_with("expect CODE|out|cpu|dropped|nothing ...\n")) << notes;
+  for (const std::string form : {"CODE COMMAND: ", "out PORT [FRAME]: ", "dropped REASON: ", "nothing: "})
+    EXPECT_NE(notes.find("\n  expect " + form), std::string::npos) << notes;
   const std::string text = run("help classify");
   EXPECT_NE(text.find("\n  FRAME is {field=value, ...} of\n    in_port "), std::string::npos) << text;
   EXPECT_NE(text.find("\n    src_mac        MAC address\n"), std::string::npos) << text;

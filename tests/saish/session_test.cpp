@@ -111,15 +111,16 @@ TEST_F(ShellSession, AnyOtherCodeThanTheExpectedOneIsUnexpected) {
 }
 
 TEST_F(ShellSession, AnExpectThatIsNotWellFormedCallsNothing) {
-  EXPECT_EQ(refused("expect"), "too few arguments; the form is expect CODE COMMAND");
+  EXPECT_EQ(refused("expect"), "too few arguments; the form is expect CODE|out|cpu|dropped|nothing ...");
   EXPECT_EQ(refused("expect 0"), "too few arguments; the form is expect CODE COMMAND");
   for (const std::string code :
        {"SAI_E_NONSENSE", "BCM_E_NONE", "SAI_LOG_OFF", "2147483648", "-2147483649", "sai_vlan_create"})
     EXPECT_EQ(refused("expect " + code + " sai_vlan_create 0 10"),
-              "code: \"" + code + "\" is neither a number nor a SAI_E_ name; the form is expect CODE COMMAND");
+              "code: \"" + code + "\" is neither a number nor a SAI_E_ name; the form is expect CODE COMMAND, or " +
+                  "out, cpu, dropped or nothing is expected of a frame");
   for (const std::string name : {"show", "expect"})
     EXPECT_EQ(refused("expect 0 " + name + " vlan x"),
-              "expect: \"" + name + "\" is not one of the library's functions");
+              "expect: \"" + name + "\" returns no code; the library's functions do, and send does");
   EXPECT_TRUE(refused("expect 0 nothing vlan x").starts_with("no such command \"nothing\"; "));
 }
 

@@ -14,6 +14,7 @@
 #include <numeric>
 #include <string>
 
+#include "expectation.h"
 #include "frame_text.h"
 #include "help.h"
 #include "library.h"
@@ -254,15 +255,19 @@ void classify(Session& /*session*/, const Words& arguments) {
 
 void capture(Session& session, const Words& /*arguments*/) {
   for (const std::string& line : session.capture().take()) std::printf("  %s\n", line.c_str());
+  session.expectations().settle();
 }
 
 void send(Session& session, const Words& arguments) {
   const int port = value<int>("port", arguments[0]);
   const std::vector<uint8_t> frame = frame_bytes(std::span(arguments).subspan(1));
   const int unit = initialized_unit_at({}, 0);
+  session.expectations().settle();
   session.capture().watch(unit);
-  const int outcome = swsdk_frame_send(unit, port, frame.data(), frame.size());
+  std::vector<Copy> copies;
+  const int outcome = session.capture().send(unit, port, frame, copies);
   if (outcome < 0) throw no_port(unit, port);
+  session.expectations().begin(session.here(), outcome, std::move(copies));
   swsdk_events_drain();
   if (outcome == 0)
     std::printf("  passed on\n");
@@ -300,8 +305,10 @@ void source(Session& session, const Words& arguments) { session.run_script(argum
 
 void quit(Session& session, const Words& /*arguments*/) { session.end(); }
 
-/// Only for help: the session itself runs the command after it.
+/// Only for help: the session itself does what it says.
 void expect(Session& /*session*/, const Words& /*arguments*/) {}
+
+constexpr const char* send_notes[] = {frame_form};
 
 constexpr BuiltIn all_built_ins[] = {
     {"help", "help [WORD...]", "Tells about a command, lists a family of them, or finds some by words.", 0, any_length,
@@ -313,7 +320,14 @@ constexpr BuiltIn all_built_ins[] = {
     {"fail", "fail FUNCTION CODE [NTH|every]", "Makes the nth call of an SDK function fail; \"fail clear\" ends all.",
      1, 3, fail},
     {"log", "log LEVEL", "Shows log messages up to a level on the console; off: none.", 1, 1, log},
-    {"expect", "expect CODE COMMAND", "Runs a command that has to return that code.", 2, any_length, expect},
+    {"expect",
+     "expect CODE|out|cpu|dropped|nothing ...",
+     "Runs a command that has to return that code, or says what has to become of a frame.",
+     1,
+     any_length,
+     expect,
+     {},
+     expectation_notes},
     {"link", "link PORT up|down [UNIT]", "Takes a port's link up or down; who is registered is told.", 2, 3, link},
     {"learn", "learn MAC VLAN PORT [UNIT]", "Lets the chip learn an address, as from a frame that came in.", 3, 4,
      learn},
@@ -332,7 +346,8 @@ constexpr BuiltIn all_built_ins[] = {
      any_length,
      send,
      {},
-     frame_form},
+     send_notes,
+     true},
     {"trace",
      "trace PORT FRAME",
      "Tells the way that a frame would take if it came in: what decides, which calls made that so, and what leaves.",
@@ -340,7 +355,7 @@ constexpr BuiltIn all_built_ins[] = {
      any_length,
      trace,
      {},
-     frame_form},
+     send_notes},
     {"capture", "capture", "Shows what left the chip since the last time: a line per copy, with its port.", 0, 0,
      capture},
     {"diff", "diff FILE", "Compares the chip's tables with those that a script would leave in a fresh chip.", 1, 1,

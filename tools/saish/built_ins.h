@@ -17,8 +17,9 @@ struct BuiltIn {
   std::size_t fewest_words;  // after the name
   std::size_t most_words;
   void (*run)(Session& session, const Words& arguments);
-  std::span<const Field> fields = {};  // of the record among its words, if there is one
-  const char* note = nullptr;          // what else help says
+  std::span<const Field> fields = {};       // of the record among its words, if there is one
+  std::span<const char* const> notes = {};  // what else help says
+  bool has_code = false;                    // Expectations::outcome() is what it returned
 };
 
 std::span<const BuiltIn> built_ins();

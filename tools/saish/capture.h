@@ -7,10 +7,24 @@
 #include <deque>
 #include <functional>
 #include <mutex>
+#include <span>
 #include <string>
 #include <vector>
 
 namespace saish {
+
+/// A copy of a frame that left the chip.
+struct Copy {
+  int port;      ///< 0: for the CPU
+  uint32_t cpu;  ///< why the CPU gets it
+  std::vector<uint8_t> bytes;
+};
+
+/// Why the CPU gets a copy, by the bits of swsdk_out::cpu.
+std::span<const char* const> cpu_reasons();
+
+/// "2" or "cpu (protocol, destination)".
+std::string place_text(int port, uint32_t cpu);
 
 class Capture {
  public:
@@ -19,20 +33,18 @@ class Capture {
   /// A second receiver of each frame, called before the frame is kept.
   void pass_to(std::function<void(const swsdk_out&)> other) { other_ = std::move(other); }
 
+  /// Makes a frame arrive and returns what swsdk_frame_send() does. `copies` receives what left until then.
+  int send(int unit, int port, std::span<const uint8_t> frame, std::vector<Copy>& copies);
+
   /// What left since the last time: a line per copy, the oldest first.
   std::vector<std::string> take();
 
  private:
-  struct Kept {
-    int port;
-    uint32_t cpu;
-    std::vector<uint8_t> bytes;
-  };
-
   static void add(int unit, const swsdk_out* out, void* capture);
 
   std::mutex lock_;
-  std::deque<Kept> kept_;  // the newest
+  std::deque<Copy> kept_;              // the newest
+  std::vector<Copy>* sent_ = nullptr;  // what leaves while a frame is sent
   std::function<void(const swsdk_out&)> other_;
 };
 

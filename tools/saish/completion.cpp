@@ -10,6 +10,7 @@
 
 #include "built_ins.h"
 #include "descriptions.h"
+#include "expectation.h"
 #include "help.h"
 #include "library.h"
 
@@ -164,13 +165,29 @@ Completion argument_of(const Function& function, const Words& before, std::optio
   return {};
 }
 
+/// What the words after "expect out" and its like stand for. A reason's name is offered as one word.
+Completion of_frame(const Words& before) {
+  Completion result;
+  const bool is_first = before.size() == 2;
+  if (before[1] == "cpu" && is_first)
+    result = {.candidates = cpu_reason_words(), .hint = "REASON"};
+  else if (before[1] == "dropped" && is_first)
+    result = {.candidates = drop_reason_words(), .hint = "REASON"};
+  else if (before[1] == "out" || before[1] == "cpu")
+    result.hint = is_first ? "PORT" : "FRAME";
+  if (!result.candidates.empty()) result.candidates.emplace_back("any");
+  return result;
+}
+
 /// Every candidate, whatever the word at the cursor begins with.
 Completion all_of(Words before, std::string_view begun, std::optional<std::string_view> record) {
   Completion result;
   if (before.size() == 1 && before[0] == "expect") {
     append(result.candidates, constants_of(result_enumeration));
+    append(result.candidates, frame_expectations);
     return result;
   }
+  if (before.size() > 1 && before[0] == "expect" && is_frame_expectation(before[1])) return of_frame(before);
   if (!before.empty() && before[0] == "expect") before.erase(before.begin(), before.begin() + 2);
   if (before.empty()) {
     result.candidates = command_names();

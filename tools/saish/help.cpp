@@ -140,7 +140,7 @@ void print_about(const BuiltIn& built_in) {
   std::printf("%s\n", built_in.usage);
   print_wrapped("", built_in.summary);
   print_record("FRAME", "", built_in.fields);
-  if (built_in.note != nullptr) print_wrapped("  ", built_in.note);
+  for (const char* const note : built_in.notes) print_wrapped("  ", note);
 }
 
 void print_about(const Function& function) {

@@ -24,6 +24,7 @@ namespace saish {
 namespace {
 
 constexpr int most_scripts = 16;
+constexpr const char* expect_code = "expect CODE COMMAND";
 
 volatile std::sig_atomic_t interrupted = 0;
 
@@ -49,7 +50,8 @@ void check_count(const std::string& form, std::size_t given, std::size_t fewest,
 int32_t expected_code(const std::string& word) {
   const std::optional<int32_t> code = named_number<int32_t>(word, "SAI_E_");
   if (!code)
-    throw BadInput("code: \"" + word + "\" is neither a number nor a SAI_E_ name; the form is expect CODE COMMAND");
+    throw BadInput("code: \"" + word + "\" is neither a number nor a SAI_E_ name; the form is " + expect_code +
+                   ", or out, cpu, dropped or nothing is expected of a frame");
   return *code;
 }
 
@@ -133,19 +135,18 @@ void Session::execute(std::string_view line, bool well) {
   if (given.empty()) return;
   std::optional<int32_t> expected;
   if (given[0] == "expect") {
-    check_count(find_built_in("expect")->usage, given.size() - 1, 2, given.size());
+    if (given.size() == 1)
+      throw BadInput(std::string("too few arguments; the form is ") + find_built_in("expect")->usage);
+    if (is_frame_expectation(given[1])) return expectations_.state({given.begin() + 1, given.end()});
     expected = expected_code(given[1]);
+    check_count(expect_code, given.size() - 1, 2, given.size());
     given.erase(given.begin(), given.begin() + 2);
   }
   const Words arguments(given.begin() + 1, given.end());
   std::fflush(stdout);  // keeps the order with what goes to standard error
 
   const BuiltIn* built_in = find_built_in(given[0]);
-  if (built_in != nullptr && !expected) {
-    check_count(built_in->usage, arguments.size(), built_in->fewest_words, built_in->most_words);
-    return built_in->run(*this, arguments);
-  }
-  if (built_in != nullptr) throw BadInput("expect: \"" + given[0] + "\" is not one of the library's functions");
+  if (built_in != nullptr) return run_built_in(*built_in, arguments, expected);
   const Function* function = find_function(given[0]);
   if (function == nullptr) throw unknown_command(given[0]);
   if (expected && function->result == Result::none) throw BadInput("expect: " + given[0] + " returns nothing");
@@ -156,14 +157,29 @@ void Session::execute(std::string_view line, bool well) {
                    result_text(*function, *result));
 }
 
+void Session::run_built_in(const BuiltIn& built_in, const Words& arguments, std::optional<int32_t> expected) {
+  if (expected && !built_in.has_code)
+    throw BadInput("expect: \"" + std::string(built_in.name) +
+                   "\" returns no code; the library's functions do, and send does");
+  check_count(built_in.usage, arguments.size(), built_in.fewest_words, built_in.most_words);
+  built_in.run(*this, arguments);
+  if (!expected) return;
+  if (const int came = expectations_.outcome(); came != *expected)
+    throw Unexpected("expected " + outcome_text(*expected) + ", came " + outcome_text(came));
+}
+
 void Session::interrupt() { interrupted = 1; }
 
 void Session::run(std::string_view line) {
   interrupted = 0;
+  here_ = line;
   execute(line, false);
 }
 
-void Session::run_well(std::string_view line) { execute(line, true); }
+void Session::run_well(std::string_view line) {
+  here_ = line;
+  execute(line, true);
+}
 
 void Session::run_script(const std::string& path) {
   Script script(path);
@@ -171,17 +187,22 @@ void Session::run_script(const std::string& path) {
     throw BadInput("scripts that run each other end at a depth of " + std::to_string(most_scripts));
 
   const Counted counted(scripts_);
+  const int sent_before = expectations_.sent();
   int number = 0;
   for (std::string line; !ended_ && script.next(line);) {
     ++number;
     std::printf("%s\n", line.c_str());
+    const std::string here = path + ":" + std::to_string(number) + ": " + line;
     try {
       if (interrupted != 0) throw Unexpected("interrupted");
-      run_well(line);
+      here_ = here;
+      execute(line, true);
     } catch (const std::runtime_error& error) {
-      throw Unexpected(path + ":" + std::to_string(number) + ": " + line + ": " + error.what());
+      throw Unexpected(here + ": " + error.what());
     }
   }
+  // A frame that another script sent is that script's to expect something of.
+  if (expectations_.sent() != sent_before) expectations_.settle();
 }
 
 }  // namespace saish

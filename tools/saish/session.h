@@ -7,14 +7,12 @@
 #include <string_view>
 
 #include "capture.h"
+#include "expectation.h"
 #include "library.h"
 
 namespace saish {
 
-/// A command of a script, or one after `expect`, did not have the expected result.
-struct Unexpected : std::runtime_error {
-  explicit Unexpected(std::string_view text) : runtime_error(printable(text)) {}
-};
+struct BuiltIn;
 
 /// What a session does to the chip at its beginning and its end.
 enum class Power {
@@ -55,6 +53,12 @@ class Session {
   /// What leaves the units to which frames were sent.
   Capture& capture() { return capture_; }
 
+  /// What is expected of the frame that was sent last.
+  Expectations& expectations() { return expectations_; }
+
+  /// The line that is being run; in a script, with its file and number.
+  const std::string& here() const { return here_; }
+
   /// Whether its tables are for a comparison. Then it makes none itself: comparisons would start each other forever.
   void set_compared() { compared_ = true; }
   bool is_compared() const { return compared_; }
@@ -64,11 +68,14 @@ class Session {
 
  private:
   void execute(std::string_view line, bool well);
+  void run_built_in(const BuiltIn& built_in, const Words& arguments, std::optional<int32_t> expected);
   std::optional<int32_t> call(const Function& function, const Words& arguments);
   void print_news();
 
   const Power power_;
   Capture capture_;
+  Expectations expectations_;
+  std::string here_;
   bool ended_ = false;
   bool compared_ = false;
   bool following_ = false;
