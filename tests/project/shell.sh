@@ -90,10 +90,21 @@ for arguments in "" "-"; do
 done
 
 check 0 "" "$saish" "$examples/vlans.sai"
-expectations=$(grep -n '^expect ' "$examples/vlans.sai" | cut -d: -f1)
-[ -n "$expectations" ] || fail "vlans.sai: no line with expect"
+expectations=$(grep -n '^expect SAI_E_' "$examples/vlans.sai" | cut -d: -f1)
+[ -n "$expectations" ] || fail "vlans.sai: no line expects a code"
 for line in $expectations; do
   sed "${line}s/^expect SAI_E_[A-Z_]*/expect SAI_E_MEMORY/" "$examples/vlans.sai" >changed.sai
   check 1 "changed\\.sai:$line: expect SAI_E_MEMORY .*: expected -3 SAI_E_MEMORY, came -[0-9]+ SAI_E_[A-Z_]+" \
     "$saish" changed.sai
 done
+
+# A frame that leaves elsewhere, or that nobody expects, ends a script too.
+line=$(grep -n -m 1 '^expect out 2 ' "$examples/vlans.sai" | cut -d: -f1)
+[ -n "$line" ] || fail "vlans.sai: no line expects a frame at port 2"
+sed "${line}s/ out 2 / out 4 /" "$examples/vlans.sai" >changed.sai
+check 1 "changed\\.sai:$line: expect out 4 .*: expected out 4: .*, came out 2: .*" "$saish" changed.sai
+grep -q '^  came      out 2: ' out || fail "what came is not shown: $(cat out)"
+sed "${line}d" "$examples/vlans.sai" >changed.sai
+check 1 "changed\\.sai:[0-9]+: expect nothing: expected nothing more, came out 2: .*" "$saish" changed.sai
+sed "${line}d; /^expect nothing/d" "$examples/vlans.sai" >changed.sai
+check 1 "changed\\.sai:[0-9]+: send 9 .*: changed\\.sai:[0-9]+: send 9 .*: not expected: out 2: .*" "$saish" changed.sai
