@@ -151,6 +151,9 @@ _Board = record("Chip", [(field, "int32_t", None) for field in ("units", "ports"
 
 _swsdk.swsdk_show.restype = ctypes.c_long
 _swsdk.swsdk_journal_read.restype = ctypes.c_size_t
+_swsdk.swsdk_frame_trace.restype = ctypes.c_long
+_drop_name = _control("swsdk_drop_name", ctypes.c_char_p, reason="int32_t")
+_port_drops = _control("swsdk_port_drops", ctypes.c_longlong, unit="int32_t", port="int32_t", reason="int32_t")
 _show_table = _control("swsdk_show_table", ctypes.c_char_p, index="int32_t")
 _link_event = _control("swsdk_link_event", unit="int32_t", port="int32_t", up="int32_t")
 _l2_learn = _control(
@@ -214,6 +217,29 @@ class Chip:
         buffer = ctypes.create_string_buffer(length + 1)
         _swsdk.swsdk_show(*place, buffer, ctypes.c_size_t(length + 1))
         return buffer.value.decode()
+
+    @staticmethod
+    def trace(port, frame, unit=0):
+        """The lines of swsdk_frame_trace(): the way that a frame, bytes, would take if it came in at a port."""
+        frame = bytes(frame)
+        place = argument("trace: unit", "int32_t", unit), argument("trace: port", "int32_t", port)
+        given = *place, frame, ctypes.c_size_t(len(frame))
+        length = _check(_swsdk.swsdk_frame_trace(*given, None, 0), f"unit {unit} has no port {port}")
+        buffer = ctypes.create_string_buffer(length + 1)
+        _swsdk.swsdk_frame_trace(*given, buffer, ctypes.c_size_t(length + 1))
+        return buffer.value.decode().splitlines()
+
+    @staticmethod
+    def drops(port, unit=0):
+        """How many frames and copies a port has lost, by the names of the reasons."""
+        counts = {}
+        reason = 1
+        while (name := _drop_name(reason)) is not None:
+            lost = _check(_port_drops(unit, port, reason), f"unit {unit} has no port {port}")
+            if lost > 0:
+                counts[name.decode()] = lost
+            reason += 1
+        return counts
 
     @staticmethod
     def link(port, up, unit=0):

@@ -16,11 +16,13 @@ using chip::Origin;
 using std::to_string;
 namespace decider = chip::decider;
 
-/// The cells of an entry under their headings, without those that say nothing.
+/// The cells of an entry under their headings, without those that say nothing and what frames change.
 std::string cells_text(const api::Row& headings, const api::Row& row) {
   std::string result;
-  for (std::size_t i = 0; i < headings.size(); ++i)
+  for (std::size_t i = 0; i < headings.size(); ++i) {
+    if (headings[i].starts_with("hit")) continue;
     if (row[i] != "-" && row[i] != "{}") result += (result.empty() ? "" : ", ") + headings[i] + ' ' + row[i];
+  }
   return result;
 }
 

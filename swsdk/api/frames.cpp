@@ -122,6 +122,12 @@ int swsdk_netif_get(int unit, int index, swsdk_netif* netif) {
   return api::ask_chip(__func__, unit, get, -1, index, api::out(netif));
 }
 
+const char* swsdk_cpu_reason_name(int index) {
+  constexpr const char* names[] = {"l2 cache", "protocol", "l3 miss",   "l3 error",
+                                   "field",    "learning", "mac entry", "destination"};
+  return index >= 0 && index < static_cast<int>(std::size(names)) ? names[index] : nullptr;
+}
+
 const char* swsdk_drop_name(int reason) {
   return is_reason(reason) ? chip::name(static_cast<chip::Drop>(reason)) : nullptr;
 }

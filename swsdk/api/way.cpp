@@ -1,5 +1,7 @@
 #include "api/way.h"
 
+#include <swsdk/frames.h>
+
 #include <algorithm>
 #include <iterator>
 
@@ -41,11 +43,9 @@ std::string where(const chip::Place& place) {
 }  // namespace
 
 std::string api::cpu_reasons_text(uint32_t reasons) {
-  constexpr const char* names[] = {"l2 cache", "protocol", "l3 miss",   "l3 error",
-                                   "field",    "learning", "mac entry", "destination"};
   std::string result;
-  for (std::size_t bit = 0; bit < std::size(names); ++bit)
-    if ((reasons >> bit & 1) != 0) result += (result.empty() ? "" : ", ") + std::string(names[bit]);
+  for (int bit = 0; swsdk_cpu_reason_name(bit) != nullptr; ++bit)
+    if ((reasons >> bit & 1) != 0) result += (result.empty() ? "" : ", ") + std::string(swsdk_cpu_reason_name(bit));
   return result;
 }
 

@@ -15,6 +15,7 @@
 #include <string>
 
 #include "expectation.h"
+#include "frame_commands.h"
 #include "frame_text.h"
 #include "help.h"
 #include "library.h"
@@ -41,7 +42,8 @@ int unit_at(const Words& arguments, std::size_t index) {
   return arguments.size() > index ? unit_number(arguments[index]) : 0;
 }
 
-/// The same; the unit must be attached and initialized.
+}  // namespace
+
 int initialized_unit_at(const Words& arguments, std::size_t index) {
   const int unit = unit_at(arguments, index);
   if (unit >= soc_ndev) throw BadInput("unit " + std::to_string(unit) + " is not attached");
@@ -53,6 +55,8 @@ int initialized_unit_at(const Words& arguments, std::size_t index) {
 BadInput no_port(int unit, int port) {
   return BadInput("unit " + std::to_string(unit) + " has no port " + std::to_string(port));
 }
+
+namespace {
 
 template <class T>
 T value(const std::string& where, const std::string& word) {
@@ -253,47 +257,6 @@ void classify(Session& /*session*/, const Words& arguments) {
   std::printf("  %s\n", verdict_text(verdict).c_str());
 }
 
-void capture(Session& session, const Words& /*arguments*/) {
-  for (const std::string& line : session.capture().take()) std::printf("  %s\n", line.c_str());
-  session.expectations().settle();
-}
-
-void send(Session& session, const Words& arguments) {
-  const int port = value<int>("port", arguments[0]);
-  const std::vector<uint8_t> frame = frame_bytes(std::span(arguments).subspan(1));
-  const int unit = initialized_unit_at({}, 0);
-  session.expectations().settle();
-  session.capture().watch(unit);
-  std::vector<Copy> copies;
-  const int outcome = session.capture().send(unit, port, frame, copies);
-  if (outcome < 0) throw no_port(unit, port);
-  session.expectations().begin(session.here(), outcome, std::move(copies));
-  swsdk_events_drain();
-  if (outcome == 0)
-    std::printf("  passed on\n");
-  else
-    std::printf("  not passed on: %s\n", swsdk_drop_name(outcome));
-}
-
-/// What swsdk_frame_trace() prints, with its frames as people read them.
-void print_way(std::string_view way) {
-  while (!way.empty()) {
-    const std::string_view line = way.substr(0, way.find('\n'));
-    way.remove_prefix(std::min(line.size() + 1, way.size()));
-    std::printf("  %s\n", with_frame_text(line).c_str());
-  }
-}
-
-void trace(Session& /*session*/, const Words& arguments) {
-  const int port = value<int>("port", arguments[0]);
-  const std::vector<uint8_t> frame = frame_bytes(std::span(arguments).subspan(1));
-  const int unit = initialized_unit_at({}, 0);
-  std::string way(std::size_t{1} << 20, '\0');
-  const long length = swsdk_frame_trace(unit, port, frame.data(), frame.size(), way.data(), way.size());
-  if (length < 0) throw no_port(unit, port);
-  print_way(std::string_view(way).substr(0, static_cast<std::size_t>(length)));
-}
-
 void diff(Session& session, const Words& arguments) {
   if (session.is_compared())
     throw BadInput("a script whose tables are compared or printed can have no diff; remove this line");
@@ -340,8 +303,8 @@ constexpr BuiltIn all_built_ins[] = {
     {"classify", "classify ingress|egress FRAME [UNIT]", "Says what the field entries do with a frame.", 2, 3, classify,
      frame_fields},
     {"send",
-     "send PORT FRAME",
-     "Lets a frame come in at a port, or at 0 from the host, and says whether it was passed on.",
+     "send [--trace] PORT FRAME",
+     "Lets a frame come in at a port, or at 0 from the host, and says whether it was passed on, or which way it took.",
      2,
      any_length,
      send,
@@ -356,8 +319,15 @@ constexpr BuiltIn all_built_ins[] = {
      trace,
      {},
      send_notes},
-    {"capture", "capture", "Shows what left the chip since the last time: a line per copy, with its port.", 0, 0,
-     capture},
+    {"watch", "watch [--trace] [--seconds N] [FILTER]",
+     "Prints the frames that pass through the chip as they pass, or those that libpcap's FILTER takes.", 0, any_length,
+     watch},
+    {"path", "path start [FILTER]|summary|stop",
+     "Counts the ways that frames take from the start on, and prints them, the most frequent first.", 1, any_length,
+     path},
+    {"capture", "capture [FILE.pcapng|start [--trace] [--seconds N] [FILTER]]",
+     "Shows what left the chip since the last time, or writes the frames that pass into a file for Wireshark.", 0,
+     any_length, capture},
     {"diff", "diff FILE", "Compares the chip's tables with those that a script would leave in a fresh chip.", 1, 1,
      diff},
     {"source", "source FILE", "Runs a script.", 1, 1, source},

@@ -28,6 +28,10 @@ const BuiltIn* find_built_in(std::string_view name);
 /// The names of these commands and of the library's functions.
 std::vector<std::string> command_names();
 
+/// The unit that a word at the end names, 0 when it is left out. Throws BadInput when it is not initialized.
+int initialized_unit_at(const Words& arguments, std::size_t index);
+BadInput no_port(int unit, int port);
+
 /// The message for a name that is none of them: it suggests the nearest name, if one is near.
 BadInput unknown_command(std::string_view name);
 

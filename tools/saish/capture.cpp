@@ -11,18 +11,13 @@ namespace {
 
 constexpr std::size_t most_kept = 256;
 
-constexpr const char* reasons[] = {"l2 cache", "protocol", "l3 miss",   "l3 error",
-                                   "field",    "learning", "mac entry", "destination"};
-
 }  // namespace
-
-std::span<const char* const> cpu_reasons() { return reasons; }
 
 std::string place_text(int port, uint32_t cpu) {
   if (port != 0) return std::to_string(port);
   std::string result;
-  for (std::size_t bit = 0; bit < std::size(reasons); ++bit)
-    if ((cpu >> bit & 1) != 0) result += (result.empty() ? "" : ", ") + std::string(reasons[bit]);
+  for (int bit = 0; swsdk_cpu_reason_name(bit) != nullptr; ++bit)
+    if ((cpu >> bit & 1) != 0) result += (result.empty() ? "" : ", ") + std::string(swsdk_cpu_reason_name(bit));
   return "cpu (" + result + ')';
 }
 

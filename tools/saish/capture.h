@@ -20,9 +20,6 @@ struct Copy {
   std::vector<uint8_t> bytes;
 };
 
-/// Why the CPU gets a copy, by the bits of swsdk_out::cpu.
-std::span<const char* const> cpu_reasons();
-
 /// "2" or "cpu (protocol, destination)".
 std::string place_text(int port, uint32_t cpu);
 

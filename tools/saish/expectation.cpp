@@ -97,7 +97,8 @@ bool is_frame_expectation(std::string_view word) {
 
 std::vector<std::string> cpu_reason_words() {
   std::vector<std::string> result;
-  for (const char* const reason : cpu_reasons()) result.push_back(hyphenated(reason));
+  for (int bit = 0; swsdk_cpu_reason_name(bit) != nullptr; ++bit)
+    result.push_back(hyphenated(swsdk_cpu_reason_name(bit)));
   return result;
 }
 

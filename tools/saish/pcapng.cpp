@@ -50,9 +50,20 @@ class Body {
   std::vector<uint8_t> bytes_;
 };
 
-std::string port_name(const Passage& passage, std::string_view port) {
-  return (passage.unit == 0 ? "" : "unit " + std::to_string(passage.unit) + " ") + "port " + std::string(port);
-}
+/// A line of a passage: "out 2: 0200...", or one without a frame, which is all place.
+struct FrameLine {
+  explicit FrameLine(std::string_view line) : place(line) {
+    const std::size_t colon = line.rfind(": ");
+    if (colon == std::string_view::npos || !(is("in ") || is("out ") || is("cpu "))) return;
+    place = line.substr(0, colon);
+    hex = line.substr(colon + 2);
+  }
+  bool is(std::string_view start) const { return place.starts_with(start); }
+  std::string after(std::string_view start) const { return std::string(place.substr(start.size())); }
+
+  std::string_view place;
+  std::string_view hex;
+};
 
 }  // namespace
 
@@ -126,39 +137,26 @@ void PcapngFile::add_frame(const Passage& passage, const std::string& interface_
 }
 
 void PcapngFile::add(const Passage& passage) {
-  // What came in has the whole way as its comment, with the frames left out; what left has what it met on its way out.
-  std::string way;
-  std::string_view came_in;
-  std::string_view port;
-  for (const std::string& line : passage.lines) {
-    const bool is_frame = line.starts_with("in ") || line.starts_with("out ") || line.starts_with("cpu ");
-    const std::size_t colon =
-        is_frame ? line.find(": ", line.find(')') == std::string::npos ? 0 : line.find(')')) : std::string::npos;
-    if (line.starts_with("in ")) {
-      if (came_in.data() != nullptr) add_frame(passage, port_name(passage, port), came_in, inbound, way);
-      way.clear();
-      port = std::string_view(line).substr(3, colon - 3);
-      came_in = std::string_view(line).substr(colon + 2);
-      continue;
+  const std::string unit = passage.unit == 0 ? "" : "unit " + std::to_string(passage.unit) + ' ';
+  // What came in has the way up to the next arrival as its comment, without the other frames.
+  for (std::size_t i = 0; i < passage.lines.size(); ++i) {
+    const FrameLine line(passage.lines[i]);
+    if (line.is("in ")) {
+      std::string way;
+      for (std::size_t next = i + 1; next < passage.lines.size(); ++next) {
+        const FrameLine other(passage.lines[next]);
+        if (other.is("in ")) break;
+        way.append(way.empty() ? "" : "\n").append(other.place);
+      }
+      last_in_ = line.hex;
+      add_frame(passage, unit + "port " + line.after("in "), line.hex, inbound, way);
+    } else if (line.is("out ") && !line.hex.empty()) {
+      add_frame(passage, unit + "port " + line.after("out "), line.hex, outbound, {});
+    } else if (line.is("cpu ")) {
+      add_frame(passage, unit + "cpu", line.hex, outbound, line.place);
+    } else if (line.is("dropped: ")) {
+      add_frame(passage, unit + "drops", last_in_, 0, line.place);
     }
-    way += (way.empty() ? "" : "\n") + (is_frame ? line.substr(0, colon) : line);
-  }
-  if (came_in.data() != nullptr) add_frame(passage, port_name(passage, port), came_in, inbound, way);
-
-  std::string_view last_in;
-  for (const std::string& line : passage.lines) {
-    const std::string_view text = line;
-    const std::size_t colon = text.find(": ", text.find(')') == std::string::npos ? 0 : text.find(')'));
-    if (text.starts_with("in "))
-      last_in = text.substr(colon + 2);
-    else if (text.starts_with("out ") && colon != std::string_view::npos)
-      add_frame(passage, port_name(passage, text.substr(4, colon - 4)), text.substr(colon + 2), outbound, {});
-    else if (text.starts_with("cpu "))
-      add_frame(passage, passage.unit == 0 ? "cpu" : "unit " + std::to_string(passage.unit) + " cpu",
-                text.substr(colon + 2), outbound, text.substr(0, colon));
-    else if (text.starts_with("dropped: "))
-      add_frame(passage, passage.unit == 0 ? "drops" : "unit " + std::to_string(passage.unit) + " drops", last_in, 0,
-                text);
   }
 }
 

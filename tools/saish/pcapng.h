@@ -40,6 +40,7 @@ class PcapngFile {
   const std::string path_;
   std::unique_ptr<std::FILE, Close> file_;
   std::map<std::string, uint32_t> interfaces_;
+  std::string last_in_;
 };
 
 }  // namespace saish

@@ -170,6 +170,8 @@ void Session::run_built_in(const BuiltIn& built_in, const Words& arguments, std:
 
 void Session::interrupt() { interrupted = 1; }
 
+bool Session::is_interrupted() { return interrupted != 0; }
+
 void Session::run(std::string_view line) {
   interrupted = 0;
   here_ = line;

@@ -9,6 +9,7 @@
 #include "capture.h"
 #include "expectation.h"
 #include "library.h"
+#include "watch.h"
 
 namespace saish {
 
@@ -49,6 +50,14 @@ class Session {
 
   /// Prints the SDK calls of all processes on the chip as they happen, for so long or until the session is interrupted.
   static void print_calls_of_all(std::optional<int> seconds);
+
+  /// Whether interrupt() has been called since the last run().
+  static bool is_interrupted();
+
+  /// Begun by `path start`, and by `capture start`.
+  std::optional<Watch> path_watch;
+  Paths paths;
+  std::optional<Watch> capture_watch;
 
   /// What leaves the units to which frames were sent.
   Capture& capture() { return capture_; }

@@ -6,10 +6,12 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "board.h"
+#include "capturing.h"
 #include "console.h"
 #include "descriptor.h"
 #include "session.h"
@@ -96,6 +98,13 @@ int run(int argc, char** argv) {
       ->excludes("--cpu")
       ->excludes("--listen")
       ->excludes("--port");
+  std::string capture;
+  bool traces = false;
+  CLI::Option* const captures =
+      app.add_option("--capture", capture, "pcapng file to write the frames that pass to, with what is decided on each")
+          ->excludes("--tables");
+  app.add_flag("--trace", traces, "capture the whole way of each frame: stages, entries and the calls that made those")
+      ->needs(captures);
   app.set_version_flag("--version", "swsdk-switch " SAI_VERSION);
 
   try {
@@ -125,6 +134,8 @@ int run(int argc, char** argv) {
     choose_board();
     saish::Session session(config.empty() ? saish::Power::cold : saish::Power::on);
     if (!config.empty()) session.run_script(config);
+    std::optional<vswitch::Capturing> capturing;
+    if (app.count("--capture") > 0) capturing.emplace(capture, traces ? SWSDK_WATCH_WAYS : SWSDK_WATCH_ENDS);
     // One that only serves other programs takes nothing of the host.
     const bool listens = app.count("--listen") > 0;
     const bool has_host = !listens || !ports.empty() || !cpu.empty();

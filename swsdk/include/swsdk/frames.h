@@ -27,6 +27,9 @@ extern "C" {
 #define SWSDK_CPU_MAC_ENTRY 0x40u   /**< an entry of the MAC table */
 #define SWSDK_CPU_DESTINATION 0x80u /**< it is for the CPU, or flooded to it */
 
+/** Names the reason of bit `index` of SWSDK_CPU_*, such as "l2 cache" for 0; null past the last. */
+const char* swsdk_cpu_reason_name(int index);
+
 /** A frame that leaves the chip. */
 typedef struct swsdk_out {
   int port;            /**< where it leaves: an Ethernet port, or 0 for the CPU */
