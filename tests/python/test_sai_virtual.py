@@ -249,3 +249,24 @@ def test_a_chip_of_another_process_is_left_as_it_is(tmp_path):
         with sai.Chip(path) as chip:
             assert "\n10 " in chip.show("vlan")
         server.terminate()
+
+
+def test_a_trace_tells_the_way_of_a_frame_and_changes_nothing(chip):
+    frame = bytes.fromhex("020000000002" "020000000001" "9000").ljust(60, b"\0")
+    chip.link(1, True)
+    before = chip.show("mac")
+    lines = chip.trace(1, frame)
+    assert lines[0] == f"in 1: {frame.hex()}"
+    assert "assign_vlan: VLAN 1" in lines
+    assert lines[-1] == "passed on"
+    assert chip.show("mac") == before
+    with pytest.raises(ValueError, match="unit 0 has no port 99"):
+        chip.trace(99, frame)
+    with pytest.raises(TypeError):
+        chip.trace(1, "no bytes")
+
+
+def test_lost_frames_are_counted_by_the_names_of_their_reasons(chip):
+    assert chip.drops(1) == {}
+    with pytest.raises(ValueError, match="unit 0 has no port 99"):
+        chip.drops(99)

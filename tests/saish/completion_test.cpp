@@ -42,7 +42,7 @@ TEST(Completion, BehindExpectIsWhatIsExpectedOfAFrame) {
   for (const std::string word : {"out", "cpu", "dropped", "nothing", "SAI_E_FULL"}) EXPECT_TRUE(has(all, word)) << word;
   EXPECT_EQ(after("expect cpu l"), (Texts{"l2-cache", "l3-error", "l3-miss", "learning"}));
   EXPECT_EQ(after("expect cpu a"), Texts{"any"});
-  EXPECT_EQ(after("expect dropped not"), Texts{"not-a-member-of-the-vlan"});
+  EXPECT_EQ(after("expect dropped not-a"), Texts{"not-a-member-of-the-vlan"});
   EXPECT_EQ(after("expect dropped not-a-member-of-the-vlan "), Texts{});
   EXPECT_EQ(after("expect out "), Texts{});
   EXPECT_EQ(saish::completion_of("expect out ").hint, "PORT");

@@ -186,7 +186,7 @@ TEST_F(FrameExpectations, ThatAreNotWellFormedChangeNothing) {
   EXPECT_EQ(refused("expect cpu any 123"), "frame: \"123\" is not pairs of hexadecimal digits");
   const std::string none = refused("expect dropped by me");
   EXPECT_TRUE(none.starts_with("reason: \"by me\" is none; the reasons are malformed, port down, ")) << none;
-  EXPECT_TRUE(none.ends_with(", source is a group, any")) << none;
+  EXPECT_TRUE(none.ends_with(", egress rate, any")) << none;
   EXPECT_EQ(run("expect out 3", "expect cpu any", "expect nothing"), "");
 }
 
@@ -264,7 +264,7 @@ TEST_F(FrameExpectations, ACodeIsThatOfSend) {
   EXPECT_EQ(run("expect 1 " + flood), "  passed on\nunexpected: expected 1 (malformed), came 0\n");
   EXPECT_EQ(run("expect -7 " + flood), "  passed on\nunexpected: expected -7, came 0\n");
   EXPECT_EQ(run("expect out 2", "expect out 3", "expect cpu any", "expect nothing"), "") << "they go together";
-  EXPECT_EQ(refused("expect 0 send 1"), "too few arguments; the form is send PORT FRAME");
+  EXPECT_EQ(refused("expect 0 send 1"), "too few arguments; the form is send [--trace] PORT FRAME");
   EXPECT_EQ(refused("expect 0 send 99 00"), "unit 0 has no port 99");
 }
 

@@ -173,7 +173,7 @@ void capture(Session& session, const Words& arguments) {
     Watch watch(wish.detail, wish.filter);
     follow(watch, wish.seconds, add, [&] { file.flush(); });
   }
-  std::printf("  %lld frames came in\n", frames);
+  std::printf("  %lld %s came in\n", frames, frames == 1 ? "frame" : "frames");
 }
 
 }  // namespace saish

@@ -6,31 +6,30 @@ namespace chip {
 namespace {
 
 /// The assignment by the frame's source, MAC address or subnet; the port's preference decides where both have one.
-const VlanAssignment* assignment_of_source(const Passage& frame) {
-  const Chip& chip = frame.chip;
-  const Packet& packet = frame.packet;
+const VlanAssignment* assignment_of_source(const Chip& chip, const Packet& packet) {
   const VlanControls& controls = chip.vlan_controls;
   const auto by_mac = [&]() -> const VlanAssignment* {
-    if (controls.of_port(packet.port, VlanControlOfPort::lookup_mac) == 0) return nullptr;
-    const VlanAssignment* const found = chip.mac_vlans.find(packet.fields.source_mac);
-    if (found != nullptr) frame.by(decider::MacVlan{packet.fields.source_mac});
-    return found;
+    const bool looks = controls.of_port(packet.port, VlanControlOfPort::lookup_mac) != 0;
+    return looks ? chip.mac_vlans.find(packet.fields.source_mac) : nullptr;
   };
-  const auto around_source = [&]() -> const VlanAssignment* {
+  const auto by_subnet = [&]() -> const VlanAssignment* {
     if (chip.subnet_vlans.all().empty()) return nullptr;
     if (controls.of_port(packet.port, VlanControlOfPort::lookup_ip) == 0) return nullptr;
     if (packet.is_ip4()) return find_around(chip.subnet_vlans, *subnet_of_ip4(packet.fields.source_ip, ~0U));
     return packet.is_ip6() ? find_around(chip.subnet_vlans, {true, 128, packet.fields.source_ip6}) : nullptr;
   };
-  const auto by_subnet = [&] {
-    const VlanAssignment* const found = around_source();
-    if (found != nullptr) frame.by(decider::SubnetVlan{found});
-    return found;
-  };
   const bool subnet_first = controls.prefers_subnet(packet.port);
   const VlanAssignment* const found = subnet_first ? by_subnet() : by_mac();
   if (found != nullptr) return found;
   return subnet_first ? by_mac() : by_subnet();
+}
+
+void tell_assignment(const Passage& frame, const VlanAssignment* found) {
+  const Mac& source = frame.packet.fields.source_mac;
+  if (frame.chip.mac_vlans.find(source) == found)
+    frame.by(decider::MacVlan{source});
+  else
+    frame.by(decider::SubnetVlan{found});
 }
 
 /// The VLAN of the frame's protocol on its port, or null.
@@ -61,8 +60,10 @@ void set_inner(Packet& packet, uint16_t tag) {
 /// Assigns the VLAN of an untagged frame: by source, else by protocol, else by port.
 void give_vlan(Passage& frame) {
   Packet& packet = frame.packet;
-  if (const VlanAssignment* const found = assignment_of_source(frame))
+  if (const VlanAssignment* const found = assignment_of_source(frame.chip, packet)) {
+    if (frame.observer != nullptr) tell_assignment(frame, found);
     return set_outer(packet, found->vlan, found->priority);
+  }
   if (const Setting<int>* const of_protocol = vlan_of_protocol(frame)) return packet.set_vlan(*of_protocol);
   frame.by(decider::UntaggedVlan{packet.port});
   packet.set_vlan(frame.chip.port_forwarding.of(packet.port).untagged_vlan);

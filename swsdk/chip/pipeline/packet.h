@@ -125,7 +125,7 @@ struct Passage {
   template <class Which>
   void by(const Which& which) const {
     if (observer != nullptr) [[unlikely]]
-      observer->decides(which);
+      tell(which);
   }
 
   /// Why it is dropped, or none.
@@ -152,6 +152,12 @@ struct Passage {
   }
 
  private:
+  // Out of line, so that the stages stay as short as without it.
+  template <class Which>
+  [[gnu::noinline, gnu::cold]] void tell(const Which& which) const {
+    observer->decides(which);
+  }
+
   Drop drop_ = Drop::none;
 };
 

@@ -1,5 +1,7 @@
 #include "chip/pipeline/pipeline.h"
 
+#include <cstddef>
+#include <iterator>
 #include <utility>
 
 #include "chip/chip.h"
@@ -18,6 +20,7 @@ struct Stage {
 };
 
 constexpr Stage admission{"admit", admit};
+
 /// Those between the copies for mirrors of what came in and the copies that leave.
 constexpr Stage stages[] = {
     {"check_source", check_source},
@@ -30,14 +33,24 @@ constexpr Stage stages[] = {
     {"storm", control_storms},
 };
 
+void run_observed(const Stage& stage, Passage& frame) {
+  frame.observer->begins(stage.name, frame);
+  stage.run(frame);
+  frame.observer->ends(frame);
+}
+
+/// Runs one stage, or the array of them. What nobody observes is as fast as if nobody could.
 void run(const Stage& stage, Passage& frame) {
-  if (frame.observer != nullptr) [[unlikely]] {
-    frame.observer->begins(stage.name, frame);
+  if (frame.observer == nullptr) [[likely]]
     stage.run(frame);
-    frame.observer->ends(frame);
-  } else {
-    stage.run(frame);
-  }
+  else
+    run_observed(stage, frame);
+}
+void run_stages(Passage& frame) {
+  if (frame.observer == nullptr) [[likely]]
+    return [&]<std::size_t... index>(std::index_sequence<index...>) { (stages[index].run(frame), ...); }
+  (std::make_index_sequence<std::size(stages)>());
+  for (const Stage& stage : stages) run_observed(stage, frame);
 }
 
 }  // namespace
@@ -74,10 +87,11 @@ Drop Pipeline::pass(Port port, std::span<const uint8_t> bytes, Wire& wire, Obser
   Drop lost = Drop::none;  // why the first copy was lost, if all were
   if (!frame.dropped()) {
     mirror_ingress(frame, wire);
-    for (const Stage& stage : stages) run(stage, frame);
+    run_stages(frame);
     bool has_left = false;
     for (const Copy& copy : copies_) {
       const Drop reason = send_copy(frame, copy, wire);
+      if (reason != Drop::none) lose_copy(frame, copy.port, reason);
       has_left = has_left || reason == Drop::none;
       if (lost == Drop::none) lost = reason;
     }

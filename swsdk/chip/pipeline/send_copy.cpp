@@ -32,8 +32,11 @@ EgressHeader header_of(const Packet& packet) {
           .inner_tag = packet.inner_tagged ? std::optional(packet.fields.inner_tag) : std::nullopt};
 }
 
-/// Sends a copy that the tables let out. Returns why it was lost, or none.
-Drop sent(Passage& frame, const Copy& copy, Wire& wire) {
+}  // namespace
+
+Drop send_copy(Passage& frame, const Copy& copy, Wire& wire) {
+  if (frame.observer != nullptr) [[unlikely]]
+    frame.observer->sends(copy.port, frame);
   Chip& chip = frame.chip;
   EgressHeader header = header_of(frame.packet);
   if (copy.l3_interface)
@@ -60,18 +63,9 @@ Drop sent(Passage& frame, const Copy& copy, Wire& wire) {
   return Drop::none;
 }
 
-}  // namespace
-
-Drop send_copy(Passage& frame, const Copy& copy, Wire& wire) {
-  if (frame.observer != nullptr) frame.observer->sends(copy.port, frame);
-  const Drop reason = sent(frame, copy, wire);
-  if (reason != Drop::none) lose_copy(frame, copy.port, reason);
-  return reason;
-}
-
 void lose_copy(Passage& frame, Port port, Drop reason) {
-  if (!frame.chip.ports.has(port)) return;
   if (frame.observer != nullptr) frame.observer->lost(port, reason);
+  if (!frame.chip.ports.has(port)) return;
   count_not_sent(frame.chip.counters, port, reason);
   ++frame.chip.drops[port][static_cast<std::size_t>(reason)];
 }
