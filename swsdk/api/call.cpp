@@ -31,7 +31,7 @@ void api::record(Kind kind, const char* function, int rv, Arguments arguments) {
   if (in_journal || has_made_entries) {
     const std::string line = call_text(function, arguments, Form::journal, rv) + result;
     if (in_journal) journal_add(line);
-    if (has_made_entries) *in_progress->cause() = {number, own_journal().owner() + line};
+    if (has_made_entries) *in_progress->cause() = {number, own_journal().owner(), line};
   }
   if (in_recording) add_to_recording(kind, call_text(function, arguments, Form::recording, outputs) + result);
   if (caller != nullptr)

@@ -112,7 +112,7 @@ chip::Drop api::receive_watched(int unit, chip::Port port, std::span<const uint8
   if (logs.empty()) return pipeline.receive(port, frame, wire);
   const bool wants_all =
       std::any_of(logs.begin(), logs.end(), [](const auto& log) { return log->detail == Way::Detail::all; });
-  Way way(wants_all ? Way::Detail::all : Way::Detail::ends, &wire);
+  Way way(wants_all ? Way::Detail::all : Way::Detail::ends, "", &wire);
   const std::string head = head_of(unit);
   const chip::Drop drop = pipeline.receive(port, frame, way, &way);
   for (const std::shared_ptr<FrameLog>& log : logs) log->add(head, way.text());
@@ -128,7 +128,9 @@ int swsdk_watch_begin(int detail, const void* filter, size_t length) {
                                *std::move(program));
   };
   if ((detail != SWSDK_WATCH_ENDS && detail != SWSDK_WATCH_WAYS) || (bytes == nullptr && length > 0)) return -1;
-  return api::ask(__func__, begin, -1, detail, api::bytes(bytes, static_cast<unsigned>(length)), length);
+  constexpr uint8_t nothing = 0;
+  return api::ask(__func__, begin, -1, detail,
+                  api::bytes(bytes == nullptr ? &nothing : bytes, static_cast<unsigned>(length)), length);
 }
 
 size_t swsdk_watch_take(int watch, char* buffer, size_t size) {

@@ -100,7 +100,7 @@ long swsdk_frame_trace(int unit, int port, const void* data, size_t length, char
   const auto trace = [&](const chip::Chip& chip) {
     const chip::Port in_port = chip::Port::of(port);
     if (!chip.ports.has(in_port)) return -1L;
-    api::Way way(api::Way::Detail::all, nullptr);
+    api::Way way(api::Way::Detail::all, api::own_journal().owner(), nullptr);
     api::find_unit(unit)->pipeline->try_out(in_port, {bytes, length}, way, way);
     return static_cast<long>(api::copy_out(way.text(), buffer, room));
   };

@@ -137,7 +137,8 @@ void api::Way::decides(const chip::Decider& decider) {
   if (!told_.insert(entry.text).second) return;
   entries_ += "  " + entry.text + "\n    ";
   if (cause != nullptr)
-    entries_ += "call " + to_string(cause->number) + ": " + cause->line + '\n';
+    entries_ += "call " + to_string(cause->number) + ": " + (cause->caller == reader_ ? "" : cause->caller) +
+                cause->line + '\n';
   else
     entries_ += mac != nullptr ? "learned\n" : "no call made it so\n";
 }

@@ -6,6 +6,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "chip/pipeline/observer.h"
 #include "chip/pipeline/packet.h"
@@ -24,7 +25,9 @@ class Way : public chip::Observer, public chip::Wire {
     all,   // the stages and the entries that decided, too
   };
 
-  Way(Detail detail, chip::Wire* wire) : detail_(detail), wire_(wire) {}
+  /// @param reader  whose calls need no name: what precedes its lines in the journals of others
+  /// @param wire    null: what leaves is lost
+  Way(Detail detail, std::string reader, chip::Wire* wire) : detail_(detail), reader_(std::move(reader)), wire_(wire) {}
 
   const std::string& text() const { return text_; }
 
@@ -62,6 +65,7 @@ class Way : public chip::Observer, public chip::Wire {
   std::string changes(const chip::Passage& frame) const;
 
   const Detail detail_;
+  const std::string reader_;
   chip::Wire* const wire_;
   const chip::Chip* chip_ = nullptr;
   const char* stage_ = nullptr;

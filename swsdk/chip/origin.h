@@ -8,10 +8,11 @@
 
 namespace chip {
 
-/// A call that made entries: its number among the calls that were answered, from 1 on, and its line in the journal.
+/// A call that made entries.
 struct Cause {
-  long long number = 0;
-  std::string line;
+  long long number = 0;  // among the calls that were answered, from 1 on
+  std::string caller;    // what precedes the line in the journals of other processes
+  std::string line;      // in the journal
 };
 
 /// A call that this thread is answering. Its line is made only if an entry is due to it, and kept as long as one is.

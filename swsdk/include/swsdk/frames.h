@@ -84,7 +84,8 @@ int swsdk_frame_send(int unit, int port, const void* data, size_t length);
  *     passed on
  *
  * Below a stage are the entries that decided, as swsdk_show() shows them, each with the call that made it so: its
- * number among the calls that the chip's process has answered, and its line in the journal. An entry is told once.
+ * number among the calls that the chip's process has answered, and its line in the journal, after the name and id of
+ * the process that made it if that is another one (swsdk/remote.h). An entry is told once.
  * Below `out PORT: BYTES` and `cpu (REASONS): BYTES` is what the copy met on its way out; `lost PORT: REASON` is a copy
  * that did not leave. `out PORT, looped back` is a copy that comes in again there, with an `in` line of its own later.
  * The last line is `passed on`, `trapped to the cpu` for a frame that went to the CPU alone, or
