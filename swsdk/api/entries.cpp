@@ -118,9 +118,8 @@ struct Describe {
     return {ports("rate", of.port), origin_of(chip.storm_rates.find({of.port, of.kind}))};
   }
   api::Entry operator()(const decider::Control& of) const {
-    return {"control: " + switch_control_name(of.control) + ' ' +
-                (chip.switch_controls.is_on(of.control, of.port) ? "on" : "off") + " on port " +
-                to_string(of.port.number()),
+    return {"control: " + switch_control_name(of.control) + ", port " + to_string(of.port.number()) + ", " +
+                (chip.switch_controls.is_on(of.control, of.port) ? "on" : "off"),
             chip.switch_controls.origin(of.control, of.port)};
   }
   api::Entry operator()(const decider::ProtocolVlan& of) const {

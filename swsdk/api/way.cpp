@@ -134,7 +134,8 @@ void api::Way::decides(const chip::Decider& decider) {
   const auto* const mac = std::get_if<chip::decider::OfMac>(&decider);
   // A port without a cable needs no more words, and an entry is told once.
   if (cause == nullptr && std::holds_alternative<chip::decider::Link>(decider)) return;
-  if (!told_.insert(entry.text).second) return;
+  // A row can have several settings, each due to a call of its own.
+  if (!told_.emplace(decider.index(), cause == nullptr ? 0 : cause->number, entry.text).second) return;
   entries_ += "  " + entry.text + "\n    ";
   if (cause != nullptr)
     entries_ += "call " + to_string(cause->number) + ": " + (cause->caller == reader_ ? "" : cause->caller) +

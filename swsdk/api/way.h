@@ -6,6 +6,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <utility>
 
 #include "chip/pipeline/observer.h"
@@ -70,8 +71,8 @@ class Way : public chip::Observer, public chip::Wire {
   const chip::Chip* chip_ = nullptr;
   const char* stage_ = nullptr;
   std::optional<State> before_;
-  std::set<std::string> told_;  // entries
-  std::string entries_;         // below the line to come
+  std::set<std::tuple<std::size_t, long long, std::string>> told_;  // kinds of deciders, calls and entries
+  std::string entries_;                                             // below the line to come
   std::string text_;
 };
 

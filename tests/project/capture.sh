@@ -64,7 +64,10 @@ fields switch.pcapng | grep -q '^port 1 0x00000001 02:00:00:00:00:01 ff:ff:ff:ff
   fail "the switch captured: $(fields switch.pcapng; cat switch.out switch.err)"
 
 # A full disk ends the capture with one line, and nothing else.
-"$switch" config.sai --port 1=pcap:shell.pcapng:one.pcap --capture /dev/full </dev/null >switch.out 2>switch.err || true
+code=0
+"$switch" config.sai --port 1=pcap:shell.pcapng:one.pcap --capture /dev/full </dev/null >switch.out 2>switch.err ||
+  code=$?
+[ "$code" -eq 1 ] || fail "a full disk made the switch exit with $code"
 [ "$(grep -c 'cannot write "/dev/full": No space left on device; the capture has ended' switch.err)" -eq 1 ] ||
   fail "a full disk gave: $(cat switch.err)"
 "$saish" -c "capture /dev/full --seconds 0" >full.out 2>full.err && fail "the shell wrote to a full disk"

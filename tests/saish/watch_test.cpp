@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <regex>
 
 #include "saish/shell.h"
 
@@ -39,7 +40,8 @@ TEST_F(FramesInTheShell, TraceTellsTheWayAndSendTraceTakesIt) {
   EXPECT_NE(traced.find("\n      call "), std::string::npos) << traced;
   EXPECT_TRUE(traced.ends_with("\n  passed on\n")) << traced;
   EXPECT_EQ(run("show mac").find("02:00:00:00:00:01"), std::string::npos) << "nothing has happened";
-  EXPECT_EQ(run("send --trace 1 " + frame), traced);
+  // When the chip is in another process, what passes there has the name of each caller.
+  EXPECT_EQ(std::regex_replace(run("send --trace 1 " + frame), std::regex(": saish_test\\[[0-9]+\\]: "), ": "), traced);
   EXPECT_EQ(run("expect out 2", "expect nothing"), "");
   EXPECT_NE(run("show mac").find("02:00:00:00:00:01"), std::string::npos);
 }

@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cstdio>
 #include <optional>
+#include <sstream>
 #include <thread>
 
 #include "built_ins.h"
@@ -109,13 +110,16 @@ void trace(Session& /*session*/, const Words& arguments) {
   read("port", arguments[0], port);
   const std::vector<uint8_t> frame = frame_bytes(std::span(arguments).subspan(1));
   const int unit = initialized_unit_at({}, 0);
-  std::string way(std::size_t{1} << 20, '\0');
-  const long length = swsdk_frame_trace(unit, port, frame.data(), frame.size(), way.data(), way.size());
+  const auto trace_to = [&](char* buffer, std::size_t size) {
+    return swsdk_frame_trace(unit, port, frame.data(), frame.size(), buffer, size);
+  };
+  const long length = trace_to(nullptr, 0);
   if (length < 0) throw no_port(unit, port);
-  way.resize(std::min(static_cast<std::size_t>(length), way.size() - 1));
+  std::string way(static_cast<std::size_t>(length), '\0');
+  trace_to(way.data(), way.size() + 1);
+  std::istringstream text(way.c_str());  // up to where it was cut, if it was
   std::vector<std::string> lines;
-  for (std::size_t at = 0; at < way.size(); at = way.find('\n', at) + 1)
-    lines.push_back(way.substr(at, way.find('\n', at) - at));
+  for (std::string line; std::getline(text, line);) lines.push_back(line);
   print_way(lines);
 }
 
@@ -133,6 +137,7 @@ void path(Session& session, const Words& arguments) {
   const std::string& word = arguments[0];
   if (word == "start") {
     const Wish wish = wish_of(Words(arguments.begin() + 1, arguments.end()));
+    if (wish.seconds || wish.detail != SWSDK_WATCH_ENDS) throw BadInput("path start takes a filter and no options");
     session.path_watch.reset();
     session.path_watch.emplace(SWSDK_WATCH_WAYS, wish.filter);
     session.paths = {};

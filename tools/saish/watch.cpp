@@ -151,8 +151,6 @@ std::string line_of(const Passage& passage) {
         add(line.substr(0, colon) + " (" + line.substr(colon + 2) + ')');
     } else if (line.starts_with("dropped: ")) {
       add(line.substr(0, line.find(';')));
-    } else if (line.starts_with("trapped ")) {
-      add(line);
     }
   }
   return result + " -> " + (to.empty() ? "nowhere" : to);

@@ -10,9 +10,11 @@ namespace vswitch {
 Capturing::Capturing(const std::string& path, int detail)
     : file_(path), watch_(detail, ""), writer_([this] { run(); }) {}
 
-Capturing::~Capturing() {
+Capturing::~Capturing() { finish(); }
+
+void Capturing::finish() {
   ending_ = true;
-  writer_.join();
+  if (writer_.joinable()) writer_.join();
 }
 
 void Capturing::run() {
@@ -27,6 +29,7 @@ void Capturing::run() {
     }
   } catch (const saish::BadInput& error) {
     tell(std::string(error.what()) + "; the capture has ended");
+    had_trouble_ = true;
   }
 }
 

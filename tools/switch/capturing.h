@@ -20,12 +20,19 @@ class Capturing {
   Capturing(const Capturing&) = delete;
   Capturing& operator=(const Capturing&) = delete;
 
+  /// Writes what has been recorded up to now, and ends.
+  void finish();
+
+  /// Whether the file could no longer be written.
+  bool had_trouble() const { return had_trouble_; }
+
  private:
   void run();
 
   saish::PcapngFile file_;
   saish::Watch watch_;
   std::atomic<bool> ending_ = false;
+  std::atomic<bool> had_trouble_ = false;
   std::thread writer_;
 };
 

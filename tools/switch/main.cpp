@@ -145,7 +145,8 @@ int run(int argc, char** argv) {
     std::printf("The switch is up.\n");
     std::fflush(stdout);
     chip.run(signals.get());
-    return chip.had_trouble() ? failed : 0;
+    if (capturing) capturing->finish();
+    return chip.had_trouble() || (capturing && capturing->had_trouble()) ? failed : 0;
   });
   return console.finish(signals.get()) || code != 0 ? code : failed;
 }

@@ -32,7 +32,7 @@ enum class Drop : int {
   martian_source,       // no host has its IP source
   martian_destination,  // no host has its IP destination
   ttl_expired,          // 0 or 1 before the hop
-  no_next_hop,          // the port of its next hop does not exist or has no link
+  no_next_hop,          // the trunk or virtual port of its next hop does not exist or has no link
   wrong_ingress_port,   // a multicast packet from another port than its route's
   no_group_member,      // nobody in its multicast group gets it
   multicast_flood,      // its VLAN does not flood unknown multicasts

@@ -92,7 +92,8 @@ Drop Pipeline::pass(Port port, std::span<const uint8_t> bytes, Wire& wire, Obser
     for (const Copy& copy : copies_) {
       const Drop reason = send_copy(frame, copy, wire);
       if (reason != Drop::none) lose_copy(frame, copy.port, reason);
-      has_left = has_left || reason == Drop::none;
+      // The CPU gets its copy, whatever it is for, below.
+      has_left = has_left || (reason == Drop::none && copy.port != Ports::cpu);
       if (lost == Drop::none) lost = reason;
     }
     if (frame.cpu_reasons != 0) {

@@ -75,10 +75,10 @@ int swsdk_frame_send(int unit, int port, const void* data, size_t length);
  *
  *     in 1: 02000000000202000000000186dd...
  *     assign_vlan: VLAN 10
- *       forwarding: port 1, unknown addresses learn,forward, untagged VLAN 10, goes to 0-64
+ *       forwarding: port 1, unknown addresses learn,forward, untagged VLAN 10, goes to {0-12}
  *         call 12: bcm_port_untagged_vlan_set(0, 1, 10) = 0
  *     forward: goes to 2
- *       mac: VLAN 10, MAC 02:00:00:00:00:02, at port 2, hit source
+ *       mac: VLAN 10, MAC 02:00:00:00:00:02, at port 2
  *         learned
  *     out 2: 02000000000202000000000186dd...
  *     passed on
