@@ -125,8 +125,8 @@ void PcapngFile::add_frame(const Passage& passage, const std::string& interface_
   body.put(static_cast<uint32_t>(frame.size()));
   body.put(static_cast<uint32_t>(frame.size()));
   body.put(std::span<const uint8_t>(frame));
-  constexpr std::size_t longest = 65535;  // of an option
-  if (!comment.empty()) body.put_option(comment_option, comment.substr(0, longest));
+  constexpr std::size_t longest_option = 65535;
+  if (!comment.empty()) body.put_option(comment_option, comment.substr(0, longest_option));
   if (direction != 0) {
     body.put(flags_option);
     body.put(static_cast<uint16_t>(sizeof direction));
