@@ -1,5 +1,6 @@
 #include "watch.h"
 
+#include <swsdk/frames.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -78,6 +79,16 @@ TEST_F(FramesInTheShell, ALineHasWhereAFrameWent) {
             "2: 02:00:00:00:00:02 > 02:00:00:00:00:09 vlan 9 type 0x0000 -> dropped: no such vlan");
 }
 
+TEST_F(FramesInTheShell, AnEmptyFrameOfAnotherProgramIsPrinted) {
+  saish::Watch watch(SWSDK_WATCH_ENDS, "");
+  const uint8_t nothing = 0;
+  EXPECT_GT(swsdk_frame_send(0, 1, &nothing, 0), 0);
+  std::string line;
+  watch.take([&](const saish::Passage& passage) { line = line_of(passage); });
+  EXPECT_NE(line.find(" 1: "), std::string::npos) << line;
+  EXPECT_TRUE(line.ends_with("-> dropped: malformed")) << line;
+}
+
 TEST_F(FramesInTheShell, AFilterIsThatOfLibpcap) {
   saish::Watch watch(SWSDK_WATCH_ENDS, "vlan 10 and ip and dst host 10.0.0.2");
   run("send 1 " + frame, "send 3 02:00:00:00:00:03 > ff:ff:ff:ff:ff:ff vlan 10");
@@ -110,6 +121,10 @@ TEST_F(FramesInTheShell, CaptureWritesTheRecentPast) {
   EXPECT_EQ(run("capture " + file("a.pcapng")), "  1 frame came in\n");
   EXPECT_EQ(run("capture " + file("a.pcapng")), "  0 frames came in\n") << "the rest since then";
   EXPECT_EQ(run("capture " + file("b.pcapng") + " --seconds 0"), "  0 frames came in\n");
+  const auto size = fs::file_size(file("b.pcapng"));
+  refused("capture " + file("b.pcapng") + " tcp prot 80");
+  EXPECT_EQ(fs::file_size(file("b.pcapng")), size) << "a filter that is refused loses nothing";
+  EXPECT_GT(size, 0U);
 }
 
 }  // namespace

@@ -73,7 +73,7 @@ void print_ways_of(Watch& watch, int unit, int port, const std::vector<uint8_t>&
   const std::string arrival = "in " + std::to_string(port) + ": ";
   watch.take([&](const Passage& passage) {
     const std::string& first = passage.lines.front();
-    if (passage.unit != unit || !first.starts_with(arrival)) return;
+    if (passage.unit != unit || !first.starts_with(arrival) || first.size() == arrival.size()) return;
     if (frame_bytes(Words{first.substr(arrival.size())}) == frame) print_way(passage.lines);
   });
 }
@@ -166,17 +166,21 @@ void capture(Session& session, const Words& arguments) {
     return;
   }
   long long frames = 0;
+  const bool is_past = session.capture_watch && arguments.size() == 1;
+  // Begun first: a filter that is refused leaves a file as it is.
+  std::optional<Watch> watch;
+  if (!is_past) watch.emplace(wish.detail, wish.filter);
   PcapngFile file(word);
   const auto add = [&](const Passage& passage) {
     file.add(passage);
     ++frames;
   };
-  if (session.capture_watch && arguments.size() == 1) {  // of the recent past
-    session.capture_watch->take(add);
+  if (is_past) {
+    if (const long long lost = session.capture_watch->take(add); lost > 0)
+      std::printf("(%lld older frames are left out)\n", lost);
     file.flush();
   } else {
-    Watch watch(wish.detail, wish.filter);
-    follow(watch, wish.seconds, add, [&] { file.flush(); });
+    follow(*watch, wish.seconds, add, [&] { file.flush(); });
   }
   std::printf("  %lld %s came in\n", frames, frames == 1 ? "frame" : "frames");
 }

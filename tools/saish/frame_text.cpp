@@ -367,7 +367,8 @@ std::string frame_text(std::span<const uint8_t> frame) {
 std::string with_frame_text(std::string_view line) {
   const bool has_frame = line.starts_with("in ") || line.starts_with("out ") || line.starts_with("cpu ");
   const std::size_t colon = line.rfind(": ");
-  if (!has_frame || colon == std::string_view::npos) return std::string(line);
+  // A frame can be empty, and a copy that is looped back has none here.
+  if (!has_frame || colon == std::string_view::npos || colon + 2 == line.size()) return std::string(line);
   const Words bytes{std::string(line.substr(colon + 2))};
   return std::string(line.substr(0, colon + 2)) + frame_text(frame_bytes(bytes));
 }
