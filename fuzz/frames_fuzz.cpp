@@ -66,6 +66,7 @@ struct Counted {
 };
 std::array<Counted, ports + 1> counted() {
   std::array<Counted, ports + 1> result;
+  swsdk_journal_record(0);  // which is for calls that change something
   for (int port = 0; port <= ports; ++port) {
     std::array<bcm_stat_val_t, 8> counters{
         snmpIfHCInUcastPkts,      snmpIfHCInMulticastPkts,   snmpIfHCInBroadcastPkts, snmpIfHCOutUcastPkts,
@@ -75,6 +76,7 @@ std::array<Counted, ports + 1> counted() {
     result[static_cast<std::size_t>(port)] = {values[0] + values[1] + values[2], values[3] + values[4] + values[5],
                                               values[6] + values[7]};
   }
+  swsdk_journal_record(1);
   return result;
 }
 
@@ -187,11 +189,12 @@ std::string trace_of(int port, const Bytes& frame) {
 }
 
 std::string hexadecimal(const Bytes& bytes) {
+  constexpr char digits[] = "0123456789abcdef";
   std::string result;
-  char digits[3];
+  result.reserve(2 * bytes.size());
   for (const uint8_t byte : bytes) {
-    std::snprintf(digits, sizeof digits, "%02x", byte);
-    result += digits;
+    result += digits[byte >> 4];
+    result += digits[byte & 0xF];
   }
   return result;
 }
@@ -203,16 +206,16 @@ void check_trace(const std::string& trace, int result) {
   std::string outcome;
   std::size_t begin = 0;
   for (std::size_t end = 0; (end = trace.find('\n', begin)) != std::string::npos; begin = end + 1) {
-    const std::string line = trace.substr(begin, end - begin);
-    const std::size_t colon = line.rfind(": ");
+    const std::string_view line = std::string_view(trace).substr(begin, end - begin);
+    const std::size_t colon = line.starts_with("cpu ") ? line.find("): ") + 1 : line.find(": ");
     if (line.starts_with("out ") && colon != std::string::npos)
-      left += line.substr(4, colon - 4) + ' ' + line.substr(colon + 2) + '\n';
-    if (line.starts_with("cpu ")) left += "0 " + line.substr(colon + 2) + '\n';
+      left.append(line.substr(4, colon - 4)).append(1, ' ').append(line.substr(colon + 2)) += '\n';
+    if (line.starts_with("cpu ")) left.append("0 ").append(line.substr(colon + 2)) += '\n';
     if (outcome.empty() &&
         (line.starts_with("dropped: ") || line.starts_with("passed on") || line.starts_with("trapped")))
       outcome = line;
     if (line.starts_with("    call ")) {
-      const std::string call = line.substr(line.find(": ") + 2) + '\n';
+      const std::string call = std::string(line.substr(line.find(": ") + 2)) + '\n';
       require(calls.find(call) != std::string::npos, "an entry is due to a call that nobody made");
     }
   }

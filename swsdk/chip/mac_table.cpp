@@ -32,9 +32,9 @@ int MacTable::bucket_of(int vlan, const Mac& mac) {
 }
 
 void MacTable::reset() {
-  contents_.slots.assign(capacity, {});
-  contents_.size = 0;
-  contents_.learned.clear();
+  slots_.assign(capacity, {});
+  size_ = 0;
+  learned_.clear();
   age_time_ = default_age_time;
   since_aging_ = 0;
 }
@@ -44,22 +44,22 @@ Status MacTable::add(const MacEntry& entry) {
   if (!is_place(entry.place)) return Status::bad_port;
   std::size_t slot = slot_of(entry.vlan, entry.mac);
   if (slot != none)
-    take_out(contents_.slots[slot], false);
+    take_out(slots_[slot], false);
   else if (slot = slot_in(bucket_of(entry.vlan, entry.mac), 0); slot == none)
     return Status::full;
-  put_in(contents_.slots[slot], entry);
+  put_in(slots_[slot], entry);
   return Status::ok;
 }
 
 const MacEntry* MacTable::find(int vlan, const Mac& mac) const {
   const std::size_t slot = slot_of(vlan, mac);
-  return slot == none ? nullptr : &contents_.slots[slot].entry;
+  return slot == none ? nullptr : &slots_[slot].entry;
 }
 
 Status MacTable::remove(int vlan, const Mac& mac) {
   const std::size_t slot = slot_of(vlan, mac);
   if (slot == none) return absent(vlan);
-  take_out(contents_.slots[slot], false);
+  take_out(slots_[slot], false);
   return Status::ok;
 }
 
@@ -79,14 +79,14 @@ void MacTable::pass(int seconds) {
 }
 
 int MacTable::learned(const MacScope& scope) const {
-  const auto found = contents_.learned.find(scope);
-  return found == contents_.learned.end() ? 0 : found->second;
+  const auto found = learned_.find(scope);
+  return found == learned_.end() ? 0 : found->second;
 }
 
 std::vector<MacEntry> MacTable::all() const {
   std::vector<MacEntry> result;
-  result.reserve(static_cast<std::size_t>(contents_.size));
-  for (const Slot& slot : contents_.slots)
+  result.reserve(static_cast<std::size_t>(size_));
+  for (const Slot& slot : slots_)
     if (slot.key != 0) result.push_back(slot.entry);
   return result;
 }
@@ -96,7 +96,7 @@ bool MacTable::is_place(const Place& place) const {
   return port == nullptr || ports_.has(*port);
 }
 
-std::size_t MacTable::Contents::ScopeHash::operator()(const MacScope& scope) const {
+std::size_t MacTable::ScopeHash::operator()(const MacScope& scope) const {
   const auto number = std::visit(ByKind{
                                      [](AllAddresses) { return uint64_t{0}; },
                                      [](VlanAddresses of) { return static_cast<uint64_t>(of.vlan); },
@@ -114,31 +114,48 @@ std::size_t MacTable::slot_of(int vlan, const Mac& mac) const {
 std::size_t MacTable::slot_in(int bucket, uint64_t key) const {
   const std::size_t first = static_cast<std::size_t>(bucket) * ways;
   for (std::size_t i = first; i < first + ways; ++i)
-    if (contents_.slots[i].key == key) return i;
+    if (slots_[i].key == key) return i;
   return none;
 }
 
 void MacTable::put_in(Slot& slot, const MacEntry& entry) {
+  if (undo_ != nullptr) save(slot);
   slot = {key_of(entry.vlan, entry.mac), entry};
-  ++contents_.size;
+  ++size_;
   count(entry, 1);
   if (observer_) observer_(Change::added, entry);
 }
 
 void MacTable::take_out(Slot& slot, bool silent) {
+  if (undo_ != nullptr) save(slot);
   slot.key = 0;
-  --contents_.size;
+  --size_;
   count(slot.entry, -1);
   if (observer_ && !silent) observer_(Change::removed, slot.entry);
 }
 
 void MacTable::count(const MacEntry& entry, int change) {
   if (entry.is(MacEntry::fixed)) return;
-  for (const MacScope& scope : scopes_of(entry)) contents_.learned[scope] += change;
+  for (const MacScope& scope : scopes_of(entry)) learned_[scope] += change;
+}
+
+void MacTable::save(const Slot& slot) {
+  undo_->saved_.emplace_back(static_cast<std::size_t>(&slot - slots_.data()), slot);
+}
+
+MacTable::Undo::~Undo() {
+  table_.undo_ = nullptr;
+  for (auto saved = saved_.rbegin(); saved != saved_.rend(); ++saved) {
+    auto& [index, before] = *saved;
+    Slot& slot = table_.slots_[index];
+    if (slot.key != 0) table_.take_out(slot, true);
+    if (before.key != 0) table_.put_in(slot, before.entry);
+  }
+  table_.observe(std::move(observer_));
 }
 
 void MacTable::age() {
-  for (Slot& slot : contents_.slots) {
+  for (Slot& slot : slots_) {
     if (slot.key == 0 || slot.entry.is(MacEntry::fixed)) continue;
     if (!slot.entry.source_hit && !slot.entry.destination_hit) take_out(slot, false);
     slot.entry.source_hit = slot.entry.destination_hit = false;

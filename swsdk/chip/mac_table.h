@@ -73,28 +73,10 @@ class MacTable {
   enum class Change { removed, added };
   using Observer = std::function<void(Change, const MacEntry&)>;
 
-  /// The entries, in their slots.
-  class Contents {
-    friend class MacTable;
-
-    struct Slot {
-      uint64_t key = 0;  // of its entry; 0: free
-      MacEntry entry{.origin = Origin::none()};
-    };
-    struct ScopeHash {
-      std::size_t operator()(const MacScope& scope) const;
-    };
-
-    std::vector<Slot> slots = std::vector<Slot>(capacity);  // bucket after bucket
-    int size = 0;
-    std::unordered_map<MacScope, int, ScopeHash> learned;
-  };
+  /// What frames change in a table during the life of an Undo is put back at its end. The observer hears of neither.
+  class Undo;
 
   explicit MacTable(const Ports& ports) : ports_(ports) {}
-
-  /// All of it, to be put back later.
-  const Contents& contents() const { return contents_; }
-  void restore(Contents contents) { contents_ = std::move(contents); }
 
   /// Sets the callback for every change except a reset. Returns the one before.
   Observer observe(Observer observer) { return std::exchange(observer_, std::move(observer)); }
@@ -113,14 +95,18 @@ class MacTable {
   template <class Matches>
   Status remove_if(uint32_t flags, Matches matches) {
     if ((flags & ~(fixed_too | pending_too | silently)) != 0) return Status::bad_parameter;
-    for (Slot& slot : contents_.slots)
+    for (Slot& slot : slots_)
       if (slot.key != 0 && matches(slot.entry) && (!slot.entry.is(MacEntry::fixed) || flags & fixed_too))
         take_out(slot, flags & silently);
     return Status::ok;
   }
 
   /// Marks an entry that find() returned as hit, on one side: &MacEntry::source_hit or &MacEntry::destination_hit.
-  void hit(const MacEntry& entry, bool MacEntry::*side) { const_cast<MacEntry&>(entry).*side = true; }
+  void hit(const MacEntry& entry, bool MacEntry::*side) {
+    if (undo_ != nullptr) [[unlikely]]
+      save(slots_[slot_of(entry.vlan, entry.mac)]);
+    const_cast<MacEntry&>(entry).*side = true;
+  }
 
   /// Seconds between two aging runs; 0 for none. The new interval starts at once.
   Status set_age_time(int seconds);
@@ -128,7 +114,7 @@ class MacTable {
   /// Advances time: each aging run removes the entries that were not hit since the run before, except fixed ones.
   void pass(int seconds);
 
-  int size() const { return contents_.size; }
+  int size() const { return size_; }
   /// The number of entries in a scope that are not fixed.
   int learned(const MacScope& scope) const;
   /// The entries in table order.
@@ -139,7 +125,13 @@ class MacTable {
   static int bucket_of(int vlan, const Mac& mac);
 
  private:
-  using Slot = Contents::Slot;
+  struct Slot {
+    uint64_t key = 0;  // of its entry; 0: free
+    MacEntry entry{.origin = Origin::none()};
+  };
+  struct ScopeHash {
+    std::size_t operator()(const MacScope& scope) const;
+  };
 
   static constexpr std::size_t none = capacity;
 
@@ -150,12 +142,32 @@ class MacTable {
   void take_out(Slot& slot, bool silent);
   void count(const MacEntry& entry, int change);
   void age();
+  /// Keeps a slot for the Undo, before it changes.
+  void save(const Slot& slot);
 
   const Ports& ports_;
-  Contents contents_;
+  std::vector<Slot> slots_ = std::vector<Slot>(capacity);  // bucket after bucket
+  int size_ = 0;
+  std::unordered_map<MacScope, int, ScopeHash> learned_;
   Observer observer_;
+  Undo* undo_ = nullptr;
   int age_time_ = default_age_time;
   int since_aging_ = 0;
+};
+
+class MacTable::Undo {
+ public:
+  explicit Undo(MacTable& table) : table_(table), observer_(table.observe({})) { table.undo_ = this; }
+  ~Undo();
+  Undo(const Undo&) = delete;
+  Undo& operator=(const Undo&) = delete;
+
+ private:
+  friend class MacTable;
+
+  MacTable& table_;
+  Observer observer_;
+  std::vector<std::pair<std::size_t, Slot>> saved_;  // by index, the oldest first
 };
 
 }  // namespace chip

@@ -13,16 +13,13 @@ class Trial {
       : chip_(chip),
         counters_(chip.counters),
         drops_(chip.drops),
-        macs_(chip.mac_table.contents()),
-        observer_(chip.mac_table.observe({})),
+        macs_(chip.mac_table),
         hosts_(chip.hosts.hits()),
         routes_(chip.routes.hits()),
         rules_(chip.field_processor.hits()) {}
   ~Trial() {
     chip_.counters = std::move(counters_);
     chip_.drops = std::move(drops_);
-    chip_.mac_table.restore(std::move(macs_));
-    chip_.mac_table.observe(std::move(observer_));
     chip_.hosts.restore(hosts_);
     chip_.routes.restore(routes_);
     chip_.field_processor.restore(rules_);
@@ -34,8 +31,7 @@ class Trial {
   Chip& chip_;
   Counters counters_;
   DropCounts drops_;
-  MacTable::Contents macs_;
-  MacTable::Observer observer_;
+  MacTable::Undo macs_;
   Hosts::Hits hosts_;
   Routes::Hits routes_;
   FieldProcessor::Hits rules_;
