@@ -60,12 +60,14 @@ void api::FrameLog::give_up_oldest() {
 
 std::size_t api::FrameLog::take(char* buffer, std::size_t size) {
   const std::lock_guard guard(lock_);
-  if (lost_ > 0) blocks_.insert(0, "lost " + std::to_string(std::exchange(lost_, 0)) + "\n\n");
+  if (lost_ > 0) blocks_.insert(0, std::string(cut_) + "lost " + std::to_string(std::exchange(lost_, 0)) + "\n\n");
   std::size_t length = std::min(blocks_.size(), size - 1);
   if (length < blocks_.size() && length >= end_of_block.size())
     if (const std::size_t end = blocks_.rfind(end_of_block, length - end_of_block.size()); end != std::string::npos)
       length = end + end_of_block.size();
   copy_out(std::string_view(blocks_).substr(0, length), buffer, size);
+  if (const std::string_view taken = std::string_view(blocks_).substr(0, length); !taken.empty())
+    cut_ = taken.ends_with(end_of_block) ? "" : taken.ends_with('\n') ? "\n" : end_of_block;
   blocks_.erase(0, length);
   return length;
 }

@@ -33,7 +33,8 @@ class FrameLog {
   void give_up_oldest();
 
   std::mutex lock_;
-  std::string blocks_;  // guarded by `lock_`, as is all below
+  std::string blocks_;    // guarded by `lock_`, as is all below
+  std::string_view cut_;  // what the block lacks of which only a part was taken, if the rest is lost: its end
   long long lost_ = 0;
 };
 

@@ -171,4 +171,19 @@ TEST_F(WatchOfFrames, GivesUpTheOldestFramesWhenItIsFull) {
   EXPECT_LE(all.size(), (std::size_t{16} << 20) + 100);
 }
 
+TEST_F(WatchOfFrames, EndsABlockOfWhichTheRestIsLost) {
+  for (const std::size_t part : {std::size_t{20}, std::string("at 1700000000.123456789 unit 0\n").size()}) {
+    const int watch = begin(SWSDK_WATCH_ENDS);
+    const Bytes frame = Frame(1, 2).type(0x9000).length(9000);
+    swsdk_frame_send(0, 1, frame.data(), frame.size());
+    std::string all(part, '\0');
+    ASSERT_EQ(swsdk_watch_take(watch, all.data(), all.size() + 1), part);
+    for (int i = 0; i < 600; ++i) swsdk_frame_send(0, 1, frame.data(), frame.size());
+    std::string text(200, '\0');
+    all.append(text, 0, swsdk_watch_take(watch, text.data(), text.size()));
+    EXPECT_EQ(all.find("lost "), all.find("\n\n") + 2) << all;
+    swsdk_watch_end(watch);
+  }
+}
+
 }  // namespace
