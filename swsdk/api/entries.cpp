@@ -8,6 +8,9 @@
 #include "api/arguments.h"
 #include "api/columns.h"
 #include "api/show.h"
+#include "api/show_controls.h"
+#include "api/show_l2.h"
+#include "api/show_l3.h"
 
 namespace {
 
@@ -30,6 +33,11 @@ std::string cells_text(const api::Row& headings, const api::Row& row) {
 std::string row_text(const Chip& chip, const char* table, std::ptrdiff_t index) {
   const api::Rows rows = *api::table_rows(chip, table);
   return std::string(table) + ": " + cells_text(rows.front(), rows.at(static_cast<std::size_t>(index) + 1));
+}
+
+/// The only row of a table.
+std::string only_row_text(const char* table, const api::Rows& rows) {
+  return std::string(table) + ": " + cells_text(rows.front(), rows.back());
 }
 
 struct Cell {
@@ -67,11 +75,14 @@ Origin origin_of(const Record* record) {
   return record == nullptr ? Origin::none() : record->origin;
 }
 
-std::string switch_control_name(chip::SwitchControlOfPort control) {
-  for (const auto& info : chip::SwitchControls::infos())
-    if (info.control == static_cast<int>(control)) return info.name;
-  return {};
+/// A setting as a row of the table of controls, which leaves out those that are 0, would be.
+std::string control_text(const std::string& name, const std::string& value) {
+  return "control: " + name + ", " + value;
 }
+std::string control_text(const std::string& name, chip::Port port, const std::string& value) {
+  return control_text(name, "port " + to_string(port.number()) + ", " + value);
+}
+std::string on_or_off(bool is_on) { return is_on ? "on" : "off"; }
 
 struct Describe {
   const Chip& chip;
@@ -118,9 +129,37 @@ struct Describe {
     return {ports("rate", of.port), origin_of(chip.storm_rates.find({of.port, of.kind}))};
   }
   api::Entry operator()(const decider::Control& of) const {
-    return {"control: " + switch_control_name(of.control) + ", port " + to_string(of.port.number()) + ", " +
-                (chip.switch_controls.is_on(of.control, of.port) ? "on" : "off"),
+    const bool is_on = chip.switch_controls.is_on(of.control, of.port);
+    return {control_text(chip::SwitchControls::name(static_cast<int>(of.control)), of.port, on_or_off(is_on)),
             chip.switch_controls.origin(of.control, of.port)};
+  }
+  api::Entry operator()(const decider::ChipControl& of) const {
+    return {control_text(chip::SwitchControls::name(static_cast<int>(of.control)),
+                         on_or_off(chip.switch_controls.is_on(of.control))),
+            chip.switch_controls.origin(of.control)};
+  }
+  api::Entry operator()(const decider::VlanControl& of) const {
+    const chip::Setting<int>& setting = chip.vlan_controls.of_port(of.port, of.control);
+    return {control_text(chip::VlanControls::name(of.control), of.port, to_string(setting.value)), setting.origin};
+  }
+  api::Entry operator()(const decider::ChipTranslation& /*of*/) const {
+    const chip::Setting<int>& setting = chip.vlan_controls.translate();
+    return {control_text("VLAN translation", on_or_off(setting != 0)), setting.origin};
+  }
+  api::Entry operator()(const decider::UnicastRouting& /*of*/) const {
+    return {control_text("unicast routing", on_or_off(chip.unicast_routing)), chip.unicast_routing.origin};
+  }
+  api::Entry operator()(const decider::MulticastRouting& /*of*/) const {
+    return {control_text("multicast routing", on_or_off(chip.multicast_routing)), chip.multicast_routing.origin};
+  }
+  api::Entry operator()(const decider::ReservedAddresses& /*of*/) const {
+    return {control_text("reserved IPv6 multicast",
+                         api::reserved_multicast_text(chip.reserved_multicast.of_outer_header())),
+            chip.reserved_multicast.origin()};
+  }
+  api::Entry operator()(const decider::NetworkGroup& of) const {
+    const chip::Setting<uint32_t>& settings = *chip.network_groups.find(of.group);
+    return {control_text("network group " + to_string(of.group), api::network_group_text(settings)), settings.origin};
   }
   api::Entry operator()(const decider::ProtocolVlan& of) const {
     return {ports("forwarding", of.key.port), origin_of(chip.protocol_vlans.find(of.key))};
@@ -174,8 +213,7 @@ struct Describe {
     return {row_of_number(chip, "l2cache", of.index), chip.l2_cache.all().at(of.index).origin};
   }
   api::Entry operator()(const decider::OfMac& of) const {
-    return {rows_with(chip, "mac", {{0, to_string(of.entry->vlan)}, {1, api::mac_text(of.entry->mac)}}),
-            of.entry->origin};
+    return {only_row_text("mac", api::mac_rows({*of.entry})), of.entry->origin};
   }
   api::Entry operator()(const decider::OfLearnLimit& of) const {
     const auto& all = chip.learn_limits.all();
@@ -194,14 +232,13 @@ struct Describe {
             of.interface->origin};
   }
   api::Entry operator()(const decider::Host& of) const {
-    return {rows_with(chip, "host", {{0, text(api::ip4(of.key.address))}, {1, to_string(of.key.vrf)}}),
-            origin_of(chip.hosts.find(of.key))};
+    const chip::L3Entry& host = *chip.hosts.find(of.key);
+    return {only_row_text("host", api::host_rows({{of.key, host}})), host.origin};
   }
   api::Entry operator()(const decider::Route& of) const {
     const chip::RouteKey key = *chip.routes.key_of_longest(of.vrf, of.address);
-    return {rows_with(chip, "route",
-                      {{0, text(api::ip4(key.subnet)) + '/' + to_string(key.length)}, {1, to_string(key.vrf)}}),
-            origin_of(chip.routes.find(key))};
+    const chip::L3Entry& route = *chip.routes.find(key);
+    return {only_row_text("route", api::route_rows({{key, route}})), route.origin};
   }
   api::Entry operator()(const decider::NextHop& of) const {
     return {row_of_number(chip, "egress", of.egress_object), origin_of(chip.egress_objects.find(of.egress_object))};

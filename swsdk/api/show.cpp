@@ -10,6 +10,7 @@
 #include "api/arguments.h"
 #include "api/columns.h"
 #include "api/gports.h"
+#include "api/show_controls.h"
 #include "api/show_l2.h"
 #include "api/show_l3.h"
 
@@ -22,17 +23,24 @@ using api::Rows;
 
 std::string text(chip::Port port) { return std::to_string(port.number()); }
 
-std::string flags_text(uint32_t flags) {
+std::string control_text(const chip::VlanControl& control) {
   using chip::VlanControl;
   std::string result;
-  const auto add = [&](const char* name) { result += (result.empty() ? "" : ",") + std::string(name); };
-  if (flags & VlanControl::learn_disable) add("no-learn");
-  if (flags & VlanControl::l2_lookup_disable) add("no-l2-lookup");
-  if (const uint32_t rest = flags & ~(VlanControl::learn_disable | VlanControl::l2_lookup_disable)) {
-    char number[16];
-    std::snprintf(number, sizeof number, "0x%x", rest);
-    add(number);
-  }
+  const auto add = [&](const std::string& name) { result += (result.empty() ? "" : ",") + name; };
+  if (control.flags & VlanControl::learn_disable) add("no-learn");
+  if (control.flags & VlanControl::l2_lookup_disable) add("no-l2-lookup");
+  if (const uint32_t rest = control.flags & ~(VlanControl::learn_disable | VlanControl::l2_lookup_disable))
+    add(api::text(api::hex(rest)));
+  // Where unknown multicasts and floods do not go to all members.
+  if (control.ip4_multicast_flood_mode == VlanControl::flood_nowhere) add("no-ip4-multicast-flood");
+  if (control.ip6_multicast_flood_mode == VlanControl::flood_nowhere) add("no-ip6-multicast-flood");
+  if (control.l2_multicast_flood_mode == VlanControl::flood_nowhere) add("no-l2-multicast-flood");
+  const auto add_group = [&](const char* kind, const std::optional<chip::GroupId>& group) {
+    if (group) add(kind + ("-to-group-" + std::to_string(group->number())));
+  };
+  add_group("broadcast", control.broadcast_group);
+  add_group("unknown-multicast", control.unknown_multicast_group);
+  add_group("unknown-unicast", control.unknown_unicast_group);
   return result.empty() ? "-" : result;
 }
 
@@ -40,7 +48,7 @@ Rows show_vlans(const chip::Chip& chip) {
   Rows rows{{"VLAN", "tagged", "untagged", "flags"}};
   for (const auto& [id, vlan] : chip.vlans.all())
     rows.push_back(
-        {std::to_string(id), text(vlan.members - vlan.untagged), text(vlan.untagged), flags_text(vlan.control.flags)});
+        {std::to_string(id), text(vlan.members - vlan.untagged), text(vlan.untagged), control_text(vlan.control)});
   return rows;
 }
 
@@ -75,18 +83,6 @@ Rows show_l2_cache(const chip::Chip& chip) {
   for (const auto& [index, entry] : chip.l2_cache.all())
     rows.push_back({std::to_string(index), mac_text(entry.mac), mac_text(entry.mac_mask),
                     flag_names(entry.flags, {{to_cpu, "to-cpu"}, {chip::L2CacheEntry::bpdu, "bpdu"}})});
-  return rows;
-}
-
-/// The controls that are not 0 everywhere, by number: for a control per port its ports, else the value for the chip.
-Rows show_switch_controls(const chip::Chip& chip) {
-  Rows rows{{"control", "value"}};
-  for (const auto& [control, of_each_port, name] : chip::SwitchControls::infos()) {
-    const int of_chip = *chip.switch_controls.get(control);
-    const chip::PortSet& on = chip.switch_controls.ports_with(static_cast<chip::SwitchControlOfPort>(control));
-    if (of_each_port && !on.empty()) rows.push_back({name, "on ports " + text(on)});
-    if (!of_each_port && of_chip != 0) rows.push_back({name, std::to_string(of_chip)});
-  }
   return rows;
 }
 
@@ -254,7 +250,7 @@ struct Table {
 
 constexpr Table tables[] = {
     {"attribute", show_attributes},
-    {"control", show_switch_controls},
+    {"control", api::show_controls},
     {"counters", show_counters},
     {"drops", show_drops},
     {"egress", api::show_egress_objects},

@@ -74,9 +74,11 @@ api::Rows api::show_learn_limits(const chip::Chip& chip) {
   return rows;
 }
 
-api::Rows api::show_mac_table(const chip::Chip& chip) {
+api::Rows api::show_mac_table(const chip::Chip& chip) { return mac_rows(chip.mac_table.all()); }
+
+api::Rows api::mac_rows(const std::vector<MacEntry>& entries) {
   Rows rows{{"VLAN", "MAC", "at", "kind", "hit"}};
-  for (const MacEntry& entry : chip.mac_table.all())
+  for (const MacEntry& entry : entries)
     rows.push_back({std::to_string(entry.vlan), mac_text(entry.mac), where_text(entry),
                     flag_names(entry.flags, {{MacEntry::fixed, "static"},
                                              {MacEntry::discard_source, "discard-source"},

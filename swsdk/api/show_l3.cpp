@@ -67,18 +67,22 @@ api::Rows api::show_egress_objects(const chip::Chip& chip) {
   return rows;
 }
 
-api::Rows api::show_hosts(const chip::Chip& chip) {
+api::Rows api::show_hosts(const chip::Chip& chip) { return host_rows(chip.hosts.all()); }
+
+api::Rows api::host_rows(const std::map<chip::HostKey, L3Entry>& entries) {
   Rows rows{{"host", "VRF", "by", "MAC", "port", "flags", "hit"}};
-  for (const auto& [key, host] : chip.hosts.all())
+  for (const auto& [key, host] : entries)
     rows.push_back({text(ip4(key.address)), to_string(key.vrf), target_text(host.interface), mac_text(host.next_hop),
                     place_text(host.place), flag_names(host.flags, {{BCM_L3_L2TOCPU, "to-cpu"}}), hit_text(host.hit)});
   return rows;
 }
 
-api::Rows api::show_routes(const chip::Chip& chip) {
+api::Rows api::show_routes(const chip::Chip& chip) { return route_rows(chip.routes.all()); }
+
+api::Rows api::route_rows(const std::map<chip::RouteKey, L3Entry>& entries) {
   constexpr uint32_t local = 0x4000;  // the SDK's name for this flag has another value
   Rows rows{{"subnet", "VRF", "by", "next hop", "MAC", "port", "flags", "hit"}};
-  for (const auto& [key, route] : chip.routes.all())
+  for (const auto& [key, route] : entries)
     rows.push_back({text(ip4(key.subnet)) + "/" + to_string(key.length), to_string(key.vrf),
                     target_text(route.interface), text(ip4(route.next_hop_ip)), mac_text(route.next_hop),
                     place_text(route.place), flag_names(route.flags, {{BCM_L3_DEFIP_CPU, "to-cpu"}, {local, "local"}}),

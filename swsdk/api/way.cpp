@@ -24,11 +24,9 @@ std::string hex_text(std::span<const uint8_t> bytes) {
   return result;
 }
 
-int vlan_of(uint16_t tag) { return tag & chip::vlan_mask; }
-
 std::string tag_text(uint16_t tag) {
   const int priority = tag >> chip::priority_shift;
-  return to_string(vlan_of(tag)) + (priority == 0 ? "" : " with priority " + to_string(priority));
+  return to_string(tag & chip::vlan_mask) + (priority == 0 ? "" : " with priority " + to_string(priority));
 }
 
 std::optional<chip::MacEntry> source_entry_of(const chip::Passage& frame) {
@@ -40,14 +38,15 @@ std::string where(const chip::Place& place) {
   return (std::holds_alternative<chip::Port>(place) ? "port " : "") + api::place_text(place);
 }
 
-}  // namespace
-
-std::string api::cpu_reasons_text(uint32_t reasons) {
+/// Why the CPU gets a frame: "l2 cache, field".
+std::string cpu_reasons_text(uint32_t reasons) {
   std::string result;
   for (int bit = 0; swsdk_cpu_reason_name(bit) != nullptr; ++bit)
     if ((reasons >> bit & 1) != 0) result += (result.empty() ? "" : ", ") + std::string(swsdk_cpu_reason_name(bit));
   return result;
 }
+
+}  // namespace
 
 api::Way::State::State(const chip::Passage& frame)
     : outer_tag(frame.packet.fields.outer_tag),
@@ -146,8 +145,8 @@ void api::Way::decides(const chip::Decider& decider) {
 
 void api::Way::sends(chip::Port /*port*/, const chip::Passage& /*frame*/) { stage_ = nullptr; }
 
-void api::Way::lost(chip::Port port, chip::Drop reason) {
-  head("lost " + to_string(port.number()) + ": " + name(reason));
+void api::Way::lost(const chip::Place& to, chip::Drop reason) {
+  head("lost " + api::place_text(to) + ": " + name(reason));
 }
 
 void api::Way::comes_back(chip::Port port) { head("out " + to_string(port.number()) + ", looped back"); }

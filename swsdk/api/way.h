@@ -15,9 +15,6 @@
 
 namespace api {
 
-/// Why the CPU gets a frame: "l2 cache, field".
-std::string cpu_reasons_text(uint32_t reasons);
-
 /// Writes down what becomes of a frame; what leaves goes on to another wire, if there is one.
 class Way : public chip::Observer, public chip::Wire {
  public:
@@ -40,7 +37,7 @@ class Way : public chip::Observer, public chip::Wire {
   void ends(const chip::Passage& frame) override;
   void decides(const chip::Decider& decider) override;
   void sends(chip::Port port, const chip::Passage& frame) override;
-  void lost(chip::Port port, chip::Drop reason) override;
+  void lost(const chip::Place& to, chip::Drop reason) override;
   void comes_back(chip::Port port) override;
   void passed(const chip::Passage& frame, chip::Drop reason) override;
 

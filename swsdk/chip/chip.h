@@ -82,9 +82,9 @@ struct Chip {
   SpanningTrees spanning_trees;
   L2Cache l2_cache;
   MulticastGroups multicast_groups{ports};
-  bool multicast_routing = false;
+  Setting<bool> multicast_routing;
   MulticastRoutes multicast_routes;
-  bool unicast_routing = false;
+  Setting<bool> unicast_routing;
   L3Interfaces l3_interfaces;
   EgressObjects egress_objects;
   Hosts hosts;

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "chip/origin.h"
 #include "chip/status.h"
 
 namespace chip {
@@ -19,7 +20,7 @@ class NetworkGroups {
   static constexpr uint32_t prune_egress = 0x4;
 
   /// No group is isolated after a reset.
-  void reset() { settings_ = {}; }
+  void reset() { settings_.fill({}); }
 
   static bool is_valid(int group) { return group >= 0 && group < count; }
 
@@ -30,12 +31,12 @@ class NetworkGroups {
     return Status::ok;
   }
   /// The settings of a group, or null when there is no such group.
-  const uint32_t* find(int group) const {
+  const Setting<uint32_t>* find(int group) const {
     return is_valid(group) ? &settings_[static_cast<std::size_t>(group)] : nullptr;
   }
 
  private:
-  std::array<uint32_t, count> settings_{};
+  std::array<Setting<uint32_t>, count> settings_{};
 };
 
 }  // namespace chip

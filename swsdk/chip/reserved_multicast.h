@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "chip/addresses.h"
+#include "chip/origin.h"
 #include "chip/status.h"
 
 namespace chip {
@@ -20,7 +21,7 @@ class ReservedMulticast {
  public:
   static constexpr std::size_t capacity = 2;  // of each header
 
-  void reset() { matches_ = {}; }
+  void reset() { matches_.fill({}); }
 
   /// Writes a whole table: `inner` 0 for the outer header, 1 for the inner one.
   Status set(int inner, std::vector<Ip6Match> matches) {
@@ -31,7 +32,8 @@ class ReservedMulticast {
   }
   /// Whether the outer destination address is one of them.
   bool contains(const Ip6& address) const {
-    return std::any_of(matches_[0].begin(), matches_[0].end(), [&](const Ip6Match& match) {
+    const std::vector<Ip6Match>& matches = of_outer_header();
+    return std::any_of(matches.begin(), matches.end(), [&](const Ip6Match& match) {
       for (std::size_t i = 0; i < address.size(); ++i)
         if (((address[i] ^ match.address[i]) & match.mask[i]) != 0) return false;
       return true;
@@ -39,9 +41,11 @@ class ReservedMulticast {
   }
   const std::vector<Ip6Match>& of_outer_header() const { return matches_[0]; }
   const std::vector<Ip6Match>& of_inner_header() const { return matches_[1]; }
+  /// Which call wrote the addresses of the outer header.
+  Origin origin() const { return matches_[0].origin; }
 
  private:
-  std::array<std::vector<Ip6Match>, 2> matches_;
+  std::array<Setting<std::vector<Ip6Match>>, 2> matches_;
 };
 
 }  // namespace chip

@@ -64,7 +64,10 @@ Status SwitchControls::set(int control, int value) {
   const Info* const found = find(control);
   if (found == nullptr) return Status::unavailable;
   values_[row_of(control)] = value;
-  if (!found->of_each_port) return Status::ok;
+  if (!found->of_each_port) {
+    origins_[row_of(control)] = {Origin()};
+    return Status::ok;
+  }
   on_ports_[row_of(control)] = value != 0 ? ports_.all() : PortSet{};
   origins(control).assign(origins(control).size(), Origin());
   return Status::ok;

@@ -62,10 +62,14 @@ class SwitchControls {
   /// Where it is not 0.
   const PortSet& ports_with(SwitchControlOfPort control) const { return on_ports_[row_of(static_cast<int>(control))]; }
 
-  /// Which call set it on a port last.
+  /// Which call set a control of the chip, or one on a port, last.
+  Origin origin(SwitchControlOfChip control) const {
+    const std::vector<Origin>& of_chip = origins_[row_of(static_cast<int>(control))];
+    return of_chip.empty() ? Origin::none() : of_chip.front();
+  }
   Origin origin(SwitchControlOfPort control, Port port) const {
     const std::vector<Origin>& of_ports = origins_[row_of(static_cast<int>(control))];
-    return of_ports.empty() ? Origin() : of_ports[port.index()];
+    return of_ports.empty() ? Origin::none() : of_ports[port.index()];
   }
 
   struct Info {
@@ -75,6 +79,8 @@ class SwitchControls {
   };
   /// The controls that the chip has, by number.
   static std::span<const Info> infos();
+  /// The name of one of those, for people.
+  static const char* name(int control) { return infos()[row_of(control)].name; }
 
  private:
   static constexpr std::size_t count = 17;
@@ -85,7 +91,7 @@ class SwitchControls {
   const Ports& ports_;
   std::array<int, count> values_{};
   std::array<PortSet, count> on_ports_;
-  std::array<std::vector<Origin>, count> origins_;  // by port; empty where it was never set
+  std::array<std::vector<Origin>, count> origins_;  // by port, or one; empty where it was never set
 };
 
 }  // namespace chip

@@ -1,9 +1,12 @@
 // The chip's VLAN controls: numbered settings of the whole chip or of each port.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
+#include <iterator>
 
+#include "chip/origin.h"
 #include "chip/port_table.h"
 #include "chip/ports.h"
 #include "chip/status.h"
@@ -44,7 +47,7 @@ class VlanControls {
     translate_ = value;
     return Status::ok;
   }
-  int translate() const { return translate_; }
+  const Setting<int>& translate() const { return translate_; }
 
   Status set_port(Port port, int control, int value) {
     if (find(port, control) == nullptr) return absent(port, control);
@@ -56,7 +59,7 @@ class VlanControls {
       settings.prefers_subnet = !set && of_port(port, VlanControlOfPort::prefer_ip4) != 0;
     return Status::ok;
   }
-  const int* find(Port port, int control) const {
+  const Setting<int>* find(Port port, int control) const {
     const OfPort* const settings = of_ports_.find(port);
     return settings != nullptr && has(control) ? &settings->values[static_cast<std::size_t>(control)] : nullptr;
   }
@@ -66,12 +69,33 @@ class VlanControls {
   }
 
   /// Of a port that the chip has.
-  int of_port(Port port, VlanControlOfPort control) const {
+  const Setting<int>& of_port(Port port, VlanControlOfPort control) const {
     return of_ports_[port].values[static_cast<std::size_t>(control)];
   }
   /// Whether the subnet of a frame has precedence over its MAC address. Of both preferences, the one set last holds: a
   /// caller that sets one cannot clear the other.
   bool prefers_subnet(Port port) const { return of_ports_[port].prefers_subnet; }
+  struct Info {
+    VlanControlOfPort control;
+    const char* name;
+  };
+  /// The controls of a port, with their names for people.
+  static constexpr Info infos[] = {
+      {VlanControlOfPort::prefer_ip4, "VLAN of the subnet preferred"},
+      {VlanControlOfPort::prefer_mac, "VLAN of the MAC preferred"},
+      {VlanControlOfPort::translate_ingress, "VLAN translation at ingress"},
+      {VlanControlOfPort::translate_egress, "VLAN translation at egress"},
+      {VlanControlOfPort::lookup_mac, "VLAN by MAC"},
+      {VlanControlOfPort::lookup_ip, "VLAN by subnet"},
+      {VlanControlOfPort::translate_first_key, "first key of virtual ports"},
+      {VlanControlOfPort::translate_second_key, "second key of virtual ports"},
+  };
+
+  static const char* name(VlanControlOfPort control) {
+    return std::find_if(std::begin(infos), std::end(infos), [&](const Info& info) { return info.control == control; })
+        ->name;
+  }
+
   /// Whether the port translates in one direction, which requires the chip's own control too.
   bool translates(Port port, VlanControlOfPort direction) const {
     return translate_ != 0 && of_port(port, direction) != 0;
@@ -79,27 +103,16 @@ class VlanControls {
 
  private:
   static bool has(int control) {
-    switch (static_cast<VlanControlOfPort>(control)) {
-      using enum VlanControlOfPort;
-      case prefer_ip4:
-      case prefer_mac:
-      case translate_ingress:
-      case translate_egress:
-      case lookup_mac:
-      case lookup_ip:
-      case translate_first_key:
-      case translate_second_key:
-        return true;
-    }
-    return false;
+    return std::any_of(std::begin(infos), std::end(infos),
+                       [&](const Info& info) { return static_cast<int>(info.control) == control; });
   }
 
   struct OfPort {
-    std::array<int, static_cast<std::size_t>(VlanControlOfPort::translate_second_key) + 1> values{};
+    std::array<Setting<int>, static_cast<std::size_t>(VlanControlOfPort::translate_second_key) + 1> values{};
     bool prefers_subnet = false;
   };
 
-  int translate_ = 0;
+  Setting<int> translate_ = 0;
   PortTable<OfPort> of_ports_;
 };
 

@@ -42,14 +42,14 @@ struct Scene {
   void mac_entry(int last, Place place, uint32_t flags = 0) {
     EXPECT_EQ(chip.mac_table.add({.mac = mac(last), .vlan = 10, .flags = flags, .place = place}), Status::ok);
   }
-  void rule(int stage, FieldAction action, bool red = false) {
+  void rule(int stage, FieldAction action, bool red = false, int to = 0) {
     int group = 0;
     int entry = 0;
     const int vlan = static_cast<int>(chip::FieldQualifier::outer_vlan);
     EXPECT_EQ(chip.field_processor.create_group({stage, vlan}, 0, group), Status::ok);
     chip.field_processor.enable_group(group, true);
     chip.field_processor.create_entry(group, entry);
-    chip.field_processor.add_action(entry, static_cast<int>(action), 0, 0);
+    chip.field_processor.add_action(entry, static_cast<int>(action), 0, static_cast<uint32_t>(to));
     if (red) {
       int policer = 0;
       chip.policers.create({.mode = 3, .committed = {0, 0, 0}, .peak = {0, 0, 0}}, policer);
@@ -65,6 +65,11 @@ struct Scene {
     chip.l3_interfaces.create({.flags = L3Interface::in_mac_table, .mac = mac(router), .vlan = 10}, in);
     chip.l3_interfaces.create({.flags = L3Interface::in_mac_table, .mac = mac(router), .vlan = 20, .ttl = ttl}, out);
     return out;
+  }
+  void trunk_of(Port port) {
+    chip::TrunkId trunk = 7;
+    EXPECT_EQ(chip.trunks.create(chip::Trunks::with_id, trunk), Status::ok);
+    EXPECT_EQ(chip.trunks.set(trunk, 0, {port}), Status::ok);
   }
   void host(int interface, Place place) {
     EXPECT_EQ(chip.hosts.add({0, support::ip4("20.0.0.5")},
@@ -109,7 +114,8 @@ struct Case {
   Bytes frame = plain;
   Port port = 1;
   Port counted_at = 1;
-  int earlier = 0;  // frames that pass before
+  int earlier = 0;      // frames that pass before
+  bool passes = false;  // another copy leaves, or left
 };
 
 const Case cases[] = {
@@ -260,6 +266,18 @@ const Case cases[] = {
        s.chip.port_rates.shape(2, {chip::RateUnit::packets, 1, 1});
      },
      plain, 1, 2, 1},
+    {Drop::egress_no_exit,
+     [](Scene& s) {
+       s.trunk_of(3);
+       s.chip.port_macs.set_partner(3, false);
+     },
+     broadcast, 1, 1, 0, true},
+    {Drop::egress_loop,
+     [](Scene& s) {
+       s.rule(FieldProcessor::ingress_stage, FieldAction::redirect_port, false, 2);
+       s.chip.port_macs.set_loopback(2, static_cast<int>(chip::Loopback::mac));
+     },
+     plain, 1, 2, 0, true},
 };
 
 TEST(Drops, EachHasAFrameThatIsLostForItAndCountedAtItsPort) {
@@ -270,7 +288,8 @@ TEST(Drops, EachHasAFrameThatIsLostForItAndCountedAtItsPort) {
     chip::Pipeline pipeline(scene.chip);
     Nowhere wire;
     for (int i = 0; i < one.earlier; ++i) EXPECT_EQ(pipeline.receive(one.port, one.frame, wire), Drop::none);
-    EXPECT_STREQ(name(pipeline.receive(one.port, one.frame, wire)), name(one.reason));
+    EXPECT_STREQ(name(pipeline.receive(one.port, one.frame, wire)), name(one.passes ? Drop::none : one.reason))
+        << name(one.reason);
     const auto count = [&](Port port, Drop reason) { return scene.chip.drops[port][static_cast<std::size_t>(reason)]; };
     EXPECT_EQ(count(one.counted_at, one.reason), 1U) << name(one.reason);
     uint64_t all = 0;
@@ -282,6 +301,51 @@ TEST(Drops, EachHasAFrameThatIsLostForItAndCountedAtItsPort) {
   }
   for (int reason = 1; reason < chip::drop_count; ++reason)
     EXPECT_TRUE(reached.contains(static_cast<Drop>(reason))) << name(static_cast<Drop>(reason)) << " has no frame";
+}
+
+/// How many copies a chip loses for a reason at a port while a frame passes that comes in at port 1.
+uint64_t lost(Scene& scene, const Bytes& frame, Drop reason, Port at) {
+  const uint64_t& count = scene.chip.drops[at][static_cast<std::size_t>(reason)];
+  const uint64_t before = count;
+  chip::Pipeline pipeline(scene.chip);
+  Nowhere wire;
+  pipeline.receive(1, frame, wire);
+  return count - before;
+}
+
+TEST(Drops, TellOfMirrorsWithoutALink) {
+  Scene scene;
+  scene.mac_entry(2, Port{2});
+  chip::MirrorId id;
+  EXPECT_EQ(scene.chip.mirrors.set_mode(static_cast<int>(chip::Mirrors::Mode::l2)), Status::ok);
+  EXPECT_EQ(scene.chip.mirrors.create(0, Port{9}, id), Status::ok);
+  EXPECT_EQ(scene.chip.mirrors.add_source(1, chip::Mirrors::enable | chip::Mirrors::ingress, id), Status::ok);
+  EXPECT_EQ(lost(scene, plain, Drop::egress_port_down, 9), 0U);
+  scene.chip.port_macs.set_partner(9, false);
+  EXPECT_EQ(lost(scene, plain, Drop::egress_port_down, 9), 1U);
+}
+
+TEST(Drops, TellOfTheTrunksThatAMulticastRouteDoesNotReach) {
+  Scene scene;
+  scene.multicast_route(false);
+  scene.trunk_of(5);
+  EXPECT_EQ(scene.chip.multicast_groups.add_member(5, {.port = 5, .encapsulation = scene.route()}), Status::ok);
+  const Bytes packet = Frame(support::mac(1), {1, 0, 0x5E, 1, 1, 1}).tag(10).ip("10.0.0.1", "239.1.1.1").udp(5, 6);
+  EXPECT_EQ(lost(scene, packet, Drop::egress_no_exit, 1), 0U);
+  scene.chip.port_macs.set_partner(5, false);
+  EXPECT_EQ(lost(scene, packet, Drop::egress_no_exit, 1), 1U);
+}
+
+TEST(Drops, OfTheCopyForTheCpuAreThoseOfATrappedFrame) {
+  Scene scene;
+  scene.rule(FieldProcessor::ingress_stage, FieldAction::redirect_port);
+  scene.chip.port_rates.shape(chip::Ports::cpu, {chip::RateUnit::packets, 1, 1});
+  chip::Pipeline pipeline(scene.chip);
+  Nowhere wire;
+  const Bytes frame = plain;
+  EXPECT_EQ(pipeline.receive(1, frame, wire), Drop::trapped);
+  EXPECT_EQ(pipeline.receive(1, frame, wire), Drop::egress_rate);
+  EXPECT_EQ(scene.chip.drops[Port{1}][static_cast<std::size_t>(Drop::trapped)], 1U);
 }
 
 TEST(Drops, HaveNamesThatDiffer) {

@@ -186,7 +186,7 @@ TEST_F(FrameExpectations, ThatAreNotWellFormedChangeNothing) {
   EXPECT_EQ(refused("expect cpu any 123"), "frame: \"123\" is not pairs of hexadecimal digits");
   const std::string none = refused("expect dropped by me");
   EXPECT_TRUE(none.starts_with("reason: \"by me\" is none; the reasons are malformed, port down, ")) << none;
-  EXPECT_TRUE(none.ends_with(", egress rate, any")) << none;
+  EXPECT_TRUE(none.ends_with(", egress loop, any")) << none;
   EXPECT_EQ(run("expect out 3", "expect cpu any", "expect nothing"), "");
 }
 

@@ -126,12 +126,12 @@ const Part put_back[] = {
        return c.multicast_groups.create(chip::MulticastGroups::l2, id);
      },
      [](Chip& c) { return size(c.multicast_groups); }},
-    {"multicast_routing", [](Chip& c) { return made_true(c.multicast_routing); },
-     [](Chip& c) { return int64_t{c.multicast_routing}; }},
+    {"multicast_routing", [](Chip& c) { return made_true(c.multicast_routing.value); },
+     [](Chip& c) { return int64_t{c.multicast_routing.value}; }},
     {"multicast_routes", [](Chip& c) { return c.multicast_routes.add({.vlan = 1, .address = {0xE1}}, {}); },
      [](Chip& c) { return size(c.multicast_routes); }},
-    {"unicast_routing", [](Chip& c) { return made_true(c.unicast_routing); },
-     [](Chip& c) { return int64_t{c.unicast_routing}; }},
+    {"unicast_routing", [](Chip& c) { return made_true(c.unicast_routing.value); },
+     [](Chip& c) { return int64_t{c.unicast_routing.value}; }},
     {"l3_interfaces",
      [](Chip& c) {
        int id = 0;

@@ -5,18 +5,26 @@ namespace chip {
 
 namespace {
 
+const VlanAssignment* assignment_of_mac(const Chip& chip, const Packet& packet) {
+  return chip.mac_vlans.find(packet.fields.source_mac);
+}
+
+const VlanAssignment* assignment_of_subnet(const Chip& chip, const Packet& packet) {
+  if (chip.subnet_vlans.all().empty()) return nullptr;
+  if (packet.is_ip4()) return find_around(chip.subnet_vlans, *subnet_of_ip4(packet.fields.source_ip, ~0U));
+  return packet.is_ip6() ? find_around(chip.subnet_vlans, {true, 128, packet.fields.source_ip6}) : nullptr;
+}
+
 /// The assignment by the frame's source, MAC address or subnet; the port's preference decides where both have one.
 const VlanAssignment* assignment_of_source(const Chip& chip, const Packet& packet) {
   const VlanControls& controls = chip.vlan_controls;
   const auto by_mac = [&]() -> const VlanAssignment* {
     const bool looks = controls.of_port(packet.port, VlanControlOfPort::lookup_mac) != 0;
-    return looks ? chip.mac_vlans.find(packet.fields.source_mac) : nullptr;
+    return looks ? assignment_of_mac(chip, packet) : nullptr;
   };
   const auto by_subnet = [&]() -> const VlanAssignment* {
-    if (chip.subnet_vlans.all().empty()) return nullptr;
-    if (controls.of_port(packet.port, VlanControlOfPort::lookup_ip) == 0) return nullptr;
-    if (packet.is_ip4()) return find_around(chip.subnet_vlans, *subnet_of_ip4(packet.fields.source_ip, ~0U));
-    return packet.is_ip6() ? find_around(chip.subnet_vlans, {true, 128, packet.fields.source_ip6}) : nullptr;
+    const bool looks = controls.of_port(packet.port, VlanControlOfPort::lookup_ip) != 0;
+    return looks ? assignment_of_subnet(chip, packet) : nullptr;
   };
   const bool subnet_first = controls.prefers_subnet(packet.port);
   const VlanAssignment* const found = subnet_first ? by_subnet() : by_mac();
@@ -24,10 +32,22 @@ const VlanAssignment* assignment_of_source(const Chip& chip, const Packet& packe
   return subnet_first ? by_mac() : by_subnet();
 }
 
+/// Names the assignment that was found, and the controls that keep the frame from another.
 void tell_assignment(const Passage& frame, const VlanAssignment* found) {
-  const Mac& source = frame.packet.fields.source_mac;
-  if (frame.chip.mac_vlans.find(source) == found)
-    frame.by(decider::MacVlan{source});
+  using enum VlanControlOfPort;
+  const Packet& packet = frame.packet;
+  const VlanControls& controls = frame.chip.vlan_controls;
+  const VlanAssignment* const of_mac = assignment_of_mac(frame.chip, packet);
+  const VlanAssignment* const of_subnet = assignment_of_subnet(frame.chip, packet);
+  const bool looks_up_mac = controls.of_port(packet.port, lookup_mac) != 0;
+  const bool looks_up_ip = controls.of_port(packet.port, lookup_ip) != 0;
+  if (of_mac != nullptr && !looks_up_mac) frame.by(decider::VlanControl{lookup_mac, packet.port});
+  if (of_subnet != nullptr && !looks_up_ip) frame.by(decider::VlanControl{lookup_ip, packet.port});
+  if (of_mac != nullptr && of_subnet != nullptr && looks_up_mac && looks_up_ip)
+    frame.by(decider::VlanControl{found == of_mac ? prefer_mac : prefer_ip4, packet.port});
+  if (found == nullptr) return;
+  if (found == of_mac)
+    frame.by(decider::MacVlan{packet.fields.source_mac});
   else
     frame.by(decider::SubnetVlan{found});
 }
@@ -60,10 +80,9 @@ void set_inner(Packet& packet, uint16_t tag) {
 /// Assigns the VLAN of an untagged frame: by source, else by protocol, else by port.
 void give_vlan(Passage& frame) {
   Packet& packet = frame.packet;
-  if (const VlanAssignment* const found = assignment_of_source(frame.chip, packet)) {
-    if (frame.observer != nullptr) tell_assignment(frame, found);
-    return set_outer(packet, found->vlan, found->priority);
-  }
+  const VlanAssignment* const found = assignment_of_source(frame.chip, packet);
+  if (frame.observer != nullptr) tell_assignment(frame, found);
+  if (found != nullptr) return set_outer(packet, found->vlan, found->priority);
   if (const Setting<int>* const of_protocol = vlan_of_protocol(frame)) return packet.set_vlan(*of_protocol);
   frame.by(decider::UntaggedVlan{packet.port});
   packet.set_vlan(frame.chip.port_forwarding.of(packet.port).untagged_vlan);
@@ -97,6 +116,24 @@ void enter(Packet& packet, VirtualPortId id, const VirtualPort& virtual_port) {
   if (virtual_port.egress_inner_vlan != 0) set_inner(packet, with_vlan(inner_tag, virtual_port.egress_inner_vlan));
 }
 
+/// Names the controls that keep a frame from being translated.
+void tell_untranslated(const Passage& frame) {
+  using enum VlanControlOfPort;
+  const Chip& chip = frame.chip;
+  const Packet& packet = frame.packet;
+  const bool has_virtual_port =
+      chip.virtual_ports.matching(packet.port, packet.vlan()) ||
+      (packet.inner_vlan() != 0 && chip.virtual_ports.matching(packet.port, packet.vlan(), packet.inner_vlan()));
+  const bool has_translation = chip.vlan_translations.find(packet.port, packet.vlan()) != nullptr ||
+                               chip.vlan_translations.find_outer(packet.port, packet.vlan()) != nullptr;
+  const bool translates = chip.vlan_controls.translates(packet.port, translate_ingress);
+  if (translates && has_virtual_port) {
+    frame.by(decider::VlanControl{translate_first_key, packet.port});
+    frame.by(decider::VlanControl{translate_second_key, packet.port});
+  }
+  if (!translates && (has_virtual_port || has_translation)) tell_translation_off(frame, translate_ingress, packet.port);
+}
+
 void translate(Passage& frame) {
   const Chip& chip = frame.chip;
   Packet& packet = frame.packet;
@@ -120,10 +157,9 @@ void translate(Passage& frame) {
 
 void assign_vlan(Passage& frame) {
   const Packet& packet = frame.packet;
-  if (packet.vlan() == 0)
-    give_vlan(frame);
-  else if (frame.chip.vlan_controls.translates(packet.port, VlanControlOfPort::translate_ingress))
-    translate(frame);
+  if (packet.vlan() == 0) return give_vlan(frame);
+  if (frame.observer != nullptr && !virtual_port_of(frame.chip, packet)) tell_untranslated(frame);
+  if (frame.chip.vlan_controls.translates(packet.port, VlanControlOfPort::translate_ingress)) translate(frame);
 }
 
 }  // namespace chip

@@ -22,11 +22,15 @@ class Reachable {
     const VirtualPortId* const from = std::get_if<VirtualPortId>(&packet_.source);
     if (from == nullptr) return;
     const int group = chip_.virtual_ports.find(*from)->ingress_network_group;
-    const uint32_t* const settings = chip_.network_groups.find(group);  // a virtual port without a group has none
+    const Setting<uint32_t>* const settings =
+        chip_.network_groups.find(group);  // a virtual port without a group has none
     // The chip prunes known destinations on the way in and copies of floods on the way out; here either does for both.
     if (settings != nullptr && (*settings & (NetworkGroups::prune_ingress | NetworkGroups::prune_egress)) != 0)
       isolated_group_ = group;
   }
+
+  /// The network group of its source, which is isolated.
+  int group() const { return *isolated_group_; }
 
   /// Why it may not take one, or none.
   Drop why_not(const Exit& exit) const {
@@ -61,6 +65,7 @@ class Reachable {
 Drop send_by(Passage& frame, const Reachable& reachable, const Exit& exit) {
   const Drop reason = reachable.why_not(exit);
   if (reason == Drop::isolated) frame.by(decider::Destinations{frame.packet.port});
+  if (reason == Drop::split_horizon) frame.by(decider::NetworkGroup{reachable.group()});
   if (reason == Drop::none) frame.copies.emplace_back(exit);
   return reason;
 }
@@ -89,9 +94,9 @@ std::optional<GroupId> flood_group(const VlanControl& control, uint32_t kind) {
 }
 
 /// Whether the destination is reserved multicast: 224.0.0.x, or one of the configured IPv6 addresses.
-bool is_reserved(const Chip& chip, const Packet& packet) {
-  if (packet.is_ip4()) return packet.fields.destination_ip >> 8 == 0xE00000;
-  return packet.is_ip6() && is_reserved(chip, packet.fields.destination_ip6);
+bool is_reserved(const Passage& frame) {
+  if (frame.packet.is_ip4()) return frame.packet.fields.destination_ip >> 8 == 0xE00000;
+  return frame.packet.is_ip6() && is_reserved_ip6(frame);
 }
 
 /// Whether the VLAN floods unknown multicast frames.
@@ -104,7 +109,9 @@ bool floods_multicast(const Passage& frame, const VlanControl& control) {
   if (mode != VlanControl::flood_nowhere) return true;
   const SwitchControlOfPort which = packet.is_ip4() ? SwitchControlOfPort::ip4_reserved_multicast_flood
                                                     : SwitchControlOfPort::ip6_reserved_multicast_flood;
-  return frame.chip.switch_controls.is_on(which, packet.port) && is_reserved(frame.chip, packet);
+  if (!frame.chip.switch_controls.is_on(which, packet.port) || !is_reserved(frame)) return false;
+  frame.by(decider::Control{which, packet.port});
+  return true;
 }
 
 void flood(Passage& frame, const Vlan& vlan) {
@@ -143,7 +150,9 @@ void flood(Passage& frame, const Vlan& vlan) {
     if (const std::optional<TrunkId> trunk = chip.trunks.trunk_of(port)) {
       if (trunks_seen.test(trunk->index())) continue;
       trunks_seen.set(trunk->index());
-      note(send_to(frame, reachable, *trunk));
+      const Drop reason = send_to(frame, reachable, *trunk);
+      if (reason == Drop::no_exit) lose_copy(frame, *trunk, Drop::egress_no_exit);
+      note(reason);
     } else if (port == Ports::cpu || in_group(port, encapsulation::as_it_is)) {
       note(send_by(frame, reachable, Exit{port, port}));
     }

@@ -61,6 +61,8 @@ constexpr std::array<Reason, drop_count> reasons{{
     {"egress policer", "a higher rate or burst of the policer of the egress entry, or a pause"},
     {"egress too long", "a shorter frame, or a larger maximum of the port by which it leaves"},
     {"egress rate", "a higher rate or burst of the port by which it leaves, or a pause"},
+    {"egress no exit", "the trunk or virtual port by which it leaves, with a link"},
+    {"egress loop", "no loopback at a port to which what comes in there is sent"},
 }};
 
 }  // namespace

@@ -52,8 +52,10 @@ enum class Drop : int {
   egress_policer,        // marked red by an egress entry
   egress_too_long,       // longer than the port's maximum
   egress_rate,           // over the egress rate of the port
+  egress_no_exit,        // the trunk or virtual port to which it goes does not exist or has no link
+  egress_loop,           // it has come back by ports in loopback too often
 };
-constexpr int drop_count = static_cast<int>(Drop::egress_rate) + 1;
+constexpr int drop_count = static_cast<int>(Drop::egress_loop) + 1;
 
 /// In lower case, for people.
 const char* name(Drop drop);

@@ -67,6 +67,13 @@ void apply(const EgressAction& action, int frame_priority, EgressHeader& header)
 
 }  // namespace
 
+void tell_translation_off(const Passage& frame, VlanControlOfPort direction, Port port) {
+  if (frame.chip.vlan_controls.translate() == 0)
+    frame.by(decider::ChipTranslation{});
+  else
+    frame.by(decider::VlanControl{direction, port});
+}
+
 /// Membership comes first: the copy of an untagged member has no outer tag left to translate, and an action treats it
 /// as one without. Translation and action are both looked up by the tags inside the chip; where both exist, the action
 /// wins.
@@ -78,19 +85,24 @@ void make_egress_tags(Passage& frame, const Copy& copy, EgressHeader& header) {
     const Vlan* const vlan = chip.vlans.find(outer);
     if (vlan != nullptr && vlan->untagged.contains(copy.port)) header.outer_tag.reset();
   }
-  if (!chip.vlan_controls.translates(copy.port, VlanControlOfPort::translate_egress)) return;
+  const bool translates = chip.vlan_controls.translates(copy.port, VlanControlOfPort::translate_egress);
+  if (!translates && frame.observer == nullptr) return;
 
-  if (!is_virtual(copy.place) && header.outer_tag)
-    if (const Translation* const to = chip.vlan_translations.find_egress(copy.port, outer)) {
-      frame.by(decider::EgressTranslation{copy.port, outer});
-      header.outer_tag = with_priority(with_vlan(*header.outer_tag, to->vlan), to->priority);
-    }
-
+  const bool is_translatable = !is_virtual(copy.place) && header.outer_tag;
+  const Translation* const to = is_translatable ? chip.vlan_translations.find_egress(copy.port, outer) : nullptr;
   EgressActions::Key key{copy.place, outer, inner};
   const EgressAction* action = chip.egress_actions.find(key);
   if (action == nullptr && inner != 0) {
     key.inner = 0;
     action = chip.egress_actions.find(key);
+  }
+  if (!translates) {
+    if (to != nullptr || action != nullptr) tell_translation_off(frame, VlanControlOfPort::translate_egress, copy.port);
+    return;
+  }
+  if (to != nullptr) {
+    frame.by(decider::EgressTranslation{copy.port, outer});
+    header.outer_tag = with_priority(with_vlan(*header.outer_tag, to->vlan), to->priority);
   }
   if (action == nullptr) return;
   frame.by(decider::TagsAtEgress{key});

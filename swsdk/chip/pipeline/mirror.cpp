@@ -2,7 +2,6 @@
 #include <array>
 
 #include "chip/chip.h"
-#include "chip/pipeline/resolve.h"
 #include "chip/pipeline/stages.h"
 
 namespace chip {
@@ -15,14 +14,15 @@ void mirror(Passage& frame, Port port, uint32_t direction, const EgressHeader& h
   for (const auto& [source, flags] : mirrors.sources()) {
     const auto& [mirrored, destination] = source;
     if (mirrored != port || (flags & direction) == 0) continue;
-    const std::optional<Exit> exit = exit_to(frame, *mirrors.find(destination));
-    const PortMac* const mac = exit ? frame.chip.port_macs.find(exit->port) : nullptr;
     frame.by(decider::Mirror{port, destination});
-    if (mac == nullptr || !mac->link()) continue;
-    if (const Drop reason = why_not_out(frame, exit->port, header, bytes); reason != Drop::none)
-      lose_copy(frame, exit->port, reason);
+    const Port to = std::get<Port>(*mirrors.find(destination));
+    const PortMac* const mac = frame.chip.port_macs.find(to);
+    if (mac == nullptr || !mac->link())
+      lose_copy(frame, to, Drop::egress_port_down);
+    else if (const Drop reason = why_not_out(frame, to, header, bytes); reason != Drop::none)
+      lose_copy(frame, to, reason);
     else
-      leave(frame, exit->port, header, bytes, wire);
+      leave(frame, to, header, bytes, wire);
   }
 }
 

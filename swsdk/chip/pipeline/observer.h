@@ -15,6 +15,7 @@
 #include "chip/routes.h"
 #include "chip/switch_controls.h"
 #include "chip/vlan_assignments.h"
+#include "chip/vlan_controls.h"
 #include "chip/vlan_translations.h"
 
 namespace chip {
@@ -60,6 +61,21 @@ struct StormRate {
 struct Control {
   SwitchControlOfPort control;
   Port port;
+};
+struct ChipControl {
+  SwitchControlOfChip control;
+};
+struct VlanControl {
+  VlanControlOfPort control;
+  Port port;
+};
+/// Whether the chip translates at all.
+struct ChipTranslation {};
+struct UnicastRouting {};
+struct MulticastRouting {};
+struct ReservedAddresses {};
+struct NetworkGroup {
+  int group;
 };
 struct ProtocolVlan {
   ProtocolVlans::Key key;
@@ -142,7 +158,9 @@ struct Mirror {
 using Decider =
     std::variant<decider::Link, decider::FrameMax, decider::UntaggedVlan, decider::UnknownSources,
                  decider::Destinations, decider::MembershipChecks, decider::BlockedFloods, decider::IngressRate,
-                 decider::EgressRate, decider::StormRate, decider::Control, decider::ProtocolVlan, decider::MacVlan,
+                 decider::EgressRate, decider::StormRate, decider::Control, decider::ChipControl, decider::VlanControl,
+                 decider::ChipTranslation, decider::UnicastRouting, decider::MulticastRouting,
+                 decider::ReservedAddresses, decider::NetworkGroup, decider::ProtocolVlan, decider::MacVlan,
                  decider::SubnetVlan, decider::IngressTranslation, decider::OuterTranslation,
                  decider::EgressTranslation, decider::TagsAtEgress, decider::OfVlan, decider::SpanningTreeState,
                  decider::L2CacheSlot, decider::OfMac, decider::OfLearnLimit, decider::FieldRules, decider::OfPolicer,
@@ -160,7 +178,7 @@ class Observer {
   virtual void decides(const Decider& decider) = 0;
   /// A copy is on its way out of a port. Then the wire gets it, or it is lost, or it comes in again by that port.
   virtual void sends(Port port, const Passage& frame) = 0;
-  virtual void lost(Port port, Drop reason) = 0;
+  virtual void lost(const Place& to, Drop reason) = 0;
   virtual void comes_back(Port port) = 0;
   /// The frame has passed; it is lost if there is a reason.
   virtual void passed(const Passage& frame, Drop reason) = 0;

@@ -50,6 +50,7 @@ enum class Framing { ethernet2, snap, llc, unreadable };
 
 struct Packet {
   std::span<const uint8_t> bytes;  // as received, without checksum
+  bool has_header = false;         // a whole Ethernet header, tags included; otherwise nothing more is known
 
   Port port{};     // its ingress port
   Place source{};  // the port, or the virtual port that it belongs to

@@ -64,6 +64,10 @@ Drop Pipeline::receive(Port port, std::span<const uint8_t> bytes, Wire& wire, Ob
     looped_.erase(looped_.begin());
     pass(next.port, next.bytes, wire, observer);
   }
+  for (const Looped& lost : looped_) {
+    ++chip_.drops[lost.port][static_cast<std::size_t>(Drop::egress_loop)];
+    if (observer != nullptr) observer->lost(lost.port, Drop::egress_loop);
+  }
   looped_.clear();
   return drop;
 }
@@ -80,10 +84,9 @@ Drop Pipeline::pass(Port port, std::span<const uint8_t> bytes, Wire& wire, Obser
   copies_.clear();
   Passage frame(chip_, meters_, copies_, looped_);
   frame.observer = observer;
-  const bool has_header = parse(port, bytes, frame.packet);
+  frame.packet.has_header = parse(port, bytes, frame.packet);
   if (observer != nullptr) observer->arrives(frame);
   run(admission, frame);
-  if (!has_header) frame.stop(Drop::malformed);
   Drop lost = Drop::none;  // why the first copy was lost, if all were
   if (!frame.dropped()) {
     mirror_ingress(frame, wire);
@@ -100,6 +103,7 @@ Drop Pipeline::pass(Port port, std::span<const uint8_t> bytes, Wire& wire, Obser
       const Drop reason = send_to_cpu(frame, wire);
       has_left = has_left || reason == Drop::none;
       if (lost == Drop::none) lost = reason;
+      if (reason != Drop::none && frame.drop() == Drop::trapped) frame.release();  // nobody has it
     }
     if (has_left) lost = Drop::none;
   }

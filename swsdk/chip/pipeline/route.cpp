@@ -121,6 +121,7 @@ bool route(Passage& frame) {
   if (interface == nullptr) return false;
   frame.by(decider::Interface{interface});
   if (!chip.unicast_routing) {
+    frame.by(decider::UnicastRouting{});
     frame.copies.emplace_back(
         Exit{Ports::cpu, Ports::cpu});  // the MAC table has the interface's address at the CPU port
     return true;

@@ -67,9 +67,14 @@ void replicate(Passage& frame, const MulticastGroup& group) {
     const std::optional<TrunkId> trunk = chip.trunks.trunk_of(member.port);
     if (stays && (member.port == packet.port || (trunk && trunk == own_trunk))) continue;
 
-    const std::optional<Exit> exit = exit_to(frame, trunk ? Place(*trunk) : Place(member.port));
-    if (!exit) continue;
+    const Place to = trunk ? Place(*trunk) : Place(member.port);
+    const std::optional<Exit> exit = exit_to(frame, to);
+    if (!exit) {
+      lose_copy(frame, to, Drop::egress_no_exit);
+      continue;
+    }
     Copy copy(*exit);
+    if (stays && routes_within_vlan) frame.by(decider::ChipControl{SwitchControlOfChip::ipmc_same_vlan_l3_route});
     if (!stays || routes_within_vlan) {
       copy.l3_interface = member.encapsulation;
       if (reason != Drop::none) {
@@ -97,10 +102,13 @@ void replicate(Passage& frame, const MulticastGroup& group) {
 bool route_multicast(Passage& frame) {
   const Chip& chip = frame.chip;
   const Packet& packet = frame.packet;
-  if (!chip.multicast_routing || !packet.is_multicast() || chip.multicast_routes.empty() || !is_routable(packet))
-    return false;
+  if (!packet.is_multicast() || chip.multicast_routes.empty() || !is_routable(packet)) return false;
   const MulticastRoute* const route = look_up(frame);
   if (route == nullptr) return false;
+  if (!chip.multicast_routing) {
+    frame.by(decider::MulticastRouting{});
+    return false;
+  }
   count_ip(frame.chip.counters, packet, IpEvent::received);
   if ((route->flags & MulticastRoute::from_any_port) == 0 && route->from != Place(packet.port)) {
     frame.stop(Drop::wrong_ingress_port);

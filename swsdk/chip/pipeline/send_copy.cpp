@@ -63,8 +63,10 @@ Drop send_copy(Passage& frame, const Copy& copy, Wire& wire) {
   return Drop::none;
 }
 
-void lose_copy(Passage& frame, Port port, Drop reason) {
-  if (frame.observer != nullptr) frame.observer->lost(port, reason);
+void lose_copy(Passage& frame, const Place& to, Drop reason) {
+  if (frame.observer != nullptr) frame.observer->lost(to, reason);
+  const Port* const at = std::get_if<Port>(&to);
+  const Port port = at != nullptr ? *at : frame.packet.port;
   if (!frame.chip.ports.has(port)) return;
   count_not_sent(frame.chip.counters, port, reason);
   ++frame.chip.drops[port][static_cast<std::size_t>(reason)];

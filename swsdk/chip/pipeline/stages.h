@@ -12,7 +12,7 @@
 
 namespace chip {
 
-/// Checks that the port accepts the frame: link up, not too long, within its rate.
+/// Checks that the port accepts the frame: link up, not too long, within its rate, with an Ethernet header.
 void admit(Passage& frame);
 /// Checks that the source is not a multicast address.
 void check_source(Passage& frame);
@@ -49,6 +49,8 @@ void make_egress_tags(Passage& frame, const Copy& copy, EgressHeader& header);
 bool is_red(Passage& frame, const FieldVerdict& verdict, std::size_t length);
 /// Whether the copy is within the egress rate of the port.
 bool is_within_shape(Passage& frame, Port port, std::size_t length);
+/// Names what keeps a port from translating in one direction: the control of the chip, or its own.
+void tell_translation_off(const Passage& frame, VlanControlOfPort direction, Port port);
 /// Why an Ethernet port may not send the bytes: too long, or beyond its rate.
 Drop why_not_out(Passage& frame, Port port, const EgressHeader& header, std::span<const uint8_t> bytes);
 /// Sends the bytes. A port in loopback receives them again.
@@ -57,8 +59,8 @@ void leave(Passage& frame, Port port, const EgressHeader& header, std::span<cons
 /// Sends the CPU its copy. Returns why that was lost, or none.
 Drop send_to_cpu(Passage& frame, Wire& wire);
 
-/// Counts a copy that a port has not sent.
-void lose_copy(Passage& frame, Port port, Drop reason);
+/// Counts a copy that has not left for a place: at its port, or, where there is none, at that of the frame.
+void lose_copy(Passage& frame, const Place& to, Drop reason);
 
 /// Copies for the mirrors of a port: of what came in, and of what goes out.
 void mirror_ingress(Passage& frame, Wire& wire);

@@ -56,8 +56,7 @@ void obey_controls(Passage& frame) {
     if (is_on(SwitchControlOfPort::dhcp_drop)) frame.stop(Drop::switch_control);
   } else if (packet.is_ip6()) {
     to_cpu = (is_neighbor_discovery(packet) && is_on(SwitchControlOfPort::neighbor_discovery_to_cpu)) ||
-             (is_reserved(frame.chip, packet.fields.destination_ip6) &&
-              is_on(SwitchControlOfPort::ip6_reserved_multicast_to_cpu));
+             (is_reserved_ip6(frame) && is_on(SwitchControlOfPort::ip6_reserved_multicast_to_cpu));
   }
   if (to_cpu) frame.cpu_reasons |= cpu_reason::protocol;
 }

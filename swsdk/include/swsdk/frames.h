@@ -86,10 +86,10 @@ int swsdk_frame_send(int unit, int port, const void* data, size_t length);
  * Below a stage are the entries that decided, as swsdk_show() shows them, each with the call that made it so: its
  * number among the calls that the chip's process has answered, and its line in the journal, after the name and id of
  * the process that made it if that is another one (swsdk/remote.h). An entry is told once.
- * Below `out PORT: BYTES` and `cpu (REASONS): BYTES` is what the copy met on its way out; `lost PORT: REASON` is a copy
- * that did not leave. `out PORT, looped back` is a copy that comes in again there, with an `in` line of its own later.
- * The last line is `passed on`, `trapped to the cpu` for a frame that went to the CPU alone, or
- * `dropped: REASON; to pass it needs ...`.
+ * Below `out PORT: BYTES` and `cpu (REASONS): BYTES` is what the copy met on its way out; `lost PLACE: REASON` is a
+ * copy that did not leave: for a port, or a trunk without a link. `out PORT, looped back` is a copy that comes in again
+ * there, with an `in` line of its own later. The last line is `passed on`, `trapped to the cpu` for a frame that went
+ * to the CPU alone, or `dropped: REASON; to pass it needs ...`.
  *
  * @param port    as for swsdk_frame_send()
  * @param data    the frame
@@ -129,7 +129,8 @@ const char* swsdk_drop_name(int reason);
 long long swsdk_drops(int unit, int reason);
 
 /**
- * The same for one port: that where the frame came in, or where the copy would have left. The table `drops` of
+ * The same for one port: that where the frame came in, or where the copy would have left; a copy for a trunk without a
+ * link counts where its frame came in. The table `drops` of
  * swsdk_show() has them all.
  *
  * @return the number, or -1 when there is no such initialized unit, port or reason
