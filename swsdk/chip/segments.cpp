@@ -273,8 +273,9 @@ std::span<const std::span<const uint8_t>> Cutter::cut(std::span<const uint8_t> f
 void Cutter::cut_up(std::span<const uint8_t> aggregate, const Segments& segments) {
   const std::size_t headers = segments.headers;
   const std::size_t least = segments.kind == Segments::Kind::udp ? 8 : 20;  // of the transport header
-  if (segments.payload == 0 || aggregate.size() < headers || segments.checksum_start + least > headers ||
-      segments.checksum_at + 2U > headers || aggregate.size() - segments.checksum_start > 0xFFFF)
+  if (segments.kind == Segments::Kind::unknown || segments.payload == 0 || aggregate.size() < headers ||
+      segments.checksum_start + least > headers || segments.checksum_at + 2U > headers ||
+      aggregate.size() - segments.checksum_start > 0xFFFF)
     return;
   const auto fronts = FrontReader::fronts(aggregate.first(headers), segments);
   if (!fronts) return;
@@ -296,6 +297,7 @@ void Cutter::cut_up(std::span<const uint8_t> aggregate, const Segments& segments
 }
 
 bool is_in_tunnel(std::span<const uint8_t> aggregate, const Segments& segments) {
+  if (segments.kind == Segments::Kind::unknown) return true;
   const auto fronts = FrontReader::fronts(aggregate.first(segments.headers), segments);
   return !fronts || fronts->size() > 1;
 }

@@ -10,7 +10,7 @@ namespace chip {
 
 /// How an aggregate is cut. Where that is `none`, it is one frame and the rest means nothing.
 struct Segments {
-  enum class Kind : uint8_t { none, tcp_ip4, tcp_ip6, udp };
+  enum class Kind : uint8_t { none, tcp_ip4, tcp_ip6, udp, unknown };  // what is unknown cannot be cut
 
   Kind kind = Kind::none;
   uint16_t payload = 0;         // bytes of it in each segment; the last can have fewer

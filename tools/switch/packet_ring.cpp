@@ -98,16 +98,16 @@ bool PacketRing::take(tpacket2_hdr& slot, Frame& frame) {
     bytes = {&long_[tag_size], take_long()};
   else if (slot.tp_snaplen < slot.tp_len)
     bytes = {};  // too long, and there was no room for it elsewhere
-  auto segments = bytes.size() < tag_at ? std::nullopt : header.apply(bytes);
-  if (!segments) {
+  if (bytes.size() < tag_at) {
     ++lost_;
     return false;
   }
+  chip::Segments segments = header.apply(bytes);
   if ((slot.tp_status & TP_STATUS_VLAN_VALID) != 0) {
     bytes = with_tag(bytes, slot);
-    segments->move(tag_size);
+    segments.move(tag_size);
   }
-  frame = {.bytes = bytes, .segments = *segments};
+  frame = {.bytes = bytes, .segments = segments};
   return true;
 }
 

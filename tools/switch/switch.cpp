@@ -111,9 +111,11 @@ void Switch::transmit(const swsdk_out& out) {
 void Switch::pass_on(int port, std::span<const Frame> frames) {
   arrived_ += frames.size();
   collect(true);
-  for (const Frame& frame : frames)
-    for (const Bytes one : cutter_.cut(frame.bytes, frame.segments))
-      swsdk_frame_send(unit, port, one.data(), one.size());
+  for (const Frame& frame : frames) {
+    const auto all = cutter_.cut(frame.bytes, frame.segments);
+    if (all.empty()) ++uncut_[port];
+    for (const Bytes one : all) swsdk_frame_send(unit, port, one.data(), one.size());
+  }
   collect(false);
 }
 
@@ -236,10 +238,15 @@ void Switch::run(int signals) {
 }
 
 void Switch::tell_losses() {
+  const auto tell_loss = [](int port, uint64_t count, const char* why) {
+    if (count > 0)
+      tell("port " + std::to_string(port) + ": " + std::to_string(count) +
+           (count == 1 ? " frame was" : " frames were") + " lost, for " + why);
+  };
   for (const auto& [port, attachment] : ports_)
-    if (const uint64_t lost = attachment->lost(); lost > 0)
-      tell("port " + std::to_string(port) + ": " + std::to_string(lost) + (lost == 1 ? " frame was" : " frames were") +
-           " lost, for they came faster than the switch took them");
+    tell_loss(port, attachment->lost(), "they came faster than the switch took them");
+  for (const auto& [port, count] : uncut_)
+    tell_loss(port, count, "they are segments of a kind that the switch cannot cut");
 }
 
 /// Frames that come fast are taken many at a time: to be woken by each would cost more than to forward it.

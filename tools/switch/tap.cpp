@@ -54,10 +54,8 @@ class Tap : public Attachment {
       const ssize_t length = readv(device_.get(), parts, std::size(parts)) - static_cast<ssize_t>(sizeof header);
       if (length <= 0) return;
       const std::span<uint8_t> bytes(buffer_.data(), static_cast<std::size_t>(length));
-      if (const auto segments = header.apply(bytes)) {
-        const Frame frame{.bytes = bytes, .segments = *segments};
-        receiver({&frame, 1});
-      }
+      const Frame frame{.bytes = bytes, .segments = header.apply(bytes)};
+      receiver({&frame, 1});
     }
   }
 

@@ -13,13 +13,14 @@ constexpr uint8_t tcp_ip6 = 4;
 constexpr uint8_t udp = 5;
 constexpr uint8_t with_cwr = 0x80;  // a bit of the kinds of TCP
 
+constexpr unsigned udp_header = 8;
 constexpr std::size_t tcp_length_at = 12;
 constexpr std::size_t tcp_flags_at = 13;
 constexpr uint8_t cwr = 0x80;
 
 }  // namespace
 
-std::optional<chip::Segments> VnetHeader::apply(std::span<uint8_t> frame) const {
+chip::Segments VnetHeader::apply(std::span<uint8_t> frame) const {
   using Kind = chip::Segments::Kind;
   chip::Segments segments;
   const std::size_t checksum_at = std::size_t{checksum_start} + checksum_offset;
@@ -38,17 +39,18 @@ std::optional<chip::Segments> VnetHeader::apply(std::span<uint8_t> frame) const 
       segments.kind = Kind::udp;
       break;
     default:
-      return std::nullopt;
+      segments.kind = Kind::unknown;
+      return segments;
   }
-  // The kernel's count of header bytes is a hint only.
-  const std::size_t end_of_tcp_length = checksum_start + tcp_length_at + 1;
-  if ((flags & needs_checksum) == 0 || frame.size() < end_of_tcp_length) return std::nullopt;
-  const std::size_t transport_header = segments.kind == Kind::udp ? 8 : (frame[end_of_tcp_length - 1] >> 4) * 4U;
   segments.payload = segment_size;
   segments.checksum_start = checksum_start;
   segments.checksum_at = static_cast<uint16_t>(checksum_at);
-  segments.headers = static_cast<uint16_t>(checksum_start + transport_header);
-  if (frame.size() < segments.headers) return std::nullopt;
+  // The kernel's count of header bytes is a hint only.
+  const std::size_t tcp_length = std::size_t{checksum_start} + tcp_length_at;
+  if ((flags & needs_checksum) != 0 && tcp_length < frame.size())
+    segments.headers = static_cast<uint16_t>(checksum_start +
+                                             (segments.kind == Kind::udp ? udp_header : (frame[tcp_length] >> 4) * 4U));
+  if (segments.headers == 0 || segments.headers > frame.size()) segments.kind = Kind::unknown;
   return segments;
 }
 

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <span>
 
 #include "chip/segments.h"
@@ -19,9 +18,8 @@ struct VnetHeader {
   uint16_t checksum_start;
   uint16_t checksum_offset;  // from there
 
-  /// How to cut the frame that came with this. The checksum of a frame that is no aggregate is completed. Nothing when
-  /// the frame is not what the header says, or its segments are of a kind that is not known: it cannot be passed on.
-  std::optional<chip::Segments> apply(std::span<uint8_t> frame) const;
+  /// How to cut the frame that came with this. The checksum of a frame that is no aggregate is completed.
+  chip::Segments apply(std::span<uint8_t> frame) const;
 
   /// The header with which such a frame is sent.
   static VnetHeader of(std::span<const uint8_t> frame, const chip::Segments& segments);
