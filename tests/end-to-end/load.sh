@@ -11,6 +11,7 @@ sai_port_untagged_vlan_set 0 3 10
 sai_vlan_port_add 0 10 4 0
 sai_port_untagged_vlan_set 0 4 10
 SAI
+for vlan in {100..199}; do echo "sai_vlan_create 0 $vlan" >>"$work/switch.sai"; done
 for number in 1 2 3; do host "h$number" "$number" "10.0.0.$number/24"; done
 start_switch "$work/switch.sai" --port 4=tap:t4
 ip address add 10.0.0.4/24 dev t4
@@ -104,12 +105,12 @@ longest() {
   sed -n 's|.*= [0-9.]*/[0-9.]*/\([0-9]*\)[0-9.]*/.*|\1|p' "$work/ping.log"
 }
 without=$(longest true)
-commands() { for _ in {1..5000}; do echo "show vlan"; done >"$work/commands"; }
+commands() { for _ in {1..2000}; do echo "show vlan"; done >"$work/commands"; }
 with=$(longest commands)
-[ "$with" -le $((without + 10)) ] || fail "commands stop frames: a ping takes $with ms instead of $without"
+[ "$with" -le $((without + 15)) ] || fail "commands stop frames: a ping takes $with ms instead of $without"
 tell_switch "# all are done" >/dev/null
-[ "$(grep -cx "show vlan" "$work/switch.log")" -eq 5000 ] || fail "some of 5000 commands are missing"
-echo "5000 commands while a ping takes up to $with ms, and $without ms without them"
+[ "$(grep -cx "show vlan" "$work/switch.log")" -eq 2000 ] || fail "some of 2000 commands are missing"
+echo "2000 commands while a ping takes up to $with ms, and $without ms without them"
 
 ended() { ! kill -0 "$switch_pid" 2>/dev/null; }
 kill -TERM "$switch_pid"
