@@ -249,19 +249,14 @@ void Switch::tell_losses() {
     tell_loss(port, count, "they are segments of a kind that the switch cannot cut");
 }
 
-/// Frames that come fast are taken many at a time: to be woken by each would cost more than to forward it.
-void Switch::wait_for_more() {
-  constexpr std::size_t many = 4;
-  constexpr auto nap = std::chrono::microseconds(50);
-  if (arrived_ >= many && arrived_ < burst) std::this_thread::sleep_for(nap);
-}
-
 /// One round. False when the program is to end.
 bool Switch::pass_frames() {
   // Frames of files wait until another process has switched the chip on.
   const auto has_frames = [this](const Source& source) { return source.attachment->has_frames() && is_on_; };
-  const bool waits = arrived_ == 0 && !has_command() && std::none_of(sources_.begin(), sources_.end(), has_frames);
-  wait_for_more();
+  const bool waits = !has_command() && std::none_of(sources_.begin(), sources_.end(), has_frames);
+  // Frames that come fast are taken many at a time: to be woken by each costs more than to forward it.
+  constexpr std::size_t many = 4;
+  if (waits && arrived_ >= many && arrived_ < burst) std::this_thread::sleep_for(std::chrono::microseconds(50));
   std::array<epoll_event, 64> events;
   const int count =
       epoll_wait(watched_.get(), events.data(), int{events.size()}, waits ? static_cast<int>(rest.count()) : 0);

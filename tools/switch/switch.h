@@ -8,6 +8,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -67,7 +68,6 @@ class Switch {
   void run_commands();
   bool has_command() const { return typed_.find('\n') != std::string::npos; }
   bool is_over() const;
-  void wait_for_more();
   bool pass_frames();
   void tell_losses();
 
@@ -78,7 +78,7 @@ class Switch {
   LinkNews link_news_;
   /// Held while attachments are replaced, and while a frame leaves, which another process may have sent.
   std::mutex attachments_lock_;
-  bool collects_ = false;  // what leaves, until many frames have been passed on
+  bool collects_ = false;  // whether what leaves waits to be sent together
   std::vector<HostInterface> host_interfaces_;
   std::vector<Source> sources_;
   Descriptor watched_;  // all that can become readable
@@ -92,7 +92,7 @@ class Switch {
   std::chrono::steady_clock::time_point followed_;  // when the chip was last asked what is new
   bool commands_ = false;                           // more commands can come
   std::atomic<bool> had_trouble_ = false;           // a client's frame can cause it, too
-  std::string typed_;                               // part of a command line that is not complete yet
+  std::string typed_;                               // commands that were not run yet
 };
 
 }  // namespace vswitch
