@@ -285,7 +285,8 @@ bool Switch::pass_frames() {
     if (has_frames(source)) receive_from(source);
   const bool has_commands = has_command();
   if (has_commands) run_commands();
-  if (has_commands || now_ - followed_ >= rest) follow_chip();
+  const auto due = arrived_ == 0 ? rest : 5 * rest;  // frames first: the answer to them may come any moment
+  if (has_commands || now_ - followed_ >= due) follow_chip();
   return true;
 }
 
