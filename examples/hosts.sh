@@ -51,8 +51,7 @@ host() {
   on "$1" sh -c 'echo 1 >/proc/sys/net/ipv6/conf/default/disable_ipv6; ip link set lo up'
   ip link add "p$2" type veth peer name eth0 netns "$1"
   ip link set "p$2" up
-  # Packets of one segment each: no switch can forward a packet that is only cut into segments on a real cable.
-  on "$1" ip link set eth0 address "$(printf '02:00:00:00:01:%02x' "$2")" gso_max_segs 1 up
+  on "$1" ip link set eth0 address "$(printf '02:00:00:00:01:%02x' "$2")" up
   [ $# -lt 3 ] || on "$1" ip address add "$3" dev eth0
   plugs+=(--port "$2=p$2")
 }

@@ -27,9 +27,17 @@ void Capture::add(int /*unit*/, const swsdk_out* out, void* capture) {
   auto& self = *static_cast<Capture*>(capture);
   if (self.other_) self.other_(*out);
   const std::lock_guard guard(self.lock_);
-  self.kept_.push_back({out->port, out->cpu, {out->data, out->data + out->length}});
-  if (self.sent_ != nullptr) self.sent_->push_back(self.kept_.back());
-  if (self.kept_.size() > most_kept) self.kept_.pop_front();
+  if (self.kept_.size() < most_kept) {
+    self.kept_.emplace_back();
+  } else {  // the oldest gives up its memory: a busy switch allocates none
+    self.kept_.push_back(std::move(self.kept_.front()));
+    self.kept_.pop_front();
+  }
+  Copy& copy = self.kept_.back();
+  copy.port = out->port;
+  copy.cpu = out->cpu;
+  copy.bytes.assign(out->data, out->data + out->length);
+  if (self.sent_ != nullptr) self.sent_->push_back(copy);
 }
 
 int Capture::send(int unit, int port, std::span<const uint8_t> frame, std::vector<Copy>& copies) {

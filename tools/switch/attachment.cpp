@@ -2,6 +2,11 @@
 
 namespace vswitch {
 
+void Attachment::send(const Frame& frame) {
+  if (frame.segments.is_aggregate() && send_whole(frame)) return;
+  for (const Bytes one : cutter_.cut(frame.bytes, frame.segments)) send_one(one);
+}
+
 std::unique_ptr<Attachment> attach(const std::string& text, const Tell& tell) {
   constexpr std::string_view tap = "tap:";
   constexpr std::string_view pcap = "pcap:";

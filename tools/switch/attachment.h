@@ -9,6 +9,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "chip/segments.h"
+
 namespace vswitch {
 
 /// An error in what the user asked for: a message of one line.
@@ -17,7 +19,15 @@ struct CannotStart : std::runtime_error {
 };
 
 using Bytes = std::span<const uint8_t>;
-using Receiver = std::function<void(Bytes frame)>;
+
+/// A frame, or an aggregate of many.
+struct Frame {
+  Bytes bytes;
+  chip::Segments segments;
+};
+
+/// Takes frames that are valid during the call.
+using Receiver = std::function<void(std::span<const Frame> frames)>;
 
 /// Receives errors that occur while frames pass: messages of one line.
 using Tell = std::function<void(const std::string& trouble)>;
@@ -38,8 +48,12 @@ class Attachment {
   /// Passes on frames that have arrived, but only so many that other ports need not wait. Never blocks.
   virtual void receive(const Receiver& receiver) = 0;
 
-  /// A frame that cannot be sent is lost, as on a cable.
-  virtual void send(Bytes frame) = 0;
+  /// Sends a frame at the latest with the next flush(). One that cannot be sent is lost, as on a cable. An aggregate is
+  /// cut where the other end would not take it whole.
+  void send(const Frame& frame);
+
+  /// Sends what waits to be sent with others.
+  virtual void flush() {}
 
   virtual bool has_link() const = 0;
 
@@ -51,10 +65,22 @@ class Attachment {
 
   /// Whether no more frames will come.
   virtual bool is_over() const { return false; }
+
+ private:
+  /// The same for one frame, however long it is.
+  virtual void send_one(Bytes frame) = 0;
+
+  /// Sends an aggregate whole, if the other end takes it so.
+  virtual bool send_whole(const Frame& /*aggregate*/) { return false; }
+
+  chip::Cutter cutter_;
 };
 
 /// How many frames one attachment passes on before the others get their turn.
 constexpr int burst = 64;
+
+/// Bytes of the longest frame or aggregate.
+constexpr std::size_t max_frame = 65536 + 64;
 
 /// The outer tag of a frame: after the addresses.
 constexpr std::size_t tag_at = 12;

@@ -1,24 +1,23 @@
-// An existing interface of the host: frames through a raw socket.
-#include <linux/if_packet.h>
+// An existing interface of the host: frames through a packet socket.
 #include <net/ethernet.h>
 #include <net/if.h>
 #include <netinet/in.h>
-#include <sys/socket.h>
+#include <sys/ioctl.h>
+#include <sys/uio.h>
 
-#include <array>
-#include <cstring>
-#include <vector>
+#include <cerrno>
+#include <iterator>
+#include <optional>
 
 #include "attachment.h"
-#include "checksum.h"
 #include "descriptor.h"
+#include "outbox.h"
+#include "packet_ring.h"
+#include "vnet_header.h"
 
 namespace vswitch {
 
 namespace {
-
-constexpr std::size_t most = 65536;
-constexpr int room_for_frames = 8 << 20;  // bytes: some 10000 frames can wait while the program is busy
 
 class Interface : public Attachment {
  public:
@@ -26,21 +25,22 @@ class Interface : public Attachment {
     request_for(name);  // rejects invalid names
     const int index = present_index();
     if (index == 0) throw CannotStart("there is no interface \"" + name + "\"; ip link shows those that are there");
-    socket_ = socket_at(index);
+    open(index);
   }
 
   int descriptor() const override { return socket_.get(); }
   bool has_link() const override { return vswitch::has_link(socket_.get(), name_); }
-  void send(Bytes frame) override { ::send(socket_.get(), frame.data(), frame.size(), 0); }
 
   bool plug_again() override {
+    read_mtu();
     const int index = present_index();
     if (index != 0 && index == bound_index()) return false;
     lost();  // resets the count of this socket
+    ring_.reset();
     socket_ = Descriptor();
     if (index == 0) return false;
     try {
-      socket_ = socket_at(index);
+      open(index);
       return true;
     } catch (const CannotStart&) {
       return false;  // gone again, which is reported as news, too
@@ -52,18 +52,38 @@ class Interface : public Attachment {
     socklen_t size = sizeof since_last_time;
     if (getsockopt(socket_.get(), SOL_PACKET, PACKET_STATISTICS, &since_last_time, &size) == 0)
       lost_ += since_last_time.tp_drops;
+    if (ring_) lost_ += ring_->take_lost();
     return lost_;
   }
 
   void receive(const Receiver& receiver) override {
-    for (int i = 0; i < burst; ++i) {
-      const Bytes frame = next();
-      if (frame.empty()) return;
-      receiver(frame);
-    }
+    if (ring_) ring_->receive(receiver);
   }
 
+  void flush() override { outbox_.flush(socket_.get()); }
+
  private:
+  void send_one(Bytes frame) override { outbox_.add(socket_.get(), frame); }
+
+  /// The kernel compares only single frames with the maximum transmission unit.
+  bool send_whole(const Frame& aggregate) override {
+    if (aggregate.segments.frame_size() > max_frame_size(aggregate.bytes) ||
+        is_in_tunnel(aggregate.bytes, aggregate.segments))
+      return false;
+    flush();
+    VnetHeader header = VnetHeader::of(aggregate.bytes, aggregate.segments);
+    iovec parts[] = {{&header, sizeof header}, {const_cast<uint8_t*>(aggregate.bytes.data()), aggregate.bytes.size()}};
+    msghdr message{};
+    message.msg_iov = parts;
+    message.msg_iovlen = std::size(parts);
+    return sendmsg(socket_.get(), &message, 0) >= 0 || errno != EINVAL;  // a kernel does not know every kind
+  }
+
+  std::size_t max_frame_size(Bytes frame) const {
+    const bool has_tag = frame[tag_at] == (ETHERTYPE_VLAN >> 8) && frame[tag_at + 1] == (ETHERTYPE_VLAN & 0xFF);
+    return mtu_ + ETHER_HDR_LEN + (has_tag ? tag_size : 0);
+  }
+
   /// The index of the interface that has the name now; 0 when there is none.
   int present_index() const { return static_cast<int>(if_nametoindex(name_.c_str())); }
 
@@ -75,72 +95,40 @@ class Interface : public Attachment {
     return outcome == 0 ? address.sll_ifindex : -1;
   }
 
-  Descriptor socket_at(int index) const {
-    Descriptor made(socket(AF_PACKET, SOCK_RAW | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
-    if (made.get() < 0) throw CannotStart(system_error("cannot open a raw socket on \"" + name_ + '"'));
-    // Beyond the system's limit, where that is allowed.
-    if (setsockopt(made.get(), SOL_SOCKET, SO_RCVBUFFORCE, &room_for_frames, sizeof room_for_frames) != 0)
-      setsockopt(made.get(), SOL_SOCKET, SO_RCVBUF, &room_for_frames, sizeof room_for_frames);
-    set(made, PACKET_AUXDATA, 1);
-    set(made, PACKET_IGNORE_OUTGOING, 1);
+  void read_mtu() {
+    ifreq request = request_for(name_);
+    if (ioctl(socket_.get(), SIOCGIFMTU, &request) == 0) mtu_ = static_cast<std::size_t>(request.ifr_mtu);
+  }
+
+  void open(int index) {
+    socket_ = Descriptor(socket(AF_PACKET, SOCK_RAW | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    if (socket_.get() < 0) throw CannotStart(system_error("cannot open a raw socket on \"" + name_ + '"'));
     packet_mreq everything{};
     everything.mr_ifindex = index;
     everything.mr_type = PACKET_MR_PROMISC;
-    set(made, PACKET_ADD_MEMBERSHIP, everything);
+    const auto set = [this](int option, const auto& value) {
+      return setsockopt(socket_.get(), SOL_PACKET, option, &value, sizeof value) == 0;
+    };
+    if (!set(PACKET_VNET_HDR, 1) || !set(PACKET_IGNORE_OUTGOING, 1) || !set(PACKET_ADD_MEMBERSHIP, everything))
+      throw CannotStart(system_error("cannot set up the raw socket on \"" + name_ + '"'));
+    ring_.emplace(socket_.get());
+    read_mtu();
 
     // Bound last: no frame arrives before the settings apply.
     sockaddr_ll address{};
     address.sll_family = AF_PACKET;
     address.sll_protocol = htons(ETH_P_ALL);
     address.sll_ifindex = index;
-    if (bind(made.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
+    if (bind(socket_.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
       throw CannotStart(system_error("cannot bind to \"" + name_ + '"'));
-    return made;
-  }
-
-  template <class Value>
-  void set(const Descriptor& made, int option, const Value& value) const {
-    if (setsockopt(made.get(), SOL_PACKET, option, &value, sizeof value) != 0)
-      throw CannotStart(system_error("cannot set up the raw socket on \"" + name_ + '"'));
-  }
-
-  /// The next frame as it was on the wire; none when none has come.
-  Bytes next() {
-    alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof(tpacket_auxdata))> control;
-    iovec room{&buffer_[tag_size], most};
-    msghdr message{};
-    message.msg_iov = &room;
-    message.msg_iovlen = 1;
-    message.msg_control = control.data();
-    message.msg_controllen = control.size();
-    const ssize_t length = recvmsg(socket_.get(), &message, 0);
-    if (length < static_cast<ssize_t>(tag_at)) return {};
-    const std::span<uint8_t> frame(&buffer_[tag_size], static_cast<std::size_t>(length));
-
-    tpacket_auxdata told{};
-    for (cmsghdr* header = CMSG_FIRSTHDR(&message); header != nullptr; header = CMSG_NXTHDR(&message, header))
-      if (header->cmsg_level == SOL_PACKET && header->cmsg_type == PACKET_AUXDATA)
-        std::memcpy(&told, CMSG_DATA(header), sizeof told);
-    if ((told.tp_status & TP_STATUS_CSUMNOTREADY) != 0) complete_checksum(frame);
-    return (told.tp_status & TP_STATUS_VLAN_VALID) != 0 ? with_tag(frame, told) : frame;
-  }
-
-  /// The kernel removes a frame's outer tag and delivers it separately: put it back between addresses and type.
-  Bytes with_tag(Bytes frame, const tpacket_auxdata& told) {
-    std::memmove(buffer_.data(), frame.data(), tag_at);
-    const bool tpid_known = (told.tp_status & TP_STATUS_VLAN_TPID_VALID) != 0;
-    const unsigned tpid = tpid_known ? told.tp_vlan_tpid : ETHERTYPE_VLAN;
-    buffer_[tag_at] = static_cast<uint8_t>(tpid >> 8);
-    buffer_[tag_at + 1] = static_cast<uint8_t>(tpid);
-    buffer_[tag_at + 2] = static_cast<uint8_t>(told.tp_vlan_tci >> 8);
-    buffer_[tag_at + 3] = static_cast<uint8_t>(told.tp_vlan_tci);
-    return {buffer_.data(), frame.size() + tag_size};
   }
 
   const std::string name_;
   Descriptor socket_;
+  std::optional<PacketRing> ring_;
+  Outbox outbox_;
+  std::size_t mtu_ = 0;
   uint64_t lost_ = 0;
-  std::vector<uint8_t> buffer_ = std::vector<uint8_t>(tag_size + most);  // frames begin after space for a tag
 };
 
 }  // namespace

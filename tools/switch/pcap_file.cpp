@@ -67,7 +67,8 @@ class Input {
     const int outcome = pcap_next_ex(capture_.get(), &header, &bytes);
     if (outcome == 1) {
       ++passed_;
-      return receiver({bytes, header->caplen});
+      const Frame frame{.bytes = {bytes, header->caplen}, .segments = {}};
+      return receiver({&frame, 1});
     }
     if (outcome != PCAP_ERROR_BREAK)
       tell_('"' + path_ + "\" is cut off or damaged after " + frames(passed_) + ": " + pcap_geterr(capture_.get()));
@@ -147,11 +148,11 @@ class PcapFiles : public Attachment {
     if (input_) input_->receive(receiver);
   }
 
-  void send(Bytes frame) override {
+ private:
+  void send_one(Bytes frame) override {
     if (output_) output_->send(frame);
   }
 
- private:
   std::optional<Input> input_;
   std::optional<Output> output_;
 };

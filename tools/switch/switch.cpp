@@ -1,7 +1,7 @@
 #include "switch.h"
 
-#include <poll.h>
 #include <swsdk/chip.h>
+#include <sys/epoll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -9,6 +9,7 @@
 #include <array>
 #include <cstdio>
 #include <cstring>
+#include <thread>
 #include <utility>
 
 #include "console.h"
@@ -19,13 +20,15 @@ namespace {
 
 constexpr int unit = 0;
 constexpr int cpu_port = 0;
+constexpr std::chrono::milliseconds rest(10);  // how far the chip's clock may lag
+
+/// What becomes readable; from `sources` on, frames.
+enum : uint64_t { end_signals, commands, link_news, sources };
 
 bool gives_commands(int descriptor) {
   struct stat status {};
   return isatty(descriptor) != 0 || (fstat(descriptor, &status) == 0 && S_ISFIFO(status.st_mode));
 }
-
-void receive_at(int port, Bytes frame) { swsdk_frame_send(unit, port, frame.data(), frame.size()); }
 
 }  // namespace
 
@@ -77,6 +80,8 @@ void Switch::make_host_interfaces() {
                           std::memcmp(host.wanted.mac, wanted.mac, sizeof wanted.mac) == 0;
     host.wanted = wanted;
     if (is_there) continue;
+    watched_ = Descriptor();  // until all are watched again
+    sources_.clear();
     host.attachment.reset();
     host.attachment = attach_tap(wanted.name, wanted.mac);
   }
@@ -84,9 +89,13 @@ void Switch::make_host_interfaces() {
 
 void Switch::transmit(const swsdk_out& out) {
   const std::lock_guard guard(attachments_lock_);
+  const auto send_through = [this](Attachment& attachment, Bytes frame) {
+    attachment.send({.bytes = frame, .segments = {}});
+    if (!collects_) attachment.flush();
+  };
   if (out.port != cpu_port) {
     const auto port = ports_.find(out.port);
-    if (port != ports_.end()) port->second->send({out.data, out.length});
+    if (port != ports_.end()) send_through(*port->second, {out.data, out.length});
     return;
   }
   for (const HostInterface& host : host_interfaces_) {
@@ -94,12 +103,32 @@ void Switch::transmit(const swsdk_out& out) {
     std::vector<uint8_t> frame(out.data, out.data + out.length);
     if (host.wanted.keeps_tag == 0 && frame.size() >= tag_at + tag_size)
       frame.erase(frame.begin() + tag_at, frame.begin() + tag_at + tag_size);
-    host.attachment->send(frame);
+    send_through(*host.attachment, frame);
   }
+}
+
+/// What leaves meanwhile is sent together.
+void Switch::pass_on(int port, std::span<const Frame> frames) {
+  arrived_ += frames.size();
+  collect(true);
+  for (const Frame& frame : frames) {
+    const auto all = cutter_.cut(frame.bytes, frame.segments);
+    if (all.empty()) ++uncut_[port];
+    for (const Bytes one : all) swsdk_frame_send(unit, port, one.data(), one.size());
+  }
+  collect(false);
+}
+
+void Switch::collect(bool collects) {
+  const std::lock_guard guard(attachments_lock_);
+  collects_ = collects;
+  if (collects_) return;
+  for (const Source& source : sources_) source.attachment->flush();
 }
 
 /// Another process can have switched the chip off and on, or requested an interface.
 void Switch::follow_chip() {
+  followed_ = now_;
   const int starts = swsdk_starts(unit);
   is_on_ = starts > 0;
   if (!is_on_) return;
@@ -115,6 +144,7 @@ void Switch::follow_chip() {
     had_trouble_ = true;
     tell(error.what());
   }
+  if (watched_.get() < 0) watch_sources();
 }
 
 void Switch::advance_clock() {
@@ -131,24 +161,57 @@ void Switch::follow_links() {
     if (is_new) set_link(port, false);
     set_link(port, attachment->has_link());
   }
-  const std::lock_guard guard(attachments_lock_);
+  {
+    const std::lock_guard guard(attachments_lock_);
+    for (const HostInterface& host : host_interfaces_)
+      if (host.attachment != nullptr) host.attachment->plug_again();
+  }
+  watch_sources();
+}
+
+/// Anew, because an interface that was replaced has another descriptor.
+void Switch::watch_sources() {
+  sources_.clear();
+  for (const auto& [port, attachment] : ports_) sources_.push_back({port, attachment.get()});
   for (const HostInterface& host : host_interfaces_)
-    if (host.attachment != nullptr) host.attachment->plug_again();
+    if (host.attachment != nullptr) sources_.push_back({cpu_port, host.attachment.get()});
+
+  watched_ = Descriptor(epoll_create1(EPOLL_CLOEXEC));
+  const auto watch = [this](int descriptor, uint64_t number) {
+    epoll_event event{.events = EPOLLIN, .data = {.u64 = number}};
+    if (descriptor >= 0) epoll_ctl(watched_.get(), EPOLL_CTL_ADD, descriptor, &event);
+  };
+  watch(signals_, end_signals);
+  watch(commands_ ? STDIN_FILENO : -1, commands);
+  watch(link_news_.descriptor(), link_news);
+  for (std::size_t i = 0; i < sources_.size(); ++i) watch(sources_[i].attachment->descriptor(), sources + i);
 }
 
 void Switch::set_link(int port, bool up) {
   if (std::exchange(links_[port], up) != up) swsdk_link_event(unit, port, up ? 1 : 0);
 }
 
-/// Each line is echoed first, as in scripts, so that piped commands can be matched to their output.
-void Switch::run_commands() {
+void Switch::read_commands() {
   std::array<char, 4096> text;
   const ssize_t length = read(STDIN_FILENO, text.data(), text.size());
-  if (length <= 0) commands_ = false;
-  if (length > 0) typed_.append(text.data(), static_cast<std::size_t>(length));
-  for (std::size_t end = 0; !session_.ended() && (end = typed_.find('\n')) != std::string::npos;) {
-    const std::string line = typed_.substr(0, end);
-    typed_.erase(0, end + 1);
+  if (length > 0) {
+    typed_.append(text.data(), static_cast<std::size_t>(length));
+  } else {
+    commands_ = false;
+    watch_sources();
+  }
+}
+
+/// Runs commands, but not for so long that frames need wait. Each line is echoed first, as in scripts, so that piped
+/// commands can be matched to their output.
+void Switch::run_commands() {
+  constexpr auto most = std::chrono::milliseconds(2);
+  const auto begin = std::chrono::steady_clock::now();
+  std::size_t done = 0;
+  for (std::size_t end = 0; !session_.ended() && std::chrono::steady_clock::now() - begin < most &&
+                            (end = typed_.find('\n', done)) != std::string::npos;
+       done = end + 1) {
+    const std::string line = typed_.substr(done, end - done);
     if (isatty(STDIN_FILENO) == 0) std::printf("%s\n", line.c_str());
     try {
       session_.run(line);
@@ -158,6 +221,7 @@ void Switch::run_commands() {
     }
     std::fflush(stdout);
   }
+  typed_.erase(0, done);
 }
 
 bool Switch::is_over() const {
@@ -167,50 +231,63 @@ bool Switch::is_over() const {
 }
 
 void Switch::run(int signals) {
-  pass_frames(signals);
+  signals_ = signals;
+  follow_links();
+  while (!is_over() && pass_frames()) continue;
   tell_losses();
 }
 
 void Switch::tell_losses() {
+  const auto tell_loss = [](int port, uint64_t count, const char* why) {
+    if (count > 0)
+      tell("port " + std::to_string(port) + ": " + std::to_string(count) +
+           (count == 1 ? " frame was" : " frames were") + " lost, for " + why);
+  };
   for (const auto& [port, attachment] : ports_)
-    if (const uint64_t lost = attachment->lost(); lost > 0)
-      tell("port " + std::to_string(port) + ": " + std::to_string(lost) + (lost == 1 ? " frame was" : " frames were") +
-           " lost, for they came faster than the switch took them");
+    tell_loss(port, attachment->lost(), "they came faster than the switch took them");
+  for (const auto& [port, count] : uncut_)
+    tell_loss(port, count, "they are segments of a kind that the switch cannot cut");
 }
 
-void Switch::pass_frames(int signals) {
-  constexpr int rest = 10;  // milliseconds: how far the chip's clock may lag
-  follow_links();
-  while (!is_over()) {
-    // poll() ignores descriptors that are -1.
-    std::vector<pollfd> polled{
-        {signals, POLLIN, 0}, {commands_ ? STDIN_FILENO : -1, POLLIN, 0}, {link_news_.descriptor(), POLLIN, 0}};
-    const std::size_t first_port = polled.size();
-    bool waits = true;
-    for (const auto& [port, attachment] : ports_) {
-      polled.push_back({attachment->descriptor(), POLLIN, 0});
-      waits = waits && !(attachment->has_frames() && is_on_);
-    }
-    for (const HostInterface& host : host_interfaces_)
-      polled.push_back({host.attachment == nullptr ? -1 : host.attachment->descriptor(), POLLIN, 0});
-    poll(polled.data(), polled.size(), waits ? rest : 0);
+/// One round. False when the program is to end.
+bool Switch::pass_frames() {
+  // Frames of files wait until another process has switched the chip on.
+  const auto has_frames = [this](const Source& source) { return source.attachment->has_frames() && is_on_; };
+  const bool waits = !has_command() && std::none_of(sources_.begin(), sources_.end(), has_frames);
+  // Frames that come fast are taken many at a time: to be woken by each costs more than to forward it.
+  constexpr std::size_t many = 4;
+  if (waits && arrived_ >= many && arrived_ < burst) std::this_thread::sleep_for(std::chrono::microseconds(50));
+  std::array<epoll_event, 64> events;
+  const int count =
+      epoll_wait(watched_.get(), events.data(), int{events.size()}, waits ? static_cast<int>(rest.count()) : 0);
 
-    advance_clock();
-    if (polled[0].revents != 0) return;
-    if (polled[2].revents != 0) {
-      link_news_.forget();
-      follow_links();
+  advance_clock();
+  arrived_ = 0;
+  const auto receive_from = [this](const Source& source) {
+    source.attachment->receive([this, &source](std::span<const Frame> frames) { pass_on(source.port, frames); });
+  };
+  for (int i = 0; i < count; ++i) {
+    switch (const uint64_t readable = events[static_cast<std::size_t>(i)].data.u64) {
+      case end_signals:
+        return false;
+      case commands:
+        if (!has_command()) read_commands();
+        break;
+      case link_news:
+        link_news_.forget();
+        follow_links();
+        break;
+      default:
+        if (readable - sources < sources_.size()) receive_from(sources_[readable - sources]);
     }
-    auto next = polled.begin() + static_cast<std::ptrdiff_t>(first_port);
-    // Frames of files wait until another process has switched the chip on.
-    for (const auto& [port, attachment] : ports_)
-      if ((next++)->revents != 0 || (attachment->has_frames() && is_on_))
-        attachment->receive([at = port](Bytes frame) { receive_at(at, frame); });
-    for (const HostInterface& host : host_interfaces_)
-      if ((next++)->revents != 0) host.attachment->receive([](Bytes frame) { receive_at(cpu_port, frame); });
-    if (polled[1].revents != 0) run_commands();
-    follow_chip();
   }
+  for (const Source& source : sources_)
+    if (has_frames(source)) receive_from(source);
+  const bool has_commands = has_command();
+  if (has_commands) run_commands();
+  const auto due = arrived_ == 0 ? rest : 5 * rest;  // frames first: the answer to them may come any moment
+  if (has_commands || now_ - followed_ >= due) follow_chip();
+  return true;
 }
 
 }  // namespace vswitch

@@ -8,10 +8,12 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <span>
 #include <string>
 #include <vector>
 
 #include "attachment.h"
+#include "descriptor.h"
 #include "link_news.h"
 #include "session.h"
 
@@ -47,15 +49,26 @@ class Switch {
     std::unique_ptr<Attachment> attachment;  // null: it could not be created, which has been told
   };
 
+  /// What frames come from.
+  struct Source {
+    int port;
+    Attachment* attachment;
+  };
+
   void make_host_interfaces();
+  void watch_sources();
   void follow_chip();
   void transmit(const swsdk_out& out);
+  void pass_on(int port, std::span<const Frame> frames);
+  void collect(bool collects);
   void advance_clock();
   void follow_links();
   void set_link(int port, bool up);
+  void read_commands();
   void run_commands();
+  bool has_command() const { return typed_.find('\n') != std::string::npos; }
   bool is_over() const;
-  void pass_frames(int signals);
+  bool pass_frames();
   void tell_losses();
 
   saish::Session& session_;
@@ -65,13 +78,21 @@ class Switch {
   LinkNews link_news_;
   /// Held while attachments are replaced, and while a frame leaves, which another process may have sent.
   std::mutex attachments_lock_;
+  bool collects_ = false;  // whether what leaves waits to be sent together
   std::vector<HostInterface> host_interfaces_;
-  int starts_;  // of the chip that is known
+  std::vector<Source> sources_;
+  Descriptor watched_;  // all that can become readable
+  int signals_ = -1;
+  std::size_t arrived_ = 0;  // frames in the last round
+  chip::Cutter cutter_;
+  std::map<int, uint64_t> uncut_;  // aggregates that came in at a port and could not be cut
+  int starts_;                     // of the chip that is known
   bool is_on_;
   std::chrono::steady_clock::time_point now_ = std::chrono::steady_clock::now();
-  bool commands_ = false;                  // more commands can come
-  std::atomic<bool> had_trouble_ = false;  // a client's frame can cause it, too
-  std::string typed_;                      // part of a command line that is not complete yet
+  std::chrono::steady_clock::time_point followed_;  // when the chip was last asked what is new
+  bool commands_ = false;                           // more commands can come
+  std::atomic<bool> had_trouble_ = false;           // a client's frame can cause it, too
+  std::string typed_;                               // commands that were not run yet
 };
 
 }  // namespace vswitch
