@@ -12,27 +12,9 @@ std::vector<MacScope> scopes_of(const MacEntry& entry) {
   return result;
 }
 
-namespace {
-
-/// VLAN and address in one number.
-uint64_t bits_of(int vlan, const Mac& mac) { return static_cast<uint64_t>(vlan) << 48 | number_of(mac); }
-
-/// The key of an entry; never 0.
-uint64_t key_of(int vlan, const Mac& mac) {
-  constexpr uint64_t used = uint64_t{1} << 63;
-  return used | bits_of(vlan, mac);
-}
-
-}  // namespace
-
-int MacTable::bucket_of(int vlan, const Mac& mac) {
-  constexpr uint64_t spread = 0x9E3779B97F4A7C15;  // an odd number without a pattern spreads every bit upward
-  static_assert(buckets == 1 << 13);
-  return static_cast<int>((bits_of(vlan, mac) * spread) >> (64 - 13));
-}
-
 void MacTable::reset() {
-  contents_.slots.assign(capacity, {});
+  contents_.keys.assign(capacity, 0);
+  contents_.entries.assign(capacity, MacEntry{.origin = Origin::none()});
   contents_.size = 0;
   contents_.learned.clear();
   age_time_ = default_age_time;
@@ -44,22 +26,17 @@ Status MacTable::add(const MacEntry& entry) {
   if (!is_place(entry.place)) return Status::bad_port;
   std::size_t slot = slot_of(entry.vlan, entry.mac);
   if (slot != none)
-    take_out(contents_.slots[slot], false);
-  else if (slot = slot_in(bucket_of(entry.vlan, entry.mac), 0); slot == none)
+    take_out(slot, false);
+  else if (slot = slot_in(bucket_of(key_of(entry.vlan, entry.mac)), 0); slot == none)
     return Status::full;
-  put_in(contents_.slots[slot], entry);
+  put_in(slot, entry);
   return Status::ok;
-}
-
-const MacEntry* MacTable::find(int vlan, const Mac& mac) const {
-  const std::size_t slot = slot_of(vlan, mac);
-  return slot == none ? nullptr : &contents_.slots[slot].entry;
 }
 
 Status MacTable::remove(int vlan, const Mac& mac) {
   const std::size_t slot = slot_of(vlan, mac);
   if (slot == none) return absent(vlan);
-  take_out(contents_.slots[slot], false);
+  take_out(slot, false);
   return Status::ok;
 }
 
@@ -86,8 +63,8 @@ int MacTable::learned(const MacScope& scope) const {
 std::vector<MacEntry> MacTable::all() const {
   std::vector<MacEntry> result;
   result.reserve(static_cast<std::size_t>(contents_.size));
-  for (const Slot& slot : contents_.slots)
-    if (slot.key != 0) result.push_back(slot.entry);
+  for (std::size_t slot = 0; slot < capacity; ++slot)
+    if (contents_.keys[slot] != 0) result.push_back(contents_.entries[slot]);
   return result;
 }
 
@@ -107,29 +84,19 @@ std::size_t MacTable::Contents::ScopeHash::operator()(const MacScope& scope) con
   return hash_of(scope.index(), number);
 }
 
-std::size_t MacTable::slot_of(int vlan, const Mac& mac) const {
-  return slot_in(bucket_of(vlan, mac), key_of(vlan, mac));
-}
-
-std::size_t MacTable::slot_in(int bucket, uint64_t key) const {
-  const std::size_t first = static_cast<std::size_t>(bucket) * ways;
-  for (std::size_t i = first; i < first + ways; ++i)
-    if (contents_.slots[i].key == key) return i;
-  return none;
-}
-
-void MacTable::put_in(Slot& slot, const MacEntry& entry) {
-  slot = {key_of(entry.vlan, entry.mac), entry};
+void MacTable::put_in(std::size_t slot, const MacEntry& entry) {
+  contents_.keys[slot] = key_of(entry.vlan, entry.mac);
+  contents_.entries[slot] = entry;
   ++contents_.size;
   count(entry, 1);
   if (observer_) observer_(Change::added, entry);
 }
 
-void MacTable::take_out(Slot& slot, bool silent) {
-  slot.key = 0;
+void MacTable::take_out(std::size_t slot, bool silent) {
+  contents_.keys[slot] = 0;
   --contents_.size;
-  count(slot.entry, -1);
-  if (observer_ && !silent) observer_(Change::removed, slot.entry);
+  count(contents_.entries[slot], -1);
+  if (observer_ && !silent) observer_(Change::removed, contents_.entries[slot]);
 }
 
 void MacTable::count(const MacEntry& entry, int change) {
@@ -138,10 +105,11 @@ void MacTable::count(const MacEntry& entry, int change) {
 }
 
 void MacTable::age() {
-  for (Slot& slot : contents_.slots) {
-    if (slot.key == 0 || slot.entry.is(MacEntry::fixed)) continue;
-    if (!slot.entry.source_hit && !slot.entry.destination_hit) take_out(slot, false);
-    slot.entry.source_hit = slot.entry.destination_hit = false;
+  for (std::size_t slot = 0; slot < capacity; ++slot) {
+    MacEntry& entry = contents_.entries[slot];
+    if (contents_.keys[slot] == 0 || entry.is(MacEntry::fixed)) continue;
+    if (!entry.source_hit && !entry.destination_hit) take_out(slot, false);
+    entry.source_hit = entry.destination_hit = false;
   }
 }
 
