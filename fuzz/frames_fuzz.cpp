@@ -13,6 +13,7 @@
 #include <cstdio>
 #include <cstring>
 #include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -46,6 +47,14 @@ struct Out {
 };
 std::vector<Out> outs;
 
+/// All copies that have left, and how many frames were forwarded.
+struct Stream {
+  std::string copies;
+  int forwarded = 0;
+  bool operator==(const Stream&) const = default;
+};
+Stream stream;
+
 std::string journal() {
   std::string text(swsdk_journal_read(nullptr, 0), '\0');
   swsdk_journal_read(text.data(), text.size() + 1);
@@ -55,6 +64,9 @@ std::string journal() {
 void take(int unit, const swsdk_out* out, void* in_port) {
   require(unit == 0 && (out->cpu != 0) == (out->port == 0), "a copy leaves that is not for where it leaves");
   outs.push_back({out->port, out->cpu, {out->data, out->data + out->length}});
+  stream.copies +=
+      std::to_string(out->port) + ' ' + std::to_string(out->in_port) + ' ' + std::to_string(out->cpu) + ' ';
+  stream.copies.append(reinterpret_cast<const char*>(out->data), out->length);
   if (in_port != nullptr) require(out->in_port == *static_cast<int*>(in_port), "a copy came in elsewhere");
 }
 
@@ -242,6 +254,7 @@ void pass_frame(Input& input, const Allowed& allowed) {
   swsdk_frame_handle(0, take, &port);
   if (allowed.loop) swsdk_frame_handle(0, take, nullptr);
   const int result = send(port, frame);
+  if (result == 0) ++stream.forwarded;
   require((result == -1) == !is_port(port), "a frame came in where there is no port, or none where there is one");
   if (result == -1) require(outs.empty(), "copies leave of a frame that did not come in");
   if (result >= 0) check_trace(trace, result);
@@ -269,6 +282,32 @@ void pass_frame(Input& input, const Allowed& allowed) {
   require(frames == (result > 0 && !is_of_copies(result) ? 1 : 0), "a drop is not counted once");
   check_counters(port, result, before);
 }
+
+/// Frames that are to be sent together, each in its own block.
+class Batch {
+ public:
+  void add(Input& input) {
+    const int port = input.near(0, 6);
+    const Bytes frame = frame_from(input);
+    input.from(0, 15);  // as in pass_frame()
+    blocks_.emplace_back(new uint8_t[frame.size()]);
+    std::copy(frame.begin(), frame.end(), blocks_.back().get());
+    frames_.push_back({port, blocks_.back().get(), frame.size()});
+  }
+  void send() {
+    if (frames_.empty()) return;
+    swsdk_events_drain();
+    swsdk_frame_handle(0, take, nullptr);
+    outs.clear();
+    stream.forwarded += swsdk_frames_send(0, frames_.data(), static_cast<int>(frames_.size()));
+    frames_.clear();
+    blocks_.clear();
+  }
+
+ private:
+  std::vector<swsdk_in> frames_;
+  std::vector<std::unique_ptr<uint8_t[]>> blocks_;
+};
 
 void call_function(Input& input, Allowed& allowed) {
   const Function& function = any_function(input);
@@ -302,6 +341,37 @@ void happen(Input& input) {
   }
 }
 
+/// Takes the steps of the input on a new switch; `pass` gets the input of a frame, and `before_change` is called before
+/// anything else happens and at the end.
+template <class Pass, class BeforeChange>
+Stream take_steps(Input input, Pass pass, BeforeChange before_change) {
+  constexpr int most_steps = 60;
+  constexpr uint8_t mac[6] = {0, 0x11, 0x22, 0x33, 0x44, 0x55};
+  stream = {};
+  swsdk_journal_clear();
+  swsdk_journal_record(1);
+  sdk_main(0, nullptr);
+  sai_switch_chip_init(mac);
+  Allowed allowed = set_up(input);
+  for (int step = 0; step < most_steps && !input.is_empty(); ++step) {
+    const auto kind = input.any<uint8_t>();
+    if (kind >= 80) {
+      pass(input, allowed);
+      continue;
+    }
+    before_change();
+    if (kind < 64)
+      call_function(input, allowed);
+    else
+      happen(input);
+  }
+  before_change();
+  swsdk_events_drain();
+  stream.copies += changeable();
+  swsdk_power_off();
+  return stream;
+}
+
 }  // namespace
 
 }  // namespace fuzz
@@ -309,27 +379,14 @@ void happen(Input& input) {
 extern "C" {
 
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  constexpr int most_steps = 60;
-  constexpr uint8_t mac[6] = {0, 0x11, 0x22, 0x33, 0x44, 0x55};
-  fuzz::Input input(data, size);
+  const fuzz::Input input(data, size);
   sai_log_default = open_sai_log("fuzz", 0, 0, LOG_USER);
   for (int32_t& level : sai_log_default->max_level) level = SAI_LOG_OFF;
-  swsdk_journal_clear();
-  swsdk_journal_record(1);
-  sdk_main(0, nullptr);
-  sai_switch_chip_init(mac);
-  fuzz::Allowed allowed = fuzz::set_up(input);
-  for (int step = 0; step < most_steps && !input.is_empty(); ++step) {
-    const auto kind = input.any<uint8_t>();
-    if (kind < 64)
-      fuzz::call_function(input, allowed);
-    else if (kind < 80)
-      fuzz::happen(input);
-    else
-      fuzz::pass_frame(input, allowed);
-  }
-  swsdk_events_drain();
-  swsdk_power_off();
+  const fuzz::Stream one_by_one = fuzz::take_steps(input, fuzz::pass_frame, [] {});
+  fuzz::Batch batch;
+  const fuzz::Stream together = fuzz::take_steps(
+      input, [&](fuzz::Input& of_frame, const fuzz::Allowed&) { batch.add(of_frame); }, [&] { batch.send(); });
+  fuzz::require(together == one_by_one, "frames that are sent together leave otherwise than one by one");
   close_sai_log(sai_log_default);
   sai_log_default = nullptr;
   return 0;

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <span>
 
 #include "api/call.h"
 #include "api/events.h"
@@ -57,6 +58,14 @@ class Handlers : public chip::Wire {
   const chip::Port in_port_;
 };
 
+/// A frame arrives at a unit, which is locked. Returns what swsdk_frame_send() does.
+int arrive(int unit, const chip::Chip& chip, const swsdk_in& in) {
+  const chip::Port in_port = chip::Port::of(in.port);
+  if (!chip.ports.has(in_port)) return -1;
+  Handlers wire(unit, api::find_unit(unit)->frame_handlers, in_port);
+  return static_cast<int>(api::receive_watched(unit, in_port, {in.data, in.length}, wire));
+}
+
 }  // namespace
 
 int swsdk_frame_handle(int unit, swsdk_frame_handler handler, void* user_data) {
@@ -84,13 +93,30 @@ int swsdk_frame_handle(int unit, swsdk_frame_handler handler, void* user_data) {
 int swsdk_frame_send(int unit, int port, const void* data, size_t length) {
   if (data == nullptr) return -1;
   const auto* const bytes = static_cast<const uint8_t*>(data);
-  const auto receive = [&](const chip::Chip& chip) {
-    const chip::Port in_port = chip::Port::of(port);
-    if (!chip.ports.has(in_port)) return -1;
-    Handlers wire(unit, api::find_unit(unit)->frame_handlers, in_port);
-    return static_cast<int>(api::receive_watched(unit, in_port, {bytes, length}, wire));
-  };
+  const auto receive = [&](const chip::Chip& chip) { return arrive(unit, chip, {port, bytes, length}); };
   return api::act(__func__, unit, receive, port, api::bytes(bytes, static_cast<unsigned>(length)), length);
+}
+
+int swsdk_frames_send(int unit, const swsdk_in* frames, int count) {
+  if (count < 0 || (frames == nullptr && count > 0)) return -1;
+  const std::span<const swsdk_in> all(frames, static_cast<std::size_t>(count));
+  if (api::remote_chip() != nullptr) {
+    constexpr int any_reason = 1;
+    if (swsdk_drops(unit, any_reason) < 0) return -1;
+    return static_cast<int>(std::count_if(all.begin(), all.end(), [&](const swsdk_in& in) {
+      return swsdk_frame_send(unit, in.port, in.data, in.length) == 0;
+    }));
+  }
+  const auto receive = [&](const chip::Chip& chip) {
+    return static_cast<int>(std::count_if(all.begin(), all.end(), [&](const swsdk_in& in) {
+      if (in.data == nullptr) return false;
+      const int rv = arrive(unit, chip, in);
+      api::record(api::Kind::action, "swsdk_frame_send", rv,
+                  {unit, in.port, api::bytes(in.data, static_cast<unsigned>(in.length)), in.length});
+      return rv == 0;
+    }));
+  };
+  return api::on_chip(unit, receive, -1);
 }
 
 long swsdk_frame_trace(int unit, int port, const void* data, size_t length, char* buffer, size_t size) {

@@ -22,7 +22,7 @@
 
 #include "api/gports.h"
 #include "chip/chip.h"
-#include "chip/pipeline/counter_numbers.h"
+#include "chip/counter_numbers.h"
 
 namespace chip {
 

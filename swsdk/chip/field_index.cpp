@@ -2,65 +2,33 @@
 
 #include <algorithm>
 #include <bit>
-
-#include "chip/hash.h"
+#include <set>
 
 namespace chip {
 
-// ---------------------------------------------------------------------------------------------------- tables ----
-
-bool FieldIndex::Table::meets(uint32_t row, const std::vector<FieldValue>& values) const {
-  const FieldValue* key = keys_.data() + row * parts_.size();
-  return std::all_of(parts_.begin(), parts_.end(),
-                     [&](const Part& part) { return (values[part.field] & part.mask) == *key++; });
+std::size_t FieldIndex::Entries::size() const {
+  std::size_t result = 0;
+  for (const uint64_t word : words) result += static_cast<std::size_t>(std::popcount(word));
+  return result;
 }
 
-template <class PartOf>
-std::size_t FieldIndex::Table::first_slot(PartOf part_of) const {
-  std::size_t hash = 0;
-  for (std::size_t i = 0; i < parts_.size(); ++i) {
-    const FieldValue part = part_of(i);
-    hash = hash_of(hash ^ part.low ^ hash_of(part.high));
-  }
-  return hash >> 32 & (slots_.size() - 1);
+/// Of a set that is not empty.
+std::size_t FieldIndex::Entries::first() const {
+  std::size_t word = 0;
+  while (words[word] == 0) ++word;
+  return word * 64 + static_cast<std::size_t>(std::countr_zero(words[word]));
 }
 
-const FieldIndex::Table::Row* FieldIndex::Table::find(const std::vector<FieldValue>& values) const {
-  if (slots_.empty()) {
-    for (uint32_t row = 0; row < rows_.size(); ++row)
-      if (meets(row, values)) return &rows_[row];
-    return nullptr;
-  }
-  const auto part_of = [&](std::size_t i) { return values[parts_[i].field] & parts_[i].mask; };
-  for (std::size_t slot = first_slot(part_of); slots_[slot] != free; slot = next_slot(slot))
-    if (meets(slots_[slot], values)) return &rows_[slots_[slot]];
-  return nullptr;
+std::size_t FieldIndex::Digit::most() const {
+  std::size_t result = 0;
+  for (const Entries& entries : matching) result = std::max(result, entries.size());
+  return result;
 }
-
-void FieldIndex::Table::put_into_slot(uint32_t row) {
-  std::size_t slot = first_slot([&](std::size_t i) { return keys_[row * parts_.size() + i]; });
-  while (slots_[slot] != free) slot = next_slot(slot);
-  slots_[slot] = row;
-}
-
-void FieldIndex::Table::add(const std::vector<FieldValue>& values, const Row& row) {
-  constexpr std::size_t few = 4;  // rows: a linear search is faster than hashing
-  if (find(values) != nullptr) return;
-  const auto number = static_cast<uint32_t>(rows_.size());
-  rows_.push_back(row);
-  for (const Part& part : parts_) keys_.push_back(values[part.field] & part.mask);
-  if (rows_.size() <= few) return;
-  if (rows_.size() * 2 <= slots_.size()) return put_into_slot(number);
-  slots_.assign(std::bit_ceil(rows_.size() * 4), free);
-  for (uint32_t present = 0; present <= number; ++present) put_into_slot(present);
-}
-
-// ---------------------------------------------------------------------------------------------------- groups ----
 
 void FieldIndex::clear() {
   groups_.clear();
   used_.clear();
-  values_.clear();
+  words_.clear();
 }
 
 /// The index of a field in `used_`; adds it when it is new.
@@ -69,41 +37,70 @@ std::size_t FieldIndex::place_of(FieldQualifier field) {
   const auto place = static_cast<std::size_t>(found - used_.begin());
   if (found == used_.end()) {
     used_.push_back(field);
-    values_.emplace_back();
+    words_.resize(2 * used_.size());
   }
   return place;
 }
 
 void FieldIndex::add_group(int id, const std::vector<Installed>& entries) {
-  Group group{.id = id, .tables = {}};
-  std::size_t rank = 0;
-  for (const Installed& installed : entries) {
-    std::vector<Part> parts;
-    Layer layer = Layer::ethernet;
-    for (const auto& [field, match] : installed.entry->installed->matches) {
-      if (match.mask == FieldValue()) continue;
-      const std::size_t place = place_of(field);
-      parts.push_back({place, match.mask});
-      layer = std::max(layer, layer_of(field));
-      values_[place] = match.data;
-    }
-    auto table = std::find_if(group.tables.begin(), group.tables.end(),
-                              [&](const Table& other) { return other.matches(parts); });
-    if (table == group.tables.end()) table = group.tables.emplace(table, parts, layer);
-    table->add(values_, {rank++, installed});
-  }
+  Group group{.id = id, .slices = {}};
+  const std::span<const Installed> all = entries;
+  for (std::size_t first = 0; first < all.size(); first += Entries::capacity)
+    group.slices.push_back(make_slice(all.subspan(first, std::min(Entries::capacity, all.size() - first))));
   groups_.push_back(std::move(group));
 }
 
-const FieldIndex::Installed* FieldIndex::best_of(const Group& group, Layer readable) const {
-  const Table::Row* best = nullptr;
-  for (const Table& table : group.tables) {
-    if (best != nullptr && best->rank < table.first_rank()) break;
-    if (table.layer() > readable) continue;
-    const Table::Row* const row = table.find(values_);
-    if (row != nullptr && (best == nullptr || row->rank < best->rank)) best = row;
+FieldIndex::Slice FieldIndex::make_slice(std::span<const Installed> installed) {
+  Slice slice{.installed = {installed.begin(), installed.end()}, .readable = {}, .digits = {}};
+  std::set<FieldQualifier> fields;
+  for (std::size_t entry = 0; entry < installed.size(); ++entry) {
+    Layer innermost = Layer::ethernet;
+    for (const auto& [field, match] : installed[entry].entry->installed->matches) {
+      if (match.mask == FieldValue()) continue;
+      fields.insert(field);
+      innermost = std::max(innermost, layer_of(field));
+    }
+    for (auto layer = static_cast<std::size_t>(innermost); layer < slice.readable.size(); ++layer)
+      slice.readable[layer].add(entry);
   }
-  return best == nullptr ? nullptr : &best->installed;
+  for (const FieldQualifier field : fields) add_digits(slice, field);
+  std::stable_sort(slice.digits.begin(), slice.digits.end(),
+                   [](const Digit& left, const Digit& right) { return left.most() < right.most(); });
+  return slice;
+}
+
+void FieldIndex::add_digits(Slice& slice, FieldQualifier field) {
+  std::vector<FieldMatch> matches;
+  for (const Installed& installed : slice.installed) {
+    const auto& of_entry = installed.entry->installed->matches;
+    const auto match = of_entry.find(field);
+    matches.push_back(match == of_entry.end() ? FieldMatch{} : match->second);
+  }
+  const std::size_t first_word = 2 * place_of(field);
+  for (const auto& [word, part] : {std::pair(first_word, &FieldValue::low), {first_word + 1, &FieldValue::high}}) {
+    constexpr unsigned width = 64;
+    for (unsigned shift = 0; shift < width; shift += Digit::bits) {
+      Digit digit{.word = word, .shift = shift};
+      const auto is_matched = [&](const FieldMatch& match) { return digit.of(match.mask.*part) != 0; };
+      if (std::none_of(matches.begin(), matches.end(), is_matched)) continue;
+      for (std::size_t entry = 0; entry < matches.size(); ++entry) {
+        const unsigned mask = digit.of(matches[entry].mask.*part);
+        const unsigned data = digit.of(matches[entry].data.*part) & mask;
+        for (unsigned value = 0; value < digit.matching.size(); ++value)
+          if ((value & mask) == data) digit.matching[value].add(entry);
+      }
+      slice.digits.push_back(digit);
+    }
+  }
+}
+
+const FieldIndex::Installed* FieldIndex::first_of(const Slice& slice, Layer readable) const {
+  Entries left = slice.readable[static_cast<std::size_t>(readable)];
+  for (const Digit& digit : slice.digits) {
+    left &= digit.matching[digit.of(words_[digit.word])];
+    if (left.empty()) return nullptr;
+  }
+  return left.empty() ? nullptr : &slice.installed[left.first()];
 }
 
 }  // namespace chip

@@ -1,9 +1,12 @@
-// Finds the entries of a stage that a frame matches. The cost hardly depends on their number: entries of a group that
-// match the same bits of the same fields share a hash table, so one lookup covers all of them.
+// Finds the entries of a stage that a frame matches. The cost hardly depends on their masks: the entries of a slice are
+// bits, and each four bits of a frame's fields select the set of entries that they agree with. What is left when all
+// these sets have been intersected is matched; mostly nothing is left after a few of them.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "chip/field_entry.h"
@@ -28,66 +31,69 @@ class FieldIndex {
   /// groups were added. A field that cannot be read matches nothing.
   template <class Take>
   void find(const FrameFields& frame, Take take) {
-    for (std::size_t i = 0; i < used_.size(); ++i) values_[i] = field_of(frame, used_[i]);
+    for (std::size_t i = 0; i < used_.size(); ++i) {
+      const FieldValue value = field_of(frame, used_[i]);
+      words_[2 * i] = value.low;
+      words_[2 * i + 1] = value.high;
+    }
     for (const Group& group : groups_)
-      if (const Installed* const met = best_of(group, frame.readable)) take(group.id, *met);
+      for (const Slice& slice : group.slices)
+        if (const Installed* const met = first_of(slice, frame.readable)) {
+          take(group.id, *met);
+          break;
+        }
   }
 
  private:
-  struct Part {
-    std::size_t field;  // index in `used_`
-    FieldValue mask;
-    bool operator==(const Part&) const = default;
+  /// A set of entries of a slice, by their place in it.
+  struct Entries {
+    static constexpr std::size_t capacity = 256;
+
+    std::array<uint64_t, capacity / 64> words{};
+
+    void add(std::size_t entry) { words[entry / 64] |= uint64_t{1} << entry % 64; }
+    std::size_t size() const;
+    bool empty() const { return (words[0] | words[1] | words[2] | words[3]) == 0; }
+    std::size_t first() const;
+    Entries& operator&=(const Entries& other) {
+      for (std::size_t i = 0; i < words.size(); ++i) words[i] &= other.words[i];
+      return *this;
+    }
   };
 
-  class Table {
-   public:
-    struct Row {
-      std::size_t rank;  // precedence of the entry in its group, 0 the highest
-      Installed installed;
-    };
+  /// Four bits of a field, and for each of their values the entries that match it.
+  struct Digit {
+    static constexpr unsigned bits = 4;
 
-    Table(const std::vector<Part>& parts, Layer layer) : parts_(parts), layer_(layer) {}
+    std::size_t word;  // index in `words_`
+    unsigned shift;    // of the lowest bit
+    std::array<Entries, 1 << bits> matching{};
 
-    /// The innermost header that its parts are in.
-    Layer layer() const { return layer_; }
-    bool matches(const std::vector<Part>& parts) const { return parts_ == parts; }
-    /// The highest precedence of its rows.
-    std::size_t first_rank() const { return rows_.front().rank; }
+    unsigned of(uint64_t value) const { return value >> shift & ((1U << bits) - 1); }
+    /// The most entries that it can leave.
+    std::size_t most() const;
+  };
 
-    /// Of entries with equal matches, the first one stays.
-    void add(const std::vector<FieldValue>& values, const Row& row);
-    /// The row that these values match, or null.
-    const Row* find(const std::vector<FieldValue>& values) const;
-
-   private:
-    static constexpr uint32_t free = UINT32_MAX;
-
-    bool meets(uint32_t row, const std::vector<FieldValue>& values) const;
-    /// The slot at which the search for a key begins; `part_of(index)` returns the parts of the key.
-    template <class PartOf>
-    std::size_t first_slot(PartOf part_of) const;
-    std::size_t next_slot(std::size_t slot) const { return (slot + 1) & (slots_.size() - 1); }
-    void put_into_slot(uint32_t row);
-
-    std::vector<Part> parts_;
-    Layer layer_;
-    std::vector<Row> rows_;
-    std::vector<FieldValue> keys_;  // the masked values of each part, row by row
-    std::vector<uint32_t> slots_;   // rows by hash; empty while a linear search is faster
+  /// Entries of a group that follow each other in precedence.
+  struct Slice {
+    std::vector<Installed> installed;
+    std::array<Entries, 3> readable;  // by the innermost readable header: those that match nothing behind it
+    std::vector<Digit> digits;        // only those that an entry matches
   };
 
   struct Group {
     int id;
-    std::vector<Table> tables;  // highest precedence first
+    std::vector<Slice> slices;  // highest precedence first
   };
 
-  const Installed* best_of(const Group& group, Layer readable) const;
+  Slice make_slice(std::span<const Installed> installed);
+  void add_digits(Slice& slice, FieldQualifier field);
+  const Installed* first_of(const Slice& slice, Layer readable) const;
   std::size_t place_of(FieldQualifier field);
 
   std::vector<Group> groups_;
   std::vector<FieldQualifier> used_;  // the fields that any entry matches
-  std::vector<FieldValue> values_;    // of the frame being classified
+  std::vector<uint64_t> words_;       // of the frame being classified: the lower and the higher word of each field
 };
 
 }  // namespace chip

@@ -19,13 +19,6 @@ constexpr std::size_t hash_of(Numbers... numbers) {
   return result;
 }
 
-/// An address as a number.
-inline uint64_t number_of(const Mac& mac) {
-  uint64_t result = 0;
-  for (const uint8_t byte : mac) result = result << 8 | byte;
-  return result;
-}
-
 /// A place as a number.
 inline uint64_t number_of(const Place& place) {
   const int number = std::visit([](auto id) { return id.number(); }, place);

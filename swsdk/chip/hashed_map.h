@@ -3,20 +3,18 @@
 
 #include <cstddef>
 #include <map>
-#include <unordered_map>
 
-#include "chip/hash.h"
+#include "chip/hash_index.h"
 
 namespace chip {
 
-/// A key has a `hash()`, or is an address.
+/// A key as for HashIndex.
 template <class Key, class Value>
 class HashedMap {
  public:
   const Value* find(const Key& key) const {
-    if (found_.empty()) return nullptr;  // the common case
-    const auto found = found_.find(key);
-    return found == found_.end() ? nullptr : found->second;
+    const Value* const* const found = found_.find(key);
+    return found == nullptr ? nullptr : *found;
   }
 
   /// Replaces the entry with that key, if there is one.
@@ -41,17 +39,8 @@ class HashedMap {
   const std::map<Key, Value>& all() const { return all_; }
 
  private:
-  struct Hash {
-    std::size_t operator()(const Key& key) const {
-      if constexpr (requires { key.hash(); })
-        return key.hash();
-      else
-        return hash_of(number_of(key));
-    }
-  };
-
   std::map<Key, Value> all_;
-  std::unordered_map<Key, const Value*, Hash> found_;
+  HashIndex<Key, const Value*> found_;
 };
 
 }  // namespace chip

@@ -24,8 +24,6 @@ class Hosts : public L3Entries<HostKey> {
   static constexpr int buckets = 1024;
   static constexpr int capacity = ways * buckets;
 
-  Hosts() : L3Entries(capacity) {}
-
   /// An existing entry is replaced only if `replace` is set.
   Status add(const HostKey& key, const L3Entry& entry, bool replace) {
     int& used = used_[static_cast<std::size_t>(bucket_of(key))];

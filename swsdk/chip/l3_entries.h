@@ -4,11 +4,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
-#include <memory_resource>
 #include <unordered_map>
 #include <vector>
 
 #include "chip/addresses.h"
+#include "chip/hash_index.h"
 #include "chip/origin.h"
 #include "chip/place.h"
 #include "chip/status.h"
@@ -38,18 +38,8 @@ struct L3Entry {
 template <class Key>
 class L3Entries {
  public:
-  /// `capacity`: the maximum number of entries; memory for all of them is reserved, so the table never rehashes.
-  explicit L3Entries(std::size_t capacity) { entries_.reserve(capacity); }
-
-  L3Entry* find(const Key& key) {
-    const auto entry = entries_.find(key);
-    return entry == entries_.end() ? nullptr : &entry->second;
-  }
-
-  const L3Entry* find(const Key& key) const {
-    const auto entry = entries_.find(key);
-    return entry == entries_.end() ? nullptr : &entry->second;
-  }
+  L3Entry* find(const Key& key) { return entries_.find(key); }
+  const L3Entry* find(const Key& key) const { return entries_.find(key); }
 
   /// Records that frames used an entry.
   Status hit(const Key& key, uint32_t hits) {
@@ -63,13 +53,13 @@ class L3Entries {
   using Hits = std::vector<uint32_t>;
   Hits hits() const {
     Hits result;
-    for (const auto& [key, entry] : entries_) result.push_back(entry.hit);
+    entries_.for_each([&](const Key&, const L3Entry& entry) { result.push_back(entry.hit); });
     return result;
   }
   /// Of the same entries.
   void restore(const Hits& hits) {
     auto hit = hits.begin();
-    for (auto& [key, entry] : entries_) entry.hit = *hit++;
+    entries_.for_each([&](const Key&, L3Entry& entry) { entry.hit = *hit++; });
   }
 
   /// How many entries use an interface or egress object.
@@ -80,29 +70,31 @@ class L3Entries {
 
   std::size_t size() const { return entries_.size(); }
   /// A copy of the entries in the order of their keys.
-  std::map<Key, L3Entry> all() const { return {entries_.begin(), entries_.end()}; }
+  std::map<Key, L3Entry> all() const {
+    std::map<Key, L3Entry> result;
+    entries_.for_each([&](const Key& key, const L3Entry& entry) { result.emplace(key, entry); });
+    return result;
+  }
 
  protected:
   /// `full`: whether a new entry is refused.
   Status add(const Key& key, const L3Entry& entry, bool replace, bool full) {
-    const auto present = entries_.find(key);
-    if (present == entries_.end()) {
-      if (full) return Status::full;
-      entries_.emplace(key, entry);
-    } else {
+    if (const L3Entry* const present = find(key)) {
       if (!replace) return Status::exists;
-      --uses_[present->second.interface];
-      present->second = entry;
+      --uses_[present->interface];
+    } else if (full) {
+      return Status::full;
     }
+    entries_[key] = entry;
     ++uses_[entry.interface];
     return Status::ok;
   }
 
   Status remove(const Key& key) {
-    const auto entry = entries_.find(key);
-    if (entry == entries_.end()) return Status::not_found;
-    --uses_[entry->second.interface];
-    entries_.erase(entry);
+    const L3Entry* const entry = find(key);
+    if (entry == nullptr) return Status::not_found;
+    --uses_[entry->interface];
+    entries_.erase(key);
     return Status::ok;
   }
 
@@ -112,12 +104,7 @@ class L3Entries {
   }
 
  private:
-  struct Hash {
-    std::size_t operator()(const Key& key) const { return key.hash(); }
-  };
-
-  std::pmr::unsynchronized_pool_resource pool_;  // keeps the entries close together
-  std::pmr::unordered_map<Key, L3Entry, Hash> entries_{&pool_};
+  HashIndex<Key, L3Entry> entries_;
   std::unordered_map<int, int> uses_;  // entries with 0 stay
 };
 

@@ -6,11 +6,10 @@
 #include <map>
 #include <optional>
 #include <set>
-#include <unordered_map>
 #include <utility>
 
 #include "chip/addresses.h"
-#include "chip/hash.h"
+#include "chip/hash_index.h"
 #include "chip/keyed_slots.h"
 #include "chip/origin.h"
 #include "chip/vlan_id.h"
@@ -48,9 +47,9 @@ class L3Interfaces {
     const L3Interface* const interface = find(id);
     if (interface != nullptr) {
       by_vlan_.erase({interface->vlan, id});
-      const auto station = by_station_.find(station_of(interface->vlan, interface->mac));
-      if (station != by_station_.end() && station->second.erase(id) == 1 && station->second.empty())
-        by_station_.erase(station);
+      const uint64_t station = station_of(interface->vlan, interface->mac);
+      std::set<int>* const ids = by_station_.find(station);
+      if (ids != nullptr && ids->erase(id) == 1 && ids->empty()) by_station_.erase(station);
     }
     return interfaces_.remove(id);
   }
@@ -76,8 +75,8 @@ class L3Interfaces {
 
   /// The interface with that MAC address in the (outer) VLAN, the one with the lowest id if there are several, or null.
   const L3Interface* find_station(int vlan, const Mac& mac) const {
-    const auto found = by_station_.find(station_of(vlan, mac));
-    return found == by_station_.end() ? nullptr : find(*found->second.begin());
+    const std::set<int>* const ids = by_station_.find(station_of(vlan, mac));
+    return ids == nullptr ? nullptr : find(*ids->begin());
   }
 
   const std::map<int, L3Interface>& all() const { return interfaces_.all(); }
@@ -98,8 +97,8 @@ class L3Interfaces {
   static uint64_t station_of(int vlan, const Mac& mac) { return number_of(mac) << 12 | static_cast<uint64_t>(vlan); }
 
   KeyedSlots<L3Interface, identity_of> interfaces_{first_id, capacity};
-  std::set<std::pair<int, int>> by_vlan_;                   // (VLAN, id)
-  std::unordered_map<uint64_t, std::set<int>> by_station_;  // the ids of those in the MAC table
+  std::set<std::pair<int, int>> by_vlan_;          // (VLAN, id)
+  HashIndex<uint64_t, std::set<int>> by_station_;  // the ids of those in the MAC table
 };
 
 }  // namespace chip

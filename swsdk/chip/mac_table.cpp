@@ -12,27 +12,9 @@ std::vector<MacScope> scopes_of(const MacEntry& entry) {
   return result;
 }
 
-namespace {
-
-/// VLAN and address in one number.
-uint64_t bits_of(int vlan, const Mac& mac) { return static_cast<uint64_t>(vlan) << 48 | number_of(mac); }
-
-/// The key of an entry; never 0.
-uint64_t key_of(int vlan, const Mac& mac) {
-  constexpr uint64_t used = uint64_t{1} << 63;
-  return used | bits_of(vlan, mac);
-}
-
-}  // namespace
-
-int MacTable::bucket_of(int vlan, const Mac& mac) {
-  constexpr uint64_t spread = 0x9E3779B97F4A7C15;  // an odd number without a pattern spreads every bit upward
-  static_assert(buckets == 1 << 13);
-  return static_cast<int>((bits_of(vlan, mac) * spread) >> (64 - 13));
-}
-
 void MacTable::reset() {
-  slots_.assign(capacity, {});
+  keys_.assign(capacity, 0);
+  entries_.assign(capacity, MacEntry{.origin = Origin::none()});
   size_ = 0;
   learned_.clear();
   age_time_ = default_age_time;
@@ -44,22 +26,17 @@ Status MacTable::add(const MacEntry& entry) {
   if (!is_place(entry.place)) return Status::bad_port;
   std::size_t slot = slot_of(entry.vlan, entry.mac);
   if (slot != none)
-    take_out(slots_[slot], false);
-  else if (slot = slot_in(bucket_of(entry.vlan, entry.mac), 0); slot == none)
+    take_out(slot, false);
+  else if (slot = slot_in(bucket_of(key_of(entry.vlan, entry.mac)), 0); slot == none)
     return Status::full;
-  put_in(slots_[slot], entry);
+  put_in(slot, entry);
   return Status::ok;
-}
-
-const MacEntry* MacTable::find(int vlan, const Mac& mac) const {
-  const std::size_t slot = slot_of(vlan, mac);
-  return slot == none ? nullptr : &slots_[slot].entry;
 }
 
 Status MacTable::remove(int vlan, const Mac& mac) {
   const std::size_t slot = slot_of(vlan, mac);
   if (slot == none) return absent(vlan);
-  take_out(slots_[slot], false);
+  take_out(slot, false);
   return Status::ok;
 }
 
@@ -86,8 +63,8 @@ int MacTable::learned(const MacScope& scope) const {
 std::vector<MacEntry> MacTable::all() const {
   std::vector<MacEntry> result;
   result.reserve(static_cast<std::size_t>(size_));
-  for (const Slot& slot : slots_)
-    if (slot.key != 0) result.push_back(slot.entry);
+  for (std::size_t slot = 0; slot < capacity; ++slot)
+    if (keys_[slot] != 0) result.push_back(entries_[slot]);
   return result;
 }
 
@@ -107,31 +84,21 @@ std::size_t MacTable::ScopeHash::operator()(const MacScope& scope) const {
   return hash_of(scope.index(), number);
 }
 
-std::size_t MacTable::slot_of(int vlan, const Mac& mac) const {
-  return slot_in(bucket_of(vlan, mac), key_of(vlan, mac));
-}
-
-std::size_t MacTable::slot_in(int bucket, uint64_t key) const {
-  const std::size_t first = static_cast<std::size_t>(bucket) * ways;
-  for (std::size_t i = first; i < first + ways; ++i)
-    if (slots_[i].key == key) return i;
-  return none;
-}
-
-void MacTable::put_in(Slot& slot, const MacEntry& entry) {
+void MacTable::put_in(std::size_t slot, const MacEntry& entry) {
   if (undo_ != nullptr) save(slot);
-  slot = {key_of(entry.vlan, entry.mac), entry};
+  keys_[slot] = key_of(entry.vlan, entry.mac);
+  entries_[slot] = entry;
   ++size_;
   count(entry, 1);
   if (observer_) observer_(Change::added, entry);
 }
 
-void MacTable::take_out(Slot& slot, bool silent) {
+void MacTable::take_out(std::size_t slot, bool silent) {
   if (undo_ != nullptr) save(slot);
-  slot.key = 0;
+  keys_[slot] = 0;
   --size_;
-  count(slot.entry, -1);
-  if (observer_ && !silent) observer_(Change::removed, slot.entry);
+  count(entries_[slot], -1);
+  if (observer_ && !silent) observer_(Change::removed, entries_[slot]);
 }
 
 void MacTable::count(const MacEntry& entry, int change) {
@@ -139,26 +106,23 @@ void MacTable::count(const MacEntry& entry, int change) {
   for (const MacScope& scope : scopes_of(entry)) learned_[scope] += change;
 }
 
-void MacTable::save(const Slot& slot) {
-  undo_->saved_.emplace_back(static_cast<std::size_t>(&slot - slots_.data()), slot);
-}
+void MacTable::save(std::size_t slot) { undo_->saved_.push_back({slot, keys_[slot] == 0, entries_[slot]}); }
 
 MacTable::Undo::~Undo() {
   table_.undo_ = nullptr;
   for (auto saved = saved_.rbegin(); saved != saved_.rend(); ++saved) {
-    auto& [index, before] = *saved;
-    Slot& slot = table_.slots_[index];
-    if (slot.key != 0) table_.take_out(slot, true);
-    if (before.key != 0) table_.put_in(slot, before.entry);
+    if (table_.keys_[saved->slot] != 0) table_.take_out(saved->slot, true);
+    if (!saved->was_free) table_.put_in(saved->slot, saved->entry);
   }
   table_.observe(std::move(observer_));
 }
 
 void MacTable::age() {
-  for (Slot& slot : slots_) {
-    if (slot.key == 0 || slot.entry.is(MacEntry::fixed)) continue;
-    if (!slot.entry.source_hit && !slot.entry.destination_hit) take_out(slot, false);
-    slot.entry.source_hit = slot.entry.destination_hit = false;
+  for (std::size_t slot = 0; slot < capacity; ++slot) {
+    MacEntry& entry = entries_[slot];
+    if (keys_[slot] == 0 || entry.is(MacEntry::fixed)) continue;
+    if (!entry.source_hit && !entry.destination_hit) take_out(slot, false);
+    entry.source_hit = entry.destination_hit = false;
   }
 }
 

@@ -86,7 +86,10 @@ class MacTable {
 
   /// Replaces the entry with the same VLAN and address, if there is one.
   Status add(const MacEntry& entry);
-  const MacEntry* find(int vlan, const Mac& mac) const;
+  const MacEntry* find(int vlan, const Mac& mac) const {
+    const std::size_t slot = slot_of(vlan, mac);
+    return slot == none ? nullptr : &entries_[slot];
+  }
   /// Why there is no entry of that VLAN and address.
   static Status absent(int vlan) { return is_vlan(vlan) ? Status::not_found : Status::bad_parameter; }
   Status remove(int vlan, const Mac& mac);
@@ -95,16 +98,18 @@ class MacTable {
   template <class Matches>
   Status remove_if(uint32_t flags, Matches matches) {
     if ((flags & ~(fixed_too | pending_too | silently)) != 0) return Status::bad_parameter;
-    for (Slot& slot : slots_)
-      if (slot.key != 0 && matches(slot.entry) && (!slot.entry.is(MacEntry::fixed) || flags & fixed_too))
+    for (std::size_t slot = 0; slot < capacity; ++slot) {
+      const MacEntry& entry = entries_[slot];
+      if (keys_[slot] != 0 && matches(entry) && (!entry.is(MacEntry::fixed) || flags & fixed_too))
         take_out(slot, flags & silently);
+    }
     return Status::ok;
   }
 
   /// Marks an entry that find() returned as hit, on one side: &MacEntry::source_hit or &MacEntry::destination_hit.
   void hit(const MacEntry& entry, bool MacEntry::*side) {
     if (undo_ != nullptr) [[unlikely]]
-      save(slots_[slot_of(entry.vlan, entry.mac)]);
+      save(slot_of(entry.vlan, entry.mac));
     const_cast<MacEntry&>(entry).*side = true;
   }
 
@@ -122,31 +127,44 @@ class MacTable {
 
   /// Whether an entry can have that place; trunks and virtual ports are not looked up.
   bool is_place(const Place& place) const;
-  static int bucket_of(int vlan, const Mac& mac);
+  static int bucket_of(int vlan, const Mac& mac) { return static_cast<int>(bucket_of(key_of(vlan, mac))); }
 
  private:
-  struct Slot {
-    uint64_t key = 0;  // of its entry; 0: free
-    MacEntry entry{.origin = Origin::none()};
-  };
   struct ScopeHash {
     std::size_t operator()(const MacScope& scope) const;
   };
 
   static constexpr std::size_t none = capacity;
 
+  static constexpr uint64_t used = uint64_t{1} << 63;  // in every key but that of a free slot
+
+  static uint64_t key_of(int vlan, const Mac& mac) { return used | static_cast<uint64_t>(vlan) << 48 | number_of(mac); }
+  static std::size_t bucket_of(uint64_t key) {
+    constexpr uint64_t spread = 0x9E3779B97F4A7C15;  // an odd number without a pattern spreads every bit upward
+    static_assert(buckets == 1 << 13);
+    return static_cast<std::size_t>((key ^ used) * spread >> (64 - 13));
+  }
   /// The bucket's slot that has the key, 0 for the first free one, or none.
-  std::size_t slot_in(int bucket, uint64_t key) const;
-  std::size_t slot_of(int vlan, const Mac& mac) const;
-  void put_in(Slot& slot, const MacEntry& entry);
-  void take_out(Slot& slot, bool silent);
+  std::size_t slot_in(std::size_t bucket, uint64_t key) const {
+    for (std::size_t slot = bucket * ways; slot < (bucket + 1) * ways; ++slot)
+      if (keys_[slot] == key) return slot;
+    return none;
+  }
+  std::size_t slot_of(int vlan, const Mac& mac) const {
+    const uint64_t key = key_of(vlan, mac);
+    return slot_in(bucket_of(key), key);
+  }
+  void put_in(std::size_t slot, const MacEntry& entry);
+  void take_out(std::size_t slot, bool silent);
   void count(const MacEntry& entry, int change);
   void age();
   /// Keeps a slot for the Undo, before it changes.
-  void save(const Slot& slot);
+  void save(std::size_t slot);
 
   const Ports& ports_;
-  std::vector<Slot> slots_ = std::vector<Slot>(capacity);  // bucket after bucket
+  // By slot, bucket after bucket. The keys are apart, so that those of a bucket share a line of the cache.
+  std::vector<uint64_t> keys_ = std::vector<uint64_t>(capacity);  // 0: free
+  std::vector<MacEntry> entries_ = std::vector<MacEntry>(capacity, MacEntry{.origin = Origin::none()});
   int size_ = 0;
   std::unordered_map<MacScope, int, ScopeHash> learned_;
   Observer observer_;
@@ -165,9 +183,15 @@ class MacTable::Undo {
  private:
   friend class MacTable;
 
+  struct Saved {
+    std::size_t slot;
+    bool was_free;
+    MacEntry entry;
+  };
+
   MacTable& table_;
   Observer observer_;
-  std::vector<std::pair<std::size_t, Slot>> saved_;  // by index, the oldest first
+  std::vector<Saved> saved_;  // the oldest first
 };
 
 }  // namespace chip

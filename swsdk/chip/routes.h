@@ -26,8 +26,6 @@ class Routes : public L3Entries<RouteKey> {
   static constexpr std::size_t capacity = 8192;
   static constexpr int max_length = 32;
 
-  Routes() : L3Entries(capacity) {}
-
   static constexpr uint32_t mask(int length) { return length == 0 ? 0 : ~uint32_t{0} << (max_length - length); }
 
   /// The key of a subnet; nothing when the ones of the mask do not come first.
@@ -41,26 +39,28 @@ class Routes : public L3Entries<RouteKey> {
   Status add(const RouteKey& key, const L3Entry& entry, bool replace) {
     const std::size_t before = size();
     const Status status = L3Entries::add(key, entry, replace, before >= capacity);
-    if (size() > before) ++of_length(key.length);
+    if (size() > before && ++of_length(key.length) == 1) lengths_ |= bit(key.length);
     return status;
   }
 
   Status remove(const RouteKey& key) {
     const Status status = L3Entries::remove(key);
-    if (status == Status::ok) --of_length(key.length);
+    if (status == Status::ok && --of_length(key.length) == 0) lengths_ &= ~bit(key.length);
     return status;
   }
 
   void clear() {
     L3Entries::clear();
     of_length_ = {};
+    lengths_ = 0;
   }
 
   /// The entry with the longest prefix that contains an address, or null.
   L3Entry* lookup(int vrf, uint32_t address) {
-    for (int length = max_length; length >= 0; --length) {
-      if (of_length(length) == 0) continue;
+    for (uint64_t rest = lengths_; rest != 0;) {
+      const int length = 63 - std::countl_zero(rest);
       if (L3Entry* const entry = find(key_around(vrf, address, length))) return entry;
+      rest &= ~bit(length);
     }
     return nullptr;
   }
@@ -73,9 +73,11 @@ class Routes : public L3Entries<RouteKey> {
 
  private:
   static RouteKey key_around(int vrf, uint32_t address, int length) { return {vrf, address & mask(length), length}; }
+  static uint64_t bit(int length) { return uint64_t{1} << length; }
   int& of_length(int length) { return of_length_[static_cast<std::size_t>(length)]; }
 
   std::array<int, max_length + 1> of_length_{};  // how many entries have a prefix of that length
+  uint64_t lengths_ = 0;                         // those that any entry has, as bits
 };
 
 }  // namespace chip

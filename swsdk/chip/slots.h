@@ -4,8 +4,8 @@
 #include <map>
 #include <set>
 #include <type_traits>
-#include <unordered_map>
 
+#include "chip/hash_index.h"
 #include "chip/status.h"
 
 namespace chip {
@@ -85,15 +85,15 @@ class Slots {
 
   template <class Self>
   static Item* found(Self& self, SlotId id) {
-    const auto present = self.by_id_.find(id);
-    return present == self.by_id_.end() ? nullptr : present->second;
+    Item* const* const present = self.by_id_.find(id);
+    return present == nullptr ? nullptr : *present;
   }
 
   int first_;
   int capacity_;
   std::map<SlotId, Item> items_;
-  std::unordered_map<SlotId, Item*> by_id_;  // the same items, for lookup in constant time
-  int fresh_ = first_;                       // each slot below it is used, or free and in `free_`
+  HashIndex<SlotId, Item*> by_id_;  // the same items, for lookup in constant time
+  int fresh_ = first_;              // each slot below it is used, or free and in `free_`
   std::set<int> free_;
 };
 

@@ -267,6 +267,21 @@ TEST_F(Remote, FramesThatLeaveReachWhoSentThemAtOnceAndOthersAsEvents) {
   EXPECT_EQ(seen.frames, 2);
 }
 
+TEST_F(Remote, FramesAreSentTogether) {
+  std::vector<unsigned char> frame(60, 0);
+  std::fill_n(frame.begin(), 6, 0xFF);
+  frame[6] = frame[11] = 2;
+  const std::vector<swsdk_in> frames(3, {1, frame.data(), frame.size()});
+  EXPECT_EQ(swsdk_frames_send(0, frames.data(), 3), -1);
+  start();
+  Seen seen;
+  ASSERT_EQ(swsdk_frame_handle(0, &see_frame, &seen), 0);
+  for (const int port : {1, 2}) swsdk_link_event(0, port, 1);
+  EXPECT_EQ(swsdk_frames_send(0, frames.data(), 3), 3);
+  EXPECT_EQ(seen.frames, 3);
+  EXPECT_EQ(swsdk_frames_send(1, frames.data(), 3), -1);
+}
+
 // ------------------------------------------------------------------------------------ whose calls these are ----
 
 TEST_F(Remote, JournalHasTheCallsOfItsProcessOrOfAll) {

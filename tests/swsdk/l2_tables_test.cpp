@@ -213,9 +213,9 @@ TEST_F(L2Tables, UntaggedFramesGetVlansBySubnet) {
             "subnet       VLAN  priority\n"
             "10.1.0.0/16  10    0\n"
             "fe80::/64    11    3\n");
-  bcm_vlan_ip_t key = ip4_subnet(0x0A010000, 0xFFFF0000);
-  EXPECT_EQ(bcm_vlan_ip_delete(0, &key), BCM_E_NONE);
-  EXPECT_EQ(bcm_vlan_ip_delete(0, &key), BCM_E_NOT_FOUND);
+  bcm_vlan_ip_t subnet = ip4_subnet(0x0A010000, 0xFFFF0000);
+  EXPECT_EQ(bcm_vlan_ip_delete(0, &subnet), BCM_E_NONE);
+  EXPECT_EQ(bcm_vlan_ip_delete(0, &subnet), BCM_E_NOT_FOUND);
   EXPECT_EQ(bcm_vlan_ip_delete_all(0), BCM_E_NONE);
   EXPECT_EQ(bcm_vlan_ip_delete(0, &ip6), BCM_E_NOT_FOUND);
 }

@@ -6,8 +6,6 @@ namespace chip {
 
 namespace {
 
-constexpr uint16_t tpid = 0x8100;
-
 class Writer {
  public:
   explicit Writer(std::span<uint8_t> room) : room_(room) {}
@@ -54,9 +52,24 @@ void decrement_ttl(std::span<uint8_t> packet, bool is_ip4) {
   low = static_cast<uint8_t>(folded);
 }
 
+/// Whether a copy with that header has the bytes of the packet as received.
+bool is_as_received(const EgressHeader& header, const Packet& packet) {
+  if (header.routed || packet.bytes.size() < EgressFrame::min_size) return false;
+  const int format = (header.outer_tag ? 1 : 0) | (header.inner_tag ? 2 : 0);
+  if (format != packet.fields.vlan_format) return false;
+  const auto has_tag_at = [&](std::size_t at, uint16_t tag) {
+    return static_cast<uint16_t>(packet.bytes[at] << 8 | packet.bytes[at + 1]) == tag;
+  };
+  constexpr std::size_t outer_at = 14;
+  constexpr std::size_t inner_at = 18;
+  return (!header.outer_tag || has_tag_at(outer_at, *header.outer_tag)) &&
+         (!header.inner_tag || has_tag_at(inner_at, *header.inner_tag));
+}
+
 }  // namespace
 
-std::span<uint8_t> EgressFrame::write(const EgressHeader& header, const Packet& packet) {
+std::span<const uint8_t> EgressFrame::write(const EgressHeader& header, const Packet& packet) {
+  if (is_as_received(header, packet)) return packet.bytes;
   Writer writer(bytes_);
   writer.put(header.destination);
   writer.put(header.source);

@@ -28,8 +28,9 @@ class EgressFrame {
   /// Minimum frame size in bytes, without checksum.
   static constexpr std::size_t min_size = 60;
 
-  /// Writes a header, then what follows the packet's own tags. The bytes are valid until the next call.
-  std::span<uint8_t> write(const EgressHeader& header, const Packet& packet);
+  /// Writes a header, then what follows the packet's own tags. The bytes are valid until the next call, and as long as
+  /// those of the packet: a copy that leaves as the frame came in is not written.
+  std::span<const uint8_t> write(const EgressHeader& header, const Packet& packet);
 
  private:
   static constexpr std::size_t tags = 8;

@@ -5,7 +5,6 @@ namespace chip {
 
 Drop apply_egress_rules(Passage& frame, const Copy& copy, const EgressHeader& header) {
   FieldProcessor& rules = frame.chip.field_processor;
-  if (rules.is_idle(FieldStage::egress)) return Drop::none;
   FrameFields fields = frame.packet.fields;
   fields.out_port = copy.port;
   fields.source_mac = header.source;

@@ -34,7 +34,7 @@ Learned learn(Chip& chip, const Source& source) {
 }
 
 Learned learn(Chip& chip, const Source& source, const MacEntry* present) {
-  if (is_group(source.mac) || source.mac == Mac{}) return Learned::no_host;
+  if (is_group(source.mac) || number_of(source.mac) == 0) return Learned::no_host;
   if (!learns(chip, source)) return Learned::not_learning;
   const Place place = place_of(chip, source);
   if (present != nullptr && present->place == place && present->tunnel == source.tunnel) {

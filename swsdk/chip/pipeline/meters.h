@@ -1,12 +1,12 @@
 // Meters: token buckets, which the chip's clock fills.
 #pragma once
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
+#include "chip/counters.h"
 #include "chip/port_rates.h"
 
 namespace chip {
@@ -35,9 +35,6 @@ class Meters {
 
   std::array<std::vector<Bucket>, kinds> buckets_;  // by number
 };
-
-/// The size on the wire of a frame without checksum: checksum and padding included.
-constexpr std::size_t size_on_wire(std::size_t bytes) { return std::max<std::size_t>(bytes + 4, 64); }
 
 /// The bits that a frame without checksum takes out of a bucket.
 constexpr uint64_t bits_of(std::size_t bytes) { return size_on_wire(bytes) * 8; }

@@ -29,6 +29,8 @@ constexpr uint32_t mac_entry = 0x40;    // the MAC entry of its destination
 constexpr uint32_t destination = 0x80;  // addressed to the CPU, or flooded
 }  // namespace cpu_reason
 
+/// The TPID of every port. Frames with any other are untagged.
+constexpr uint16_t tpid = 0x8100;
 constexpr uint16_t vlan_mask = 0xFFF;
 constexpr int priority_shift = 13;
 constexpr uint16_t priority_mask = 0xE000;
@@ -71,7 +73,7 @@ struct Packet {
   int inner_vlan() const { return inner_tagged ? fields.inner_tag & vlan_mask : 0; }
   void set_vlan(int vlan) { fields.outer_tag = with_vlan(fields.outer_tag, vlan); }
   bool is_multicast() const { return is_group(fields.destination_mac); }
-  bool is_broadcast() const { return fields.destination_mac == Mac{0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}; }
+  bool is_broadcast() const { return chip::is_broadcast(fields.destination_mac); }
 
   // Whether it has a readable header of that protocol. The ether type alone tells the kind of frame.
   bool is_ip4() const { return is_readable(ether_type::ip4); }

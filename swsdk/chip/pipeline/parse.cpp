@@ -6,8 +6,6 @@ namespace chip {
 
 namespace {
 
-// The TPID of every port. Frames with any other are untagged.
-constexpr uint16_t tpid = 0x8100;
 constexpr uint16_t min_ether_type = 0x600;  // below, it is a length
 
 /// Reads a frame from front to back, never past its end.

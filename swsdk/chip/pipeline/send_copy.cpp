@@ -51,7 +51,8 @@ Drop send_copy(Passage& frame, const Copy& copy, Wire& wire) {
     frame.by(decider::Link{copy.port});
     return Drop::egress_port_down;
   }
-  if (const Drop reason = apply_egress_rules(frame, copy, header); reason != Drop::none) return reason;
+  if (!chip.field_processor.is_idle(FieldStage::egress))
+    if (const Drop reason = apply_egress_rules(frame, copy, header); reason != Drop::none) return reason;
   make_egress_tags(frame, copy, header);
 
   EgressFrame out;

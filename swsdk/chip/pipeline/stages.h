@@ -41,7 +41,7 @@ Drop send_copy(Passage& frame, const Copy& copy, Wire& wire);
 
 /// The steps of send_copy(), of which those that can lose the copy return why. Rewrites the header of a routed copy.
 Drop rewrite_routed(Passage& frame, const Copy& copy, EgressHeader& header);
-/// Applies the egress entries of the field processor.
+/// Applies the egress entries of the field processor, which has some.
 Drop apply_egress_rules(Passage& frame, const Copy& copy, const EgressHeader& header);
 /// Turns the tags inside the chip into those on the wire.
 void make_egress_tags(Passage& frame, const Copy& copy, EgressHeader& header);

@@ -3,8 +3,8 @@
  * Frames through the virtual chip: what comes in at a port goes out where the chip's tables send it.
  *
  * Frames are Ethernet frames without their checksum, from the destination address on. The chip does its work inside
- * swsdk_frame_send(): when that returns, every copy has left. Its clock, on which rates,
- * bursts and aging depend, stands still unless it is moved. All functions may be called from any thread.
+ * swsdk_frame_send() and swsdk_frames_send(): when they return, every copy has left. Its clock, on which rates, bursts
+ * and aging depend, stands still unless it is moved. All functions may be called from any thread.
  */
 #ifndef SWSDK_FRAMES_H
 #define SWSDK_FRAMES_H
@@ -68,6 +68,26 @@ int swsdk_frame_handle(int unit, swsdk_frame_handler handler, void* user_data);
  *         first. -1 when there is no such initialized unit or port, or data is null
  */
 int swsdk_frame_send(int unit, int port, const void* data, size_t length);
+
+/** A frame that arrives. */
+typedef struct swsdk_in {
+  int port;            /**< where it arrives, as for swsdk_frame_send() */
+  const uint8_t* data; /**< the frame */
+  size_t length;       /**< its length in bytes */
+} swsdk_in;
+
+/**
+ * Makes frames arrive in order, as swsdk_frame_send() does one by one, but locks the unit only once for all of them. In
+ * a recording each is a call of swsdk_frame_send(). Where the chip is in another process, each is a call there, and
+ * others may work on the unit in between. What became of a single frame is not told: swsdk_drops() counts the reasons,
+ * and a watch (swsdk/watch.h) tells of each frame.
+ *
+ * @param frames  the frames; may be null when count is 0. Those for which swsdk_frame_send() returns -1 are left out
+ * @param count   their number
+ * @return how many of them were forwarded: those for which swsdk_frame_send() returns 0; -1 when there is no such
+ *         initialized unit, count is negative, or frames is null and count is not 0
+ */
+int swsdk_frames_send(int unit, const swsdk_in* frames, int count);
 
 /**
  * Tells the way of a frame, which does not come in: nothing changes, no address is learned, and nothing is counted or
