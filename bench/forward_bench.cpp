@@ -354,7 +354,7 @@ bool run_c_interface() {
 
   std::vector<swsdk_in> in;
   for (std::size_t i = 0; i < scene.frames.size(); ++i)
-    in.push_back({scene.in_ports[i].number(), scene.frames[i].data(), scene.frames[i].size()});
+    in.push_back({scene.in_ports[i].number(), scene.frames[i].data(), scene.frames[i].size(), nullptr});
   const auto one_by_one = [&](std::size_t at) { swsdk_frame_send(unit, in[at].port, in[at].data, in[at].length); };
   const auto together = [&](std::size_t at) {
     if (at % batch == 0) swsdk_frames_send(unit, &in[at], batch);

@@ -292,7 +292,7 @@ class Batch {
     input.from(0, 15);  // as in pass_frame()
     blocks_.emplace_back(new uint8_t[frame.size()]);
     std::copy(frame.begin(), frame.end(), blocks_.back().get());
-    frames_.push_back({port, blocks_.back().get(), frame.size()});
+    frames_.push_back({port, blocks_.back().get(), frame.size(), nullptr});
   }
   void send() {
     if (frames_.empty()) return;

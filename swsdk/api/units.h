@@ -63,6 +63,7 @@ struct L2Listener {
 struct FrameHandler {
   swsdk_frame_handler function;
   void* user_data;
+  bool takes_aggregates;
   std::shared_ptr<Caller> caller = present_caller();
 };
 

@@ -21,13 +21,13 @@ constexpr std::size_t size_on_wire(std::size_t bytes) { return std::max<std::siz
 /// of these.
 class Traffic {
  public:
-  /// Of a frame without checksum.
-  void add(const Mac& destination, std::size_t bytes, int tags) {
+  /// So many frames, each of so many bytes without checksum.
+  void add(const Mac& destination, std::size_t bytes, int tags, std::size_t frames) {
     const std::size_t length = size_on_wire(bytes);
     std::size_t size = 0;
     while (size < max_sizes.size() && length > max_sizes[size]) ++size;
-    octets_ += length;
-    ++frames_[kind_of(destination)][static_cast<std::size_t>(tags)][size];
+    octets_ += length * frames;
+    frames_[kind_of(destination)][static_cast<std::size_t>(tags)][size] += frames;
   }
 
   /// Each frame is longer than 0.

@@ -291,12 +291,12 @@ void FieldProcessor::make_indexes() {
   indexed_ = true;
 }
 
-FieldVerdict FieldProcessor::classify(FieldStage stage, const FrameFields& frame) {
+FieldVerdict FieldProcessor::classify(FieldStage stage, const FrameFields& frame, std::size_t frames) {
   FieldVerdict verdict;
   // Where groups disagree, the first one wins.
   index(stage).find(frame, [&](int group, const FieldIndex::Installed& met) {
     verdict.hits.add({group, met.id});
-    ++met.entry->hits;
+    met.entry->hits += frames;
     const FieldRule& rule = *met.entry->installed;
     for (const auto& [action, parameters] : rule.actions) switch (action) {
         case FieldAction::packet_priority:

@@ -120,8 +120,8 @@ class FieldProcessor {
 
   /// Whether a stage has no entry that a frame could match.
   bool is_idle(FieldStage stage) { return index(stage).empty(); }
-  /// Matches a frame against the installed entries and counts the hits.
-  FieldVerdict classify(FieldStage stage, const FrameFields& frame);
+  /// Matches a frame, or so many alike, against the installed entries and counts the hits.
+  FieldVerdict classify(FieldStage stage, const FrameFields& frame, std::size_t frames = 1);
 
   /// How often each entry was hit, in the order of their ids.
   using Hits = std::vector<uint64_t>;

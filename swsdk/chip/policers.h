@@ -62,6 +62,12 @@ class Policers {
 
   void clear() { policers_.clear(); }
 
+  /// Whether an entry has one.
+  bool any_attached() const {
+    const auto is_attached = [](const auto& policer) { return policer.second.attached > 0; };
+    return std::any_of(all().begin(), all().end(), is_attached);
+  }
+
   const Policer* find(int id) const { return policers_.find(id); }
   /// Why there is no policer of that id.
   Status absent(int id) const { return policers_.absent(id); }

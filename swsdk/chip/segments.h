@@ -27,7 +27,21 @@ struct Segments {
   }
   /// Bytes of the longest frame.
   std::size_t frame_size() const { return std::size_t{headers} + payload; }
+  /// How many frames so many bytes are.
+  std::size_t count(std::size_t length) const {
+    return !is_aggregate() || length <= frame_size() ? 1 : (length - headers + payload - 1) / payload;
+  }
 };
+
+/// Calls `take(bytes, frames)` for each length of the frames that so many bytes are: how many have it.
+template <class Take>
+void for_each_length(const Segments& segments, std::size_t length, Take take) {
+  if (!segments.is_aggregate()) [[likely]]
+    return take(length, std::size_t{1});
+  const std::size_t others = segments.count(length) - 1;
+  if (others > 0) take(segments.frame_size(), others);
+  take(length - others * segments.payload, std::size_t{1});
+}
 
 /// Fills in a checksum: of all bytes from `start` on, among which is the sum of the pseudo header at `at`.
 void complete_checksum(std::span<uint8_t> frame, std::size_t start, std::size_t at);

@@ -450,7 +450,8 @@ void Client::deliver_frame(std::string_view line) {
                         .in_port = value_of<int>(given[2]),
                         .cpu = value_of<uint32_t>(given[3]),
                         .data = bytes.data(),
-                        .length = bytes.size()};
+                        .length = bytes.size(),
+                        .segments = nullptr};
     if (is_known(callback))
       reinterpret_cast<swsdk_frame_handler>(const_cast<void*>(callback.function))(
           callback.unit, &out, const_cast<void*>(callback.user_data));

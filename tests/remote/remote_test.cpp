@@ -271,7 +271,7 @@ TEST_F(Remote, FramesAreSentTogether) {
   std::vector<unsigned char> frame(60, 0);
   std::fill_n(frame.begin(), 6, 0xFF);
   frame[6] = frame[11] = 2;
-  const std::vector<swsdk_in> frames(3, {1, frame.data(), frame.size()});
+  const std::vector<swsdk_in> frames(3, {1, frame.data(), frame.size(), nullptr});
   EXPECT_EQ(swsdk_frames_send(0, frames.data(), 3), -1);
   start();
   Seen seen;

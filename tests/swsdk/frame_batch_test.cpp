@@ -102,7 +102,7 @@ class FrameBatch : public testing::Test {
   }
   static int send_together(std::span<const Arriving> frames) {
     std::vector<swsdk_in> in;
-    for (const Arriving& frame : frames) in.push_back({frame.port, frame.bytes.data(), frame.bytes.size()});
+    for (const Arriving& frame : frames) in.push_back({frame.port, frame.bytes.data(), frame.bytes.size(), nullptr});
     return swsdk_frames_send(0, in.data(), static_cast<int>(in.size()));
   }
 
@@ -161,11 +161,11 @@ TEST_F(FrameBatch, IsTheSameAsItsFramesOneByOne) {
 TEST_F(FrameBatch, LeavesOutFramesThatCannotArrive) {
   start();
   const Bytes frame = Frame(1, 0xFF).tag(10).type(0x9000);
-  const swsdk_in frames[] = {{99, frame.data(), frame.size()},
-                             {1, nullptr, 60},
-                             {1, frame.data(), frame.size()},
-                             {-1, frame.data(), frame.size()},
-                             {2, frame.data(), 3}};
+  const swsdk_in frames[] = {{99, frame.data(), frame.size(), nullptr},
+                             {1, nullptr, 60, nullptr},
+                             {1, frame.data(), frame.size(), nullptr},
+                             {-1, frame.data(), frame.size(), nullptr},
+                             {2, frame.data(), 3, nullptr}};
   std::string copies;
   EXPECT_EQ(swsdk_frame_handle(0, take_copy, &copies), 0);
   EXPECT_EQ(swsdk_frames_send(0, frames, 5), 1);
@@ -174,7 +174,7 @@ TEST_F(FrameBatch, LeavesOutFramesThatCannotArrive) {
 
 TEST_F(FrameBatch, NeedsAUnitAndFrames) {
   const Bytes bytes = Frame(1, 2).type(0x9000);
-  const swsdk_in frame{1, bytes.data(), bytes.size()};
+  const swsdk_in frame{1, bytes.data(), bytes.size(), nullptr};
   EXPECT_EQ(swsdk_frames_send(0, &frame, 1), -1);
   start();
   EXPECT_EQ(swsdk_frames_send(1, &frame, 1), -1);

@@ -1,5 +1,6 @@
 #include "capture.h"
 
+#include <algorithm>
 #include <iterator>
 #include <utility>
 
@@ -21,7 +22,7 @@ std::string place_text(int port, uint32_t cpu) {
   return "cpu (" + result + ')';
 }
 
-void Capture::watch(int unit) { swsdk_frame_handle(unit, add, this); }
+void Capture::watch(int unit) { (other_ ? swsdk_aggregate_handle : swsdk_frame_handle)(unit, add, this); }
 
 void Capture::add(int /*unit*/, const swsdk_out* out, void* capture) {
   auto& self = *static_cast<Capture*>(capture);
@@ -36,7 +37,11 @@ void Capture::add(int /*unit*/, const swsdk_out* out, void* capture) {
   Copy& copy = self.kept_.back();
   copy.port = out->port;
   copy.cpu = out->cpu;
-  copy.bytes.assign(out->data, out->data + out->length);
+  const swsdk_segments* const segments = out->segments;
+  const std::size_t length =
+      segments == nullptr ? out->length : std::min<std::size_t>(out->length, segments->headers + segments->payload);
+  copy.bytes.assign(out->data, out->data + length);
+  copy.frames = segments == nullptr ? 1 : 1 + (out->length - length + segments->payload - 1) / segments->payload;
   if (self.sent_ != nullptr) self.sent_->push_back(copy);
 }
 
@@ -58,7 +63,11 @@ std::vector<std::string> Capture::take() {
     frames.swap(kept_);
   }
   std::vector<std::string> lines;
-  for (const Copy& frame : frames) lines.push_back(place_text(frame.port, frame.cpu) + ": " + frame_text(frame.bytes));
+  for (const Copy& frame : frames) {
+    const std::string others =
+        frame.frames == 1 ? "" : ", and " + std::to_string(frame.frames - 1) + " more of its flow";
+    lines.push_back(place_text(frame.port, frame.cpu) + ": " + frame_text(frame.bytes) + others);
+  }
   return lines;
 }
 

@@ -18,6 +18,7 @@ struct Copy {
   int port;      ///< 0: for the CPU
   uint32_t cpu;  ///< why the CPU gets it
   std::vector<uint8_t> bytes;
+  std::size_t frames = 1;  ///< more: it is the first of an aggregate
 };
 
 /// "2" or "cpu (protocol, destination)".
@@ -27,7 +28,7 @@ class Capture {
  public:
   /// Captures what leaves the unit from now on, until the chips are switched off.
   void watch(int unit);
-  /// A second receiver of each frame, called before the frame is kept.
+  /// A second receiver of each frame, called before the frame is kept. It takes aggregates whole.
   void pass_to(std::function<void(const swsdk_out&)> other) { other_ = std::move(other); }
 
   /// Makes a frame arrive and returns what swsdk_frame_send() does. `copies` receives what left until then.

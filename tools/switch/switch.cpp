@@ -30,6 +30,15 @@ bool gives_commands(int descriptor) {
   return isatty(descriptor) != 0 || (fstat(descriptor, &status) == 0 && S_ISFIFO(status.st_mode));
 }
 
+chip::Segments segments_of(const swsdk_out& out) {
+  if (out.segments == nullptr) return {};
+  return {.kind = static_cast<chip::Segments::Kind>(out.segments->kind),
+          .payload = out.segments->payload,
+          .headers = out.segments->headers,
+          .checksum_start = out.segments->checksum_start,
+          .checksum_at = out.segments->checksum_at};
+}
+
 }  // namespace
 
 Switch::Switch(saish::Session& session, Options options)
@@ -89,13 +98,13 @@ void Switch::make_host_interfaces() {
 
 void Switch::transmit(const swsdk_out& out) {
   const std::lock_guard guard(attachments_lock_);
-  const auto send_through = [this](Attachment& attachment, Bytes frame) {
-    attachment.send({.bytes = frame, .segments = {}});
+  const auto send_through = [this](Attachment& attachment, const Frame& frame) {
+    attachment.send(frame);
     if (!collects_) attachment.flush();
   };
   if (out.port != cpu_port) {
     const auto port = ports_.find(out.port);
-    if (port != ports_.end()) send_through(*port->second, {out.data, out.length});
+    if (port != ports_.end()) send_through(*port->second, {{out.data, out.length}, segments_of(out)});
     return;
   }
   for (const HostInterface& host : host_interfaces_) {
@@ -103,18 +112,24 @@ void Switch::transmit(const swsdk_out& out) {
     std::vector<uint8_t> frame(out.data, out.data + out.length);
     if (host.wanted.keeps_tag == 0 && frame.size() >= tag_at + tag_size)
       frame.erase(frame.begin() + tag_at, frame.begin() + tag_at + tag_size);
-    send_through(*host.attachment, frame);
+    send_through(*host.attachment, {frame, {}});
   }
 }
 
 /// What leaves meanwhile is sent together.
 void Switch::pass_on(int port, std::span<const Frame> frames) {
   arrived_ += frames.size();
+  std::array<swsdk_segments, burst> segments;
+  std::array<swsdk_in, burst> in;
   collect(true);
-  for (const Frame& frame : frames) {
-    const auto all = cutter_.cut(frame.bytes, frame.segments);
-    if (all.empty()) ++uncut_[port];
-    for (const Bytes one : all) swsdk_frame_send(unit, port, one.data(), one.size());
+  for (; !frames.empty(); frames = frames.subspan(std::min(frames.size(), in.size()))) {
+    const std::size_t count = std::min(frames.size(), in.size());
+    for (std::size_t i = 0; i < count; ++i) {
+      const auto& [bytes, how] = frames[i];
+      segments[i] = {static_cast<int>(how.kind), how.payload, how.headers, how.checksum_start, how.checksum_at};
+      in[i] = {port, bytes.data(), bytes.size(), how.is_aggregate() ? &segments[i] : nullptr};
+    }
+    swsdk_frames_send(unit, in.data(), static_cast<int>(count));
   }
   collect(false);
 }
@@ -245,8 +260,6 @@ void Switch::tell_losses() {
   };
   for (const auto& [port, attachment] : ports_)
     tell_loss(port, attachment->lost(), "they came faster than the switch took them");
-  for (const auto& [port, count] : uncut_)
-    tell_loss(port, count, "they are segments of a kind that the switch cannot cut");
 }
 
 /// One round. False when the program is to end.

@@ -84,9 +84,7 @@ class Switch {
   Descriptor watched_;  // all that can become readable
   int signals_ = -1;
   std::size_t arrived_ = 0;  // frames in the last round
-  chip::Cutter cutter_;
-  std::map<int, uint64_t> uncut_;  // aggregates that came in at a port and could not be cut
-  int starts_;                     // of the chip that is known
+  int starts_;               // of the chip that is known
   bool is_on_;
   std::chrono::steady_clock::time_point now_ = std::chrono::steady_clock::now();
   std::chrono::steady_clock::time_point followed_;  // when the chip was last asked what is new

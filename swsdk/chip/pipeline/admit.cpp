@@ -11,11 +11,11 @@ void admit(Passage& frame) {
       frame.by(decider::Link{packet.port});
       return frame.stop(Drop::port_down);
     }
-    if (!mac->takes(packet.bytes.size(), packet.outer_tagged)) {
+    if (!mac->takes(packet.frame_size(), packet.outer_tagged)) {
       frame.by(decider::FrameMax{packet.port});
       return frame.stop(Drop::too_long);
     }
-  } else if (packet.bytes.size() > PortMacs::max_frame_max) {
+  } else if (packet.frame_size() > PortMacs::max_frame_max) {
     return frame.stop(Drop::too_long);
   }
   const PortRate& rate = frame.chip.port_rates.ingress()[packet.port];

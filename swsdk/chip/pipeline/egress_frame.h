@@ -27,6 +27,8 @@ class EgressFrame {
  public:
   /// Minimum frame size in bytes, without checksum.
   static constexpr std::size_t min_size = 60;
+  /// Bytes of the longest frame or aggregate.
+  static constexpr std::size_t max_size = 65536 + 64;
 
   /// Writes a header, then what follows the packet's own tags. The bytes are valid until the next call, and as long as
   /// those of the packet: a copy that leaves as the frame came in is not written.
@@ -34,7 +36,8 @@ class EgressFrame {
 
  private:
   static constexpr std::size_t tags = 8;
-  std::array<uint8_t, PortMacs::max_frame_max + tags> bytes_;
+  static_assert(max_size > PortMacs::max_frame_max);
+  std::array<uint8_t, max_size + tags> bytes_;
 };
 
 }  // namespace chip

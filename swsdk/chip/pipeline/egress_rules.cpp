@@ -14,7 +14,7 @@ Drop apply_egress_rules(Passage& frame, const Copy& copy, const EgressHeader& he
   const bool outer_tagged = frame.packet.outer_tagged || header.routed;  // a routed copy has the interface's tag
   fields.vlan_format = (outer_tagged ? 1 : 0) | (header.inner_tag ? 2 : 0);
   if (header.routed) --fields.ttl;
-  const FieldVerdict verdict = rules.classify(FieldStage::egress, fields);
+  const FieldVerdict verdict = rules.classify(FieldStage::egress, fields, frame.packet.frames());
   for (const auto& [group, entry] : verdict.hits) frame.by(decider::FieldRules{entry});
   const bool red = is_red(frame, verdict, frame.packet.bytes.size());
   if (verdict.dropped) return Drop::egress_field_rule;

@@ -24,7 +24,7 @@ void set_priority(Packet& packet, int priority) {
 void apply_ingress_rules(Passage& frame) {
   FieldProcessor& rules = frame.chip.field_processor;
   if (rules.is_idle(FieldStage::ingress)) return;
-  frame.verdict = rules.classify(FieldStage::ingress, frame.packet.fields);
+  frame.verdict = rules.classify(FieldStage::ingress, frame.packet.fields, frame.packet.frames());
   const FieldVerdict& verdict = frame.verdict;
   for (const auto& [group, entry] : verdict.hits) frame.by(decider::FieldRules{entry});
   if (verdict.priority) set_priority(frame.packet, *verdict.priority);

@@ -47,6 +47,11 @@ Learned learn(Chip& chip, const Source& source, const MacEntry* present) {
   return chip.mac_table.add(seen) == Status::ok ? Learned::added : Learned::full;
 }
 
+bool is_known(const Chip& chip, const Source& source) {
+  const MacEntry* const present = chip.mac_table.find(source.vlan, source.mac);
+  return present != nullptr && present->place == place_of(chip, source) && present->tunnel == source.tunnel;
+}
+
 uint32_t actions_beyond_limit(const Chip& chip, const Source& source) {
   const MacEntry seen = entry_of(source, place_of(chip, source));
   return chip.learn_limits.actions(seen, chip.mac_table.find(source.vlan, source.mac));

@@ -34,6 +34,9 @@ Learned learn(Chip& chip, const Source& source);
 /// The same for a caller that has already looked up the source's entry: `present`, or null.
 Learned learn(Chip& chip, const Source& source, const MacEntry* present);
 
+/// Whether learning would change nothing, because the table has the source in this place.
+bool is_known(const Chip& chip, const Source& source);
+
 /// The actions (of LearnLimit) for frames of a source that a limit keeps out of the table.
 uint32_t actions_beyond_limit(const Chip& chip, const Source& source);
 

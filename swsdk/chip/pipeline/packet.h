@@ -11,6 +11,7 @@
 #include "chip/field_qualifiers.h"
 #include "chip/pipeline/drop.h"
 #include "chip/pipeline/observer.h"
+#include "chip/segments.h"
 
 namespace chip {
 
@@ -52,6 +53,7 @@ enum class Framing { ethernet2, snap, llc, unreadable };
 
 struct Packet {
   std::span<const uint8_t> bytes;  // as received, without checksum
+  Segments segments;               // of an aggregate: its headers stand for those of all its frames
   bool has_header = false;         // a whole Ethernet header, tags included; otherwise nothing more is known
 
   Port port{};     // its ingress port
@@ -68,6 +70,10 @@ struct Packet {
   bool lengths_agree = true;      // the lengths in the IP header, with each other and with the frame
 
   int priority = 0;  // inside the chip, 0 to 7
+
+  /// How many frames it is on the wire, and the bytes of the longest.
+  std::size_t frames() const { return segments.count(bytes.size()); }
+  std::size_t frame_size() const { return segments.is_aggregate() ? segments.frame_size() : bytes.size(); }
 
   int vlan() const { return fields.outer_tag & vlan_mask; }
   int inner_vlan() const { return inner_tagged ? fields.inner_tag & vlan_mask : 0; }

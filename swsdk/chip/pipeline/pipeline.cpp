@@ -1,10 +1,12 @@
 #include "chip/pipeline/pipeline.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <iterator>
 #include <utility>
 
 #include "chip/chip.h"
+#include "chip/pipeline/bulk.h"
 #include "chip/pipeline/counting.h"
 #include "chip/pipeline/parse.h"
 #include "chip/pipeline/stages.h"
@@ -21,12 +23,15 @@ struct Stage {
 
 constexpr Stage admission{"admit", admit};
 
-/// Those between the copies for mirrors of what came in and the copies that leave.
-constexpr Stage stages[] = {
+/// Those between the copies for mirrors of what came in and the copies that leave. The former only decide; what the
+/// latter do stays.
+constexpr Stage deciding[] = {
     {"check_source", check_source},
     {"assign_vlan", assign_vlan},
     {"check_membership", check_membership},
     {"trap", trap},
+};
+constexpr Stage acting[] = {
     {"learn_source", learn_source},
     {"ingress_rules", apply_ingress_rules},
     {"forward", forward},
@@ -46,6 +51,7 @@ void run(const Stage& stage, Passage& frame) {
   else
     run_observed(stage, frame);
 }
+template <const auto& stages>
 void run_stages(Passage& frame) {
   if (frame.observer == nullptr) [[likely]]
     return [&]<std::size_t... index>(std::index_sequence<index...>) { (stages[index].run(frame), ...); }
@@ -56,13 +62,13 @@ void run_stages(Passage& frame) {
 }  // namespace
 
 Drop Pipeline::receive(Port port, std::span<const uint8_t> bytes, Wire& wire, Observer* observer) {
-  const Drop drop = pass(port, bytes, wire, observer);
+  const Drop drop = *pass(port, bytes, {}, wire, observer);
   // A flooded frame in a loop would circulate forever.
   constexpr int max_rounds = 16;
   for (int i = 0; i < max_rounds && !looped_.empty(); ++i) {
     const Looped next = std::move(looped_.front());
     looped_.erase(looped_.begin());
-    pass(next.port, next.bytes, wire, observer);
+    pass(next.port, next.bytes, {}, wire, observer);
   }
   for (const Looped& lost : looped_) {
     ++chip_.drops[lost.port][static_cast<std::size_t>(Drop::egress_loop)];
@@ -70,6 +76,16 @@ Drop Pipeline::receive(Port port, std::span<const uint8_t> bytes, Wire& wire, Ob
   }
   looped_.clear();
   return drop;
+}
+
+bool Pipeline::receive_whole(Port port, std::span<const uint8_t> aggregate, const Segments& segments, Wire& wire) {
+  if (aggregate.size() <= EgressFrame::max_size && !must_be_cut_at(chip_, port, segments))
+    if (const std::optional<Drop> drop = pass(port, aggregate, segments, wire, nullptr)) return *drop == Drop::none;
+  const auto frames = cutter_.cut(aggregate, segments);
+  if (frames.empty())
+    return receive(port, {}, wire) == Drop::none;  // its headers do not agree with how it is to be cut
+  return std::count_if(frames.begin(), frames.end(),
+                       [&](const auto frame) { return receive(port, frame, wire) == Drop::none; }) > 0;
 }
 
 Drop Pipeline::try_out(Port port, std::span<const uint8_t> bytes, Wire& wire, Observer& observer) {
@@ -81,17 +97,21 @@ Drop Pipeline::try_out(Port port, std::span<const uint8_t> bytes, Wire& wire, Ob
 }
 
 // All stages become one function: called one by one, they would spend a third of a frame's time on being called.
-[[gnu::flatten]] Drop Pipeline::pass(Port port, std::span<const uint8_t> bytes, Wire& wire, Observer* observer) {
+[[gnu::flatten]] std::optional<Drop> Pipeline::pass(Port port, std::span<const uint8_t> bytes, const Segments& segments,
+                                                    Wire& wire, Observer* observer) {
   copies_.clear();
   Passage frame(chip_, meters_, copies_, looped_);
   frame.observer = observer;
+  frame.packet.segments = segments;
   frame.packet.has_header = parse(port, bytes, frame.packet);
   if (observer != nullptr) observer->arrives(frame);
   run(admission, frame);
   Drop lost = Drop::none;  // why the first copy was lost, if all were
   if (!frame.dropped()) {
     mirror_ingress(frame, wire);
-    run_stages(frame);
+    run_stages<deciding>(frame);
+    if (segments.is_aggregate() && !is_bulk(frame)) return std::nullopt;
+    run_stages<acting>(frame);
     bool has_left = false;
     for (const Copy& copy : copies_) {
       const Drop reason = send_copy(frame, copy, wire);
@@ -111,7 +131,7 @@ Drop Pipeline::try_out(Port port, std::span<const uint8_t> bytes, Wire& wire, Ob
   const Drop drop = frame.drop();
   if (drop != Drop::port_down) count_received(chip_.counters, frame.packet);
   count_discarded(chip_.counters, frame.packet, drop);
-  if (frame.dropped()) ++chip_.drops[port][static_cast<std::size_t>(drop)];
+  if (frame.dropped()) chip_.drops[port][static_cast<std::size_t>(drop)] += frame.packet.frames();
   const Drop outcome = frame.dropped() ? drop : lost;
   if (observer != nullptr) observer->passed(frame, outcome);
   return outcome;

@@ -56,11 +56,16 @@ Drop why_not_out(Passage& frame, Port port, const EgressHeader& header, std::spa
 /// Sends the bytes. A port in loopback receives them again.
 void leave(Passage& frame, Port port, const EgressHeader& header, std::span<const uint8_t> bytes, Wire& wire);
 
+/// Sends a copy of an aggregate: as one, unless its port meters each frame, receives it again, or cannot send it.
+Drop send_bulk(Passage& frame, Port port, const EgressHeader& header, std::span<const uint8_t> bytes, Wire& wire);
+
 /// Sends the CPU its copy. Returns why that was lost, or none.
 Drop send_to_cpu(Passage& frame, Wire& wire);
 
 /// Counts a copy that has not left for a place: at its port, or, where there is none, at that of the frame.
 void lose_copy(Passage& frame, const Place& to, Drop reason);
+/// The same for so many frames of an aggregate.
+void lose_frames(Passage& frame, const Place& to, Drop reason, std::size_t frames);
 
 /// Copies for the mirrors of a port: of what came in, and of what goes out.
 void mirror_ingress(Passage& frame, Wire& wire);

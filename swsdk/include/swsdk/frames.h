@@ -30,13 +30,31 @@ extern "C" {
 /** Names the reason of bit `index` of SWSDK_CPU_*, such as "l2 cache" for 0; null past the last. */
 const char* swsdk_cpu_reason_name(int index);
 
+/** What an aggregate has in it. */
+#define SWSDK_TCP_IP4 1 /**< TCP segments in IPv4 */
+#define SWSDK_TCP_IP6 2 /**< TCP segments in IPv6 */
+#define SWSDK_UDP 3     /**< UDP datagrams */
+
+/**
+ * How an aggregate is cut into frames: many segments of one flow that their sender leaves together, as Linux does for
+ * an interface with segmentation offload.
+ */
+typedef struct swsdk_segments {
+  int kind;                /**< SWSDK_TCP_IP4, SWSDK_TCP_IP6 or SWSDK_UDP */
+  uint16_t payload;        /**< bytes of payload in each segment, at least 1; the last can have fewer */
+  uint16_t headers;        /**< bytes at the front, with which each segment begins */
+  uint16_t checksum_start; /**< offset of the TCP or UDP header */
+  uint16_t checksum_at;    /**< offset of its checksum, where the sum of the pseudo header stands */
+} swsdk_segments;
+
 /** A frame that leaves the chip. */
 typedef struct swsdk_out {
-  int port;            /**< where it leaves: an Ethernet port, or 0 for the CPU */
-  int in_port;         /**< where it arrived */
-  uint32_t cpu;        /**< why the CPU gets it, SWSDK_CPU_*; 0 at an Ethernet port */
-  const uint8_t* data; /**< the frame; for the CPU always with the tag of its VLAN */
-  size_t length;       /**< its length in bytes */
+  int port;                       /**< where it leaves: an Ethernet port, or 0 for the CPU */
+  int in_port;                    /**< where it arrived */
+  uint32_t cpu;                   /**< why the CPU gets it, SWSDK_CPU_*; 0 at an Ethernet port */
+  const uint8_t* data;            /**< the frame; for the CPU always with the tag of its VLAN */
+  size_t length;                  /**< its length in bytes */
+  const swsdk_segments* segments; /**< of an aggregate, for a handler that takes them; null for a frame */
 } swsdk_out;
 
 /**
@@ -57,6 +75,12 @@ typedef void (*swsdk_frame_handler)(int unit, const swsdk_out* out, void* user_d
 int swsdk_frame_handle(int unit, swsdk_frame_handler handler, void* user_data);
 
 /**
+ * The same for a handler that takes aggregates whole. Only swsdk_frames_send() makes them; those for the CPU, and of
+ * other processes, are cut.
+ */
+int swsdk_aggregate_handle(int unit, swsdk_frame_handler handler, void* user_data);
+
+/**
  * Makes a frame arrive. At an Ethernet port it is lost unless the port's link is up; at port 0 it is a frame that the
  * host sends through the CPU port.
  *
@@ -71,9 +95,10 @@ int swsdk_frame_send(int unit, int port, const void* data, size_t length);
 
 /** A frame that arrives. */
 typedef struct swsdk_in {
-  int port;            /**< where it arrives, as for swsdk_frame_send() */
-  const uint8_t* data; /**< the frame */
-  size_t length;       /**< its length in bytes */
+  int port;                       /**< where it arrives, as for swsdk_frame_send() */
+  const uint8_t* data;            /**< the frame */
+  size_t length;                  /**< its length in bytes */
+  const swsdk_segments* segments; /**< of an aggregate; null for a frame */
 } swsdk_in;
 
 /**
@@ -82,10 +107,15 @@ typedef struct swsdk_in {
  * others may work on the unit in between. What became of a single frame is not told: swsdk_drops() counts the reasons,
  * and a watch (swsdk/watch.h) tells of each frame.
  *
+ * An aggregate is forwarded as its frames would be, one by one. It passes as one unless something has to see each
+ * frame: a meter, a mirror, the CPU, the learning of its source, a recording or a watch. One that cannot be cut as it
+ * says counts as a malformed frame where it has to be.
+ *
  * @param frames  the frames; may be null when count is 0. Those for which swsdk_frame_send() returns -1 are left out
  * @param count   their number
- * @return how many of them were forwarded: those for which swsdk_frame_send() returns 0; -1 when there is no such
- *         initialized unit, count is negative, or frames is null and count is not 0
+ * @return how many of them were forwarded: those for which swsdk_frame_send() returns 0, and aggregates of which a
+ *         frame was not dropped; -1 when there is no such initialized unit, count is negative, or frames is null and
+ *         count is not 0
  */
 int swsdk_frames_send(int unit, const swsdk_in* frames, int count);
 
