@@ -76,11 +76,12 @@ void FieldIndex::add_digits(Slice& slice, FieldQualifier field) {
     const auto match = of_entry.find(field);
     matches.push_back(match == of_entry.end() ? FieldMatch{} : match->second);
   }
-  const std::size_t first_word = 2 * place_of(field);
-  for (const auto& [word, part] : {std::pair(first_word, &FieldValue::low), {first_word + 1, &FieldValue::high}}) {
+  const std::size_t place = place_of(field);
+  for (const bool lower : {true, false}) {
+    uint64_t FieldValue::*const part = lower ? &FieldValue::low : &FieldValue::high;
     constexpr unsigned width = 64;
     for (unsigned shift = 0; shift < width; shift += Digit::bits) {
-      Digit digit{.word = word, .shift = shift};
+      Digit digit{.word = 2 * place + (lower ? 0 : 1), .shift = shift};
       const auto is_matched = [&](const FieldMatch& match) { return digit.of(match.mask.*part) != 0; };
       if (std::none_of(matches.begin(), matches.end(), is_matched)) continue;
       for (std::size_t entry = 0; entry < matches.size(); ++entry) {

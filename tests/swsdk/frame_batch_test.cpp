@@ -76,8 +76,9 @@ class FrameBatch : public testing::Test {
   template <class Send>
   LeftBehind traces_of(Send send) const {
     LeftBehind traces;
-    start();
+    swsdk_power_off();  // a recording begins before the chip starts
     EXPECT_EQ(swsdk_record_start(path_.c_str()), 0);
+    start();
     const int watch = swsdk_watch_begin(SWSDK_WATCH_ENDS, nullptr, 0);
     EXPECT_EQ(swsdk_frame_handle(0, take_copy, &traces.copies), 0);
     traces.forwarded = send();
@@ -153,6 +154,8 @@ TEST_F(FrameBatch, IsTheSameAsItsFramesOneByOne) {
   EXPECT_EQ(traces.watched, expected.watched);
   EXPECT_EQ(traces.recorded, expected.recorded);
   EXPECT_EQ(traces.forwarded, expected.forwarded);
+  EXPECT_NE(traces.recorded.find("action swsdk_frame_send("), std::string::npos);
+  EXPECT_NE(traces.watched.find("out "), std::string::npos);
   EXPECT_GT(std::count(traces.copies.begin(), traces.copies.end(), '\n'), 500);
   EXPECT_GT(traces.forwarded, 100);
   EXPECT_LT(traces.forwarded, 500);
