@@ -15,8 +15,10 @@ inline bool is_group(const Mac& mac) { return (mac[0] & 1) != 0; }
 
 /// An address as a number.
 inline uint64_t number_of(const Mac& mac) {
-  const auto word = [&](std::size_t at) { return static_cast<uint64_t>(mac[at] << 8 | mac[at + 1]); };
-  return word(0) << 32 | word(2) << 16 | word(4);
+  // In two parts, of which each is a load and a change of the order of its bytes.
+  const uint32_t high = uint32_t{mac[0]} << 24 | uint32_t{mac[1]} << 16 | uint32_t{mac[2]} << 8 | mac[3];
+  const auto low = static_cast<uint16_t>(mac[4] << 8 | mac[5]);
+  return uint64_t{high} << 16 | low;
 }
 inline bool is_broadcast(const Mac& mac) { return number_of(mac) == 0xFFFFFFFFFFFF; }
 

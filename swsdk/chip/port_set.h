@@ -24,7 +24,7 @@ class PortSet {
   void add(Port port) { words_.at(word(port.number())) |= bit(port.number()); }
   bool contains(Port port) const {
     const int number = port.number();
-    return number >= 0 && number < capacity && (words_[word(number)] & bit(number)) != 0;
+    return number >= 0 && number < capacity && (words_[word(number)] >> number % word_bits & 1) != 0;
   }
   bool empty() const { return *this == PortSet(); }
 
@@ -69,7 +69,7 @@ class PortSet {
  private:
   static constexpr int word_bits = 64;
 
-  static std::size_t word(int number) { return static_cast<std::size_t>(number) / word_bits; }
+  static std::size_t word(int number) { return static_cast<unsigned>(number) / word_bits; }
   static uint64_t bit(int number) { return uint64_t{1} << static_cast<unsigned>(number) % word_bits; }
 
   /// The number of the lowest port from `number` on, or the capacity.

@@ -63,7 +63,13 @@ void run_stages(Passage& frame) {
 
 Drop Pipeline::receive(Port port, std::span<const uint8_t> bytes, Wire& wire, Observer* observer) {
   const Drop drop = *pass(port, bytes, {}, wire, observer);
-  // A flooded frame in a loop would circulate forever.
+  if (!looped_.empty()) [[unlikely]]
+    follow_loops(wire, observer);
+  return drop;
+}
+
+/// Lets what left ports in loopback come in again. A flooded frame in a loop would circulate forever.
+void Pipeline::follow_loops(Wire& wire, Observer* observer) {
   constexpr int max_rounds = 16;
   for (int i = 0; i < max_rounds && !looped_.empty(); ++i) {
     const Looped next = std::move(looped_.front());
@@ -75,7 +81,6 @@ Drop Pipeline::receive(Port port, std::span<const uint8_t> bytes, Wire& wire, Ob
     if (observer != nullptr) observer->lost(lost.port, Drop::egress_loop);
   }
   looped_.clear();
-  return drop;
 }
 
 bool Pipeline::receive_whole(Port port, std::span<const uint8_t> aggregate, const Segments& segments, Wire& wire) {

@@ -36,6 +36,7 @@ class Pipeline {
   /// Nothing, and nothing has changed, when it is an aggregate that has to be cut.
   std::optional<Drop> pass(Port port, std::span<const uint8_t> frame, const Segments& segments, Wire& wire,
                            Observer* observer);
+  void follow_loops(Wire& wire, Observer* observer);
 
   Chip& chip_;
   Meters meters_;
