@@ -15,6 +15,8 @@ without+=:Policers.AreReadThroughTheirEntry:Policers.WriteNoOutputWhenTheyCannot
 without+=:UnmodeledFields.OfNetworkInterfacesAreRefused
 # A client may begin a recording at any time.
 without+=:Recording.BeginsWithTheChipOff
+# Aggregates are cut for other processes.
+without+=:Aggregates.ComeWholeToAHandlerThatTakesThem
 # A child works on the chip of its parent.
 without+=:Process.AChildHasACopyOfTheVirtualChip
 
