@@ -118,7 +118,10 @@ void Switch::transmit(const swsdk_out& out) {
 
 /// What leaves meanwhile is sent together.
 void Switch::pass_on(int port, std::span<const Frame> frames) {
-  arrived_ += frames.size();
+  // Aggregates are many frames at a time already.
+  const bool is_whole =
+      std::any_of(frames.begin(), frames.end(), [](const Frame& frame) { return frame.segments.is_aggregate(); });
+  arrived_ += is_whole ? burst : frames.size();
   std::array<swsdk_segments, burst> segments;
   std::array<swsdk_in, burst> in;
   collect(true);
