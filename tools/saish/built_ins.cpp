@@ -71,10 +71,18 @@ std::string table_names() {
   return result;
 }
 
-void show(Session& /*session*/, const Words& arguments) {
+void show(Session& session, const Words& arguments) {
+  if (const auto more = session.more_tables.find(arguments[0]); more != session.more_tables.end()) {
+    std::fputs(more->second().c_str(), stdout);
+    return;
+  }
   bool known = false;
   for (int i = 0; swsdk_show_table(i) != nullptr; ++i) known = known || arguments[0] == swsdk_show_table(i);
-  if (!known) throw BadInput("there is no table \"" + arguments[0] + "\"; the tables are " + table_names());
+  if (!known) {
+    std::string names = table_names();
+    for (const auto& [name, text] : session.more_tables) names += ", " + name;
+    throw BadInput("there is no table \"" + arguments[0] + "\"; the tables are " + names);
+  }
   const int unit = unit_at(arguments, 1);
 
   std::fputs(shown_table(unit, arguments[0]).c_str(), stdout);
