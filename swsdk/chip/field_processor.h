@@ -133,6 +133,12 @@ class FieldProcessor {
   const std::map<int, FieldEntry>& entries() const { return entries_.all(); }
   const FieldEntry* find_entry(int id) const { return entries_.find(id); }
 
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(groups_, entries_, installations_);
+    indexed_ = false;
+  }
+
  private:
   template <class Body>
   Status with_entry(int id, Body body);

@@ -49,6 +49,11 @@ class Mirrors {
   /// Directions, by (port, destination).
   const std::map<std::pair<Port, MirrorId>, Setting<uint32_t>>& sources() const { return sources_; }
 
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(mode_, destinations_, sources_);
+  }
+
  private:
   Status check_source(Port port, uint32_t flags, MirrorId id) const;
 

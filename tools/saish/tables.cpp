@@ -13,6 +13,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <map>
 #include <sstream>
 #include <string_view>
@@ -179,6 +180,11 @@ std::string link_commands(const std::vector<Table>& tables) {
   return result;
 }
 
+void throw_if_different(int lines, const std::string& intended) {
+  if (lines > 0)
+    throw Unexpected(std::to_string(lines) + (lines == 1 ? " line differs" : " lines differ") + " from " + intended);
+}
+
 }  // namespace
 
 std::string shown_table(int unit, const std::string& table) {
@@ -240,11 +246,25 @@ void print_tables_after(const std::vector<std::string>& scripts) {
   if (std::fclose(output) != 0) throw Unexpected("cannot print the tables: " + std::string(std::strerror(errno)));
 }
 
+void compare_with_state(const std::string& path) {
+  const Scratch restore("restore " + std::filesystem::absolute(path).string() + '\n');
+  const Scratch output;
+  const Scratch errors;
+  if (!restore.good() || !output.good() || !errors.good()) throw BadInput("no memory for a comparison");
+  const bool ran = run_again({"--tables", "-"}, restore, output, errors);
+  std::fflush(stdout);
+  std::fputs(errors.text().c_str(), stderr);
+  if (!ran) throw BadInput("the state \"" + path + "\" cannot be put into a chip");
+  throw_if_different(print_differences(parsed(output.text()), tables()), "the state \"" + path + '"');
+}
+
 void compare_with(const std::string& script) {
   if (soc_ndev == 0) throw BadInput("the chip is off; there is nothing to compare");
   std::vector<Table> actual = tables();
   std::erase_if(actual, [](const Table& table) {
-    return table.title.starts_with("counters") || table.title.starts_with("drops");
+    for (const std::string_view name : {"clock", "counters", "drops", "meter"})
+      if (table.title.starts_with(name)) return true;
+    return false;
   });
 
   // The links last: a script may initialize the chip.
@@ -257,9 +277,7 @@ void compare_with(const std::string& script) {
   std::fputs(errors.text().c_str(), stderr);
   if (!ran) throw BadInput("the script \"" + script + "\" fails on a fresh chip");
   const int lines = print_differences(parsed(output.text()), actual);
-  if (lines > 0)
-    throw Unexpected(std::to_string(lines) + (lines == 1 ? " line differs" : " lines differ") + " from what \"" +
-                     script + "\" would leave");
+  throw_if_different(lines, "what \"" + script + "\" would leave");
 }
 
 }  // namespace saish

@@ -26,6 +26,9 @@ void print_tables_after(const std::vector<std::string>& scripts);
 /// when the chip differs, BadInput when the script fails there.
 void compare_with(const std::string& script);
 
+/// Prints in which tables the chip differs from a saved state; throws likewise.
+void compare_with_state(const std::string& path);
+
 /// Prints the lines that only one of the two has: "-" intended, "+" there. Returns their number.
 int print_differences(const std::vector<Table>& intended, const std::vector<Table>& actual);
 
