@@ -15,12 +15,13 @@
 
 namespace chip {
 
-namespace {
-
+/// Only ever named.
 struct Anything {
   template <class T>
   operator T() const;  // NOLINT(google-explicit-constructor): it stands for the value of any member
 };
+
+namespace {
 
 /// How many members a record has.
 template <class T, class... Given>
