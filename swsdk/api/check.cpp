@@ -111,7 +111,7 @@ void check_field(const Chip& chip, Found& found) {
   for (const auto& [id, entry] : chip.field_processor.entries())
     if (!entry.installed)
       found.push_back(
-          {"field entry " + to_string(id) + " of group " + to_string(entry.group) + " is not installed", entry.origin});
+          {"field entry " + to_string(id) + " of group " + to_string(entry.group) + " is uninstalled", entry.origin});
 }
 
 void check_policers(const Chip& chip, Found& found) {

@@ -171,7 +171,7 @@ TEST_F(Check, FindsFieldEntriesThatAreNotInstalled) {
   sai_system_ipv4_fp_create(unit, &group);
   fail("bcm_field_entry_install");
   EXPECT_NE(sai_fp_ospf_ttl1_set(unit, 1, group, &entry), SAI_E_NONE);
-  EXPECT_EQ(left(), "field entry 1 of group 1 is not installed\n  by bcm_field_entry_create\n");
+  EXPECT_EQ(left(), "field entry 1 of group 1 is uninstalled\n  by bcm_field_entry_create\n");
   bcm_field_entry_install(unit, 1);
   EXPECT_EQ(left(), "");
 }
