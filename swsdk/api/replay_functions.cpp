@@ -88,6 +88,7 @@ const api::Replayable functions[] = {
     replayable("swsdk_temperatures_set", &swsdk_temperatures_set),
     // Questions, which only clients of a chip's process ask by their names.
     replayable("swsdk_board_get", &swsdk_board_get),
+    replayable("swsdk_check", &swsdk_check),
     replayable("swsdk_drops", &swsdk_drops),
     replayable("swsdk_events_drain", &swsdk_events_drain),
     replayable("swsdk_fault_clear", &swsdk_fault_clear),

@@ -89,6 +89,13 @@ void show(Session& session, const Words& arguments) {
   std::fputs(shown_table(unit, arguments[0]).c_str(), stdout);
 }
 
+void check(Session& /*session*/, const Words& arguments) {
+  const std::string text = leftovers(initialized_unit_at(arguments, 0));
+  if (text.empty()) return static_cast<void>(std::printf("  nothing is left over\n"));
+  std::fputs(text.c_str(), stdout);
+  throw Unexpected("calls have left something on the chip that nothing uses");
+}
+
 void fail(Session& /*session*/, const Words& arguments) {
   if (arguments[0] == "clear" && arguments.size() == 1) return swsdk_fault_clear();
   if (arguments.size() < 2) throw BadInput("a code is missing; the form is fail FUNCTION CODE [NTH] or fail clear");
@@ -307,6 +314,8 @@ constexpr BuiltIn all_built_ins[] = {
     {"help", "help [WORD...]", "Tells about a command, lists a family of them, or finds some by words.", 0, any_length,
      help},
     {"show", "show TABLE [UNIT]", "Shows one of the chip's tables.", 1, 2, show},
+    {"check", "check [UNIT]", "Shows what calls have left on the chip and nothing uses, and fails if there is any.", 0,
+     1, check},
     {"journal", "journal on|off|show|clear|follow [SECONDS]",
      "Shows the SDK calls of each command, of all since the last clear, or of all programs on the chip as they happen.",
      1, 2, journal},

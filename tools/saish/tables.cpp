@@ -185,16 +185,26 @@ void throw_if_different(int lines, const std::string& intended) {
     throw Unexpected(std::to_string(lines) + (lines == 1 ? " line differs" : " lines differ") + " from " + intended);
 }
 
+/// What a function of the control interface prints of a unit.
+template <class Print>
+std::string printed(int unit, Print print) {
+  const long length = print(nullptr, 0);
+  if (length < 0) throw BadInput("unit " + std::to_string(unit) + " is not attached");
+  std::string text(static_cast<std::size_t>(length), '\0');
+  // Another process may change the chip between the two.
+  const long shown = print(text.data(), text.size() + 1);
+  text.resize(std::min(text.size(), static_cast<std::size_t>(std::max(shown, 0L))));
+  return text;
+}
+
 }  // namespace
 
 std::string shown_table(int unit, const std::string& table) {
-  const long length = swsdk_show(unit, table.c_str(), nullptr, 0);
-  if (length < 0) throw BadInput("unit " + std::to_string(unit) + " is not attached");
-  std::string text(static_cast<std::size_t>(length), '\0');
-  // Another process may change the table, or the chip, between the two.
-  const long shown = swsdk_show(unit, table.c_str(), text.data(), text.size() + 1);
-  text.resize(std::min(text.size(), static_cast<std::size_t>(std::max(shown, 0L))));
-  return text;
+  return printed(unit, [&](char* buffer, std::size_t size) { return swsdk_show(unit, table.c_str(), buffer, size); });
+}
+
+std::string leftovers(int unit) {
+  return printed(unit, [&](char* buffer, std::size_t size) { return swsdk_check(unit, buffer, size); });
 }
 
 std::vector<Table> tables() {

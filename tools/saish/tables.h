@@ -14,6 +14,9 @@ struct Table {
 /// One of the chip's tables as text. Throws BadInput when there is no such unit.
 std::string shown_table(int unit, const std::string& table);
 
+/// What swsdk_check() prints of an initialized unit.
+std::string leftovers(int unit);
+
 /// Of all units.
 std::vector<Table> tables();
 
