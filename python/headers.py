@@ -72,7 +72,7 @@ def read_numbered_enumerators(interface, text):
 
 def note_on(interface, c_type, comment):
     """What an integer is beyond its type: an IPv4 address in "host order" or "network order", or of an enum."""
-    if c_type == "uint32_t" and (match := re.search(r"IPv4 (?:\w+ )?address|in (host|network) (?:byte )?order", comment)):
+    if c_type == "uint32_t" and re.search(r"IPv4 (?:\w+ )?address|in (?:host|network) (?:byte )?order", comment):
         return "network order" if "network" in comment else "host order"
     for word, star in re.findall(r"(\w+)(\*?)", comment):
         for name, (_, _, enumerators) in interface.enums.items():

@@ -126,7 +126,8 @@ def lines_of(interface):
                 pointer = " | None" if c_type.endswith("*") else ""
                 lines.append(f"    {field}: typing.Any" if count or note or pointer else f"    {field}: int")
             if not (has_data and field == "length") and c_type not in ("char*", "const char*"):
-                given.append(f"{field}: {type_in(interface, c_type, note, count)}{' | None' if c_type.endswith('*') else ''} = ...")
+                nothing = " | None" if c_type.endswith("*") else ""
+                given.append(f"{field}: {type_in(interface, c_type, note, count)}{nothing} = ...")
         lines.append(f"    def __init__(self, *, {', '.join(given)}) -> None: ...")
     lines.append("")
     for name, (_, kind, c_type, _, _, parameters, _) in interface.functions.items():

@@ -32,7 +32,7 @@ class AccessSwitch:
         sai.sai_register_link_service(self._link_changed)
 
     def apply(self, vlans: dict[int, Vlan], denied: list[Deny] | None = None) -> None:
-        """Makes the chip as described. What fails leaves the chip as it was before the VLAN, or the rule, in question."""
+        """Makes the chip as described. A VLAN or a rule that fails leaves nothing of itself behind."""
         for vid in set(self.vlans) - set(vlans):
             sai.sai_vlan_destroy(self.unit, vid)
             del self.vlans[vid]

@@ -43,10 +43,10 @@ def test_only_what_differs_changes_the_chip(switch, chip, sdk_journal):
 
 
 @pytest.mark.parametrize("call", ["bcm_vlan_port_add", "bcm_port_untagged_vlan_set"])
-def test_a_vlan_that_cannot_be_made_leaves_nothing(switch, chip, sai_log, call):
+def test_a_vlan_that_cannot_be_made_leaves_nothing(switch, chip, library_log, call):
     with sai.fault(call, "BCM_E_RESOURCE", nth=2) as fault, pytest.raises(sai.SaiError):
         switch.apply({10: VLANS[10]})
-    assert fault.met and sai_log.met
+    assert fault.met and library_log.met
     assert [row.vlan for row in chip.table("vlan")] == [1]
 
 

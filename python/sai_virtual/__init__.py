@@ -1,8 +1,8 @@
 """libsai.so and the virtual chip for tests in Python.
 
 The module has every function, record and constant of sai.h and of the virtual chip's headers, swsdk/*.h, under its own
-name, with the header's text: help(sai_virtual.sai_vlan_create). Output arguments are left out and returned as the call's
-value; a negative code is raised as SaiError, a refusal of the virtual chip as ChipError:
+name, with the header's text: help(sai_virtual.sai_vlan_create). Output arguments are left out and returned as the
+call's value; a negative code is raised as SaiError, a refusal of the virtual chip as ChipError:
 
     import sai_virtual as sai
 

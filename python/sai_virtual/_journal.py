@@ -63,8 +63,8 @@ class Journal:
 
 
 class Fault:
-    """Makes the nth call of an SDK function return `code`; every call with nth=0. A fault inside another one of the same
-    function takes its place for that time. `met` tells whether a call has hit it."""
+    """Makes the nth call of an SDK function return `code`; every call with nth=0. A fault inside another one of the
+    same function takes its place for that time. `met` tells whether a call has hit it."""
 
     _active: dict[str, list["Fault"]] = {}
 

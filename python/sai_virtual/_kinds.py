@@ -87,7 +87,7 @@ def integer_kind(c_type: str, note: str | None = None, limits: tuple[int, int] |
     c_integer = INTEGERS[c_type]
 
     def convert(value: object) -> typing.Any:
-        number = operator.index(_named(value, note))  # type: ignore[arg-type]
+        number = int.__index__(operator.index(_named(value, note)))  # type: ignore[arg-type]
         if not lowest <= number <= highest:
             raise OutOfRange
         return c_integer(number)

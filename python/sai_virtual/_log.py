@@ -29,13 +29,14 @@ class Log:
         self._handle.file = self._file
         FUNCTIONS["sai_log_set_level"](self._handle, CONSTANTS["SAI_LOG_FILE"], self._level)
         self._outer = default_log().value
-        default_log().value = self._handle.address()
+        default_log().value = self._address = self._handle.address()
         return self
 
     def __exit__(self, *_: object) -> None:
         self._ended = self.lines()
-        default_log().value = self._outer
-        FUNCTIONS["close_sai_log"](self._handle)
+        if Handle.is_open(self._address):
+            FUNCTIONS["close_sai_log"](self._handle)
+        default_log().value = self._outer if Handle.is_open(self._outer) else None
         self._file.close()
 
     def lines(self) -> list[str]:

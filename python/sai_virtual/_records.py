@@ -78,8 +78,9 @@ def _pointer_property(cls: type[Record], name: str, is_data: bool) -> property:
 
     def set_bytes(self: Record, value: bytes | None) -> None:
         length: typing.Any = cls.__dict__["length"]
-        raw.__set__(self, (ctypes.c_uint8 * len(value or b"")).from_buffer_copy(value or b""))
-        length.__set__(self, len(value or b""))
+        data = (ctypes.c_uint8 * len(value or b"")).from_buffer_copy(value or b"")
+        raw.__set__(self, data)
+        length.__set__(self, len(data))
 
     def get_record(self: Record) -> Record | None:
         pointer = raw.__get__(self)
@@ -193,6 +194,10 @@ class Handle:
         if pointer is None:
             raise ValueError("this log is closed")
         return pointer.contents
+
+    @classmethod
+    def is_open(cls, address: int | None) -> bool:
+        return address in cls._open
 
     def closed(self) -> None:
         """Its record is not to be used any more."""

@@ -1,9 +1,9 @@
 """Fixtures of pytest for tests of applications: `pytest_plugins = ["sai_virtual.pytest_plugin"]` in conftest.py.
 
 - `chip`: a virtual chip, new for each test. `@pytest.mark.chip(units=2, cold=True)` gives its arguments.
-- `sdk_journal`: the Journal of the test; `sai_log`: its Log.
-- `wire`: the hosts at the chip's ports. Their links are up; what they send are bytes, or packets of Scapy; what they get
-  are packets of Scapy where it is installed, otherwise bytes.
+- `sdk_journal`: the Journal of the test; `library_log`: its Log.
+- `wire`: the hosts at the chip's ports. Their links are up; what they send are bytes, or packets of Scapy; what they
+  get are packets of Scapy where it is installed, otherwise bytes.
 
 The report of a test that fails shows the SDK calls, the library's log, and the ways of the last frames.
 """
@@ -58,7 +58,7 @@ def pytest_configure(config: pytest.Config) -> None:
 
 
 @pytest.fixture
-def sai_log(request: pytest.FixtureRequest) -> collections.abc.Iterator[sai.Log]:
+def library_log(request: pytest.FixtureRequest) -> collections.abc.Iterator[sai.Log]:
     """What the library logs in the test."""
     with sai.Log() as log:
         _look_at(request, "log of the library", log.lines)
@@ -75,7 +75,7 @@ def sdk_journal(request: pytest.FixtureRequest) -> collections.abc.Iterator[sai.
 
 @pytest.fixture
 def chip(
-    request: pytest.FixtureRequest, sai_log: sai.Log, sdk_journal: sai.Journal
+    request: pytest.FixtureRequest, library_log: sai.Log, sdk_journal: sai.Journal
 ) -> collections.abc.Iterator[sai.Chip]:
     """A virtual chip, new for this test."""
     marker = request.node.get_closest_marker("chip")

@@ -24,12 +24,13 @@ EXPECTED = (TypeError, ValueError, sai.SaiError, RuntimeError, AttributeError, s
 LEFT_OUT = {"swsdk_power_off", "swsdk_connect"}
 RECORDS = {name: getattr(sai, name) for name in _interface.RECORDS}
 METHODS = [name for name in vars(sai.Chip) if not name.startswith("_")]
-INTEGERS = (0, 1, 2, 3, 7, 8, 9, 10, 12, 13, 63, 64, 255, 256, 4094, 4095, 4096, 65535, 65536, -1, -2, 2**31 - 1, -(2**31),
-            2**32 - 1, 2**32, 2**63 - 1, 2**63, 2**64 - 1, 2**64, 2**200)
+INTEGERS = (0, 1, 2, 3, 7, 8, 9, 10, 12, 13, 63, 64, 255, 256, 4094, 4095, 4096, 65535, 65536, -1, -2, 2**31 - 1,
+            -(2**31), 2**32 - 1, 2**32, 2**63 - 1, 2**63, 2**64 - 1, 2**64, 2**200)
 MACS = ("02:00:00:00:00:01", "01:00:5e:01:02:03", "33:33:00:00:00:01", "ff:ff:ff:ff:ff:ff", "00:00:00:00:00:00")
 IP4 = ("10.0.0.1", "224.1.2.3", "255.255.255.0", "0.0.0.0", ipaddress.IPv4Address("10.0.0.2"))
 IP6 = ("2001:db8::1", "ff02::1", "::", ipaddress.IPv6Address("ff3e::1"))
-TEXTS = ("", "vlan", "field", "bcm_vlan_create", "bcm_l2_addr_add", "SAI_LOG_ERRORS", "a.rec", "%s%n", "\udcff", "x" * 5000)
+TEXTS = ("", "vlan", "field", "bcm_vlan_create", "bcm_l2_addr_add", "SAI_LOG_ERRORS", "a.rec", "%s%n", "\udcff",
+         "x" * 5000)
 
 
 class Strange:
@@ -105,9 +106,10 @@ class Fuzzer:
 
     def anything(self):
         r = self.random
-        return r.choice((None, True, 1.5, object(), "", b"", [], {}, (), r.randbytes(r.randrange(20)), memoryview(b"abc"), print,
-                         Strange(r.choice(INTEGERS)), Strange(ValueError()), Strange(b"x"), [None], [Strange(1)] * 3, int,
-                         ctypes.c_int(1), ctypes.create_string_buffer(6), self.number(), self.record(r.choice(list(RECORDS))),
+        record = self.record(r.choice(list(RECORDS)))
+        return r.choice((None, True, 1.5, object(), "", b"", [], {}, (), r.randbytes(r.randrange(20)), memoryview(b"abc"),
+                         Strange(r.choice(INTEGERS)), Strange(ValueError()), Strange(b"x"), [None], [Strange(1)] * 3,
+                         ctypes.c_int(1), ctypes.create_string_buffer(6), self.number(), record, [record], print, int,
                          range(5), "1", r.choice(TEXTS), 10**30, -0.0, lambda *_: None))
 
     def arguments(self, name):

@@ -22,7 +22,7 @@ EXCEPT = {
 
 
 def declared(path):
-    """The names in a header, by what they are. Looks at lines alone, so that it does not share the generator's errors."""
+    """The names in a header, by what they are, read in another way than the generator does."""
     text = re.sub(r"/\*.*?\*/", "", path.read_text(encoding="utf-8"), flags=re.S)
     return {
         "function": re.findall(r"^(?!typedef)[A-Za-z][\w *]*?\b(\w+)\(", text, re.M),

@@ -22,11 +22,11 @@ def test_each_test_has_a_chip_of_its_own(chip, sdk_journal):
 def test_the_board_can_be_chosen(chip):
     assert len(chip.table("attribute", 1)) == 4
 
-def test_this_fails(chip, wire, sai_log):
+def test_this_fails(chip, wire, library_log):
     with pytest.raises(sai.SaiError):
         sai.sai_vlan_port_add(0, 30, 1, 0)
     wire.send(1, Ether(src=A, dst=B) / ARP())
-    assert sai_log.lines() == []
+    assert library_log.lines() == []
 """
 
 

@@ -100,6 +100,31 @@ def test_a_log_is_refused_when_it_is_closed(tmp_path):
         sai.sai_log_set_level(None, 3, 0)
 
 
+def test_a_log_that_is_closed_inside_another_one_is_not_used_again():
+    sai.sai_log_default = outer = sai.open_sai_log("test", 0, 0, 0)
+    with sai.Log():
+        sai.close_sai_log(outer)
+    assert sai.sai_log_default is None
+    with sai.Log() as log:
+        sai.sai_err("heard")
+        sai.close_sai_log(sai.sai_log_default)
+    assert log.lines() == ["heard"] and sai.sai_log_default is None
+
+
+class Lying(int):
+    """A number that fits as long as it is compared."""
+
+    def __ge__(self, other):
+        return True
+
+    __le__ = __ge__
+
+
+def test_a_number_is_what_it_is_not_what_it_says():
+    with pytest.raises(ValueError, match="destination must be an integer from 0 to 2"):
+        sai.sai_log_set_level(None, Lying(5), 0)
+
+
 def test_records_compare_by_their_fields_and_show_them():
     one = sai.swsdk_in(port=1, data=b"ab", segments=sai.swsdk_segments(kind="SWSDK_UDP"))
     assert one == sai.swsdk_in(port=1, data=b"ab", segments=sai.swsdk_segments(kind=3)) and one != sai.swsdk_in(port=1)
