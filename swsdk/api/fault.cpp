@@ -99,6 +99,6 @@ void swsdk_fault_clear() {
 
 const char* swsdk_fault_function(int index) {
   for (const api::Replayable& one : api::replayables())
-    if (is_entry_point(one.name) && index-- == 0) return one.name;
+    if (index >= 0 && is_entry_point(one.name) && index-- == 0) return one.name;
   return nullptr;
 }

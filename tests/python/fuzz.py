@@ -17,7 +17,7 @@ import time
 import sai_virtual as sai
 from sai_virtual import _interface
 
-FIXED_SEEDS = range(1, 13)
+FIXED_SEEDS = range(1, 41)
 CALLS = 400
 EXPECTED = (TypeError, ValueError, sai.SaiError, RuntimeError, AttributeError, sai.Difference)
 # By itself, it would end what the log and the chips of a seed are.
@@ -31,6 +31,13 @@ IP4 = ("10.0.0.1", "224.1.2.3", "255.255.255.0", "0.0.0.0", ipaddress.IPv4Addres
 IP6 = ("2001:db8::1", "ff02::1", "::", ipaddress.IPv6Address("ff3e::1"))
 TEXTS = ("", "vlan", "field", "bcm_vlan_create", "bcm_l2_addr_add", "SAI_LOG_ERRORS", "a.rec", "%s%n", "\udcff",
          "x" * 5000)
+
+
+LIKELY = {
+    "port": range(14), "vid": (1, 10, 11, 4095), "vlan": (0, 1, 10, 11, 4095), "stg": (1, 2), "trunk": (0, 1, 2),
+    "tid": (0, 1, 2), "session": (0, 1, 2), "direction": (0, 1), "enable": (0, 1), "prio": range(9), "group": range(8),
+    "entry": range(8), "policer": range(4), "index": range(4), "count": range(9), "flags": range(32),
+}
 
 
 class Strange:
@@ -54,7 +61,10 @@ class Fuzzer:
         self.logs = []
         self.results = [1, 2, 3]
 
-    def number(self):
+    def number(self, name=""):
+        """Mostly one that there is something for: a port, a VLAN, what a call has returned."""
+        if self.random.random() < 0.7 and (likely := next((LIKELY[word] for word in LIKELY if word in name), None)):
+            return self.random.choice(likely)
         return self.random.choice((self.random.randrange(14), self.random.choice(INTEGERS),
                                    self.random.choice(self.results), self.random.randrange(1, 4096)))
 
@@ -70,10 +80,10 @@ class Fuzzer:
         fields = {}
         for field, c_type, count, note in _interface.RECORDS[name][1]:
             if self.random.random() < 0.6:
-                fields[field] = self.value(c_type, count, note)
+                fields[field] = self.value(c_type, count, note, field)
         return RECORDS[name](**fields)
 
-    def value(self, c_type, count=None, note=None):
+    def value(self, c_type, count=None, note=None, name=""):
         """What mostly fits."""
         r = self.random
         base = c_type.removeprefix("const ").rstrip("*")
@@ -93,7 +103,7 @@ class Fuzzer:
             return self.callback()
         if c_type in ("const void*", "const uint8_t*"):
             return self.frame()
-        return r.choice(TEXTS) if "char" in c_type else self.number()
+        return r.choice(TEXTS) if "char" in c_type else self.number(name)
 
     def callback(self):
         def call(*_):
@@ -107,7 +117,7 @@ class Fuzzer:
     def anything(self):
         r = self.random
         record = self.record(r.choice(list(RECORDS)))
-        return r.choice((None, True, 1.5, object(), "", b"", [], {}, (), r.randbytes(r.randrange(20)), memoryview(b"abc"),
+        return r.choice((None, True, 1.5, object(), "", b"", [], {}, (), r.randbytes(r.randrange(20)), memoryview(b"a"),
                          Strange(r.choice(INTEGERS)), Strange(ValueError()), Strange(b"x"), [None], [Strange(1)] * 3,
                          ctypes.c_int(1), ctypes.create_string_buffer(6), self.number(), record, [record], print, int,
                          range(5), "1", r.choice(TEXTS), 10**30, -0.0, lambda *_: None))
@@ -120,10 +130,12 @@ class Fuzzer:
             elif role == "data" and c_type != "const void*":
                 yield parameter, [self.value(c_type) for _ in range(self.random.randrange(5))]
             elif role in ("in", "needed", "inout", "data"):
-                yield parameter, self.value(c_type.rstrip("*") if role == "inout" else c_type, None, note)
+                yield parameter, self.value(c_type.rstrip("*") if role == "inout" else c_type, None, note, parameter)
 
     def one_call(self):
         r = self.random
+        if r.random() < 0.15:
+            return "send", sai.Chip.send, [r.randrange(13), self.frame()], {}
         if r.random() < 0.1:
             name = r.choice(METHODS)
             return name, getattr(sai.Chip, name), [self.anything() for _ in range(r.randrange(4))], {}
@@ -150,10 +162,12 @@ class Fuzzer:
             for port in range(1, 13):
                 with contextlib.suppress(*EXPECTED):
                     chip.link(port, True)
+            if self.random.random() < 0.5:
+                sai.sai_switch_chip_init("02:00:00:00:00:01")
             for _ in range(CALLS):
                 self.step()
-                if sai.swsdk_starts(0) == 0:  # a replay has switched it off
-                    break
+                if sai.swsdk_starts(0) == 0:
+                    chip.__enter__()  # a replay has switched it off
         sai.swsdk_listen_end()
         for handle in self.logs:
             with contextlib.suppress(*EXPECTED):

@@ -7,6 +7,7 @@
 #include <swsdk/chip.h>
 #include <swsdk/journal.h>
 
+#include <limits>
 #include <set>
 #include <string>
 
@@ -112,7 +113,7 @@ TEST_F(Fault, NamesEveryFunctionThatItCanMeet) {
     EXPECT_FALSE(names.contains(none)) << none;
     EXPECT_EQ(swsdk_fault_inject(none, BCM_E_BUSY, 1), -1) << none;
   }
-  EXPECT_EQ(swsdk_fault_function(-1), nullptr);
+  for (const int index : {-1, std::numeric_limits<int>::min()}) EXPECT_EQ(swsdk_fault_function(index), nullptr);
 }
 
 TEST_F(Fault, TakesThePlaceOfAnEarlierOne) {
