@@ -20,9 +20,9 @@ def main(sai_header, sdk_folder, output):
     lines = ['"""Made from the headers by generate.py."""']
     for name in ("constants", "enums", "records", "handlers", "functions"):
         lines += table(name.upper(), getattr(interface, name))
-    folder = pathlib.Path(output)
-    (folder / "_interface.py").write_text("\n".join(lines) + "\n", encoding="utf-8")
-    (folder / "__init__.pyi").write_text("\n".join(stubs.lines_of(interface)) + "\n", encoding="utf-8")
+    files = {"_interface.py": lines, "_interface.pyi": stubs.TABLES, "__init__.pyi": stubs.lines_of(interface)}
+    for name, of_it in files.items():
+        (pathlib.Path(output) / name).write_text("\n".join(of_it) + "\n", encoding="utf-8")
 
 
 if __name__ == "__main__":

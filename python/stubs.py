@@ -1,6 +1,10 @@
 """The type hints of what is made from the headers, as the lines of a stub file."""
 import headers
 
+# Checkers take seconds to infer the types of the tables themselves.
+TABLES = ["import typing", ""] + [
+    f"{name}: dict[str, typing.Any]" for name in ("CONSTANTS", "ENUMS", "RECORDS", "HANDLERS", "FUNCTIONS")
+]
 BEGIN = '''"""Made from the headers by generate.py."""
 import collections.abc
 import enum

@@ -157,8 +157,7 @@ def _record(name: str, comment: str, fields: list[tuple[str, str, int | None, st
 
 RECORDS: dict[str, type[Record]] = {}
 POINTERS: dict[str, typing.Any] = {}
-_described: dict[str, typing.Any] = dict(_interface.RECORDS)
-for _name, _of_it in _described.items():
+for _name, _of_it in _interface.RECORDS.items():
     RECORDS[_name] = _class = _record(_name, *_of_it)
     POINTERS[_name + "*"] = POINTERS[f"const {_name}*"] = ctypes.POINTER(_class)
     KINDS[_name] = _instance_kind(f"a {_name}", _class, itself)._replace(is_pointer=False)

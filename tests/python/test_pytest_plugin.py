@@ -1,5 +1,4 @@
 """The fixtures of the plugin, and what the report of a failed test shows."""
-pytest_plugins = ["pytester"]
 
 TEST = """
 import pytest
