@@ -1,6 +1,6 @@
 """Reads the interface's headers: constants, records, callbacks and functions, each with its comment.
 
-What C cannot say stands in the comments, in words that every header uses: the lists below are these words.
+What C cannot say stands in the comments: parameter_of(), kind_of() and note_on() have the words for it.
 """
 import dataclasses
 import re

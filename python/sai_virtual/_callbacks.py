@@ -48,7 +48,7 @@ def _tell(function: typing.Callable[..., object], arguments: list[object]) -> No
     _here.callbacks = getattr(_here, "callbacks", 0) + 1
     try:
         function(*arguments)
-    except BaseException as failure:  # pylint: disable=broad-except
+    except BaseException as failure:
         _failures.append(failure)
     finally:
         _here.callbacks -= 1
@@ -80,7 +80,7 @@ def c_function(c_type: str, function: typing.Callable[..., object]) -> typing.An
     try:
         hash(function)  # methods are new objects each time, and equal
         key: tuple[str, object] = (c_type, function)
-    except Exception:  # pylint: disable=broad-except
+    except Exception:
         key = c_type, id(function)
     if key not in _kept:
         takes = [c_type != "void*" for _, c_type in _interface.HANDLERS[c_type]]

@@ -34,7 +34,7 @@ class Capture:
         self.frames: list[typing.Any] = []
 
     def __enter__(self) -> "Capture":
-        FUNCTIONS["swsdk_frame_handle"](self._unit, _took)  # again, as the chip may have been switched off meanwhile
+        FUNCTIONS["swsdk_frame_handle"](self._unit, Capture._add)  # again, as the chip may have been switched off meanwhile
         self._active.setdefault(self._unit, []).append(self)
         return self
 
@@ -51,13 +51,9 @@ class Capture:
         self.frames = []
 
     @classmethod
-    def add(cls, unit: int, out: typing.Any) -> None:
+    def _add(cls, unit: int, out: typing.Any) -> None:
         for capture in cls._active.get(unit, []):
             capture.frames.append(out)
-
-
-def _took(unit: int, out: typing.Any) -> None:
-    Capture.add(unit, out)
 
 
 def send(port: int, frame: typing.Any, unit: int = 0) -> Sent:

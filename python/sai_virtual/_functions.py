@@ -45,16 +45,18 @@ class ChipError(ValueError):
         super().__init__(f"{function}({arguments}): {reason}")
 
 
-class _Parameter(typing.NamedTuple):
-    name: str
-    c_type: str
-    role: str  # see headers.py
-    note: str | None
-    limits: tuple[int, int] | None
+class _Parameter:
+    def __init__(self, function: str, name: str, c_type: str, role: str, note: str | None,
+                 limits: tuple[int, int] | None) -> None:
+        self.name, self.c_type, self.role = name, c_type, role  # roles: see headers.py
+        self.where = f"{function}: {name}"
+        self.is_given = role in ("in", "needed", "inout", "data")
+        c_type = c_type.rstrip("*") if role == "inout" else c_type
+        self.kind: Kind | None = integer_kind(c_type, note, limits) if c_type in INTEGERS else KINDS.get(c_type)
 
-    def kind(self) -> Kind:
-        c_type = self.c_type.rstrip("*") if self.role == "inout" else self.c_type
-        return integer_kind(c_type, self.note, self.limits) if c_type in INTEGERS else KINDS[c_type]
+    def converted(self, value: object) -> typing.Any:
+        assert self.kind is not None
+        return converted(self.kind, self.where, value, nullable=self.role != "needed")
 
     def room(self) -> typing.Any:
         """For what C writes: a number, a record, an array of numbers, or as many records as the chip can have."""
@@ -114,13 +116,15 @@ class _Function:
                  parameters: list[typing.Any], comment: str) -> None:
         self.name, self.kind, self.refusal, self.not_in_callbacks = name, kind, refusal, not_in_callbacks
         self.comment = comment
-        self.parameters = [_Parameter(*parameter) for parameter in parameters]
-        self.given = [p.name for p in self.parameters if p.role in ("in", "needed", "inout", "data")]
+        self.parameters = [_Parameter(name, *parameter) for parameter in parameters]
+        self.given = [p.name for p in self.parameters if p.is_given]
         self.function = getattr(_LIBRARIES[library], name)
         self.function.restype = _RETURNED[returned]
 
     def bound(self, values: tuple[typing.Any, ...], named: dict[str, typing.Any]) -> dict[str, typing.Any]:
         """The arguments by name."""
+        if len(values) == len(self.given) and not named:
+            return dict(zip(self.given, values))
         wrong = f"{self.name}({', '.join(self.given)}) "
         if len(values) + len(named) != len(self.given):
             raise TypeError(f"{wrong}takes {len(self.given)} arguments, not {len(values) + len(named)}")
@@ -138,11 +142,10 @@ class _Function:
         result: list[typing.Any] = []
         room_size = _MOVED_ROOM if self.kind == "moved" else _TEXT_ROOM
         for p in self.parameters:
-            where = f"{self.name}: {p.name}"
             if p.role in ("in", "needed"):
-                result.append(converted(p.kind(), where, arguments[p.name], nullable=p.role == "in"))
+                result.append(p.converted(arguments[p.name]))
             elif p.role == "data":
-                result.append(_items(where, p.c_type, arguments[p.name]))
+                result.append(_items(p.where, p.c_type, arguments[p.name]))
             elif p.role == "length":
                 result.append(INTEGERS[p.c_type](0 if result[-1] is None else len(result[-1])))
             elif p.role == "size":
@@ -160,7 +163,7 @@ class _Function:
             else:
                 outputs.append(p.room())
                 if p.role == "inout":
-                    outputs[-1].value = converted(p.kind(), where, arguments[p.name]).value
+                    outputs[-1].value = p.converted(arguments[p.name]).value
                 result.append(outputs[-1] if isinstance(outputs[-1], ctypes.Array) else ctypes.byref(outputs[-1]))
         return result
 

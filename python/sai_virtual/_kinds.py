@@ -41,15 +41,14 @@ def converted(kind: Kind, where: str, value: object, nullable: bool = True) -> t
     nullable = nullable and kind.is_pointer
     if value is None and nullable:
         return None
-    wanted = f"{where} must be {kind.wanted}{' or None' if nullable else ''}"
     try:
         return kind.convert(value)
-    except TypeError:
-        raise TypeError(f"{wanted}, not {type(value).__name__}") from None
-    except OutOfRange:
-        raise OutOfRange(f"{wanted}, not {reprlib.repr(value)}") from None
-    except ValueError:
-        raise ValueError(f"{wanted}, not {reprlib.repr(value)}") from None
+    except (TypeError, ValueError) as error:
+        wanted = f"{where} must be {kind.wanted}{' or None' if nullable else ''}"
+        if isinstance(error, TypeError):
+            raise TypeError(f"{wanted}, not {type(value).__name__}") from None
+        rejected = OutOfRange if isinstance(error, OutOfRange) else ValueError
+        raise rejected(f"{wanted}, not {reprlib.repr(value)}") from None
 
 
 # -------------------------------------------------------------------------------------------------------- numbers ----
@@ -119,11 +118,8 @@ def _text(value: object) -> object:
 
 
 def _data(value: typing.Any) -> bytes:
-    is_number = isinstance(value, (str, int, collections.abc.Sequence)) and not isinstance(
-        value, (bytes, bytearray, memoryview)
-    )
-    if is_number or not (hasattr(value, "__bytes__") or isinstance(value, (bytes, bytearray, memoryview))):
-        raise TypeError
+    if not isinstance(value, (bytes, bytearray, memoryview)) and not hasattr(value, "__bytes__"):
+        raise TypeError  # bytes() would take numbers as well
     return bytes(value)
 
 

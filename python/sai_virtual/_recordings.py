@@ -5,7 +5,7 @@ from ._functions import FUNCTIONS, ChipError
 from ._constants import CONSTANTS
 
 
-class recording:  # pylint: disable=invalid-name
+class recording:
     """Records every SDK call to a file. The chip must be off at the start."""
 
     def __init__(self, path: str | os.PathLike[str]) -> None:

@@ -246,6 +246,14 @@ def test_a_chip_of_another_process_is_left_as_it_is(tmp_path):
             sai.sai_register_link_service(handler)
             chip.link(3, False)
             assert ports[-1] == 3
+            for port in (1, 2):
+                sai.sai_vlan_port_add(0, 1, port, 0)
+                chip.link(port, True)
+            frame = bytes.fromhex("0200000000020200000000019000").ljust(60, b"\0")
+            assert chip.send(1, frame).at(2) == [frame]
+            with sai.fault("bcm_vlan_create", sai.BCM_E_FULL) as fault, pytest.raises(sai.SaiError):
+                sai.sai_vlan_create(0, 11)
+            assert fault.met
         with sai.Chip(path) as chip:
             assert "\n10 " in chip.show("vlan")
         server.terminate()
