@@ -7,6 +7,38 @@ from ._functions import FUNCTIONS
 Row = typing.Any  # one of the classes of sai_virtual.tables
 
 
+def _items(cell: str) -> list[str]:
+    return [] if cell == "-" else cell.strip("{}").split(",") if cell.strip("{}") else []
+
+
+def _ports(cell: str) -> tables.Ports:
+    ranges = [tuple(map(int, item.split("-"))) for item in _items(cell)]
+    return frozenset(port for ends in ranges for port in range(ends[0], ends[-1] + 1))
+
+
+def _number(cell: str) -> int:
+    return int(cell, 0)
+
+
+def _number_or_word(cell: str) -> int | str:
+    return int(cell) if cell.removeprefix("-").isdigit() else cell
+
+
+VALUES: dict[typing.Any, typing.Callable[[str], typing.Any]] = {
+    bool: lambda cell: cell in ("yes", "on"),
+    float: float,
+    int: _number,
+    str: str,
+    int | str: _number_or_word,
+    int | str | None: lambda cell: None if cell == "-" else _number_or_word(cell),
+    tables.Names: lambda cell: tuple(_items(cell)),
+    tables.Numbers: lambda cell: tuple(map(int, _items(cell))),
+    tables.Ports: _ports,
+    int | None: lambda cell: None if cell == "-" else _number(cell),
+    str | None: lambda cell: None if cell == "-" else cell,
+}
+
+
 def names() -> list[str]:
     found: list[str] = []
     while (name := FUNCTIONS["swsdk_show_table"](len(found))) is not None:
@@ -28,7 +60,7 @@ def rows(table: str, unit: int = 0) -> list[Row]:
     row = tables.ROWS.get(table)
     if row is None:  # a table that is newer than this module
         return [dict(zip(headings, line)) for line in lines]
-    convert = [tables.VALUES[hint] for hint in typing.get_type_hints(row).values()]
+    convert = [VALUES[hint] for hint in typing.get_type_hints(row).values()]
     return [row(*(to(cell) for to, cell in zip(convert, line))) for line in lines]
 
 

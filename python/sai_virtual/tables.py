@@ -7,38 +7,6 @@ Ports = frozenset[int]
 Place = int | str  # a port's number, "trunk 5" or "virtual port 7"
 
 
-def _items(cell: str) -> list[str]:
-    return [] if cell == "-" else cell.strip("{}").split(",") if cell.strip("{}") else []
-
-
-def _ports(cell: str) -> Ports:
-    ranges = [tuple(map(int, item.split("-"))) for item in _items(cell)]
-    return frozenset(port for ends in ranges for port in range(ends[0], ends[-1] + 1))
-
-
-def _number(cell: str) -> int:
-    return int(cell, 0)
-
-
-def _number_or_word(cell: str) -> int | str:
-    return int(cell) if cell.removeprefix("-").isdigit() else cell
-
-
-VALUES: dict[typing.Any, typing.Callable[[str], typing.Any]] = {
-    bool: lambda cell: cell in ("yes", "on"),
-    float: float,
-    int: _number,
-    str: str,
-    int | str: _number_or_word,
-    int | str | None: lambda cell: None if cell == "-" else _number_or_word(cell),
-    Names: lambda cell: tuple(_items(cell)),
-    Numbers: lambda cell: tuple(map(int, _items(cell))),
-    Ports: _ports,
-    int | None: lambda cell: None if cell == "-" else _number(cell),
-    str | None: lambda cell: None if cell == "-" else cell,
-}
-
-
 class Attribute(typing.NamedTuple):
     port: int
     enabled: bool
@@ -51,6 +19,10 @@ class Attribute(typing.NamedTuple):
     pause: Names
     frame_max: int
     gap: int
+
+
+class Clock(typing.NamedTuple):
+    nanoseconds: int
 
 
 class Control(typing.NamedTuple):
@@ -169,6 +141,13 @@ class MacVlan(typing.NamedTuple):
     mac: str
     vlan: int
     priority: int
+
+
+class Meter(typing.NamedTuple):
+    meter: str
+    number: int
+    left: int
+    at: int
 
 
 class Mirror(typing.NamedTuple):
@@ -297,10 +276,11 @@ class VirtualPort(typing.NamedTuple):
 
 
 ROWS: dict[str, typing.Any] = {
-    "attribute": Attribute, "control": Control, "counters": Counter, "drops": Drop, "egress": EgressObject,
-    "field": FieldEntry, "filter": Filter, "forwarding": Forwarding, "host": Host, "interface": Interface,
-    "ipmc": MulticastRoute, "l2cache": L2CacheEntry, "learnlimit": LearnLimit, "led": Led, "mac": Mac,
-    "macvlan": MacVlan, "mirror": Mirror, "multicast": MulticastGroup, "netif": NetworkInterface, "phy": Phy,
-    "policer": Policer, "port": Port, "rate": Rate, "route": Route, "stp": SpanningTree, "subnetvlan": SubnetVlan,
-    "temperature": Temperature, "translation": Translation, "trunk": Trunk, "vlan": Vlan, "vport": VirtualPort,
+    "attribute": Attribute, "clock": Clock, "control": Control, "counters": Counter, "drops": Drop,
+    "egress": EgressObject, "field": FieldEntry, "filter": Filter, "forwarding": Forwarding, "host": Host,
+    "interface": Interface, "ipmc": MulticastRoute, "l2cache": L2CacheEntry, "learnlimit": LearnLimit, "led": Led,
+    "mac": Mac, "macvlan": MacVlan, "meter": Meter, "mirror": Mirror, "multicast": MulticastGroup,
+    "netif": NetworkInterface, "phy": Phy, "policer": Policer, "port": Port, "rate": Rate, "route": Route,
+    "stp": SpanningTree, "subnetvlan": SubnetVlan, "temperature": Temperature, "translation": Translation,
+    "trunk": Trunk, "vlan": Vlan, "vport": VirtualPort,
 }

@@ -168,6 +168,10 @@ class Fuzzer:
                 self.step()
                 if sai.swsdk_starts(0) == 0:
                     chip.__enter__()  # a replay has switched it off
+            try:
+                chip.snapshot()
+            except EXPECTED as error:
+                raise AssertionError("the tables cannot be read") from error
         sai.swsdk_listen_end()
         for handle in self.logs:
             with contextlib.suppress(*EXPECTED):

@@ -64,13 +64,13 @@ def test_a_watch_tells_the_ways_of_frames(chip):
 
 
 def test_every_table_has_a_class_with_its_columns():
-    assert set(sai.Chip.tables()) == set(tables.ROWS)
     with sai.Log(), sai.Chip() as chip:
-        for name, row in tables.ROWS.items():
+        for name in chip.tables():
+            row = tables.ROWS[name]
             headings = _tables.cells(chip.show(name))[0]
             fields = [re.sub(r"\W+", "_", heading.lower()) for heading in headings]
             assert [field.rstrip("_") for field in row._fields] == fields, name
-            assert set(typing.get_type_hints(row).values()) <= set(tables.VALUES), name
+            assert set(typing.get_type_hints(row).values()) <= set(_tables.VALUES), name
 
 
 def test_tables_are_lists_of_typed_rows(chip):
