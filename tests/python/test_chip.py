@@ -131,6 +131,9 @@ def test_what_happens_to_the_chip(chip):
 def test_the_host_beside_the_chip(chip):
     sai.sai_knet_netif_init(0, 1, "eth9", "02:00:00:00:00:09")
     assert [(netif.name, bytes(netif.mac)[-1]) for netif in chip.interfaces()] == [("eth9", 9)]
+    sai.sai_knet_netif_init(0, 2, "a  b", "02:00:00:00:00:0a")
+    sai.sai_knet_netif_init(0, 3, "a\nb", "02:00:00:00:00:0b")
+    assert [row.name for row in chip.table("netif")] == ["eth9", "a  b", '"a\\nb"']
     sai.sai_knet_ktag_set(36997, 5)
     assert len(chip.kernel_commands()) == 1 and isinstance(chip.kernel_commands()[0], bytes)
 
