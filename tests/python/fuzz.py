@@ -29,8 +29,8 @@ INTEGERS = (0, 1, 2, 3, 7, 8, 9, 10, 12, 13, 63, 64, 255, 256, 4094, 4095, 4096,
 MACS = ("02:00:00:00:00:01", "01:00:5e:01:02:03", "33:33:00:00:00:01", "ff:ff:ff:ff:ff:ff", "00:00:00:00:00:00")
 IP4 = ("10.0.0.1", "224.1.2.3", "255.255.255.0", "0.0.0.0", ipaddress.IPv4Address("10.0.0.2"))
 IP6 = ("2001:db8::1", "ff02::1", "::", ipaddress.IPv6Address("ff3e::1"))
-TEXTS = ("", "vlan", "field", "bcm_vlan_create", "bcm_l2_addr_add", "SAI_LOG_ERRORS", "a.rec", "%s%n", "\udcff", "a\n  b",
-         "x" * 5000)
+TEXTS = ("", "vlan", "field", "bcm_vlan_create", "bcm_l2_addr_add", "SAI_LOG_ERRORS", "a.rec", "%s%n", "\udcff",
+         "a\n  b", "x" * 5000)
 
 
 LIKELY = {
