@@ -4,6 +4,7 @@
 #include <execinfo.h>
 #include <swsdk/fault.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
@@ -18,14 +19,16 @@
 
 namespace {
 
-struct Fault {
-  int code;
-  int calls_to_go;  // 1: the next call fails; SWSDK_FAULT_EVERY_CALL: all do
-};
+constexpr int spent = -1;
 
 std::mutex faults_lock;
-std::map<std::string, Fault, std::less<>> faults;  // guarded by `faults_lock`
-std::atomic<bool> any_fault = false;               // so that a call without faults takes no lock
+std::map<std::string, swsdk_fault, std::less<>> faults;  // guarded by `faults_lock`
+std::atomic<bool> any_fault = false;  // one that can still hit a call, so that a call without takes no lock
+
+/// After a change of the faults, which are locked.
+void look_for_any() {
+  any_fault = std::any_of(faults.begin(), faults.end(), [](const auto& one) { return one.second.nth != spent; });
+}
 
 /// The control interface acts on the chip from outside, so no fault applies to it.
 bool is_entry_point(std::string_view name) { return !name.starts_with("swsdk_"); }
@@ -58,13 +61,15 @@ std::optional<int> api::next_fault(const char* function) {
   const std::lock_guard guard(faults_lock);
   const auto found = faults.find(function);
   if (found == faults.end()) return std::nullopt;
-  Fault& fault = found->second;
-  const int code = fault.code;
-  if (fault.calls_to_go == SWSDK_FAULT_EVERY_CALL) return code;
-  if (--fault.calls_to_go > 0) return std::nullopt;
-  faults.erase(found);
-  any_fault = !faults.empty();
-  return code;
+  swsdk_fault& fault = found->second;
+  if (fault.nth == spent) return std::nullopt;
+  if (fault.nth != SWSDK_FAULT_EVERY_CALL) {
+    if (--fault.nth > 0) return std::nullopt;
+    fault.nth = spent;
+    look_for_any();
+  }
+  ++fault.hits;
+  return fault.code;
 }
 
 int swsdk_fault_inject(const char* function, int code, int nth) {
@@ -72,7 +77,7 @@ int swsdk_fault_inject(const char* function, int code, int nth) {
     return -1;
   const auto inject = [=] {
     const std::lock_guard guard(faults_lock);
-    faults.insert_or_assign(function, Fault{.code = code, .calls_to_go = nth});
+    faults.insert_or_assign(function, swsdk_fault{.code = code, .nth = nth, .hits = 0});
     any_fault = true;
     return 0;
   };
@@ -86,6 +91,31 @@ void api::log_fault(const char* function) {
   if (file == nullptr) return;
   std::fprintf(file, "%s %s\n", function, function_of_library().c_str());
   std::fclose(file);
+}
+
+int swsdk_fault_get(const char* function, swsdk_fault* fault) {
+  if (function == nullptr || fault == nullptr) return -1;
+  const auto get = [=] {
+    const std::lock_guard guard(faults_lock);
+    const auto found = faults.find(function);
+    if (found == faults.end()) return -1;
+    *fault = found->second;
+    return 0;
+  };
+  return api::ask(__func__, get, -1, function, api::out(fault));
+}
+
+int swsdk_fault_remove(const char* function) {
+  if (function == nullptr) return -1;
+  const auto remove = [=] {
+    const std::lock_guard guard(faults_lock);
+    const auto found = faults.find(function);
+    if (found == faults.end()) return -1;
+    faults.erase(found);
+    look_for_any();
+    return 0;
+  };
+  return api::ask(__func__, remove, -1, function);
 }
 
 void api::clear_faults() {
@@ -104,6 +134,6 @@ void swsdk_fault_clear() {
 
 const char* swsdk_fault_function(int index) {
   for (const api::Replayable& one : api::replayables())
-    if (is_entry_point(one.name) && index-- == 0) return one.name;
+    if (index >= 0 && is_entry_point(one.name) && index-- == 0) return one.name;
   return nullptr;
 }

@@ -519,6 +519,16 @@ std::span<const Field> api::fields(const swsdk_temperature*) {
   return list;
 }
 
+std::span<const Field> api::fields(const swsdk_fault*) {
+  using R = swsdk_fault;
+  static const Field list[] = {
+      field("code", &R::code),
+      field("nth", &R::nth),
+      field("hits", &R::hits),
+  };
+  return list;
+}
+
 std::span<const Field> api::fields(const swsdk_frame*) {
   using R = swsdk_frame;
   static const Field list[] = {

@@ -14,6 +14,7 @@
 #include <bcm/trunk.h>
 #include <bcm/vlan.h>
 #include <swsdk/board.h>
+#include <swsdk/fault.h>
 #include <swsdk/field.h>
 #include <swsdk/frames.h>
 
@@ -78,6 +79,7 @@ std::span<const Field> fields(const bcm_info_t*);
 std::span<const Field> fields(const bcm_port_config_t*);
 std::span<const Field> fields(const swsdk_board*);
 std::span<const Field> fields(const swsdk_temperature*);
+std::span<const Field> fields(const swsdk_fault*);
 std::span<const Field> fields(const swsdk_frame*);
 std::span<const Field> fields(const swsdk_verdict*);
 std::span<const Field> fields(const swsdk_netif*);

@@ -252,6 +252,7 @@ long long api::call_with(const Replayable& function, const Texts& arguments) {
 }
 
 int swsdk_replay(const char* path, swsdk_line_t tell, void* data) {
+  if (path == nullptr || tell == nullptr) return SWSDK_REPLAY_UNREADABLE;
   swsdk_power_off();
   api::forget_pointer_numbers();
   api::capture_recording(true);
@@ -271,6 +272,7 @@ int swsdk_replay(const char* path, swsdk_line_t tell, void* data) {
 }
 
 int swsdk_replay_as_c(const char* path, swsdk_line_t write, swsdk_line_t tell, void* data) {
+  if (path == nullptr || write == nullptr || tell == nullptr) return SWSDK_REPLAY_UNREADABLE;
   std::set<std::string> written;
   const auto write_once = [&](const std::string& text) {
     if (written.insert(text).second) write(text.c_str(), data);

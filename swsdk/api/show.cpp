@@ -2,6 +2,7 @@
 
 #include <bcm/stat.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdio>
 #include <iterator>
@@ -100,10 +101,16 @@ Rows show_filters(const chip::Chip& chip) {
   return rows;
 }
 
+/// A name that anybody may have chosen, on one line.
+std::string shown_name(const std::string& name) {
+  const bool is_plain = std::none_of(name.begin(), name.end(), [](unsigned char c) { return c < ' '; });
+  return is_plain ? name : api::quoted(name);
+}
+
 Rows show_network_interfaces(const chip::Chip& chip) {
   Rows rows{{"id", "name", "MAC", "type", "flags"}};
   for (const auto& [id, netif] : chip.network_interfaces.all())
-    rows.push_back({std::to_string(id), netif.name, mac_text(netif.mac), std::to_string(netif.type),
+    rows.push_back({std::to_string(id), shown_name(netif.name), mac_text(netif.mac), std::to_string(netif.type),
                     api::text(api::hex(netif.flags))});
   return rows;
 }

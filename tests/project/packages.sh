@@ -62,6 +62,7 @@ libsai-dev /usr/include/sai.h
 libsai-dev /usr/lib/$DEB_HOST_MULTIARCH/pkgconfig/sai.pc
 libsai-dev /usr/lib/$DEB_HOST_MULTIARCH/cmake/sai/sai-config.cmake
 libsai-dev /usr/share/doc/libsai-dev/messages.md
+libsai-dev /usr/share/doc/libsai-dev/examples/python/test_access_switch.py
 libsai-dev /usr/share/man/man3/sai_vlan_create.3.gz
 libsai-dev /usr/share/man/man7/sai.7.gz
 swsdk-virtual /usr/bin/saish
@@ -72,6 +73,8 @@ swsdk-virtual /usr/include/bcm/vlan.h
 swsdk-virtual /usr/include/swsdk/journal.h
 swsdk-virtual /usr/lib/$DEB_HOST_MULTIARCH/libswsdk.so
 swsdk-virtual /usr/lib/python3/dist-packages/sai_virtual/__init__.py
+swsdk-virtual /usr/lib/python3/dist-packages/sai_virtual/__init__.pyi
+swsdk-virtual /usr/lib/python3/dist-packages/sai_virtual/py.typed
 swsdk-virtual /usr/share/man/man1/saish.1.gz
 swsdk-virtual /usr/share/man/man1/swsdk-switch.1.gz
 swsdk-virtual /usr/share/man/man1/swsdk-run.1.gz
@@ -116,6 +119,8 @@ import sai_virtual as sai
 with sai.Chip(), sai.Journal() as journal:
     sai.sai_vlan_create(0, 10)
     assert journal.lines()[0] == "bcm_vlan_create(0, 10) = 0", journal.lines()'
+  PYTHONPATH=$root/usr/lib/python3/dist-packages PYTHONDONTWRITEBYTECODE=1 pytest-3 -q -p no:cacheprovider \
+    "$examples/python" >"$work/out" || fail "the tests of examples/python printed: $(cat "$work/out")"
   "$root/usr/bin/swsdk-run" -- "$work/virtual-pkg-config" >"$work/out"
   grep -q 'bcm_vlan_create(0, 10) = 0' "$work/out" || fail "swsdk-run printed: $(cat "$work/out")"
   "$root/usr/bin/swsdk-sweep" --only bcm_vlan_create -- "$work/virtual-pkg-config" >"$work/out" 2>&1 ||

@@ -7,6 +7,7 @@ import array
 import contextlib
 import ctypes
 import decimal
+import tempfile
 
 import sai_virtual as sai
 from sai_virtual import _interface
@@ -36,7 +37,7 @@ VALUES = {
     "ip6": "2001:db8::1",
     "ip6 bytes": bytearray(16),
     "function": print,
-    "C function": sai._sai.sai_vlan_create,
+    "C function": ctypes.CDLL("libsai.so").sai_vlan_create,
     "link handler": sai.link_handler(print),
     "l2 handler": sai.l2_handler(print),
     "C text": ctypes.create_string_buffer(8),
@@ -44,28 +45,35 @@ VALUES = {
     "C pointer": ctypes.pointer(ctypes.c_int(1)),
     "address": ctypes.c_void_p(1),
     "log": LOG,
+    "file": tempfile.TemporaryFile("w"),
     **{name: getattr(sai, name)() for name in _interface.RECORDS},
 }
 SIZES = {f"{sign}int{bits}_t": bits for sign in ("", "u") for bits in (8, 16, 32, 64)}
 TEXTS = {"text", "digits", "mac", "ip6"}
+ALL_BYTES = {"bytes", "mac bytes", "ip6 bytes"}
 # By kind: the names of the values that it takes, and of those that are wrong by their value, not by their type.
 KINDS = {
     "integer": ({"number", "truth"}, {"too large", "too small"}),
+    "named": ({"number", "truth"}, {"too large", "too small", "zero byte"} | TEXTS),
+    "ip4": ({"number", "truth", "text"}, {"too large", "too small", "zero byte", "digits", "mac", "ip6"} | ALL_BYTES),
     "text": (TEXTS | {"bytes", "mac bytes", "null"}, {"zero byte"}),
     "6 bytes": ({"mac", "mac bytes", "null"}, {"text", "digits", "zero byte", "bytes", "ip6", "ip6 bytes"}),
     "16 bytes": ({"ip6", "ip6 bytes", "null"}, {"text", "digits", "zero byte", "bytes", "mac", "mac bytes"}),
-    "other bytes": ({"null"}, {"bytes", "mac bytes", "ip6 bytes"}),
+    "other bytes": ({"null"}, ALL_BYTES),
+    "data": (ALL_BYTES | {"null"}, set()),
     "list": ({"list", "array", "null"}, {"large"}),
     "array": ({"null"}, {"list", "array", "large"}),
-    "stream": ({"number", "truth", "null"}, {"too large", "too small"}),
+    "pair": ({"list", "array", "null"}, {"large"}),
+    "records": ({"null"}, set()),
+    "stream": ({"file", "null"}, set()),
     "unset": (set(), set()),
     "log": ({"log", "null"}, set()),
-    "link handler": ({"link handler", "null"}, set()),
-    "l2 handler": ({"l2 handler", "null"}, set()),
+    "link handler": ({"link handler", "function", "null"}, set()),
+    "l2 handler": ({"l2 handler", "function", "null"}, set()),
+    "frame handler": ({"function", "null"}, set()),
     **{name: ({name, "null"}, set()) for name in _interface.RECORDS},
 }
-KIND_OF_PARAMETER = {
-    **{c_type: "integer" for c_type in SIZES},
+KIND_OF_TYPE = {
     **{f"{const}{name}*": name for name in _interface.RECORDS for const in ("", "const ")},
     **{name: name for name in _interface.RECORDS},
     "char*": "text",
@@ -74,20 +82,28 @@ KIND_OF_PARAMETER = {
     "const uint8_t[16]": "16 bytes",
     "const bcm_ip6_t*": "16 bytes",
     "const int32_t*": "list",
+    "const void*": "data",
     "sai_log_handle*": "log",
     "bcm_linkscan_handler_t": "link handler",
     "sai_l2_event_cb": "l2 handler",
+    "swsdk_frame_handler": "frame handler",
 }
 KIND_OF_FIELD = {
-    **{(c_type, None): "integer" for c_type in SIZES},
-    ("uint8_t", "6"): "6 bytes",
-    ("uint8_t", "16"): "16 bytes",
-    ("uint8_t", "8"): "other bytes",
-    ("int32_t", "3"): "array",
+    ("int32_t", 2): "pair",
+    ("uint8_t", 6): "6 bytes",
+    ("uint8_t", 16): "16 bytes",
+    ("uint8_t", 8): "other bytes",
     ("FILE*", None): "stream",
     ("char*", None): "unset",
     ("const char*", None): "unset",
+    ("const uint8_t*", None): "data",
+    ("char", 16): "text",
 }
+FUNCTIONS = {name: parameters for name, (*_, parameters, _) in _interface.FUNCTIONS.items()}
+
+
+def kind_of_integer(note):
+    return "integer" if note is None else "ip4" if note.endswith(" order") else "named"
 
 
 def check_refused(where, name, value, exceptions, call):
@@ -100,51 +116,60 @@ def check_refused(where, name, value, exceptions, call):
         raise AssertionError(f"{where} took the value {name!r}")
 
 
-def sweep(where, kind, c_type, nullable, call):
+def sweep(where, kind, limits, nullable, call):
     """Calls with every value that the kind does not take; returns how many."""
     taken, malformed = KINDS[kind]
     wrong = [name for name in VALUES if name not in taken or name == "null" and not nullable]
     for name in wrong:
-        exceptions = (OverflowError, ValueError) if name in malformed else TypeError
-        check_refused(where, name, VALUES[name], exceptions, call)
-    if kind == "integer":
-        span = 2 ** SIZES[c_type]
-        beyond = (-1, span) if c_type.startswith("u") else (-span // 2 - 1, span // 2)
-        for value in beyond:
+        check_refused(where, name, VALUES[name], ValueError if name in malformed else TypeError, call)
+    if kind in ("integer", "named", "ip4"):
+        for value in (limits[0] - 1, limits[1] + 1):
             check_refused(where, str(value), value, OverflowError, call)
     return len(wrong)
 
 
+def limits_of(c_type):
+    span = 2 ** SIZES[c_type] if c_type in SIZES else 0
+    return (0, span - 1) if c_type.startswith("u") else (-span // 2, span // 2 - 1)
+
+
 def sweep_function(function, parameters):
-    given = [(p, c_type.rstrip("*") if role == "inout" else c_type, role) for p, c_type, role in parameters
-             if role != "out" and not p.endswith(("_buf", "_len"))]
-    good = [next(v for name, v in VALUES.items() if name in KINDS[KIND_OF_PARAMETER[t]][0] - {"null"})
-            for _, t, _ in given]
+    given = []
+    for name, c_type, role, note, limits in parameters:
+        c_type = c_type.rstrip("*") if role == "inout" else c_type
+        if role in ("in", "needed", "inout", "data"):
+            kind = kind_of_integer(note) if c_type in SIZES else KIND_OF_TYPE[c_type]
+            kind = "records" if role == "data" and kind != "data" else kind
+            is_pointer = c_type.endswith(("*", "]")) or "handler" in kind
+            given.append((name, kind, limits or limits_of(c_type), role in ("in", "data") and is_pointer))
+    good = [next((v for name, v in VALUES.items() if name in KINDS[kind][0] - {"null"}), None) for _, kind, *_ in given]
     count = 0
-    for place, (parameter, c_type, role) in enumerate(given):
+    for place, (parameter, kind, limits, nullable) in enumerate(given):
 
         def call(value):
             return getattr(sai, function)(*good[:place], value, *good[place + 1:])
 
-        nullable = role == "in" and (c_type.endswith(("*", "]")) or "handler" in KIND_OF_PARAMETER[c_type])
-        count += sweep(f"{function}: {parameter}", KIND_OF_PARAMETER[c_type], c_type, nullable, call)
+        count += sweep(f"{function}: {parameter}", kind, limits, nullable, call)
         if nullable:
             print(f"{function}: {parameter} null", flush=True)
-            with contextlib.suppress(sai.SaiError):
+            with contextlib.suppress(sai.SaiError, sai.ChipError):
                 call(None)
     return count
 
 
-def sweep_field(record, field, c_type, size):
+def sweep_field(record, field, c_type, size, note):
     def put(value):
         setattr(VALUES[record], field, value)
 
-    return sweep(f"{record}: {field}", KIND_OF_FIELD[c_type, size], c_type, c_type == "FILE*", put)
+    kind = KIND_OF_FIELD.get((c_type, size)) or ("array" if size else KIND_OF_TYPE.get(c_type) or kind_of_integer(note))
+    if field == "length":
+        kind = "unset"
+    nullable = c_type.endswith("*") and c_type != "const uint8_t*" and kind != "unset" or kind == "data"
+    return sweep(f"{record}: {field}", kind, limits_of(c_type), nullable, put)
 
 
-with sai.Chip():
-    sai.sai_log_set_level(LOG, sai.SAI_LOG_CONSOLE, sai.SAI_LOG_OFF)
-    ctypes.POINTER(sai.sai_log_handle).in_dll(sai._sai, "sai_log_default").contents = LOG.contents
-    by_functions = sum(sweep_function(name, parameters) for name, (_, _, parameters) in _interface.FUNCTIONS.items())
-    by_fields = sum(sweep_field(name, *field) for name, fields in _interface.RECORDS.items() for field in fields)
+with sai.Log(sai.SAI_LOG_OFF), sai.Chip():
+    by_functions = sum(sweep_function(name, parameters) for name, parameters in FUNCTIONS.items())
+    fields = [(name, *field) for name, (_, fields) in _interface.RECORDS.items() for field in fields]
+    by_fields = sum(sweep_field(*field) for field in fields)
 print(f"{by_functions} refused by functions, {by_fields} by fields")

@@ -12,6 +12,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <limits>
 #include <set>
 #include <sstream>
 #include <string>
@@ -48,6 +49,45 @@ TEST_F(Fault, MeetsEveryCallUntilItIsRemoved) {
   EXPECT_EQ(bcm_vlan_create(0, 10), BCM_E_NONE);
 }
 
+std::string told(const char* function) {
+  swsdk_fault fault{};
+  if (swsdk_fault_get(function, &fault) != 0) return "none";
+  return std::to_string(fault.code) + " nth " + std::to_string(fault.nth) + " hits " + std::to_string(fault.hits);
+}
+
+TEST_F(Fault, TellsWhichCallItWaitsForAndHowManyItHasHit) {
+  EXPECT_EQ(told("bcm_vlan_create"), "none");
+  ASSERT_EQ(swsdk_fault_inject("bcm_vlan_create", BCM_E_BUSY, 2), 0);
+  EXPECT_EQ(told("bcm_vlan_create"), "-10 nth 2 hits 0");
+  bcm_vlan_create(0, 10);
+  EXPECT_EQ(told("bcm_vlan_create"), "-10 nth 1 hits 0");
+  bcm_vlan_create(0, 11);
+  EXPECT_EQ(told("bcm_vlan_create"), "-10 nth -1 hits 1");
+  EXPECT_EQ(bcm_vlan_create(0, 11), BCM_E_NONE);
+  EXPECT_EQ(told("bcm_vlan_create"), "-10 nth -1 hits 1");
+  ASSERT_EQ(swsdk_fault_inject("bcm_vlan_create", BCM_E_BUSY, SWSDK_FAULT_EVERY_CALL), 0);
+  for (int i = 0; i < 5; ++i) bcm_vlan_create(0, 12);
+  EXPECT_EQ(told("bcm_vlan_create"), "-10 nth 0 hits 5");
+}
+
+TEST_F(Fault, IsRemovedAloneAndForgotten) {
+  ASSERT_EQ(swsdk_fault_inject("bcm_vlan_create", BCM_E_BUSY, 1), 0);
+  ASSERT_EQ(swsdk_fault_inject("bcm_vlan_destroy", BCM_E_FULL, 1), 0);
+  EXPECT_EQ(swsdk_fault_remove("bcm_vlan_create"), 0);
+  EXPECT_EQ(swsdk_fault_remove("bcm_vlan_create"), -1);
+  EXPECT_EQ(told("bcm_vlan_create"), "none");
+  EXPECT_EQ(bcm_vlan_create(0, 10), BCM_E_NONE);
+  EXPECT_EQ(bcm_vlan_destroy(0, 10), BCM_E_FULL);
+}
+
+TEST_F(Fault, RefusesNullForItsNameAndItsRecord) {
+  ASSERT_EQ(swsdk_fault_inject("bcm_vlan_create", BCM_E_BUSY, 1), 0);
+  swsdk_fault fault{};
+  EXPECT_EQ(swsdk_fault_get(nullptr, &fault), -1);
+  EXPECT_EQ(swsdk_fault_get("bcm_vlan_create", nullptr), -1);
+  EXPECT_EQ(swsdk_fault_remove(nullptr), -1);
+}
+
 TEST_F(Fault, ChangesNothingAndWritesNoOutput) {
   int value = 77;
   ASSERT_EQ(swsdk_fault_inject("bcm_switch_control_get", BCM_E_FAIL, 1), 0);
@@ -79,7 +119,7 @@ TEST_F(Fault, NamesEveryFunctionThatItCanMeet) {
     EXPECT_FALSE(names.contains(none)) << none;
     EXPECT_EQ(swsdk_fault_inject(none, BCM_E_BUSY, 1), -1) << none;
   }
-  EXPECT_EQ(swsdk_fault_function(-1), nullptr);
+  for (const int index : {-1, std::numeric_limits<int>::min()}) EXPECT_EQ(swsdk_fault_function(index), nullptr);
 }
 
 TEST_F(Fault, TakesThePlaceOfAnEarlierOne) {

@@ -40,6 +40,29 @@ int swsdk_fault_inject(const char* function, int code, int nth);
  */
 const char* swsdk_fault_function(int index);
 
+/** A fault, as it is now. */
+typedef struct swsdk_fault {
+  int code; /**< what the call returns */
+  int nth;  /**< the call that it waits for: 1 for the next, #SWSDK_FAULT_EVERY_CALL for all; -1: it has hit its call */
+  int hits; /**< how many calls have hit it */
+} swsdk_fault;
+
+/**
+ * Tells about the fault of a function, also after it has hit its call.
+ *
+ * @param function  its name
+ * @param fault     written when the result is 0
+ * @return 0, or -1 when the function has no fault, or a pointer is null
+ */
+int swsdk_fault_get(const char* function, swsdk_fault* fault);
+
+/**
+ * Removes the fault of one function, and forgets what it has hit.
+ *
+ * @return 0, or -1 when the function has no fault, or function is null
+ */
+int swsdk_fault_remove(const char* function);
+
 /** Removes all faults, including those that are still waiting for their call. */
 void swsdk_fault_clear(void);
 

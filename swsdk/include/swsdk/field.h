@@ -13,9 +13,11 @@
 extern "C" {
 #endif
 
-/** The two stages: for arriving and for departing frames. */
-#define SWSDK_FIELD_INGRESS 0
-#define SWSDK_FIELD_EGRESS 1
+/** The two stages. */
+enum swsdk_field_stage {
+  SWSDK_FIELD_INGRESS = 0, /**< for arriving frames */
+  SWSDK_FIELD_EGRESS = 1,  /**< for departing frames */
+};
 
 /** Maximum number of groups in which a frame can match an entry in one stage. */
 #define SWSDK_FIELD_HITS_MAX 16

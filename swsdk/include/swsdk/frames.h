@@ -17,23 +17,27 @@
 extern "C" {
 #endif
 
-/** Why the CPU gets a frame; several bits can be set. */
-#define SWSDK_CPU_L2_CACHE 0x1u     /**< an entry of the L2 cache */
-#define SWSDK_CPU_PROTOCOL 0x2u     /**< ARP, DHCP, neighbor discovery or reserved multicast, by a switch control */
-#define SWSDK_CPU_L3_MISS 0x4u      /**< the router has no route or host for it */
-#define SWSDK_CPU_L3_ERROR 0x8u     /**< the router cannot forward it */
-#define SWSDK_CPU_FIELD 0x10u       /**< an entry of the field processor */
-#define SWSDK_CPU_LEARNING 0x20u    /**< its source was unknown, or exceeded a learn limit */
-#define SWSDK_CPU_MAC_ENTRY 0x40u   /**< an entry of the MAC table */
-#define SWSDK_CPU_DESTINATION 0x80u /**< it is for the CPU, or flooded to it */
+/** Why the CPU gets a frame: bits, of which several can be set. */
+enum swsdk_cpu_reason {
+  SWSDK_CPU_L2_CACHE = 0x1,     /**< an entry of the L2 cache */
+  SWSDK_CPU_PROTOCOL = 0x2,     /**< ARP, DHCP, neighbor discovery or reserved multicast, by a switch control */
+  SWSDK_CPU_L3_MISS = 0x4,      /**< the router has no route or host for it */
+  SWSDK_CPU_L3_ERROR = 0x8,     /**< the router cannot forward it */
+  SWSDK_CPU_FIELD = 0x10,       /**< an entry of the field processor */
+  SWSDK_CPU_LEARNING = 0x20,    /**< its source was unknown, or exceeded a learn limit */
+  SWSDK_CPU_MAC_ENTRY = 0x40,   /**< an entry of the MAC table */
+  SWSDK_CPU_DESTINATION = 0x80, /**< it is for the CPU, or flooded to it */
+};
 
 /** Names the reason of bit `index` of SWSDK_CPU_*, such as "l2 cache" for 0; null past the last. */
 const char* swsdk_cpu_reason_name(int index);
 
 /** What an aggregate has in it. */
-#define SWSDK_TCP_IP4 1 /**< TCP segments in IPv4 */
-#define SWSDK_TCP_IP6 2 /**< TCP segments in IPv6 */
-#define SWSDK_UDP 3     /**< UDP datagrams */
+enum swsdk_segments_kind {
+  SWSDK_TCP_IP4 = 1, /**< TCP segments in IPv4 */
+  SWSDK_TCP_IP6 = 2, /**< TCP segments in IPv6 */
+  SWSDK_UDP = 3,     /**< UDP datagrams */
+};
 
 /**
  * How an aggregate is cut into frames: many segments of one flow that their sender leaves together, as Linux does for
@@ -77,6 +81,8 @@ int swsdk_frame_handle(int unit, swsdk_frame_handler handler, void* user_data);
 /**
  * The same for a handler that takes aggregates whole. Only swsdk_frames_send() makes them; those for the CPU, and of
  * other processes, are cut.
+ *
+ * @return 0, or -1 when there is no such attached unit
  */
 int swsdk_aggregate_handle(int unit, swsdk_frame_handler handler, void* user_data);
 

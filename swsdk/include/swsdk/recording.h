@@ -49,10 +49,12 @@ int swsdk_record_start(const char* path);
 int swsdk_record_stop(void);
 
 /** Results of repeating a recording. */
-#define SWSDK_REPLAY_SAME 0       /**< every answer was the recorded one */
-#define SWSDK_REPLAY_DIFFERENT 1  /**< an answer was not the recorded one */
-#define SWSDK_REPLAY_UNREADABLE 2 /**< the file cannot be read or is no recording */
-#define SWSDK_REPLAY_INCOMPLETE 3 /**< every answer was the recorded one, but the recording lacks its end */
+enum swsdk_replay_result {
+  SWSDK_REPLAY_SAME = 0,       /**< every answer was the recorded one */
+  SWSDK_REPLAY_DIFFERENT = 1,  /**< an answer was not the recorded one */
+  SWSDK_REPLAY_UNREADABLE = 2, /**< the file cannot be read or is no recording */
+  SWSDK_REPLAY_INCOMPLETE = 3, /**< every answer was the recorded one, but the recording lacks its end */
+};
 
 /** Receives a line of text, or several lines of a program; without the last newline. */
 typedef void (*swsdk_line_t)(const char* line, void* data);
@@ -60,12 +62,12 @@ typedef void (*swsdk_line_t)(const char* line, void* data);
 /**
  * Switches the chips off and repeats the calls of a recording; the chips stay as the last call leaves them. Callbacks
  * are registered as functions that do nothing. Stops at the first answer, result or outputs, that differs. Lines of an
- * unknown kind or function are skipped with a notice.
+ * unknown kind or function are skipped with a notice. Not to be called from a callback.
  *
  * @param path   the recording
  * @param tell   called with notices, and with what is wrong or different, with file and line
  * @param data   passed to it
- * @return one of the SWSDK_REPLAY_ values
+ * @return one of the SWSDK_REPLAY_ values; SWSDK_REPLAY_UNREADABLE also when path or tell is null, and nothing is done
  */
 int swsdk_replay(const char* path, swsdk_line_t tell, void* data);
 
@@ -79,7 +81,7 @@ int swsdk_replay(const char* path, swsdk_line_t tell, void* data);
  * @param tell   called with notices and with what is wrong, with file and line
  * @param data   passed to both
  * @return SWSDK_REPLAY_SAME; SWSDK_REPLAY_INCOMPLETE, and the program makes the recorded calls; or
- *         SWSDK_REPLAY_UNREADABLE, and the program is unusable
+ *         SWSDK_REPLAY_UNREADABLE, also when path or a function is null, and the program is unusable
  */
 int swsdk_replay_as_c(const char* path, swsdk_line_t write, swsdk_line_t tell, void* data);
 

@@ -91,7 +91,7 @@ int swsdk_l3_host_hit(int unit, unsigned address, unsigned hits);
  * Marks a route of layer 3 as used.
  *
  * @param subnet  the route's IPv4 subnet, in host byte order
- * @param mask    the route's mask
+ * @param mask    the route's mask, in host byte order
  * @param hits    as for swsdk_l3_host_hit()
  * @return 0, or -1 when there is no such initialized unit or route
  */

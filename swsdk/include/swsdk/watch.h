@@ -24,8 +24,11 @@
 extern "C" {
 #endif
 
-#define SWSDK_WATCH_ENDS 1 /**< what comes in, what leaves, what is lost and why */
-#define SWSDK_WATCH_WAYS 2 /**< the stages, entries and calls that decided, too */
+/** What a watch tells of a frame. */
+enum swsdk_watch_detail {
+  SWSDK_WATCH_ENDS = 1, /**< what comes in, what leaves, what is lost and why */
+  SWSDK_WATCH_WAYS = 2, /**< the stages, entries and calls that decided, too */
+};
 
 /** How many watches a process can have. */
 #define SWSDK_WATCHES 16

@@ -1,0 +1,1 @@
+pytest_plugins = ["sai_virtual.pytest_plugin"]
