@@ -39,6 +39,7 @@ std::string function_of_library() {
   void* frames[64];
   const int count = backtrace(frames, static_cast<int>(std::size(frames)));
   std::string name = "-";
+  bool is_here = false;  // a sanitizer's backtrace() is in the program, and is the first frame
   for (int i = 0; i < count; ++i) {
     Dl_info info;
     // The address is that of the instruction behind the call.
@@ -47,7 +48,9 @@ std::string function_of_library() {
     const std::string_view file = path.substr(path.rfind('/') + 1);
     if (file.starts_with("libsai.so")) {
       if (info.dli_sname != nullptr) name = info.dli_sname;
-    } else if (!file.starts_with("libswsdk.so")) {
+    } else if (file.starts_with("libswsdk.so")) {
+      is_here = true;
+    } else if (is_here) {
       break;
     }
   }
