@@ -72,6 +72,8 @@ void show(int index) {
   const long length = swsdk_show(0, table, nullptr, 0);
   std::string text(length < 0 ? 0 : static_cast<std::size_t>(length), '\0');
   require(swsdk_show(0, table, text.data(), text.size() + 1) == length, "a table shows differently the second time");
+  require(swsdk_check(0, nullptr, 0) == swsdk_check(0, text.data(), text.size()),
+          "a check finds something else the second time");
 }
 
 /// What happens to a chip beside the calls.

@@ -19,11 +19,6 @@ std::mutex boards_lock;
 swsdk_board chosen_board = factory_board;  // guarded by `boards_lock`
 swsdk_board kept_board = factory_board;    // the same
 
-void choose(const swsdk_board& board) {
-  const std::lock_guard guard(boards_lock);
-  chosen_board = board;
-}
-
 chip::PhyRegisters::Key phy_register(int phy, int device, int reg) {
   return {static_cast<uint32_t>(phy), device, static_cast<uint32_t>(reg)};
 }
@@ -35,6 +30,16 @@ static_assert(SWSDK_PHY_CLAUSE22 == chip::PhyRegisters::clause22);
 swsdk_board api::present_board() {
   const std::lock_guard guard(boards_lock);
   return chosen_board;
+}
+
+void api::choose_board(const swsdk_board& board) {
+  const std::lock_guard guard(boards_lock);
+  chosen_board = board;
+}
+
+bool api::is_board(const swsdk_board& board) {
+  return board.units >= 0 && board.units <= SOC_MAX_NUM_DEVICES && board.ports >= 1 &&
+         board.ports < chip::PortSet::capacity && board.chip_type >= 0;
 }
 
 swsdk_board api::lasting_board() {
@@ -56,17 +61,14 @@ void swsdk_board_get(swsdk_board* board) {
 }
 
 int swsdk_board_set(const swsdk_board* board) {
-  if (board == nullptr) return -1;
-  const bool fits = board->units >= 0 && board->units <= SOC_MAX_NUM_DEVICES && board->ports >= 1 &&
-                    board->ports < chip::PortSet::capacity && board->chip_type >= 0;
+  if (board == nullptr || !api::is_board(*board)) return -1;
   const auto set = [=] {
     const std::lock_guard guard(api::power_lock);
     if (api::attached_units() > 0) return -1;
-    choose(*board);
+    api::choose_board(*board);
     api::record(api::Kind::action, "swsdk_board_set", 0, {api::in(board)});
     return 0;
   };
-  if (!fits) return -1;
   if (api::remote_chip() == nullptr) return set();
   return static_cast<int>(api::call_remote(api::Kind::action, __func__, {api::in(board)}, -1));
 }
@@ -78,7 +80,7 @@ void swsdk_power_off() {
     const std::lock_guard guard(api::power_lock);
     api::stop_event_threads();
     api::power_off_units();
-    choose(api::lasting_board());
+    api::choose_board(api::lasting_board());
     api::clear_faults();
     api::own_journal().record(0);
     api::own_journal().clear();

@@ -14,6 +14,7 @@ api::RemoteChip* api::remote_chip() { return chip_elsewhere.load(std::memory_ord
 void api::set_remote_chip(RemoteChip* chip) { chip_elsewhere = chip; }
 
 void api::record(Kind kind, const char* function, int rv, Arguments arguments) {
+  if (kind == Kind::fault && present_caller() == nullptr) log_fault(function);
   const bool is_sdk_call = kind == Kind::call || kind == Kind::fault;
   // The journal of a chip in another process is there.
   const bool in_journal = is_sdk_call && any_journal_is_recording() && remote_chip() == nullptr;

@@ -273,3 +273,7 @@ struct Describe {
 api::Entry api::entry_of(const chip::Chip& chip, const chip::Decider& decider) {
   return std::visit(Describe{chip}, decider);
 }
+
+std::string api::call_text(const chip::Cause& cause, const std::string& reader) {
+  return "call " + to_string(cause.number) + ": " + (cause.caller == reader ? "" : cause.caller) + cause.line;
+}

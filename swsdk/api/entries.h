@@ -15,4 +15,7 @@ struct Entry {
 
 Entry entry_of(const chip::Chip& chip, const chip::Decider& decider);
 
+/// "call 208: bcm_vlan_create(0, 10) = 0"; the line has its process unless that is the reader.
+std::string call_text(const chip::Cause& cause, const std::string& reader);
+
 }  // namespace api

@@ -1,9 +1,14 @@
 #include "api/fault.h"
 
+#include <dlfcn.h>
+#include <execinfo.h>
 #include <swsdk/fault.h>
 
 #include <algorithm>
 #include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <iterator>
 #include <map>
 #include <mutex>
 #include <string>
@@ -27,6 +32,27 @@ void look_for_any() {
 
 /// The control interface acts on the chip from outside, so no fault applies to it.
 bool is_entry_point(std::string_view name) { return !name.starts_with("swsdk_"); }
+
+/// The exported function of libsai.so by which the application entered it, on this thread's stack. Callbacks of walks
+/// run in the library too, below frames of this one. A function that ends with a jump has no frame.
+std::string function_of_library() {
+  void* frames[64];
+  const int count = backtrace(frames, static_cast<int>(std::size(frames)));
+  std::string name = "-";
+  for (int i = 0; i < count; ++i) {
+    Dl_info info;
+    // The address is that of the instruction behind the call.
+    if (dladdr(static_cast<char*>(frames[i]) - 1, &info) == 0) break;
+    const std::string_view path = info.dli_fname;
+    const std::string_view file = path.substr(path.rfind('/') + 1);
+    if (file.starts_with("libsai.so")) {
+      if (info.dli_sname != nullptr) name = info.dli_sname;
+    } else if (!file.starts_with("libswsdk.so")) {
+      break;
+    }
+  }
+  return name;
+}
 
 }  // namespace
 
@@ -56,6 +82,15 @@ int swsdk_fault_inject(const char* function, int code, int nth) {
     return 0;
   };
   return api::ask(__func__, inject, -1, function, code, nth);
+}
+
+void api::log_fault(const char* function) {
+  const char* const path = std::getenv(SWSDK_FAULT_LOG_VARIABLE);
+  if (path == nullptr || *path == '\0') return;
+  std::FILE* const file = std::fopen(path, "ae");
+  if (file == nullptr) return;
+  std::fprintf(file, "%s %s\n", function, function_of_library().c_str());
+  std::fclose(file);
 }
 
 int swsdk_fault_get(const char* function, swsdk_fault* fault) {

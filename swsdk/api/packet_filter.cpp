@@ -17,7 +17,7 @@ constexpr unsigned load = 0, load_x = 1, store = 2, store_x = 3, arithmetic = 4,
 constexpr unsigned word = 0x00, half = 0x08, byte = 0x10;
 constexpr unsigned constant = 0x00, absolute = 0x20, indirect = 0x40, memory = 0x60, length = 0x80, header = 0xA0;
 constexpr unsigned add = 0x00, subtract = 0x10, multiply = 0x20, divide = 0x30, bit_or = 0x40, bit_and = 0x50,
-                   shift_left = 0x60, shift_right = 0x70, negate = 0x80, modulo = 0x90, bit_xor = 0xA0;
+                   shift_left = 0x60, shift_right = 0x70, modulo = 0x90, bit_xor = 0xA0;
 constexpr unsigned always = 0x00, equal = 0x10, greater = 0x20, at_least = 0x30, has_bits = 0x40;
 constexpr unsigned result_from_a = 0x10;
 constexpr unsigned x_to_a = 0x80;
@@ -81,7 +81,7 @@ std::optional<uint32_t> computed(unsigned operation, uint32_t a, uint32_t operan
       return operand < bits ? a << operand : 0;
     case shift_right:
       return operand < bits ? a >> operand : 0;
-    default:
+    default:  // 0x80: negate
       return 0 - a;
   }
 }

@@ -122,6 +122,7 @@ constexpr CountedArrays all_counted_arrays[] = {
     {"bcm_switch_object_count_multi_get", 1, 2, 3},
     {"bcm_switch_temperature_monitor_get", 1, 2, 2},
     {"bcm_trunk_set", 3, 4, 4},
+    {"swsdk_check", 2, 1, 1},
     {"swsdk_frame_send", 3, 2, 2},
     {"swsdk_journal_read_from", 2, 1, 1},
     {"swsdk_journal_take", 1, 0, 0},

@@ -15,6 +15,7 @@
 #include <swsdk/field.h>
 #include <swsdk/frames.h>
 #include <swsdk/journal.h>
+#include <swsdk/state.h>
 #include <swsdk/watch.h>
 
 #include <array>
@@ -83,9 +84,11 @@ const api::Replayable functions[] = {
     replayable("swsdk_link_event", &swsdk_link_event),
     replayable("swsdk_phy_register_set", &swsdk_phy_register_set),
     replayable("swsdk_power_off", &swsdk_power_off),
+    replayable("swsdk_state_restore", &swsdk_state_restore),
     replayable("swsdk_temperatures_set", &swsdk_temperatures_set),
     // Questions, which only clients of a chip's process ask by their names.
     replayable("swsdk_board_get", &swsdk_board_get),
+    replayable("swsdk_check", &swsdk_check),
     replayable("swsdk_drops", &swsdk_drops),
     replayable("swsdk_events_drain", &swsdk_events_drain),
     replayable("swsdk_fault_clear", &swsdk_fault_clear),
@@ -109,6 +112,7 @@ const api::Replayable functions[] = {
     replayable("swsdk_phy_register_get", &swsdk_phy_register_get),
     replayable("swsdk_show", &swsdk_show),
     replayable("swsdk_starts", &swsdk_starts),
+    replayable("swsdk_state_save", &swsdk_state_save),
 };
 
 }  // namespace

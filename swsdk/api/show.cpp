@@ -250,6 +250,21 @@ Rows show_temperatures(const chip::Chip& chip) {
   return rows;
 }
 
+Rows show_clock(const chip::Chip& chip) { return {{"nanoseconds"}, {std::to_string(chip.now)}}; }
+
+/// The meters of which something was taken: what was left, in bits or packets, after the last that passed.
+Rows show_meters(const chip::Chip& chip) {
+  constexpr const char* kinds[] = {"port ingress",         "port egress", "broadcasts",  "multicasts",
+                                   "unknown destinations", "policer",     "policer peak"};
+  constexpr uint64_t billionths = 1'000'000'000;
+  Rows rows{{"meter", "number", "left", "at"}};
+  chip.meters.for_each([&](chip::Meters::Kind kind, int number, uint64_t level, uint64_t since) {
+    rows.push_back({kinds[static_cast<std::size_t>(kind)], std::to_string(number), std::to_string(level / billionths),
+                    std::to_string(since)});
+  });
+  return rows;
+}
+
 struct Table {
   const char* name;
   Rows (*rows)(const chip::Chip& chip);
@@ -257,6 +272,7 @@ struct Table {
 
 constexpr Table tables[] = {
     {"attribute", show_attributes},
+    {"clock", show_clock},
     {"control", api::show_controls},
     {"counters", show_counters},
     {"drops", show_drops},
@@ -272,6 +288,7 @@ constexpr Table tables[] = {
     {"led", show_leds},
     {"mac", api::show_mac_table},
     {"macvlan", api::show_mac_vlans},
+    {"meter", show_meters},
     {"mirror", api::show_mirrors},
     {"multicast", api::show_multicast_groups},
     {"netif", show_network_interfaces},

@@ -90,8 +90,7 @@ void export_changed(Change change) {
   });
 }
 
-void attach(int number, const swsdk_board& board) {
-  chip::Chip& chip = *api::attach_unit(board.ports).chip;
+void tell_mac_changes(int number, chip::Chip& chip) {
   chip.mac_table.observe([number](chip::MacTable::Change change, const chip::MacEntry& entry) {
     api::tell_mac_change(number, change, entry);
   });
@@ -147,7 +146,8 @@ int sdk_main(int argc, char** argv) {
         const std::lock_guard guard(api::power_lock);
         const swsdk_board board = api::present_board();
         // A second start finds the units attached and changes nothing.
-        while (api::attached_units() < board.units) attach(api::attached_units(), board);
+        for (int unit = api::attached_units(); unit < board.units; ++unit)
+          tell_mac_changes(unit, *api::attach_unit(std::make_unique<chip::Chip>(board.ports)).chip);
         export_changed([&](api::UnitData& data) {
           data.board = board;
           data.attached = api::attached_units();
@@ -169,7 +169,6 @@ int system_init(int unit) {
     const std::lock_guard guard(attached->lock);
     if (!attached->chip) return BCM_E_UNIT;
     attached->chip->reset();
-    attached->pipeline->reset();
     attached->initialized = true;
     api::publish_egress_mode(unit);
     find_links(*attached->chip);
@@ -197,6 +196,31 @@ void api::power_off_units() {
   });
   // What a client switches off stays readable in the process of the chip, as in those of other clients.
   if (present_caller() == nullptr) clear_exported_units();
+}
+
+void api::replace_units(const swsdk_board& board, std::vector<ReadyUnit> units) {
+  const std::lock_guard guard(power_lock);
+  const swsdk_board present = present_board();
+  const bool stay_on = board.units == present.units && board.ports == present.ports &&
+                       board.chip_type == present.chip_type && static_cast<int>(units.size()) == attached_units();
+  if (!stay_on) power_off_units();
+  choose_board(board);
+  UnitData data{.board = board, .attached = static_cast<int>(units.size())};
+  for (std::size_t number = 0; number < units.size(); ++number) {
+    ReadyUnit& ready = units[number];
+    const int unit_number = static_cast<int>(number);
+    tell_mac_changes(unit_number, *ready.chip);
+    const auto& controls = ready.chip->switch_controls;
+    data.l3_egress_modes[number] = controls.is_on(chip::SwitchControlOfChip::l3_egress_mode) ? 1 : 0;
+    Unit& unit = stay_on ? *find_unit(unit_number) : attach_unit(std::move(ready.chip));
+    const std::lock_guard unit_guard(unit.lock);
+    if (stay_on) set_chip(unit, std::move(ready.chip));
+    unit.initialized = ready.initialized;
+  }
+  export_changed([&](UnitData& exported_data) {
+    data.version = exported_data.version;
+    exported_data = data;
+  });
 }
 
 void api::clear_exported_units(bool is_gone) {

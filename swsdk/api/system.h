@@ -6,9 +6,13 @@
 
 #include <array>
 #include <cstdint>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <string_view>
+#include <vector>
+
+#include "chip/chip.h"
 
 namespace api {
 
@@ -42,6 +46,8 @@ int published_units();
 swsdk_board present_board();
 /// The board of a chip that is switched off and on.
 swsdk_board lasting_board();
+void choose_board(const swsdk_board& board);
+bool is_board(const swsdk_board& board);
 /// Makes the present board the one that lasts.
 void keep_board();
 
@@ -53,5 +59,13 @@ void publish_egress_mode(int unit);
 
 /// Detaches all units, and clears what is exported for them.
 void power_off_units();
+
+struct ReadyUnit {
+  bool initialized = false;
+  std::unique_ptr<chip::Chip> chip;
+};
+
+/// Has these units attached instead of those that are. If the board stays and as many are, their listeners stay.
+void replace_units(const swsdk_board& board, std::vector<ReadyUnit> units);
 
 }  // namespace api

@@ -3,6 +3,7 @@
 #include <optional>
 
 #include "api/call.h"
+#include "api/check.h"
 #include "api/gports.h"
 #include "api/journal.h"
 #include "api/show.h"
@@ -24,6 +25,20 @@ long swsdk_show(int unit, const char* table, char* buffer, size_t size) {
 
 const char* swsdk_show_table(int index) {
   return index < 0 ? nullptr : api::shown_table(static_cast<std::size_t>(index));
+}
+
+long swsdk_check(int unit, char* buffer, size_t size) {
+  const std::size_t room = std::min(size, api::max_text);
+  const auto check = [=](const Chip& chip) -> long {
+    const std::string reader = api::own_journal().owner();
+    std::string text;
+    for (const auto& [what, origin] : api::leftovers(chip)) {
+      text += what + '\n';
+      if (const chip::Cause* const cause = origin.cause()) text += "  " + api::call_text(*cause, reader) + '\n';
+    }
+    return static_cast<long>(api::copy_out(text, buffer, room));
+  };
+  return api::ask_chip(__func__, unit, check, -1L, api::text_out(buffer, room), room);
 }
 
 int swsdk_l2_learn(int unit, int vid, const unsigned char* mac, int port, unsigned tunnel) {

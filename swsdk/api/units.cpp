@@ -19,15 +19,19 @@ api::Unit* api::find_unit(int unit) {
   return unit >= 0 && unit < attached ? &units[static_cast<std::size_t>(unit)] : nullptr;
 }
 
-api::Unit& api::attach_unit(int ethernet_ports) {
+api::Unit& api::attach_unit(std::unique_ptr<chip::Chip> chip) {
   Unit& unit = units[static_cast<std::size_t>(attached)];
   const std::lock_guard guard(unit.lock);
-  unit.chip.emplace(ethernet_ports);
-  unit.pipeline.emplace(*unit.chip);
+  set_chip(unit, std::move(chip));
   unit.initialized = false;
-  ++unit.starts;
   ++attached;
   return unit;
+}
+
+void api::set_chip(Unit& unit, std::unique_ptr<chip::Chip> chip) {
+  unit.chip = std::move(chip);
+  unit.pipeline.emplace(*unit.chip);
+  ++unit.starts;
 }
 
 void api::detach_units() {

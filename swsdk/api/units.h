@@ -70,7 +70,7 @@ struct FrameHandler {
 /// Its lock protects all of it. It outlives its chip: another process may switch that off while this one uses it.
 struct Unit {
   std::recursive_mutex lock;  // recursive: callbacks that run inside a call may call the SDK again
-  std::optional<chip::Chip> chip;
+  std::unique_ptr<chip::Chip> chip;
   std::optional<chip::Pipeline> pipeline;
   std::vector<FrameHandler> frame_handlers;
   bool initialized = false;
@@ -83,8 +83,10 @@ struct Unit {
 int attached_units();
 /// The attached unit of that number, or null.
 Unit* find_unit(int unit);
-/// Attaches the next unit, with a chip of that many Ethernet ports that is not initialized yet.
-Unit& attach_unit(int ethernet_ports);
+/// Attaches the next unit, with a chip that is not initialized yet.
+Unit& attach_unit(std::unique_ptr<chip::Chip> chip);
+/// Gives a unit, which is locked, another chip.
+void set_chip(Unit& unit, std::unique_ptr<chip::Chip> chip);
 /// Removes the chips of all units, and their listeners; of the handlers of frames those of the present caller.
 void detach_units();
 /// Removes everything by which a process is told something of the units.

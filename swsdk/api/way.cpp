@@ -137,8 +137,7 @@ void api::Way::decides(const chip::Decider& decider) {
   if (!told_.emplace(decider.index(), cause == nullptr ? 0 : cause->number, entry.text).second) return;
   entries_ += "  " + entry.text + "\n    ";
   if (cause != nullptr)
-    entries_ += "call " + to_string(cause->number) + ": " + (cause->caller == reader_ ? "" : cause->caller) +
-                cause->line + '\n';
+    entries_ += call_text(*cause, reader_) + '\n';
   else
     entries_ += mac != nullptr ? "learned\n" : "no call made it so\n";
 }

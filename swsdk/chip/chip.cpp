@@ -40,6 +40,7 @@ void Chip::reset() {
   storm_rates.clear();
   counters.reset();
   drops.fill({});
+  meters.reset();
   protocol_vlans.clear();
   switch_controls.reset();
   mac_table.reset();

@@ -12,6 +12,7 @@
 #include "chip/led_processors.h"
 #include "chip/link_scan.h"
 #include "chip/mac_table.h"
+#include "chip/meters.h"
 #include "chip/mirrors.h"
 #include "chip/multicast_groups.h"
 #include "chip/multicast_routes.h"
@@ -54,6 +55,17 @@ struct Chip {
   /// and link partners, sensor readings, the clock, and the observer of the MAC table.
   void reset();
 
+  /// All of it but the ports, of which there are as many.
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(now, vlans, vlan_controls, vlan_translations, egress_actions, port_filters, port_forwarding, port_macs,
+            link_scan, phy_registers, phy_controls, port_rates, storm_rates, counters, drops, meters,
+            temperature_sensors, protocol_vlans, switch_controls, mac_table, trunks, learn_limits, mirrors, mac_vlans,
+            subnet_vlans, spanning_trees, l2_cache, multicast_groups, multicast_routing, multicast_routes,
+            unicast_routing, l3_interfaces, egress_objects, hosts, routes, virtual_ports, network_groups,
+            reserved_multicast, queues, network_interfaces, led_processors, policers, field_processor);
+  }
+
   uint64_t now = 0;  // nanoseconds
   Ports ports;
   Vlans vlans;
@@ -70,6 +82,7 @@ struct Chip {
   StormRates storm_rates;
   Counters counters;
   DropCounts drops{ports.all()};
+  Meters meters;
   TemperatureSensors temperature_sensors;
   ProtocolVlans protocol_vlans;
   SwitchControls switch_controls;

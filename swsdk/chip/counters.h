@@ -47,6 +47,11 @@ class Traffic {
   static constexpr std::size_t multicast = 1;
   static constexpr std::size_t broadcast = 2;
 
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(octets_, frames_);
+  }
+
  private:
   /// The upper bounds of all ranges but the last.
   static constexpr std::array<std::size_t, 9> max_sizes{64, 127, 255, 511, 1023, 1518, 1522, 2047, 4095};
@@ -105,6 +110,11 @@ class Counters {
   const PortTable<Values>& all() const {
     for (const auto& [port, ignored] : counters_) settle(port);
     return counters_;
+  }
+
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(counters_, received_, sent_);
   }
 
  private:

@@ -69,6 +69,11 @@ class EgressActions {
   const EgressAction* find(const Key& key) const { return actions_.find(key); }
   const auto& all() const { return actions_.all(); }
 
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(actions_);
+  }
+
  private:
   static bool is_valid(const Key& key) {
     return key.outer >= 0 && key.outer <= max_vlan && key.inner >= 0 && key.inner <= max_vlan;

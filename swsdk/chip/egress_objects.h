@@ -43,6 +43,11 @@ class EgressObjects {
 
   const std::map<int, EgressObject>& all() const { return objects_.all(); }
 
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(objects_);
+  }
+
  private:
   KeyedSlots<EgressObject, whole<EgressObject>> objects_{first_id, capacity};
 };

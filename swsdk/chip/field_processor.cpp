@@ -59,6 +59,7 @@ Status FieldProcessor::set_group_priority(int group, int priority) {
   if (found == nullptr) return Status::not_found;
   if (priority < 0 && priority != FieldGroup::any_priority) return Status::bad_parameter;
   found->priority = priority;
+  found->origin = {};
   indexed_ = false;
   return Status::ok;
 }
@@ -67,6 +68,7 @@ Status FieldProcessor::enable_group(int group, bool enabled) {
   FieldGroup* const found = groups_.find(group);
   if (found == nullptr) return Status::not_found;
   found->enabled = enabled;
+  found->origin = {};
   indexed_ = false;
   return Status::ok;
 }

@@ -13,6 +13,7 @@
 #include "chip/field_entry.h"
 #include "chip/field_index.h"
 #include "chip/field_qualifiers.h"
+#include "chip/origin.h"
 #include "chip/policers.h"
 #include "chip/ports.h"
 #include "chip/slots.h"
@@ -28,6 +29,7 @@ struct FieldGroup {
   int priority = any_priority;
   bool enabled = false;
   int entries = 0;
+  Origin origin{};
 
   /// A group has one slice, and further ones as its entries need them.
   int slices() const;
@@ -132,6 +134,12 @@ class FieldProcessor {
   const std::map<int, FieldGroup>& groups() const { return groups_.all(); }
   const std::map<int, FieldEntry>& entries() const { return entries_.all(); }
   const FieldEntry* find_entry(int id) const { return entries_.find(id); }
+
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(groups_, entries_, installations_);
+    indexed_ = false;
+  }
 
  private:
   template <class Body>

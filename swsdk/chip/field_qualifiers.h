@@ -103,6 +103,11 @@ struct FieldValue {
     return left;
   }
   bool operator==(const FieldValue&) const = default;
+
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(high, low);
+  }
 };
 
 struct FieldMatch {

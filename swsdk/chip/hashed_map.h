@@ -38,6 +38,17 @@ class HashedMap {
   std::size_t size() const { return all_.size(); }
   const std::map<Key, Value>& all() const { return all_; }
 
+  template <class Archive>
+  void save(Archive& archive) const {
+    archive(all_);
+  }
+  template <class Archive>
+  void load(Archive& archive) {
+    archive(all_);
+    found_.clear();
+    for (const auto& [key, value] : all_) found_[key] = &value;
+  }
+
  private:
   std::map<Key, Value> all_;
   HashIndex<Key, const Value*> found_;

@@ -51,6 +51,17 @@ class Hosts : public L3Entries<HostKey> {
     return static_cast<int>((key.address + static_cast<uint32_t>(key.vrf)) * golden_ratio >> (32 - top_bits));
   }
 
+  template <class Archive>
+  void save(Archive& archive) const {
+    L3Entries::save(archive);
+    archive(used_);
+  }
+  template <class Archive>
+  void load(Archive& archive) {
+    L3Entries::load(archive);
+    archive(used_);
+  }
+
  private:
   std::array<int, buckets> used_{};
 };

@@ -55,6 +55,17 @@ class KeyedSlots {
 
   const std::map<SlotId, Item>& all() const { return slots_.all(); }
 
+  template <class Archive>
+  void save(Archive& archive) const {
+    archive(slots_);
+  }
+  template <class Archive>
+  void load(Archive& archive) {
+    archive(slots_);
+    ids_.clear();
+    for (const auto& [id, item] : all()) ids_.emplace(key_of(item), id);
+  }
+
  private:
   struct Hash {
     std::size_t operator()(const Key& key) const { return key.hash(); }

@@ -40,6 +40,11 @@ class L2Cache {
 
   const std::map<int, L2CacheEntry>& all() const { return entries_.all(); }
 
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(entries_);
+  }
+
  private:
   Slots<L2CacheEntry> entries_{0, capacity};
 };

@@ -76,6 +76,18 @@ class L3Entries {
     return result;
   }
 
+  template <class Archive>
+  void save(Archive& archive) const {
+    archive(all());
+  }
+  template <class Archive>
+  void load(Archive& archive) {
+    std::map<Key, L3Entry> entries;
+    archive(entries);
+    clear();
+    for (const auto& [key, entry] : entries) add(key, entry, false, false);
+  }
+
  protected:
   /// `full`: whether a new entry is refused.
   Status add(const Key& key, const L3Entry& entry, bool replace, bool full) {

@@ -36,10 +36,7 @@ class L3Interfaces {
   Status create(const L3Interface& interface, int& id) {
     if (!is_vlan(interface.vlan) || interface.inner_vlan > max_vlan) return Status::bad_parameter;
     const Status status = interfaces_.add(interface, id);
-    if (status != Status::ok) return status;
-    by_vlan_.emplace(interface.vlan, id);
-    if ((interface.flags & L3Interface::in_mac_table) != 0)
-      by_station_[station_of(interface.vlan, interface.mac)].insert(id);
+    if (status == Status::ok) index(id, interface);
     return status;
   }
 
@@ -81,6 +78,18 @@ class L3Interfaces {
 
   const std::map<int, L3Interface>& all() const { return interfaces_.all(); }
 
+  template <class Archive>
+  void save(Archive& archive) const {
+    archive(interfaces_);
+  }
+  template <class Archive>
+  void load(Archive& archive) {
+    archive(interfaces_);
+    by_vlan_.clear();
+    by_station_.clear();
+    for (const auto& [id, interface] : all()) index(id, interface);
+  }
+
  private:
   struct Identity {
     int vrf;
@@ -92,6 +101,12 @@ class L3Interfaces {
   };
   static Identity identity_of(const L3Interface& interface) {
     return {interface.vrf, interface.mac, interface.vlan, interface.inner_vlan};
+  }
+
+  void index(int id, const L3Interface& interface) {
+    by_vlan_.emplace(interface.vlan, id);
+    if ((interface.flags & L3Interface::in_mac_table) != 0)
+      by_station_[station_of(interface.vlan, interface.mac)].insert(id);
   }
 
   static uint64_t station_of(int vlan, const Mac& mac) { return number_of(mac) << 12 | static_cast<uint64_t>(vlan); }

@@ -51,6 +51,11 @@ class LearnLimits {
 
   const std::map<MacScope, LearnLimit>& all() const { return limits_; }
 
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(limits_, enabled_);
+  }
+
  private:
   /// Why there is no such scope, or ok.
   Status check(const MacScope& scope) const;

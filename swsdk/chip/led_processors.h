@@ -38,6 +38,11 @@ class LedProcessors {
   }
   void stop(int led) { at(led).running = false; }
 
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(processors_);
+  }
+
  private:
   LedProcessor& at(int led) { return processors_[static_cast<std::size_t>(led)]; }
 

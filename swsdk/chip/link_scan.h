@@ -26,6 +26,11 @@ class LinkScan {
 
   bool watches() const { return interval_ > 0 && pauses_ == 0; }
 
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(interval_, pauses_);
+  }
+
  private:
   int interval_ = 250000;
   int pauses_ = 0;

@@ -85,7 +85,7 @@ std::size_t MacTable::ScopeHash::operator()(const MacScope& scope) const {
 }
 
 void MacTable::put_in(std::size_t slot, const MacEntry& entry) {
-  if (undo_ != nullptr) save(slot);
+  if (undo_ != nullptr) keep_for_undo(slot);
   keys_[slot] = key_of(entry.vlan, entry.mac);
   entries_[slot] = entry;
   ++size_;
@@ -94,7 +94,7 @@ void MacTable::put_in(std::size_t slot, const MacEntry& entry) {
 }
 
 void MacTable::take_out(std::size_t slot, bool silent) {
-  if (undo_ != nullptr) save(slot);
+  if (undo_ != nullptr) keep_for_undo(slot);
   keys_[slot] = 0;
   --size_;
   count(entries_[slot], -1);
@@ -106,7 +106,7 @@ void MacTable::count(const MacEntry& entry, int change) {
   for (const MacScope& scope : scopes_of(entry)) learned_[scope] += change;
 }
 
-void MacTable::save(std::size_t slot) { undo_->saved_.push_back({slot, keys_[slot] == 0, entries_[slot]}); }
+void MacTable::keep_for_undo(std::size_t slot) { undo_->saved_.push_back({slot, keys_[slot] == 0, entries_[slot]}); }
 
 MacTable::Undo::~Undo() {
   table_.undo_ = nullptr;

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <unordered_map>
 #include <utility>
 #include <variant>
@@ -109,7 +110,7 @@ class MacTable {
   /// Marks an entry that find() returned as hit, on one side: &MacEntry::source_hit or &MacEntry::destination_hit.
   void hit(const MacEntry& entry, bool MacEntry::*side) {
     if (undo_ != nullptr) [[unlikely]]
-      save(slot_of(entry.vlan, entry.mac));
+      keep_for_undo(slot_of(entry.vlan, entry.mac));
     const_cast<MacEntry&>(entry).*side = true;
   }
 
@@ -127,6 +128,21 @@ class MacTable {
 
   /// Whether an entry can have that place; trunks and virtual ports are not looked up.
   bool is_place(const Place& place) const;
+  template <class Archive>
+  void save(Archive& archive) const {
+    std::map<std::size_t, MacEntry> entries;
+    for (std::size_t slot = 0; slot < capacity; ++slot)
+      if (keys_[slot] != 0) entries.emplace(slot, entries_[slot]);
+    archive(entries, age_time_, since_aging_);
+  }
+  /// Into a new table.
+  template <class Archive>
+  void load(Archive& archive) {
+    std::map<std::size_t, MacEntry> entries;
+    archive(entries, age_time_, since_aging_);
+    for (const auto& [slot, entry] : entries) put_in(slot, entry);
+  }
+
   static int bucket_of(int vlan, const Mac& mac) { return static_cast<int>(bucket_of(key_of(vlan, mac))); }
 
  private:
@@ -159,7 +175,7 @@ class MacTable {
   void count(const MacEntry& entry, int change);
   void age();
   /// Keeps a slot for the Undo, before it changes.
-  void save(std::size_t slot);
+  void keep_for_undo(std::size_t slot);
 
   const Ports& ports_;
   // By slot, bucket after bucket. The keys are apart, so that those of a bucket share a line of the cache.

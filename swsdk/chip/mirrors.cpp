@@ -37,7 +37,7 @@ Status Mirrors::create(uint32_t flags, const Place& to, MirrorId& id) {
 
 const Place* Mirrors::find(MirrorId id) const {
   const auto found = destinations_.find(id);
-  return found == destinations_.end() ? nullptr : &found->second;
+  return found == destinations_.end() ? nullptr : &found->second.value;
 }
 
 Status Mirrors::destroy(MirrorId id) {

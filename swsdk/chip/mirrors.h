@@ -45,16 +45,21 @@ class Mirrors {
   Status remove_source(Port port, uint32_t flags, MirrorId id);
 
   /// Where copies go, by id.
-  const std::map<MirrorId, Place>& destinations() const { return destinations_; }
+  const std::map<MirrorId, Setting<Place>>& destinations() const { return destinations_; }
   /// Directions, by (port, destination).
   const std::map<std::pair<Port, MirrorId>, Setting<uint32_t>>& sources() const { return sources_; }
+
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(mode_, destinations_, sources_);
+  }
 
  private:
   Status check_source(Port port, uint32_t flags, MirrorId id) const;
 
   const Ports& ports_;
   Mode mode_ = Mode::off;
-  std::map<MirrorId, Place> destinations_;
+  std::map<MirrorId, Setting<Place>> destinations_;
   std::map<std::pair<Port, MirrorId>, Setting<uint32_t>> sources_;
 };
 

@@ -81,6 +81,11 @@ class MulticastGroups {
 
   const std::map<GroupId, MulticastGroup>& all() const { return groups_.all(); }
 
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(groups_);
+  }
+
  private:
   /// The types of the groups that take members with that encapsulation.
   static uint32_t types_of(int id) {

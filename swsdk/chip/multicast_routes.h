@@ -74,6 +74,17 @@ class MulticastRoutes {
   /// A copy of the routes in the order of their keys.
   std::map<MulticastRouteKey, MulticastRoute> all() const { return {routes_.begin(), routes_.end()}; }
 
+  template <class Archive>
+  void save(Archive& archive) const {
+    archive(all());
+  }
+  template <class Archive>
+  void load(Archive& archive) {
+    std::map<MulticastRouteKey, MulticastRoute> routes;
+    archive(routes);
+    routes_ = {routes.begin(), routes.end()};
+  }
+
  private:
   static bool is_valid(const MulticastRouteKey& key) {
     const bool is_multicast = key.ip6 ? key.address[0] == 0xFF : key.address[0] >> 4 == 0xE;

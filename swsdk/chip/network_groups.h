@@ -35,6 +35,11 @@ class NetworkGroups {
     return is_valid(group) ? &settings_[static_cast<std::size_t>(group)] : nullptr;
   }
 
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(settings_);
+  }
+
  private:
   std::array<Setting<uint32_t>, count> settings_{};
 };

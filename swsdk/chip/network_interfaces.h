@@ -32,6 +32,11 @@ class NetworkInterfaces {
 
   const std::map<int, NetworkInterface>& all() const { return interfaces_.all(); }
 
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(interfaces_);
+  }
+
  private:
   Slots<NetworkInterface> interfaces_{1, capacity};
 };

@@ -55,6 +55,13 @@ class Origin {
 
   friend bool operator==(const Origin& /*one*/, const Origin& /*other*/) { return true; }
 
+  template <class Archive>
+  void serialize(Archive& archive) {
+    auto cause = std::const_pointer_cast<Cause>(cause_);
+    archive(cause);
+    cause_ = cause;
+  }
+
  private:
   explicit Origin(std::nullptr_t /*none*/) {}
 
@@ -67,6 +74,11 @@ struct Setting {
   Setting() = default;
   Setting(const Value& given) : value(given) {}    // NOLINT(google-explicit-constructor): it is assigned like its value
   operator const Value&() const { return value; }  // NOLINT(google-explicit-constructor): and read like it
+
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(value, origin);
+  }
 
   Value value{};
   Origin origin{};

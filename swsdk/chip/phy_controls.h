@@ -64,6 +64,11 @@ class PhyControls {
   /// The name of a control, null for a number that is none.
   static const char* name(int control);
 
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(values_);
+  }
+
  private:
   bool has(Port port, int control) const { return ports_.ethernet().contains(port) && name(control) != nullptr; }
 

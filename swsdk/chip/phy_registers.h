@@ -43,6 +43,11 @@ class PhyRegisters {
   /// What was written.
   const std::map<Key, uint16_t>& all() const { return registers_; }
 
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(registers_);
+  }
+
  private:
   static bool is_valid(const Key& key) {
     if (key.phy > max_phy) return false;

@@ -33,6 +33,11 @@ class Id {
 
   friend constexpr auto operator<=>(const Id&, const Id&) = default;
 
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(number_);
+  }
+
  private:
   int number_ = 0;
 };

@@ -74,6 +74,11 @@ class Policers {
 
   const std::map<int, Policer>& all() const { return policers_.all(); }
 
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(policers_);
+  }
+
  private:
   static bool is_valid(const Policer& policer) { return policer.mode >= 0 && policer.mode <= max_mode; }
 

@@ -55,6 +55,11 @@ class PortFilters {
   Origin origin_of_checks(Port port) const { return checks_[port].origin; }
   Origin origin_of_blocks(Port from, Port to) const { return blocks_.at({from, to}).origin; }
 
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(checks_, blocks_);
+  }
+
  private:
   const Ports& ports_;
   PortTable<Setting<uint32_t>> checks_;

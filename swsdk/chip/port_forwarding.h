@@ -55,6 +55,11 @@ class PortForwardings {
   const PortForwarding& of(Port port) const { return all_[port]; }
   const PortTable<PortForwarding>& all() const { return all_; }
 
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(all_);
+  }
+
  private:
   const Ports& ports_;
   PortTable<PortForwarding> all_;

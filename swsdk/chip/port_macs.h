@@ -79,6 +79,11 @@ class PortMacs {
   /// Of an Ethernet port of the chip.
   const PortMac& of(Port port) const { return macs_[port]; }
 
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(macs_);
+  }
+
  private:
   template <class Body>
   Status with(Port port, Body body);

@@ -37,6 +37,11 @@ class PortRates {
   const PortTable<PortRate>& ingress() const { return ingress_; }
   const PortTable<PortRate>& egress() const { return egress_; }
 
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(ingress_, egress_);
+  }
+
  private:
   static Status set(PortTable<PortRate>& table, Port port, const PortRate& rate) {
     PortRate* const present = table.find(port);

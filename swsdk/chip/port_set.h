@@ -66,6 +66,11 @@ class PortSet {
   friend PortSet operator&(PortSet left, const PortSet& right) { return left &= right; }
   bool operator==(const PortSet&) const = default;
 
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(words_);
+  }
+
  private:
   static constexpr int word_bits = 64;
 

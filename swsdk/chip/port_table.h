@@ -12,6 +12,7 @@ namespace chip {
 template <class Value>
 class PortTable {
  public:
+  PortTable() = default;  // of no port
   explicit PortTable(const PortSet& ports) : ports_(ports), values_(static_cast<std::size_t>(ports.highest() + 1)) {}
 
   void fill(const Value& value) { values_.assign(values_.size(), value); }
@@ -41,6 +42,11 @@ class PortTable {
   };
   Iterator begin() const { return {*this, ports_.begin()}; }
   Iterator end() const { return {*this, ports_.end()}; }
+
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(ports_, values_);
+  }
 
  private:
   PortSet ports_;

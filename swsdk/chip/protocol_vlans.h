@@ -63,6 +63,11 @@ class ProtocolVlans {
   }
   const std::map<Key, Setting<int>>& all() const { return vlans_; }
 
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(vlans_);
+  }
+
  private:
   Status check(const Key& key) const {
     if (!ports_.has(key.port)) return Status::bad_port;

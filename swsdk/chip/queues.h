@@ -30,6 +30,11 @@ class Queues {
   const std::array<int, count>& weights() const { return weights_; }
   int delay() const { return delay_; }
 
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(mode_, weights_, delay_);
+  }
+
  private:
   int mode_ = strict;
   std::array<int, count> weights_{};

@@ -44,6 +44,11 @@ class ReservedMulticast {
   /// Which call wrote the addresses of the outer header.
   Origin origin() const { return matches_[0].origin; }
 
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(matches_);
+  }
+
  private:
   std::array<Setting<std::vector<Ip6Match>>, 2> matches_;
 };

@@ -71,6 +71,17 @@ class Routes : public L3Entries<RouteKey> {
     return std::nullopt;
   }
 
+  template <class Archive>
+  void save(Archive& archive) const {
+    L3Entries::save(archive);
+    archive(of_length_, lengths_);
+  }
+  template <class Archive>
+  void load(Archive& archive) {
+    L3Entries::load(archive);
+    archive(of_length_, lengths_);
+  }
+
  private:
   static RouteKey key_around(int vrf, uint32_t address, int length) { return {vrf, address & mask(length), length}; }
   static uint64_t bit(int length) { return uint64_t{1} << length; }

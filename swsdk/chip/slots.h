@@ -68,6 +68,18 @@ class Slots {
 
   const std::map<SlotId, Item>& all() const { return items_; }
 
+  template <class Archive>
+  void save(Archive& archive) const {
+    archive(items_);
+  }
+  template <class Archive>
+  void load(Archive& archive) {
+    std::map<SlotId, Item> items;
+    archive(items);
+    clear();
+    for (const auto& [id, item] : items) put(item, id);
+  }
+
  private:
   static constexpr bool has_plain_numbers = std::is_same_v<SlotId, int>;
   static int number(SlotId id) {

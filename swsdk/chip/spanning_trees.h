@@ -61,6 +61,11 @@ class SpanningTrees {
   /// The state of each port, by group.
   const std::map<int, PortTable<StpState>>& all() const { return groups_.all(); }
 
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(groups_, forwarding_, origins_);
+  }
+
  private:
   PortTable<StpState> states(StpState of_ethernet) const;
   void note_new(int id);

@@ -47,6 +47,11 @@ class StormRates {
   }
   bool empty() const { return rates_.empty(); }
 
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(rates_);
+  }
+
  private:
   const Ports& ports_;
   std::map<Key, Setting<int>> rates_;

@@ -82,6 +82,11 @@ class SwitchControls {
   /// The name of one of those, for people.
   static const char* name(int control) { return infos()[row_of(control)].name; }
 
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(values_, on_ports_, origins_);
+  }
+
  private:
   static constexpr std::size_t count = 17;
   std::vector<Origin>& origins(int control);

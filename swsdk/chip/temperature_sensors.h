@@ -20,6 +20,11 @@ class TemperatureSensors {
   void set(std::vector<Temperature> readings) { readings_ = std::move(readings); }
   const std::vector<Temperature>& all() const { return readings_; }
 
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(readings_);
+  }
+
  private:
   std::vector<Temperature> readings_{{405, 450}, {417, 470}};
 };

@@ -58,6 +58,11 @@ class Trunks {
 
   const std::map<TrunkId, Trunk>& all() const { return trunks_.all(); }
 
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(trunks_, trunk_of_, attached_);
+  }
+
  private:
   static bool is_criterion(int number) {
     return number >= static_cast<int>(TrunkCriterion::own_choice) &&

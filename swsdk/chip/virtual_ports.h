@@ -70,6 +70,11 @@ class VirtualPorts {
 
   const std::map<VirtualPortId, VirtualPort>& all() const { return virtual_ports_.all(); }
 
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(virtual_ports_);
+  }
+
  private:
   struct Match {
     Port port;

@@ -54,6 +54,11 @@ class VlanAssignments {
   const VlanAssignment* find(const Key& key) const { return assignments_.find(key); }
   const auto& all() const { return assignments_.all(); }
 
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(assignments_);
+  }
+
  private:
   HashedMap<Key, VlanAssignment> assignments_;
 };

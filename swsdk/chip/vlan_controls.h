@@ -101,6 +101,11 @@ class VlanControls {
     return translate_ != 0 && of_port(port, direction) != 0;
   }
 
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(translate_, of_ports_);
+  }
+
  private:
   static bool has(int control) {
     return std::any_of(std::begin(infos), std::end(infos),

@@ -63,6 +63,11 @@ class VlanTranslations {
   const std::map<Key, Translation>& egress() const { return egress_.all(); }
   const std::map<Key, Range>& outer() const { return outer_; }
 
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(ingress_, egress_, outer_);
+  }
+
  private:
   using Table = HashedMap<Key, Translation>;
 

@@ -83,6 +83,17 @@ class Vlans {
   static Status absent(int id) { return is_vlan(id) ? Status::not_found : Status::bad_parameter; }
   const std::map<int, Vlan>& all() const { return vlans_; }
 
+  template <class Archive>
+  void save(Archive& archive) const {
+    archive(vlans_, default_spanning_tree_);
+  }
+  template <class Archive>
+  void load(Archive& archive) {
+    archive(vlans_, default_spanning_tree_);
+    by_id_ = {};
+    for (auto& [id, vlan] : vlans_) by_id_[static_cast<std::size_t>(id)] = &vlan;
+  }
+
  private:
   template <class Body>
   Status with(int id, Body body);

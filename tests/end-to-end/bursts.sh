@@ -40,6 +40,8 @@ echo "a burst of 4000 frames arrived"
 burst 60000 88b7
 total=$(arrived 88b5)
 [ "$total" -lt 64000 ] || fail "a burst of 60000 frames had room; is it counted rightly?"
+shown=$(tell_switch "show plug" | sed -n "s/^ *1  p1 .* up *//p")
+[ "${shown:-0}" -eq $((64000 - total)) ] || fail "show plug shows ${shown:-nothing}, not $((64000 - total)) lost frames"
 echo quit >"$work/commands"
 wait "$switch_pid"
 said=$(sed -En 's/^swsdk-switch: port 1: ([0-9]+) frames were lost, for they came faster than .*/\1/p' "$work/switch.log")

@@ -68,3 +68,36 @@ import json, sys
 end = json.load(open(sys.argv[1]))["end"]["sum"]
 print(round(end["bits_per_second"] * (1 - end["lost_percent"] / 100) * (500 + 46) / 500 / 1000))' "$work/iperf.json"
 }
+
+# stream HOST read|ignore|send ADDRESS: TCP without end, in the background.
+cat >"$work/stream.py" <<'PY'
+"""stream.py read|ignore|send ADDRESS: TCP without end; who ignores it reads nothing."""
+import socket, sys, time
+role, address = sys.argv[1:]
+def endless():
+    link = socket.create_connection((address, 6000), timeout=5)
+    while True:
+        link.sendall(bytes(100_000))
+if role != "send":
+    server = socket.create_server((address, 6000))
+    while True:
+        link, _ = server.accept()
+        while role == "ignore" or link.recv(1 << 16):
+            if role == "ignore":
+                time.sleep(60)
+while True:
+    try:
+        endless()
+    except OSError:
+        time.sleep(0.05)
+PY
+stream() { on "$1" "$python" "$work/stream.py" "${@:2}" 2>/dev/null & }
+
+received() { on h2 cat /sys/class/net/eth0/statistics/rx_bytes; }
+# expect_flow WHEN: a megabyte passes.
+passed() { [ "$(received)" -ge $((before + 1000000)) ]; }
+expect_flow() {
+  before=$(received)
+  wait_for 10 passed || fail "h1 sends nothing to h2 $1"
+  echo "h1 sends to h2 $1"
+}

@@ -1,5 +1,5 @@
 // Token buckets: what passes at once, what a pause brings back, and numbers at their limits.
-#include "chip/pipeline/meters.h"
+#include "chip/meters.h"
 
 #include <gtest/gtest.h>
 

@@ -100,10 +100,9 @@ TEST_F(Translations, OfOneTagComeBeforeRanges) {
 
 TEST_F(Translations, LeaveWhatIsKnownOfTheTagsOnArrivalAlone) {
   chip.vlan_translations.add_outer(1, 5, 5, {10, 6});
-  chip::Meters meters;
   std::vector<chip::Copy> copies;
   std::vector<chip::Looped> looped;
-  chip::Passage frame(chip, meters, copies, looped);
+  chip::Passage frame(chip, copies, looped);
   ASSERT_TRUE(chip::parse(1, of_customer, frame.packet));
   chip::assign_vlan(frame);
   EXPECT_EQ(frame.packet.inner_vlan(), 5);

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # usage: diff.sh SAISH EXAMPLES_DIR
-# What a script would leave in a fresh chip against what the chip holds.
+# What a script would leave in a fresh chip, or a saved state, against what the chip holds.
 set -euo pipefail
 saish=$1 examples=$2
 work=$(mktemp -d)
@@ -90,3 +90,21 @@ grep -q '^10  *{0}  *{3}' out || fail "the tables are: $(cat out)"
 
 check 0 "" "$saish" --tables intended.sai --tables actual.sai
 grep -q '^10  *{0}  *{3-4}' out || fail "the tables of two scripts are: $(cat out)"
+
+# A saved state has everything, counters and the clock too.
+cat >saved.sai <<'SAI'
+source cables.sai
+age 7
+save chip.state
+diff chip.state
+SAI
+check 0 "" "$saish" saved.sai
+printf 'restore chip.state\ndiff chip.state\nshow clock\nshow mac\nage 1\ndiff chip.state\n' >restored.sai
+check 1 'restored\.sai:6: diff chip\.state: 2 lines differ from the state "chip\.state"' "$saish" restored.sai
+grep -q '^7000000000' out || fail "the clock is not restored: $(cat out)"
+grep -q '02:00:00:00:00:03  port 3' out || fail "the MAC table is not restored: $(cat out)"
+check 2 '"missing\.state" cannot be read' "$saish" -c "restore missing.state"
+check 2 '"missing/chip\.state" cannot be written' "$saish" -c "save missing/chip.state"
+check 2 '"bad\.sai" is no saved state, or a damaged one, or of another version' "$saish" -c "restore bad.sai"
+head -c 1000 chip.state >cut.state
+check 2 '-:1: restore .*cut\.state: ".*cut\.state" is no saved state, .*'$'\n''the state "cut\.state" cannot be put into a chip' "$saish" -c "diff cut.state"

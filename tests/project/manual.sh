@@ -29,7 +29,7 @@ for command in $commands; do
   grep -Eq "^\.(B|BI|BR) $command( |\$)" "$pages/man1/saish.1" || { echo "saish(1) does not tell of $command"; exit 1; }
 done
 
-for program in "$saish" "$switch" "$(dirname "$switch")/swsdk-run"; do
+for program in "$saish" "$switch" "$(dirname "$switch")/swsdk-run" "$(dirname "$switch")/../sweep/swsdk-sweep"; do
   options=$("$program" --help | grep -Eo -- '^ +-[^ ]+' | tr -d ' ' | tr ',' '\n')
   [ "$(wc -w <<<"$options")" -ge 4 ] || { echo "$program: too few options found; is its help still read rightly?"; exit 1; }
   for option in $options; do

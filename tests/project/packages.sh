@@ -68,6 +68,7 @@ libsai-dev /usr/share/man/man7/sai.7.gz
 swsdk-virtual /usr/bin/saish
 swsdk-virtual /usr/bin/swsdk-switch
 swsdk-virtual /usr/bin/swsdk-run
+swsdk-virtual /usr/bin/swsdk-sweep
 swsdk-virtual /usr/include/bcm/vlan.h
 swsdk-virtual /usr/include/swsdk/journal.h
 swsdk-virtual /usr/lib/$DEB_HOST_MULTIARCH/libswsdk.so
@@ -77,6 +78,7 @@ swsdk-virtual /usr/lib/python3/dist-packages/sai_virtual/py.typed
 swsdk-virtual /usr/share/man/man1/saish.1.gz
 swsdk-virtual /usr/share/man/man1/swsdk-switch.1.gz
 swsdk-virtual /usr/share/man/man1/swsdk-run.1.gz
+swsdk-virtual /usr/share/man/man1/swsdk-sweep.1.gz
 end
 for file in "$libraries/libsai.so" "$libraries/libswsdk.so" "$root/usr/bin/saish" "$root/usr/bin/swsdk-switch"; do
   grep -qE ' \.(symtab|debug_info)' <<<"$(readelf --sections --wide "$file")" && fail "$file is not stripped"
@@ -121,6 +123,8 @@ with sai.Chip(), sai.Journal() as journal:
     "$examples/python" >"$work/out" || fail "the tests of examples/python printed: $(cat "$work/out")"
   "$root/usr/bin/swsdk-run" -- "$work/virtual-pkg-config" >"$work/out"
   grep -q 'bcm_vlan_create(0, 10) = 0' "$work/out" || fail "swsdk-run printed: $(cat "$work/out")"
+  "$root/usr/bin/swsdk-sweep" --only bcm_vlan_create -- "$work/virtual-pkg-config" >"$work/out" 2>&1 ||
+    fail "swsdk-sweep printed: $(cat "$work/out")"
   status=0
   PATH=$root/usr/bin:$PATH "$examples/two-vlans/run" >"$work/out" 2>&1 || status=$?
   [ $status -eq 0 ] || [ $status -eq 77 ] || fail "examples/two-vlans/run printed: $(cat "$work/out")"

@@ -57,6 +57,18 @@ TEST_F(ShellBuiltIns, ShowRefusesAUnitThatThereIsNot) {
     EXPECT_EQ(refused("show vlan " + unit), "unit: \"" + unit + "\" is not a number from 0 to 15");
 }
 
+TEST_F(ShellBuiltIns, CheckFailsWhenSomethingIsLeftOver) {
+  EXPECT_EQ(run("check"), "  nothing is left over\n");
+  run("sai_stg_create 0 2");
+  const std::string text = run("check 0");
+  EXPECT_TRUE(text.starts_with("spanning-tree group 2 has no VLANs\n  call ")) << text;
+  EXPECT_TRUE(
+      text.ends_with(": bcm_stg_create_id(0, 2) = 0\n"
+                     "unexpected: calls have left something on the chip that nothing uses\n"))
+      << text;
+  EXPECT_EQ(refused("check 1"), "unit 1 is not attached");
+}
+
 TEST_F(ShellBuiltIns, JournalOnShowsExactlyTheCallsOfEachCommand) {
   EXPECT_EQ(run("sai_vlan_create 0 10"), "  = 0\n");
   EXPECT_EQ(run("journal on"), "");

@@ -4,11 +4,17 @@
 #include <bcm/switch.h>
 #include <bcm/vlan.h>
 #include <gtest/gtest.h>
+#include <sai.h>
 #include <swsdk/chip.h>
 #include <swsdk/journal.h>
+#include <unistd.h>
 
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <limits>
 #include <set>
+#include <sstream>
 #include <string>
 
 #include "support/scene.h"
@@ -142,6 +148,30 @@ TEST_F(Fault, ShowsInTheJournal) {
   ASSERT_EQ(swsdk_fault_inject("bcm_vlan_create", BCM_E_BUSY, 1), 0);
   bcm_vlan_create(0, 10);
   EXPECT_EQ(support::journal(), "bcm_vlan_create(0, 10) = -10\n");
+}
+
+TEST_F(Fault, IsLoggedWithTheFunctionOfTheLibraryIfTheEnvironmentNamesAFile) {
+  const std::string path = testing::TempDir() + "faults." + std::to_string(getpid());
+  setenv(SWSDK_FAULT_LOG_VARIABLE, path.c_str(), 1);
+  swsdk_fault_inject("bcm_vlan_create", BCM_E_BUSY, 1);
+  sai_vlan_create(0, 10);
+  swsdk_fault_inject("bcm_vlan_port_add", BCM_E_BUSY, 1);
+  sai_vlan_create(0, 10);
+  swsdk_fault_inject("bcm_vlan_destroy", BCM_E_BUSY, 1);
+  bcm_vlan_destroy(0, 10);
+  bcm_vlan_destroy(0, 11);  // an ordinary failure
+  unsetenv(SWSDK_FAULT_LOG_VARIABLE);
+  swsdk_fault_inject("bcm_vlan_destroy", BCM_E_BUSY, 1);
+  bcm_vlan_destroy(0, 10);
+
+  std::ifstream file(path);
+  std::ostringstream text;
+  text << file.rdbuf();
+  EXPECT_EQ(text.str(),
+            "bcm_vlan_create sai_vlan_create\n"
+            "bcm_vlan_port_add sai_vlan_create\n"
+            "bcm_vlan_destroy -\n");
+  std::filesystem::remove(path);
 }
 
 TEST_F(Fault, IsRefusedForWhatIsNoSdkFunction) {

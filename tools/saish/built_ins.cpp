@@ -11,6 +11,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdio>
+#include <fstream>
 #include <numeric>
 #include <string>
 
@@ -71,13 +72,28 @@ std::string table_names() {
   return result;
 }
 
-void show(Session& /*session*/, const Words& arguments) {
+void show(Session& session, const Words& arguments) {
+  if (const auto more = session.more_tables.find(arguments[0]); more != session.more_tables.end()) {
+    std::fputs(more->second().c_str(), stdout);
+    return;
+  }
   bool known = false;
   for (int i = 0; swsdk_show_table(i) != nullptr; ++i) known = known || arguments[0] == swsdk_show_table(i);
-  if (!known) throw BadInput("there is no table \"" + arguments[0] + "\"; the tables are " + table_names());
+  if (!known) {
+    std::string names = table_names();
+    for (const auto& [name, text] : session.more_tables) names += ", " + name;
+    throw BadInput("there is no table \"" + arguments[0] + "\"; the tables are " + names);
+  }
   const int unit = unit_at(arguments, 1);
 
   std::fputs(shown_table(unit, arguments[0]).c_str(), stdout);
+}
+
+void check(Session& /*session*/, const Words& arguments) {
+  const std::string text = leftovers(initialized_unit_at(arguments, 0));
+  if (text.empty()) return static_cast<void>(std::printf("  nothing is left over\n"));
+  std::fputs(text.c_str(), stdout);
+  throw Unexpected("calls have left something on the chip that nothing uses");
 }
 
 void fail(Session& /*session*/, const Words& arguments) {
@@ -257,10 +273,31 @@ void classify(Session& /*session*/, const Words& arguments) {
   std::printf("  %s\n", verdict_text(verdict).c_str());
 }
 
+void save(Session& /*session*/, const Words& arguments) {
+  if (swsdk_state_save(arguments[0].c_str()) != SWSDK_STATE_DONE)
+    throw BadInput('"' + arguments[0] + "\" cannot be written");
+}
+
+void restore(Session& /*session*/, const Words& arguments) {
+  const int result = swsdk_state_restore(arguments[0].c_str());
+  if (result == SWSDK_STATE_NO_FILE) throw BadInput('"' + arguments[0] + "\" cannot be read");
+  if (result != SWSDK_STATE_DONE)
+    throw BadInput('"' + arguments[0] + "\" is no saved state, or a damaged one, or of another version");
+}
+
+bool is_state(const std::string& path) {
+  std::string word(std::string_view(SWSDK_STATE_HEADING).size(), '\0');
+  return std::ifstream(path, std::ios::binary).read(word.data(), static_cast<std::streamsize>(word.size())) &&
+         word == SWSDK_STATE_HEADING;
+}
+
 void diff(Session& session, const Words& arguments) {
   if (session.is_compared())
     throw BadInput("a script whose tables are compared or printed can have no diff; remove this line");
-  compare_with(arguments[0]);
+  if (is_state(arguments[0]))
+    compare_with_state(arguments[0]);
+  else
+    compare_with(arguments[0]);
   std::printf("  no difference\n");
 }
 
@@ -277,6 +314,8 @@ constexpr BuiltIn all_built_ins[] = {
     {"help", "help [WORD...]", "Tells about a command, lists a family of them, or finds some by words.", 0, any_length,
      help},
     {"show", "show TABLE [UNIT]", "Shows one of the chip's tables.", 1, 2, show},
+    {"check", "check [UNIT]", "Shows what calls have left on the chip and nothing uses, and fails if there is any.", 0,
+     1, check},
     {"journal", "journal on|off|show|clear|follow [SECONDS]",
      "Shows the SDK calls of each command, of all since the last clear, or of all programs on the chip as they happen.",
      1, 2, journal},
@@ -328,8 +367,12 @@ constexpr BuiltIn all_built_ins[] = {
     {"capture", "capture [FILE.pcapng|start [--trace] [--seconds N] [FILTER]]",
      "Shows what left the chip since the last time, or writes the frames that pass into a file for Wireshark.", 0,
      any_length, capture},
-    {"diff", "diff FILE", "Compares the chip's tables with those that a script would leave in a fresh chip.", 1, 1,
+    {"diff", "diff FILE",
+     "Compares the chip's tables with a saved state, or with those that a script would leave in a fresh chip.", 1, 1,
      diff},
+    {"save", "save FILE", "Saves the state of the chips: tables, counters, meters, the clock, cables and sensors.", 1,
+     1, save},
+    {"restore", "restore FILE", "Puts the chips into a saved state.", 1, 1, restore},
     {"source", "source FILE", "Runs a script.", 1, 1, source},
     {"quit", "quit", "Ends the shell.", 0, 0, quit},
     {"exit", "exit", "Ends the shell, as quit does.", 0, 0, quit},

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -58,6 +60,9 @@ class Session {
   std::optional<Watch> path_watch;
   Paths paths;
   std::optional<Watch> capture_watch;
+
+  /// Tables of the program around the shell, by name, which `show` shows beside the chip's.
+  std::map<std::string, std::function<std::string()>> more_tables;
 
   /// What leaves the units to which frames were sent.
   Capture& capture() { return capture_; }

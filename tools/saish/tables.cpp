@@ -13,6 +13,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <map>
 #include <sstream>
 #include <string_view>
@@ -179,16 +180,31 @@ std::string link_commands(const std::vector<Table>& tables) {
   return result;
 }
 
+void throw_if_different(int lines, const std::string& intended) {
+  if (lines > 0)
+    throw Unexpected(std::to_string(lines) + (lines == 1 ? " line differs" : " lines differ") + " from " + intended);
+}
+
+/// What a function of the control interface prints of a unit.
+template <class Print>
+std::string printed(int unit, Print print) {
+  const long length = print(nullptr, 0);
+  if (length < 0) throw BadInput("unit " + std::to_string(unit) + " is not attached");
+  std::string text(static_cast<std::size_t>(length), '\0');
+  // Another process may change the chip between the two.
+  const long shown = print(text.data(), text.size() + 1);
+  text.resize(std::min(text.size(), static_cast<std::size_t>(std::max(shown, 0L))));
+  return text;
+}
+
 }  // namespace
 
 std::string shown_table(int unit, const std::string& table) {
-  const long length = swsdk_show(unit, table.c_str(), nullptr, 0);
-  if (length < 0) throw BadInput("unit " + std::to_string(unit) + " is not attached");
-  std::string text(static_cast<std::size_t>(length), '\0');
-  // Another process may change the table, or the chip, between the two.
-  const long shown = swsdk_show(unit, table.c_str(), text.data(), text.size() + 1);
-  text.resize(std::min(text.size(), static_cast<std::size_t>(std::max(shown, 0L))));
-  return text;
+  return printed(unit, [&](char* buffer, std::size_t size) { return swsdk_show(unit, table.c_str(), buffer, size); });
+}
+
+std::string leftovers(int unit) {
+  return printed(unit, [&](char* buffer, std::size_t size) { return swsdk_check(unit, buffer, size); });
 }
 
 std::vector<Table> tables() {
@@ -240,11 +256,25 @@ void print_tables_after(const std::vector<std::string>& scripts) {
   if (std::fclose(output) != 0) throw Unexpected("cannot print the tables: " + std::string(std::strerror(errno)));
 }
 
+void compare_with_state(const std::string& path) {
+  const Scratch restore("restore " + std::filesystem::absolute(path).string() + '\n');
+  const Scratch output;
+  const Scratch errors;
+  if (!restore.good() || !output.good() || !errors.good()) throw BadInput("no memory for a comparison");
+  const bool ran = run_again({"--tables", "-"}, restore, output, errors);
+  std::fflush(stdout);
+  std::fputs(errors.text().c_str(), stderr);
+  if (!ran) throw BadInput("the state \"" + path + "\" cannot be put into a chip");
+  throw_if_different(print_differences(parsed(output.text()), tables()), "the state \"" + path + '"');
+}
+
 void compare_with(const std::string& script) {
   if (soc_ndev == 0) throw BadInput("the chip is off; there is nothing to compare");
   std::vector<Table> actual = tables();
   std::erase_if(actual, [](const Table& table) {
-    return table.title.starts_with("counters") || table.title.starts_with("drops");
+    for (const std::string_view name : {"clock", "counters", "drops", "meter"})
+      if (table.title.starts_with(name)) return true;
+    return false;
   });
 
   // The links last: a script may initialize the chip.
@@ -257,9 +287,7 @@ void compare_with(const std::string& script) {
   std::fputs(errors.text().c_str(), stderr);
   if (!ran) throw BadInput("the script \"" + script + "\" fails on a fresh chip");
   const int lines = print_differences(parsed(output.text()), actual);
-  if (lines > 0)
-    throw Unexpected(std::to_string(lines) + (lines == 1 ? " line differs" : " lines differ") + " from what \"" +
-                     script + "\" would leave");
+  throw_if_different(lines, "what \"" + script + "\" would leave");
 }
 
 }  // namespace saish

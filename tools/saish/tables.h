@@ -14,6 +14,9 @@ struct Table {
 /// One of the chip's tables as text. Throws BadInput when there is no such unit.
 std::string shown_table(int unit, const std::string& table);
 
+/// What swsdk_check() prints of an initialized unit.
+std::string leftovers(int unit);
+
 /// Of all units.
 std::vector<Table> tables();
 
@@ -25,6 +28,9 @@ void print_tables_after(const std::vector<std::string>& scripts);
 /// board, with the same links. Counters are left out, because frames change them and scripts do not. Throws Unexpected
 /// when the chip differs, BadInput when the script fails there.
 void compare_with(const std::string& script);
+
+/// Prints in which tables the chip differs from a saved state; throws likewise.
+void compare_with_state(const std::string& path);
 
 /// Prints the lines that only one of the two has: "-" intended, "+" there. Returns their number.
 int print_differences(const std::vector<Table>& intended, const std::vector<Table>& actual);

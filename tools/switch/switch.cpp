@@ -49,6 +49,7 @@ Switch::Switch(saish::Session& session, Options options)
       commands_(gives_commands(STDIN_FILENO)) {
   session_.capture().pass_to([this](const swsdk_out& out) { transmit(out); });
   session_.capture().watch(unit);
+  session_.more_tables["plug"] = [this] { return plugs(); };
   make_host_interfaces();
 }
 
@@ -68,6 +69,7 @@ void Switch::plug(int port, const std::string& what) {
   } catch (const CannotStart& error) {
     throw CannotStart(where + error.what());
   }
+  plugged_[port] = what;
 }
 
 /// The interfaces that were requested from the chip. One that is requested again, after a start of the chip, stays, so
@@ -118,7 +120,10 @@ void Switch::transmit(const swsdk_out& out) {
 
 /// What leaves meanwhile is sent together.
 void Switch::pass_on(int port, std::span<const Frame> frames) {
-  arrived_ += frames.size();
+  // Aggregates are many frames at a time already.
+  const bool is_whole =
+      std::any_of(frames.begin(), frames.end(), [](const Frame& frame) { return frame.segments.is_aggregate(); });
+  arrived_ += is_whole ? burst : frames.size();
   std::array<swsdk_segments, burst> segments;
   std::array<swsdk_in, burst> in;
   collect(true);
@@ -260,6 +265,26 @@ void Switch::tell_losses() {
   };
   for (const auto& [port, attachment] : ports_)
     tell_loss(port, attachment->lost(), "they came faster than the switch took them");
+}
+
+/// What each port is plugged into, with the frames that the host lost because they came faster than the switch took
+/// them.
+std::string Switch::plugs() const {
+  const std::string heading = "plugged into";
+  std::size_t width = heading.size();
+  for (const auto& [port, what] : plugged_) width = std::max(width, what.size());
+  const auto line = [&](const std::string& port, std::string what, const char* link, const std::string& lost) {
+    what.resize(width, ' ');
+    return std::string(4 - std::min<std::size_t>(port.size(), 4), ' ') + port + "  " + what + "  " + link + "  " +
+           lost + '\n';
+  };
+  std::string result = line("port", heading, "link", "frames lost");
+  for (const auto& [port, what] : plugged_) {
+    Attachment& attachment = *ports_.at(port);
+    result +=
+        line(std::to_string(port), what, attachment.has_link() ? "up  " : "down", std::to_string(attachment.lost()));
+  }
+  return result;
 }
 
 /// One round. False when the program is to end.

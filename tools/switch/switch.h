@@ -70,10 +70,12 @@ class Switch {
   bool is_over() const;
   bool pass_frames();
   void tell_losses();
+  std::string plugs() const;
 
   saish::Session& session_;
   const Options options_;
   std::map<int, std::unique_ptr<Attachment>> ports_;
+  std::map<int, std::string> plugged_;  // what each is plugged into, as it was given
   std::map<int, bool> links_;
   LinkNews link_news_;
   /// Held while attachments are replaced, and while a frame leaves, which another process may have sent.

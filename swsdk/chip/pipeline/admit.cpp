@@ -21,7 +21,8 @@ void admit(Passage& frame) {
   const PortRate& rate = frame.chip.port_rates.ingress()[packet.port];
   if (rate.is_limit()) {
     frame.by(decider::IngressRate{packet.port});
-    if (!frame.meters.take_frame(Meters::Kind::port_ingress, packet.port, frame.chip.now, rate, packet.bytes.size()))
+    if (!frame.chip.meters.take_frame(Meters::Kind::port_ingress, packet.port, frame.chip.now, rate,
+                                      packet.bytes.size()))
       frame.stop(Drop::rate);
   }
   if (!packet.has_header) frame.stop(Drop::malformed);

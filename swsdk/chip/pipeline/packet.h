@@ -16,7 +16,6 @@
 namespace chip {
 
 struct Chip;
-class Meters;
 
 /// Why the CPU gets a frame; several bits can be set.
 namespace cpu_reason {
@@ -116,11 +115,9 @@ struct Looped {
 
 /// One frame's passage through the pipeline, which the stages read and change in turn.
 struct Passage {
-  Passage(Chip& through, Meters& with, std::vector<Copy>& to, std::vector<Looped>& back)
-      : chip(through), meters(with), copies(to), looped(back) {}
+  Passage(Chip& through, std::vector<Copy>& to, std::vector<Looped>& back) : chip(through), copies(to), looped(back) {}
 
   Chip& chip;
-  Meters& meters;
   Observer* observer = nullptr;  // null: nobody is told
   Packet packet;
   uint32_t cpu_reasons = 0;             // not 0: the CPU gets a copy

@@ -94,18 +94,15 @@ bool Pipeline::receive_whole(Port port, std::span<const uint8_t> aggregate, cons
 }
 
 Drop Pipeline::try_out(Port port, std::span<const uint8_t> bytes, Wire& wire, Observer& observer) {
-  const Meters meters = meters_;
   const Trial trial(chip_);
-  const Drop drop = receive(port, bytes, wire, &observer);
-  meters_ = meters;
-  return drop;
+  return receive(port, bytes, wire, &observer);
 }
 
 // All stages become one function: called one by one, they would spend a third of a frame's time on being called.
 [[gnu::flatten]] std::optional<Drop> Pipeline::pass(Port port, std::span<const uint8_t> bytes, const Segments& segments,
                                                     Wire& wire, Observer* observer) {
   copies_.clear();
-  Passage frame(chip_, meters_, copies_, looped_);
+  Passage frame(chip_, copies_, looped_);
   frame.observer = observer;
   frame.packet.segments = segments;
   frame.packet.has_header = parse(port, bytes, frame.packet);

@@ -6,7 +6,6 @@
 #include <span>
 #include <vector>
 
-#include "chip/pipeline/meters.h"
 #include "chip/pipeline/observer.h"
 #include "chip/pipeline/packet.h"
 #include "chip/pipeline/wire.h"
@@ -16,9 +15,6 @@ namespace chip {
 class Pipeline {
  public:
   explicit Pipeline(Chip& chip) : chip_(chip) {}
-
-  /// Fills the buckets of all meters.
-  void reset() { meters_.reset(); }
 
   /// Forwards a frame, without checksum, that was received at a port of the chip, which may be the CPU port. Returns
   /// why it was dropped, or none; the CPU may have got a copy in either case. A frame none of whose copies could leave
@@ -39,7 +35,6 @@ class Pipeline {
   void follow_loops(Wire& wire, Observer* observer);
 
   Chip& chip_;
-  Meters meters_;
   std::vector<Looped> looped_;
   std::vector<Copy> copies_;  // of the current frame; kept, so that no frame allocates memory
   Cutter cutter_;

@@ -7,8 +7,8 @@ namespace {
 
 bool take(Passage& frame, Meters::Kind kind, int policer, const Meter& meter, uint64_t bits) {
   constexpr uint64_t kilo = 1000;
-  return frame.meters.take(kind, policer, frame.chip.now, meter.kilobits_per_second * kilo,
-                           meter.burst_kilobits * kilo + meter.burst_bits, bits);
+  return frame.chip.meters.take(kind, policer, frame.chip.now, meter.kilobits_per_second * kilo,
+                                meter.burst_kilobits * kilo + meter.burst_bits, bits);
 }
 
 }  // namespace

@@ -8,7 +8,7 @@ bool is_within_shape(Passage& frame, Port port, std::size_t length) {
   const PortRate& rate = frame.chip.port_rates.egress()[port];
   if (!rate.is_limit()) return true;
   frame.by(decider::EgressRate{port});
-  return frame.meters.take_frame(Meters::Kind::port_egress, port, frame.chip.now, rate, length);
+  return frame.chip.meters.take_frame(Meters::Kind::port_egress, port, frame.chip.now, rate, length);
 }
 
 }  // namespace chip

@@ -6,7 +6,6 @@
 #pragma once
 
 #include "chip/pipeline/egress_frame.h"
-#include "chip/pipeline/meters.h"
 #include "chip/pipeline/packet.h"
 #include "chip/pipeline/wire.h"
 

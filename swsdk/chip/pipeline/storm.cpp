@@ -29,7 +29,7 @@ void control_storms(Passage& frame) {
   frame.by(decider::StormRate{frame.packet.port, storm.kind});
   // The burst is one second's worth.
   const auto packets = static_cast<uint64_t>(rate->value);
-  if (frame.meters.take(storm.meter, frame.packet.port.number(), frame.chip.now, packets, packets, 1)) return;
+  if (frame.chip.meters.take(storm.meter, frame.packet.port.number(), frame.chip.now, packets, packets, 1)) return;
   frame.lose(Drop::storm);  // for the CPU too
 }
 

@@ -13,6 +13,7 @@ class Trial {
       : chip_(chip),
         counters_(chip.counters),
         drops_(chip.drops),
+        meters_(chip.meters),
         macs_(chip.mac_table),
         hosts_(chip.hosts.hits()),
         routes_(chip.routes.hits()),
@@ -20,6 +21,7 @@ class Trial {
   ~Trial() {
     chip_.counters = std::move(counters_);
     chip_.drops = std::move(drops_);
+    chip_.meters = std::move(meters_);
     chip_.hosts.restore(hosts_);
     chip_.routes.restore(routes_);
     chip_.field_processor.restore(rules_);
@@ -31,6 +33,7 @@ class Trial {
   Chip& chip_;
   Counters counters_;
   DropCounts drops_;
+  Meters meters_;
   MacTable::Undo macs_;
   Hosts::Hits hosts_;
   Routes::Hits routes_;

@@ -8,6 +8,7 @@
 #include <swsdk/board.h>
 #include <swsdk/events.h>
 #include <swsdk/kernel_commands.h>
+#include <swsdk/state.h>
 #include <swsdk/tables.h>
 
 #endif

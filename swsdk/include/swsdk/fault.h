@@ -16,6 +16,13 @@ extern "C" {
 #define SWSDK_FAULT_EVERY_CALL 0
 
 /**
+ * The environment variable with a file to which a process appends a line for each of its own calls that hits a fault:
+ * the name of the SDK's function, and that of the function of libsai.so through which the application made the call, or
+ * `-` where there is none, or it cannot be told.
+ */
+#define SWSDK_FAULT_LOG_VARIABLE "SWSDK_FAULT_LOG"
+
+/**
  * Makes calls of one SDK function fail. A function has one fault at a time; a new one replaces the old.
  *
  * @param function  name of the function, such as "bcm_vlan_create"

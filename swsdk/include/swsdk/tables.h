@@ -30,6 +30,30 @@ long swsdk_show(int unit, const char* table, char* buffer, size_t size);
 const char* swsdk_show_table(int index);
 
 /**
+ * Prints what calls have left on a unit's chip and nothing uses, a line each, and below it the call that made it what
+ * it is:
+ *
+ *     egress object 100001 is used by no host and no route
+ *       call 208: bcm_l3_egress_create(0, 0, {intf=1, mac_addr=02:00:00:00:00:0c, port=3}, &100001) = 0
+ *
+ * A VLAN (other than the default one) without members, a spanning-tree group without VLANs, a trunk without members, a
+ * mirror destination without sources; a virtual port in no VLAN, and tags at egress or a membership of one that is
+ * gone; a multicast group that no route or VLAN uses; an L3 interface that nothing refers to and that no frame can
+ * reach, because its VLAN has no ports or it was made for multicast; an egress object that no host and no route uses; a
+ * field group that is not enabled, a field entry that is not installed, a policer that is attached to nothing.
+ *
+ * What may wait for its use is not among them: multicast groups for floods, field groups without entries, L3 interfaces
+ * of VLANs with ports.
+ *
+ * @param unit    number of an initialized unit
+ * @param buffer  where to print to; always ended by a zero byte when size is not 0; may be null when size is 0
+ * @param size    size of the buffer in bytes; what does not fit is left out
+ * @return length of the whole text in bytes, without a zero byte: 0 when nothing is left; -1 when there is no such
+ *         initialized unit
+ */
+long swsdk_check(int unit, char* buffer, size_t size);
+
+/**
  * Lets a unit's chip learn where an address is, as from the source address of a frame that arrived. Known addresses are
  * marked as hit, and move when they came from elsewhere. The callbacks of `bcm_l2_addr_register` are called.
  *

@@ -1,4 +1,4 @@
-#include "chip/pipeline/meters.h"
+#include "chip/meters.h"
 
 #include <algorithm>
 

@@ -26,6 +26,21 @@ class Meters {
   /// Takes a frame of that many bytes, without checksum, out of the bucket of a port.
   bool take_frame(Kind kind, Port port, uint64_t now, const PortRate& rate, std::size_t bytes);
 
+  /// Calls `take(kind, number, level, since)` for each bucket that is not full: what was in it, in billionths, and
+  /// when.
+  template <class Take>
+  void for_each(Take take) const {
+    for (std::size_t kind = 0; kind < kinds; ++kind)
+      for (std::size_t number = 0; number < buckets_[kind].size(); ++number)
+        if (const Bucket& bucket = buckets_[kind][number]; bucket.level != UINT64_MAX)
+          take(static_cast<Kind>(kind), static_cast<int>(number), bucket.level, bucket.refilled);
+  }
+
+  template <class Archive>
+  void serialize(Archive& archive) {
+    archive(buckets_);
+  }
+
  private:
   struct Bucket {
     uint64_t level = UINT64_MAX;  // in billionths, so that no fraction is lost; capped at the burst

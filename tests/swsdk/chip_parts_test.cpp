@@ -1,9 +1,12 @@
-// What a reset of the chip puts back, member by member, and what it leaves alone.
+// What a reset of the chip puts back, member by member, and what it leaves alone; and that a saved state has it all.
 #include <gtest/gtest.h>
 
+#include <span>
 #include <sstream>
+#include <string>
 
 #include "chip/chip.h"
+#include "chip/state.h"
 
 namespace {
 
@@ -74,6 +77,15 @@ const Part put_back[] = {
        return Status::ok;
      },
      [](Chip& c) { return static_cast<int64_t>(c.drops[1][1]); }},
+    {"meters",
+     [](Chip& c) {
+       c.meters.take(chip::Meters::Kind::storm_broadcast, 1, c.now, 1, 1, 1);
+       return Status::ok;
+     },
+     [](Chip& c) {
+       chip::Meters meters = c.meters;
+       return int64_t{meters.take(chip::Meters::Kind::storm_broadcast, 1, c.now, 1, 1, 1)};
+     }},
     {"protocol_vlans",
      [](Chip& c) {
        return c.protocol_vlans.add({1, chip::ProtocolVlans::ethernet2, 0x0800}, 10);
@@ -244,6 +256,35 @@ TEST(ChipReset, LeavesTheObserverOfTheMacTableInPlace) {
   EXPECT_EQ(changes, 0);
   chip.mac_table.add({.mac = {2, 0, 0, 0, 0, 1}, .vlan = 1, .place = chip::Port{1}});
   EXPECT_EQ(changes, 1);
+}
+
+TEST(ChipState, HasEveryTableAndSetting) {
+  for (const std::span<const Part> parts : {std::span<const Part>(put_back), std::span<const Part>(kept)})
+    for (const Part& part : parts) {
+      Chip chip(12);
+      ASSERT_EQ(part.change(chip), Status::ok) << part.name;
+      Chip other(12);
+      chip::load_state(chip::state_of(chip), other);
+      EXPECT_EQ(part.told(other), part.told(chip)) << part.name;
+    }
+}
+
+TEST(ChipState, IsTheSameForTheSameContents) {
+  Chip chip(12);
+  for (const std::span<const Part> parts : {std::span<const Part>(put_back), std::span<const Part>(kept)})
+    for (const Part& part : parts) ASSERT_EQ(part.change(chip), Status::ok) << part.name;
+  const std::string state = chip::state_of(chip);
+  Chip other(12);
+  chip::load_state(state, other);
+  EXPECT_EQ(chip::state_of(other), state);
+}
+
+TEST(ChipState, IsNotReadWithoutItsEnd) {
+  const std::string state = chip::state_of(Chip(1));
+  for (std::size_t length = 0; length < state.size(); length += 1 + state.size() / 100) {
+    Chip chip(1);
+    EXPECT_THROW(chip::load_state(state.substr(0, length), chip), std::exception) << length;
+  }
 }
 
 }  // namespace
