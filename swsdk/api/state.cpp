@@ -6,6 +6,8 @@
 #include <fstream>
 #include <memory>
 #include <sstream>
+#include <string>
+#include <system_error>
 #include <vector>
 
 #include "api/call.h"
@@ -103,18 +105,24 @@ int restore(const std::string& path) {
   return SWSDK_STATE_DONE;
 }
 
+/// The path as any process sees it; empty for null, and for the empty path, which is none.
+std::string absolute(const char* path) {
+  std::error_code error;
+  return path == nullptr ? "" : std::filesystem::absolute(path, error).string();
+}
+
 }  // namespace
 
 int swsdk_state_save(const char* path) {
-  if (path == nullptr) return SWSDK_STATE_NO_FILE;
-  const std::string where = std::filesystem::absolute(path);
+  const std::string where = absolute(path);
+  if (where.empty()) return SWSDK_STATE_NO_FILE;
   return api::ask(
       __func__, [&] { return save(where); }, SWSDK_STATE_NO_FILE, where.c_str());
 }
 
 int swsdk_state_restore(const char* path) {
-  if (path == nullptr) return SWSDK_STATE_NO_FILE;
-  const std::string where = std::filesystem::absolute(path);
+  const std::string where = absolute(path);
+  if (where.empty()) return SWSDK_STATE_NO_FILE;
   if (api::remote_chip() != nullptr)
     return static_cast<int>(api::call_remote(api::Kind::action, __func__, {where.c_str()}, SWSDK_STATE_NO_FILE));
   const int result = restore(where);

@@ -259,6 +259,8 @@ TEST_F(State, LeavesFilesAndChipsAloneWhenItCannotBeWrittenOrRead) {
   EXPECT_EQ(swsdk_state_restore(file("none").c_str()), SWSDK_STATE_NO_FILE);
   EXPECT_EQ(swsdk_state_restore(nullptr), SWSDK_STATE_NO_FILE);
   EXPECT_EQ(swsdk_state_save(nullptr), SWSDK_STATE_NO_FILE);
+  EXPECT_EQ(swsdk_state_restore(""), SWSDK_STATE_NO_FILE);
+  EXPECT_EQ(swsdk_state_save(""), SWSDK_STATE_NO_FILE);
   EXPECT_EQ(swsdk_state_save(file("none/chip.state").c_str()), SWSDK_STATE_NO_FILE);
   std::filesystem::create_directories(file("taken/inside"));
   EXPECT_EQ(swsdk_state_save(file("taken").c_str()), SWSDK_STATE_NO_FILE);
