@@ -20,6 +20,8 @@ from ._kinds import OutOfRange as OutOfRange
 from ._log import Log as Log
 from ._recordings import Difference as Difference, recording as recording, replay as replay, replay_as_c as replay_as_c
 from ._records import Handle as Handle, Record as Record
+from ._states import Snapshot as Snapshot
+from ._sweep import Failure as Failure, sweep as sweep
 from ._tables import Change as Change, changes as changes
 
 fault = Fault

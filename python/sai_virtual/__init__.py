@@ -32,6 +32,8 @@ from ._kinds import OutOfRange
 from ._log import Log, Variables
 from ._recordings import Difference, recording, replay, replay_as_c
 from ._records import RECORDS, Handle
+from ._states import Snapshot
+from ._sweep import Failure, sweep
 from ._tables import Change, changes
 
 fault = Fault

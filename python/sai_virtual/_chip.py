@@ -4,7 +4,7 @@ import ctypes
 import os
 import typing
 
-from . import _frames, _tables
+from . import _frames, _states, _tables
 from ._callbacks import raise_failure, run
 from ._constants import CONSTANTS
 from ._functions import FUNCTIONS, SWSDK
@@ -71,9 +71,27 @@ class Chip:
         return _tables.rows(name, unit)
 
     @staticmethod
-    def snapshot(unit: int = 0) -> dict[str, list[typing.Any]]:
-        """All tables by name, for changes()."""
-        return {name: _tables.rows(name, unit) for name in _tables.names()}
+    def snapshot(unit: int = 0) -> _states.Snapshot:
+        """All tables of the unit by name, for changes(), and the state of all units, for restore()."""
+        return _states.Snapshot.taken(unit)
+
+    @staticmethod
+    def restore(state: _states.Snapshot | str | os.PathLike[str]) -> None:
+        """Puts the chips into the state of a snapshot, or into one that is saved in a file. From there they go on
+        exactly as they did."""
+        _states.restore(state)
+
+    @staticmethod
+    def leftovers(unit: int = 0) -> list[str]:
+        """What calls have left on the chip and nothing uses, each with the call that made it so, if one did:
+        "VLAN 10 has no members (call 8: bcm_vlan_create(0, 10) = 0)"."""
+        found: list[str] = []
+        for line in typing.cast(str, FUNCTIONS["swsdk_check"](unit)).splitlines():
+            if line.startswith("  "):
+                found[-1] += f" ({line.strip()})"
+            else:
+                found.append(line)
+        return found
 
     @staticmethod
     def show(table: str, unit: int = 0) -> str:
