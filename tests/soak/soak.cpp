@@ -73,6 +73,7 @@ using Tables = std::map<std::string, std::string>;
 Tables all_tables() {
   Tables result;
   for (int i = 0; const char* const name = swsdk_show_table(i); ++i) result[name] = table(name);
+  result.erase("clock");  // time passes
   return result;
 }
 

@@ -370,7 +370,7 @@ constexpr BuiltIn all_built_ins[] = {
     {"diff", "diff FILE",
      "Compares the chip's tables with a saved state, or with those that a script would leave in a fresh chip.", 1, 1,
      diff},
-    {"save", "save FILE", "Saves the state of the chips: tables, counters, meters, the clock, cables and sensors.", 1,
+    {"save", "save FILE", "Saves the state of the chips: all tables, counters, meters and the clock.", 1,
      1, save},
     {"restore", "restore FILE", "Puts the chips into a saved state.", 1, 1, restore},
     {"source", "source FILE", "Runs a script.", 1, 1, source},
