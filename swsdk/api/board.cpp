@@ -7,6 +7,7 @@
 #include "api/call.h"
 #include "api/events.h"
 #include "api/kernel_commands.h"
+#include "api/recording.h"
 #include "api/system.h"
 
 using chip::Chip;

@@ -2,6 +2,8 @@
 
 #include <atomic>
 
+#include "api/recording.h"
+
 namespace {
 
 std::atomic<api::RemoteChip*> chip_elsewhere = nullptr;

@@ -10,8 +10,10 @@
 #include <tuple>
 #include <vector>
 
-#include "api/call_text.h"
 #include "api/caller.h"
+#include "api/calls/call_text.h"
+#include "api/calls/calls.h"
+#include "api/control_records.h"
 #include "api/fault.h"
 #include "api/journal.h"
 #include "api/remote_chip.h"
@@ -85,14 +87,14 @@ Entrance enter(const char* function, int unit, int of_arguments);
 template <class... Args>
 class Call {
  public:
-  Call(const char* function, int unit, const Args&... args) : function_(function), unit_(unit), args_(args...) {}
+  explicit Call(const calls::Described<Args...>& described) : described_(described) {}
 
   /// Returns the result of `body` on the unit's chip.
   template <class Body>
   int answer(Body body) const {
     if (remote_chip() != nullptr)
-      return with_arguments([&](Arguments all) { return call_remote(Kind::call, function_, all, gone); });
-    const Entrance entrance = enter(function_, unit_, refusal());
+      return with_arguments([&](Arguments all) { return call_remote(Kind::call, function(), all, gone); });
+    const Entrance entrance = enter(function(), unit(), refusal());
     const chip::CallInProgress in_progress;  // to which what the body makes is due
     const int rv = entrance.chip == nullptr ? entrance.refusal : code(body(*entrance.chip));
     record_as(entrance.kind, rv);
@@ -110,7 +112,7 @@ class Call {
       record_as(Kind::call, *caller->walk_result);
       return *caller->walk_result;
     }
-    Entrance entrance = enter(function_, unit_, refusal());
+    Entrance entrance = enter(function(), unit(), refusal());
     int rv = entrance.chip == nullptr ? entrance.refusal : code(list(*entrance.chip, entries));
     if (entrance.guard) entrance.guard.unlock();
     if (entrance.chip == nullptr || rv < 0) {
@@ -125,24 +127,27 @@ class Call {
   }
 
  private:
+  const char* function() const { return described_.function; }
+  int unit() const { return std::get<0>(described_.arguments); }
+
   int refusal() const {
     return std::apply(
         [](const auto&... args) {
           if ((is_missing(args) || ...)) return BCM_E_PARAM;
           return (exceeds_model(args) || ...) ? BCM_E_UNAVAIL : BCM_E_NONE;
         },
-        args_);
+        described_.arguments);
   }
 
-  /// The result of `take` with all arguments, the unit first.
+  /// The result of `take` with all arguments.
   template <class Take>
   int with_arguments(Take take) const {
-    return std::apply([&](const auto&... args) { return static_cast<int>(take({unit_, args...})); }, args_);
+    return std::apply([&](const auto&... args) { return static_cast<int>(take({args...})); }, described_.arguments);
   }
 
   void record_as(Kind kind, int rv) const {
     with_arguments([&](Arguments all) {
-      record(kind, function_, rv, all);
+      record(kind, function(), rv, all);
       return 0;
     });
   }
@@ -158,32 +163,35 @@ class Call {
   int walk_remote(std::vector<Entry>& entries, Visit visit) const {
     return with_arguments([&](Arguments all) {
       const auto take = [&](std::string_view text) { read_output(text, entries.emplace_back()); };
-      const std::optional<Answer> answer = remote_chip()->call(function_, all, take);
+      const std::optional<Answer> answer = remote_chip()->call(function(), all, take);
       if (!answer) return gone;
       int rv = static_cast<int>(answer->result);
       // One that the chip's process has recorded has been refused.
       if (!answer->kind) {
         rv = visit_each(entries, visit);
-        remote_chip()->end_walk(function_, all, rv);
+        remote_chip()->end_walk(function(), all, rv);
       }
-      record(answer->kind.value_or(Kind::call), function_, rv, all);
+      record(answer->kind.value_or(Kind::call), function(), rv, all);
       return rv;
     });
   }
 
-  const char* const function_;
-  const int unit_;
-  const std::tuple<Args...> args_;
+  const calls::Described<Args...> described_;
 };
 
 /// Answers a call that is on no unit.
 template <class Body, class... Args>
-int call_without_unit(const char* function, Body body, const Args&... args) {
-  if (remote_chip() != nullptr) return static_cast<int>(call_remote(Kind::call, function, {args...}, gone));
-  const std::optional<int> fault = next_fault(function);
-  const int rv = fault ? *fault : code(body());
-  record(fault ? Kind::fault : Kind::call, function, rv, {args...});
-  return rv;
+int call_without_unit(const calls::Described<Args...>& call, Body body) {
+  const char* const function = call.function;
+  return std::apply(
+      [&](const auto&... args) {
+        if (remote_chip() != nullptr) return static_cast<int>(call_remote(Kind::call, function, {args...}, gone));
+        const std::optional<int> fault = next_fault(function);
+        const int rv = fault ? *fault : code(body());
+        record(fault ? Kind::fault : Kind::call, function, rv, {args...});
+        return rv;
+      },
+      call.arguments);
 }
 
 /// The result of `registration`. A callback that it registers is known before the chip can be told of it, so that it

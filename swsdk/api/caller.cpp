@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "api/call_text.h"
+#include "api/calls/call_text.h"
 #include "api/events.h"
 
 namespace {

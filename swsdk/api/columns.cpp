@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "api/arguments.h"
+#include "api/calls/arguments.h"
 
 std::string api::columns(const Rows& rows) {
   std::vector<std::size_t> widths(rows.front().size());

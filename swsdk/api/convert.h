@@ -7,8 +7,8 @@
 #include <type_traits>
 #include <utility>
 
+#include "api/calls/records.h"
 #include "api/gports.h"
-#include "api/records.h"
 #include "chip/status.h"
 
 namespace api {

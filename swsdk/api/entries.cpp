@@ -5,7 +5,7 @@
 #include <optional>
 #include <vector>
 
-#include "api/arguments.h"
+#include "api/calls/arguments.h"
 #include "api/columns.h"
 #include "api/show.h"
 #include "api/show_controls.h"

@@ -11,9 +11,10 @@
 #include <utility>
 #include <vector>
 
-#include "api/c_text.h"
 #include "api/caller.h"
-#include "api/parse.h"
+#include "api/calls/c_text.h"
+#include "api/calls/parse.h"
+#include "api/control_records.h"
 #include "api/recording.h"
 
 namespace api {

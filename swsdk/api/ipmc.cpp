@@ -52,7 +52,7 @@ chip::MulticastRouteKey key_of(const bcm_ipmc_addr_t& data) {
 }  // namespace
 
 int bcm_ipmc_add(int unit, bcm_ipmc_addr_t* data) {
-  return Call(__func__, unit, in(data)).answer([&](Chip& chip) {
+  return Call(calls::bcm_ipmc_add(unit, data)).answer([&](Chip& chip) {
     if (!is_whole(data->s_ip_mask) || !is_whole(data->mc_ip_mask) || !is_whole(data->s_ip6_mask) ||
         !is_whole(data->mc_ip6_mask))
       return Status::unavailable;
@@ -65,14 +65,14 @@ int bcm_ipmc_add(int unit, bcm_ipmc_addr_t* data) {
 }
 
 int bcm_ipmc_enable(int unit, int enable) {
-  return Call(__func__, unit, enable).answer([&](Chip& chip) {
+  return Call(calls::bcm_ipmc_enable(unit, enable)).answer([&](Chip& chip) {
     chip.multicast_routing = enable != 0;
     return Status::ok;
   });
 }
 
 int bcm_ipmc_find(int unit, bcm_ipmc_addr_t* data) {
-  return Call(__func__, unit, found_by(data)).answer([&](const Chip& chip) {
+  return Call(calls::bcm_ipmc_find(unit, data)).answer([&](const Chip& chip) {
     const chip::MulticastRouteKey key = key_of(*data);
     const chip::MulticastRoute* const found = chip.multicast_routes.find(key);
     if (found == nullptr) return chip.multicast_routes.absent(key);
@@ -82,14 +82,14 @@ int bcm_ipmc_find(int unit, bcm_ipmc_addr_t* data) {
 }
 
 int bcm_ipmc_init(int unit) {
-  return Call(__func__, unit).answer([](Chip& chip) {
+  return Call(calls::bcm_ipmc_init(unit)).answer([](Chip& chip) {
     chip.multicast_routes.clear();
     return Status::ok;
   });
 }
 
 int bcm_ipmc_remove(int unit, bcm_ipmc_addr_t* data) {
-  return Call(__func__, unit, key(data)).answer([&](Chip& chip) {
+  return Call(calls::bcm_ipmc_remove(unit, data)).answer([&](Chip& chip) {
     return chip.multicast_routes.remove(key_of(*data));
   });
 }

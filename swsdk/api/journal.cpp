@@ -80,15 +80,6 @@ api::Journal& api::own_journal() {
   return present_caller() == nullptr ? journal_of_this_process() : present_caller()->journal;
 }
 
-std::size_t api::copy_out(std::string_view text, char* buffer, std::size_t size) {
-  if (size > 0 && buffer != nullptr) {
-    const std::size_t length = std::min(text.size(), size - 1);
-    std::memcpy(buffer, text.data(), length);
-    buffer[length] = '\0';
-  }
-  return text.size();
-}
-
 void swsdk_journal_record(int on) {
   const auto record = [=] {
     api::own_journal().record(on);

@@ -52,7 +52,4 @@ void journal_add(std::string_view line);
 /// The journal of the process for which this thread works.
 Journal& own_journal();
 
-/// Copies `text` as the control interface does: as much as fits, always ended by a zero byte. Returns the whole length.
-std::size_t copy_out(std::string_view text, char* buffer, std::size_t size);
-
 }  // namespace api

@@ -34,8 +34,7 @@ int soc_knet_cmd_req(kcom_msg_t* kmsg, unsigned int len, unsigned int buf_size) 
     if (commands.size() > kept) commands.pop_back();
     return chip::Status::ok;
   };
-  const unsigned shown = std::min(len, unsigned{sizeof(kcom_msg_t)});
-  return api::call_without_unit(__func__, send, api::bytes(bytes, shown), len, buf_size);
+  return api::call_without_unit(calls::soc_knet_cmd_req(kmsg, len, buf_size), send);
 }
 
 size_t swsdk_kernel_command(int index, void* buffer, size_t size) {

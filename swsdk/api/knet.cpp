@@ -5,7 +5,7 @@
 using api::inout;
 
 int bcm_knet_netif_create(int unit, bcm_knet_netif_t* netif) {
-  return api::Call(__func__, unit, inout(netif)).answer([&](chip::Chip& chip) {
+  return api::Call(calls::bcm_knet_netif_create(unit, netif)).answer([&](chip::Chip& chip) {
     const chip::NetworkInterface wanted{
         .type = netif->type,
         .flags = netif->flags,

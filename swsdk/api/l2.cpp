@@ -70,7 +70,7 @@ bcm_l2_addr_t api::to_sdk(const chip::MacEntry& own) {
 }
 
 int bcm_l2_addr_add(int unit, bcm_l2_addr_t* l2addr) {
-  return Call(__func__, unit, in(l2addr)).answer([&](Chip& chip) {
+  return Call(calls::bcm_l2_addr_add(unit, l2addr)).answer([&](Chip& chip) {
     const MacEntry entry = to_chip(*l2addr);
     if (l2addr->modid != my_module) return Status::bad_parameter;
     const chip::TrunkId* const trunk = std::get_if<chip::TrunkId>(&entry.place);
@@ -80,19 +80,19 @@ int bcm_l2_addr_add(int unit, bcm_l2_addr_t* l2addr) {
 }
 
 int bcm_l2_addr_delete(int unit, uint8* mac, bcm_vlan_t vid) {
-  return Call(__func__, unit, api::mac(mac), vid).answer([&](Chip& chip) {
+  return Call(calls::bcm_l2_addr_delete(unit, mac, vid)).answer([&](Chip& chip) {
     return chip.mac_table.remove(vid, mac_at(mac));
   });
 }
 
 int bcm_l2_addr_delete_by_mac(int unit, uint8* mac, uint32 flags) {
-  return Call(__func__, unit, api::mac(mac), hex(flags)).answer([&](Chip& chip) {
+  return Call(calls::bcm_l2_addr_delete_by_mac(unit, mac, flags)).answer([&](Chip& chip) {
     return chip.mac_table.remove_if(flags, [&](const MacEntry& entry) { return entry.mac == mac_at(mac); });
   });
 }
 
 int bcm_l2_addr_delete_by_port(int unit, bcm_module_t mod, bcm_port_t port, uint32 flags) {
-  return Call(__func__, unit, mod, port, hex(flags)).answer([&](Chip& chip) {
+  return Call(calls::bcm_l2_addr_delete_by_port(unit, mod, port, flags)).answer([&](Chip& chip) {
     if (mod != my_module) return Status::bad_parameter;
     const chip::Place place = api::port_place_of(port);
     if (!chip.mac_table.is_place(place)) return Status::bad_port;
@@ -101,7 +101,7 @@ int bcm_l2_addr_delete_by_port(int unit, bcm_module_t mod, bcm_port_t port, uint
 }
 
 int bcm_l2_addr_delete_by_trunk(int unit, bcm_trunk_t tid, uint32 flags) {
-  return Call(__func__, unit, tid, hex(flags)).answer([&](Chip& chip) {
+  return Call(calls::bcm_l2_addr_delete_by_trunk(unit, tid, flags)).answer([&](Chip& chip) {
     if (tid < 0 || tid >= chip::Trunks::capacity) return Status::bad_parameter;
     const chip::Place place = chip::TrunkId::of(tid);
     return chip.mac_table.remove_if(flags, [&](const MacEntry& entry) { return entry.place == place; });
@@ -109,14 +109,14 @@ int bcm_l2_addr_delete_by_trunk(int unit, bcm_trunk_t tid, uint32 flags) {
 }
 
 int bcm_l2_addr_delete_by_vlan(int unit, bcm_vlan_t vid, uint32 flags) {
-  return Call(__func__, unit, vid, hex(flags)).answer([&](Chip& chip) {
+  return Call(calls::bcm_l2_addr_delete_by_vlan(unit, vid, flags)).answer([&](Chip& chip) {
     if (!chip::is_vlan(vid)) return Status::bad_parameter;
     return chip.mac_table.remove_if(flags, [&](const MacEntry& entry) { return entry.vlan == vid; });
   });
 }
 
 int bcm_l2_addr_get(int unit, uint8* mac_addr, bcm_vlan_t vid, bcm_l2_addr_t* l2addr) {
-  return Call(__func__, unit, api::mac(mac_addr), vid, out(l2addr)).answer([&](Chip& chip) {
+  return Call(calls::bcm_l2_addr_get(unit, mac_addr, vid, l2addr)).answer([&](Chip& chip) {
     const MacEntry* const found = chip.mac_table.find(vid, mac_at(mac_addr));
     if (found == nullptr) return chip.mac_table.absent(vid);
     *l2addr = api::to_sdk(*found);
@@ -125,7 +125,7 @@ int bcm_l2_addr_get(int unit, uint8* mac_addr, bcm_vlan_t vid, bcm_l2_addr_t* l2
 }
 
 int bcm_l2_addr_register(int unit, bcm_l2_addr_callback_t callback, void* userdata) {
-  const Call call(__func__, unit, callback, userdata);
+  const Call call(calls::bcm_l2_addr_register(unit, callback, userdata));
   return api::with_callback(callback_of(unit, callback, userdata), [&] {
     return call.answer([&](const Chip&) {
       return callback == nullptr ? Status::bad_parameter : api::find_unit(unit)->l2_listeners.add({callback, userdata});
@@ -134,36 +134,38 @@ int bcm_l2_addr_register(int unit, bcm_l2_addr_callback_t callback, void* userda
 }
 
 int bcm_l2_addr_unregister(int unit, bcm_l2_addr_callback_t callback, void* userdata) {
-  const int rv = Call(__func__, unit, callback, userdata).answer([&](const Chip&) {
+  const int rv = Call(calls::bcm_l2_addr_unregister(unit, callback, userdata)).answer([&](const Chip&) {
     return api::find_unit(unit)->l2_listeners.remove({callback, userdata});
   });
   return api::without_callback(callback_of(unit, callback, userdata), rv);
 }
 
 int bcm_l2_age_timer_get(int unit, int* age_seconds) {
-  return Call(__func__, unit, out(age_seconds)).answer([&](const Chip& chip) {
+  return Call(calls::bcm_l2_age_timer_get(unit, age_seconds)).answer([&](const Chip& chip) {
     *age_seconds = chip.mac_table.age_time();
     return Status::ok;
   });
 }
 
 int bcm_l2_age_timer_set(int unit, int age_seconds) {
-  return Call(__func__, unit, age_seconds).answer([&](Chip& chip) { return chip.mac_table.set_age_time(age_seconds); });
+  return Call(calls::bcm_l2_age_timer_set(unit, age_seconds)).answer([&](Chip& chip) {
+    return chip.mac_table.set_age_time(age_seconds);
+  });
 }
 
 int bcm_l2_cache_delete(int unit, int index) {
-  return Call(__func__, unit, index).answer([&](Chip& chip) { return chip.l2_cache.remove(index); });
+  return Call(calls::bcm_l2_cache_delete(unit, index)).answer([&](Chip& chip) { return chip.l2_cache.remove(index); });
 }
 
 int bcm_l2_cache_delete_all(int unit) {
-  return Call(__func__, unit).answer([](Chip& chip) {
+  return Call(calls::bcm_l2_cache_delete_all(unit)).answer([](Chip& chip) {
     chip.l2_cache.clear();
     return Status::ok;
   });
 }
 
 int bcm_l2_cache_set(int unit, int index, bcm_l2_cache_addr_t* addr, int* index_used) {
-  return Call(__func__, unit, index, in(addr), out(index_used)).answer([&](Chip& chip) {
+  return Call(calls::bcm_l2_cache_set(unit, index, addr, index_used)).answer([&](Chip& chip) {
     const chip::L2CacheEntry entry{
         .flags = addr->flags,
         .mac = api::address(addr->mac),
@@ -178,7 +180,7 @@ int bcm_l2_cache_set(int unit, int index, bcm_l2_cache_addr_t* addr, int* index_
 }
 
 int bcm_l2_init(int unit) {
-  return Call(__func__, unit).answer([](Chip& chip) {
+  return Call(calls::bcm_l2_init(unit)).answer([](Chip& chip) {
     chip.mac_table.reset();
     chip.learn_limits.reset();
     return Status::ok;
@@ -186,21 +188,21 @@ int bcm_l2_init(int unit) {
 }
 
 int bcm_l2_learn_limit_disable(int unit) {
-  return Call(__func__, unit).answer([](Chip& chip) {
+  return Call(calls::bcm_l2_learn_limit_disable(unit)).answer([](Chip& chip) {
     chip.learn_limits.enable(false);
     return Status::ok;
   });
 }
 
 int bcm_l2_learn_limit_enable(int unit) {
-  return Call(__func__, unit).answer([](Chip& chip) {
+  return Call(calls::bcm_l2_learn_limit_enable(unit)).answer([](Chip& chip) {
     chip.learn_limits.enable(true);
     return Status::ok;
   });
 }
 
 int bcm_l2_learn_limit_get(int unit, bcm_l2_learn_limit_t* limit) {
-  return Call(__func__, unit, found_by(limit)).answer([&](const Chip& chip) {
+  return Call(calls::bcm_l2_learn_limit_get(unit, limit)).answer([&](const Chip& chip) {
     const std::vector<chip::MacScope> scopes = scopes_of(*limit);
     if (scopes.size() != 1) return Status::bad_parameter;
     const std::optional<chip::LearnLimit> found = chip.learn_limits.get(scopes.front());
@@ -212,7 +214,7 @@ int bcm_l2_learn_limit_get(int unit, bcm_l2_learn_limit_t* limit) {
 }
 
 int bcm_l2_learn_limit_set(int unit, bcm_l2_learn_limit_t* limit) {
-  return Call(__func__, unit, in(limit)).answer([&](Chip& chip) {
+  return Call(calls::bcm_l2_learn_limit_set(unit, limit)).answer([&](Chip& chip) {
     return chip.learn_limits.set(scopes_of(*limit), {limit->limit, limit->flags & ~all_scopes});
   });
 }
@@ -224,5 +226,5 @@ int bcm_l2_traverse(int unit, bcm_l2_traverse_cb trav_fn, void* user_data) {
     return Status::ok;
   };
   const auto visit = [&](bcm_l2_addr_t& entry) { return trav_fn(unit, &entry, user_data); };
-  return Call(__func__, unit, trav_fn, user_data).walk<bcm_l2_addr_t>(list, visit);
+  return Call(calls::bcm_l2_traverse(unit, trav_fn, user_data)).walk<bcm_l2_addr_t>(list, visit);
 }

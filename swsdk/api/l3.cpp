@@ -145,7 +145,7 @@ Status tell_interface(const Chip& chip, int id, bcm_l3_intf_t& interface) {
 }  // namespace
 
 int bcm_l3_egress_create(int unit, uint32 flags, bcm_l3_egress_t* egr, bcm_if_t* if_id) {
-  return Call(__func__, unit, hex(flags), in(egr), out(if_id)).answer([&](Chip& chip) {
+  return Call(calls::bcm_l3_egress_create(unit, flags, egr, if_id)).answer([&](Chip& chip) {
     return on_egress_objects(chip, [&](chip::EgressObjects& objects) {
       if (flags != 0) return Status::unavailable;
       const auto object = api::to_own<chip::EgressObject>(*egr, egress_fields());
@@ -156,7 +156,7 @@ int bcm_l3_egress_create(int unit, uint32 flags, bcm_l3_egress_t* egr, bcm_if_t*
 }
 
 int bcm_l3_egress_destroy(int unit, bcm_if_t intf) {
-  return Call(__func__, unit, intf).answer([&](Chip& chip) {
+  return Call(calls::bcm_l3_egress_destroy(unit, intf)).answer([&](Chip& chip) {
     return on_egress_objects(chip, [&](chip::EgressObjects& objects) {
       return chip.hosts.uses(intf) + chip.routes.uses(intf) > 0 ? Status::busy : objects.remove(intf);
     });
@@ -164,7 +164,7 @@ int bcm_l3_egress_destroy(int unit, bcm_if_t intf) {
 }
 
 int bcm_l3_egress_find(int unit, bcm_l3_egress_t* egr, bcm_if_t* intf) {
-  return Call(__func__, unit, in(egr), out(intf)).answer([&](Chip& chip) {
+  return Call(calls::bcm_l3_egress_find(unit, egr, intf)).answer([&](Chip& chip) {
     return on_egress_objects(chip, [&](const chip::EgressObjects& objects) {
       const auto wanted = api::to_own<chip::EgressObject>(*egr, egress_fields());
       return api::tell(objects.find_same(wanted), Status::not_found, *intf);
@@ -173,7 +173,7 @@ int bcm_l3_egress_find(int unit, bcm_l3_egress_t* egr, bcm_if_t* intf) {
 }
 
 int bcm_l3_egress_get(int unit, bcm_if_t intf, bcm_l3_egress_t* egr) {
-  return Call(__func__, unit, intf, out(egr)).answer([&](Chip& chip) {
+  return Call(calls::bcm_l3_egress_get(unit, intf, egr)).answer([&](Chip& chip) {
     return on_egress_objects(chip, [&](const chip::EgressObjects& objects) {
       const chip::EgressObject* const found = objects.find(intf);
       if (found == nullptr) return objects.absent(intf);
@@ -184,14 +184,14 @@ int bcm_l3_egress_get(int unit, bcm_if_t intf, bcm_l3_egress_t* egr) {
 }
 
 int bcm_l3_enable_set(int unit, int enable) {
-  return Call(__func__, unit, enable).answer([&](Chip& chip) {
+  return Call(calls::bcm_l3_enable_set(unit, enable)).answer([&](Chip& chip) {
     chip.unicast_routing = enable != 0;
     return Status::ok;
   });
 }
 
 int bcm_l3_host_add(int unit, bcm_l3_host_t* info) {
-  return Call(__func__, unit, in(info)).answer([&](Chip& chip) {
+  return Call(calls::bcm_l3_host_add(unit, info)).answer([&](Chip& chip) {
     return on_hosts(chip, *info, [&](Hosts& hosts, const chip::HostKey& key) {
       const Status status = check_target(chip, *info);
       return status == Status::ok ? hosts.add(key, to_entry(*info), is_replacing(info->l3a_flags)) : status;
@@ -200,38 +200,38 @@ int bcm_l3_host_add(int unit, bcm_l3_host_t* info) {
 }
 
 int bcm_l3_host_delete(int unit, bcm_l3_host_t* ip_addr) {
-  return Call(__func__, unit, key(ip_addr)).answer([&](Chip& chip) {
+  return Call(calls::bcm_l3_host_delete(unit, ip_addr)).answer([&](Chip& chip) {
     return on_hosts(chip, *ip_addr, [](Hosts& hosts, const chip::HostKey& key) { return hosts.remove(key); });
   });
 }
 
 int bcm_l3_host_find(int unit, bcm_l3_host_t* info) {
-  return Call(__func__, unit, found_by(info)).answer([&](Chip& chip) {
+  return Call(calls::bcm_l3_host_find(unit, info)).answer([&](Chip& chip) {
     return on_hosts(chip, *info, [&](Hosts& hosts, const chip::HostKey& key) { return find(hosts, key, *info); });
   });
 }
 
 int bcm_l3_intf_create(int unit, bcm_l3_intf_t* intf) {
-  return Call(__func__, unit, inout(intf)).answer([&](Chip& chip) {
+  return Call(calls::bcm_l3_intf_create(unit, intf)).answer([&](Chip& chip) {
     return chip.l3_interfaces.create(api::to_own<chip::L3Interface>(*intf, interface_fields()), intf->l3a_intf_id);
   });
 }
 
 int bcm_l3_intf_delete(int unit, bcm_l3_intf_t* intf) {
-  return Call(__func__, unit, key(intf)).answer([&](Chip& chip) {
+  return Call(calls::bcm_l3_intf_delete(unit, intf)).answer([&](Chip& chip) {
     return chip.l3_interfaces.remove(intf->l3a_intf_id);
   });
 }
 
 int bcm_l3_intf_delete_all(int unit) {
-  return Call(__func__, unit).answer([](Chip& chip) {
+  return Call(calls::bcm_l3_intf_delete_all(unit)).answer([](Chip& chip) {
     chip.l3_interfaces.clear();
     return Status::ok;
   });
 }
 
 int bcm_l3_intf_find(int unit, bcm_l3_intf_t* intf) {
-  return Call(__func__, unit, found_by(intf)).answer([&](Chip& chip) {
+  return Call(calls::bcm_l3_intf_find(unit, intf)).answer([&](Chip& chip) {
     if (intf->l3a_intf_id != 0) return tell_interface(chip, intf->l3a_intf_id, *intf);
     const auto wanted = api::to_own<chip::L3Interface>(*intf, interface_fields());
     const std::optional<int> id = chip.l3_interfaces.find_same(wanted);
@@ -240,7 +240,7 @@ int bcm_l3_intf_find(int unit, bcm_l3_intf_t* intf) {
 }
 
 int bcm_l3_intf_find_vlan(int unit, bcm_l3_intf_t* intf) {
-  return Call(__func__, unit, found_by(intf)).answer([&](Chip& chip) {
+  return Call(calls::bcm_l3_intf_find_vlan(unit, intf)).answer([&](Chip& chip) {
     if (!chip::is_vlan(intf->l3a_vid)) return Status::bad_parameter;
     const std::optional<int> id = chip.l3_interfaces.find_by_vlan(intf->l3a_vid);
     return id ? tell_interface(chip, *id, *intf) : Status::not_found;
@@ -248,7 +248,7 @@ int bcm_l3_intf_find_vlan(int unit, bcm_l3_intf_t* intf) {
 }
 
 int bcm_l3_route_add(int unit, bcm_l3_route_t* info) {
-  return Call(__func__, unit, in(info)).answer([&](Chip& chip) {
+  return Call(calls::bcm_l3_route_add(unit, info)).answer([&](Chip& chip) {
     return on_routes(chip, *info, [&](Routes& routes, const chip::RouteKey& key) {
       const Status status = check_target(chip, *info);
       return status == Status::ok ? routes.add(key, to_entry(*info), is_replacing(info->l3a_flags)) : status;
@@ -257,13 +257,13 @@ int bcm_l3_route_add(int unit, bcm_l3_route_t* info) {
 }
 
 int bcm_l3_route_delete(int unit, bcm_l3_route_t* info) {
-  return Call(__func__, unit, key(info)).answer([&](Chip& chip) {
+  return Call(calls::bcm_l3_route_delete(unit, info)).answer([&](Chip& chip) {
     return on_routes(chip, *info, [](Routes& routes, const chip::RouteKey& key) { return routes.remove(key); });
   });
 }
 
 int bcm_l3_route_get(int unit, bcm_l3_route_t* info) {
-  return Call(__func__, unit, found_by(info)).answer([&](Chip& chip) {
+  return Call(calls::bcm_l3_route_get(unit, info)).answer([&](Chip& chip) {
     return on_routes(chip, *info, [&](Routes& routes, const chip::RouteKey& key) { return find(routes, key, *info); });
   });
 }

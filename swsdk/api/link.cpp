@@ -8,7 +8,9 @@ using chip::Chip;
 using chip::Status;
 
 int bcm_linkscan_enable_set(int unit, int us) {
-  return Call(__func__, unit, us).answer([&](Chip& chip) { return chip.link_scan.set_interval(us); });
+  return Call(calls::bcm_linkscan_enable_set(unit, us)).answer([&](Chip& chip) {
+    return chip.link_scan.set_interval(us);
+  });
 }
 
 namespace {
@@ -20,7 +22,7 @@ api::RemoteCallback callback_of(int unit, bcm_linkscan_handler_t handler) {
 }  // namespace
 
 int bcm_linkscan_register(int unit, bcm_linkscan_handler_t f) {
-  const Call call(__func__, unit, f);
+  const Call call(calls::bcm_linkscan_register(unit, f));
   return api::with_callback(callback_of(unit, f), [&] {
     return call.answer([&](const Chip&) {
       return f == nullptr ? Status::bad_parameter : api::find_unit(unit)->link_listeners.add({f});
@@ -29,7 +31,8 @@ int bcm_linkscan_register(int unit, bcm_linkscan_handler_t f) {
 }
 
 int bcm_linkscan_unregister(int unit, bcm_linkscan_handler_t f) {
-  const int rv =
-      Call(__func__, unit, f).answer([&](const Chip&) { return api::find_unit(unit)->link_listeners.remove({f}); });
+  const int rv = Call(calls::bcm_linkscan_unregister(unit, f)).answer([&](const Chip&) {
+    return api::find_unit(unit)->link_listeners.remove({f});
+  });
   return api::without_callback(callback_of(unit, f), rv);
 }

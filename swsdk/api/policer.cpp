@@ -34,17 +34,19 @@ bcm_policer_config_t to_sdk(const chip::Policer& own) {
 }  // namespace
 
 int bcm_policer_create(int unit, bcm_policer_config_t* pol_cfg, bcm_policer_t* policer_id) {
-  return Call(__func__, unit, in(pol_cfg), out(policer_id)).answer([&](Chip& chip) {
+  return Call(calls::bcm_policer_create(unit, pol_cfg, policer_id)).answer([&](Chip& chip) {
     return chip.policers.create(to_chip(*pol_cfg), *policer_id);
   });
 }
 
 int bcm_policer_destroy(int unit, bcm_policer_t policer_id) {
-  return Call(__func__, unit, policer_id).answer([&](Chip& chip) { return chip.policers.destroy(policer_id); });
+  return Call(calls::bcm_policer_destroy(unit, policer_id)).answer([&](Chip& chip) {
+    return chip.policers.destroy(policer_id);
+  });
 }
 
 int bcm_policer_get(int unit, bcm_policer_t policer_id, bcm_policer_config_t* pol_cfg) {
-  return Call(__func__, unit, policer_id, out(pol_cfg)).answer([&](const Chip& chip) {
+  return Call(calls::bcm_policer_get(unit, policer_id, pol_cfg)).answer([&](const Chip& chip) {
     const chip::Policer* const found = chip.policers.find(policer_id);
     if (found == nullptr) return chip.policers.absent(policer_id);
     *pol_cfg = to_sdk(*found);
@@ -53,7 +55,7 @@ int bcm_policer_get(int unit, bcm_policer_t policer_id, bcm_policer_config_t* po
 }
 
 int bcm_policer_init(int unit) {
-  return Call(__func__, unit).answer([](Chip& chip) {
+  return Call(calls::bcm_policer_init(unit)).answer([](Chip& chip) {
     chip.field_processor.forget_policers();
     chip.policers.clear();
     return Status::ok;
@@ -61,7 +63,7 @@ int bcm_policer_init(int unit) {
 }
 
 int bcm_policer_set(int unit, bcm_policer_t policer_id, bcm_policer_config_t* pol_cfg) {
-  return Call(__func__, unit, policer_id, in(pol_cfg)).answer([&](Chip& chip) {
+  return Call(calls::bcm_policer_set(unit, policer_id, pol_cfg)).answer([&](Chip& chip) {
     return chip.policers.set(policer_id, to_chip(*pol_cfg));
   });
 }

@@ -10,22 +10,19 @@ using chip::Chip;
 using chip::StormRates;
 
 int bcm_rate_bcast_set(int unit, int pps, int flags, int port) {
-  const auto given = static_cast<uint32>(flags);
-  return Call(__func__, unit, pps, hex(given), port).answer([&](Chip& chip) {
-    return chip.storm_rates.set({port_of(port), StormRates::broadcast}, given, pps);
+  return Call(calls::bcm_rate_bcast_set(unit, pps, flags, port)).answer([&](Chip& chip) {
+    return chip.storm_rates.set({port_of(port), StormRates::broadcast}, static_cast<uint32>(flags), pps);
   });
 }
 
 int bcm_rate_dlfbc_set(int unit, int pps, int flags, int port) {
-  const auto given = static_cast<uint32>(flags);
-  return Call(__func__, unit, pps, hex(given), port).answer([&](Chip& chip) {
-    return chip.storm_rates.set({port_of(port), StormRates::unknown_destination}, given, pps);
+  return Call(calls::bcm_rate_dlfbc_set(unit, pps, flags, port)).answer([&](Chip& chip) {
+    return chip.storm_rates.set({port_of(port), StormRates::unknown_destination}, static_cast<uint32>(flags), pps);
   });
 }
 
 int bcm_rate_mcast_set(int unit, int pps, int flags, int port) {
-  const auto given = static_cast<uint32>(flags);
-  return Call(__func__, unit, pps, hex(given), port).answer([&](Chip& chip) {
-    return chip.storm_rates.set({port_of(port), StormRates::multicast}, given, pps);
+  return Call(calls::bcm_rate_mcast_set(unit, pps, flags, port)).answer([&](Chip& chip) {
+    return chip.storm_rates.set({port_of(port), StormRates::multicast}, static_cast<uint32>(flags), pps);
   });
 }

@@ -1,15 +1,14 @@
 #include "api/recording.h"
 
+#include <dlfcn.h>
 #include <swsdk/recording.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <iterator>
 #include <map>
 #include <mutex>
 #include <utility>
@@ -26,6 +25,8 @@ constexpr char power_off[] = "action swsdk_power_off() = 0";
 class Recording {
  public:
   Recording() {
+    // What the environment requests is the recorder's, if one stands before this library.
+    if (dlsym(RTLD_DEFAULT, "swsdk_recorder") != nullptr) return;
     if (const char* const path = std::getenv(SWSDK_RECORD_VARIABLE); path != nullptr && *path != '\0') {
       path_ = path;
       wanted_ = true;
@@ -150,12 +151,6 @@ using Pointer = std::pair<const api::Caller*, const void*>;
 std::map<std::string, std::map<Pointer, int>, std::less<>> numbers;  // guarded by `numbers_lock`
 
 }  // namespace
-
-std::optional<api::Kind> api::kind_of(std::string_view word) {
-  const auto* const found = std::find(std::begin(kind_names), std::end(kind_names), word);
-  if (found == std::end(kind_names)) return std::nullopt;
-  return static_cast<Kind>(found - std::begin(kind_names));
-}
 
 bool api::is_recording() { return recording().is_wanted(); }
 

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string_view>
 
-#include "api/call_text.h"
+#include "api/calls/call_text.h"
 
 namespace api {
 

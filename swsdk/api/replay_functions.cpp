@@ -1,15 +1,3 @@
-#include <appl/diag/shell.h>
-#include <appl/diag/system.h>
-#include <bcm/cosq.h>
-#include <bcm/link.h>
-#include <bcm/mcast.h>
-#include <bcm/multicast.h>
-#include <bcm/rate.h>
-#include <bcm/stack.h>
-#include <bcm/stat.h>
-#include <bcm/stg.h>
-#include <soc/cmic.h>
-#include <soc/drv.h>
 #include <swsdk/chip.h>
 #include <swsdk/fault.h>
 #include <swsdk/field.h>
@@ -22,13 +10,6 @@
 #include <map>
 
 #include "api/replay.h"
-
-// Exported without a public header.
-extern "C" {
-int sdk_main(int argc, char** argv);
-int bcm_esw_vlan_ip4_mcast_flood_set(int unit, bcm_vlan_t vlan, int mode);
-int bcm_esw_vlan_ip6_mcast_flood_set(int unit, bcm_vlan_t vlan, int mode);
-}
 
 namespace {
 

@@ -100,7 +100,7 @@ cmd_result_t process(Chip& chip, const char* line) {
 }  // namespace
 
 cmd_result_t sh_process_command(int unit, char* c) {
-  const int result = api::Call(__func__, unit, c).answer([&](Chip& chip) {
+  const int result = api::Call(calls::sh_process_command(unit, c)).answer([&](Chip& chip) {
     return c == nullptr ? static_cast<int>(CMD_USAGE) : static_cast<int>(process(chip, c));
   });
   return static_cast<cmd_result_t>(result);

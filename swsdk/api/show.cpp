@@ -8,7 +8,7 @@
 #include <iterator>
 #include <vector>
 
-#include "api/arguments.h"
+#include "api/calls/arguments.h"
 #include "api/columns.h"
 #include "api/gports.h"
 #include "api/show_controls.h"

@@ -2,7 +2,7 @@
 
 #include <map>
 
-#include "api/arguments.h"
+#include "api/calls/arguments.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "api/arguments.h"
+#include "api/calls/arguments.h"
 #include "api/columns.h"
 #include "api/show.h"
 

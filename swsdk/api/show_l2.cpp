@@ -1,6 +1,6 @@
 #include "api/show_l2.h"
 
-#include "api/arguments.h"
+#include "api/calls/arguments.h"
 #include "api/columns.h"
 
 namespace {

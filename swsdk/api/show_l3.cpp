@@ -4,7 +4,7 @@
 #include <bcm/l3.h>
 #include <bcm/vlan.h>
 
-#include "api/arguments.h"
+#include "api/calls/arguments.h"
 #include "api/columns.h"
 
 namespace {

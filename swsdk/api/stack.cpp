@@ -11,20 +11,21 @@ using chip::Status;
 
 int bcm_stk_modmap_map(int unit, int setget, bcm_module_t mod_in, bcm_port_t port_in, bcm_module_t* mod_out,
                        bcm_port_t* port_out) {
-  return Call(__func__, unit, setget, mod_in, port_in, out(mod_out), out(port_out)).answer([&](const Chip& chip) {
-    if (setget == BCM_STK_MODMAP_SET) return Status::unavailable;
-    if (setget != BCM_STK_MODMAP_GET) return Status::bad_parameter;
-    if (mod_in != my_module) return Status::bad_parameter;
-    if (!chip.ports.has(chip::Port::of(port_in))) return Status::bad_port;
-    // Modules and ports have the same numbers on both sides.
-    *mod_out = mod_in;
-    *port_out = port_in;
-    return Status::ok;
-  });
+  return Call(calls::bcm_stk_modmap_map(unit, setget, mod_in, port_in, mod_out, port_out))
+      .answer([&](const Chip& chip) {
+        if (setget == BCM_STK_MODMAP_SET) return Status::unavailable;
+        if (setget != BCM_STK_MODMAP_GET) return Status::bad_parameter;
+        if (mod_in != my_module) return Status::bad_parameter;
+        if (!chip.ports.has(chip::Port::of(port_in))) return Status::bad_port;
+        // Modules and ports have the same numbers on both sides.
+        *mod_out = mod_in;
+        *port_out = port_in;
+        return Status::ok;
+      });
 }
 
 int bcm_stk_my_modid_get(int unit, int* my_modid) {
-  return Call(__func__, unit, out(my_modid)).answer([&](const Chip&) {
+  return Call(calls::bcm_stk_my_modid_get(unit, my_modid)).answer([&](const Chip&) {
     *my_modid = my_module;
     return Status::ok;
   });

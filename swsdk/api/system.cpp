@@ -140,21 +140,18 @@ int api::published_units() {
 
 int sdk_main(int argc, char** argv) {
   if (api::RemoteChip* const chip = api::remote_chip()) chip->look_again();
-  return api::call_without_unit(
-      __func__,
-      [] {
-        const std::lock_guard guard(api::power_lock);
-        const swsdk_board board = api::present_board();
-        // A second start finds the units attached and changes nothing.
-        for (int unit = api::attached_units(); unit < board.units; ++unit)
-          tell_mac_changes(unit, *api::attach_unit(std::make_unique<chip::Chip>(board.ports)).chip);
-        export_changed([&](api::UnitData& data) {
-          data.board = board;
-          data.attached = api::attached_units();
-        });
-        return BCM_E_NONE;
-      },
-      argc, argv);
+  return api::call_without_unit(calls::sdk_main(argc, argv), [] {
+    const std::lock_guard guard(api::power_lock);
+    const swsdk_board board = api::present_board();
+    // A second start finds the units attached and changes nothing.
+    for (int unit = api::attached_units(); unit < board.units; ++unit)
+      tell_mac_changes(unit, *api::attach_unit(std::make_unique<chip::Chip>(board.ports)).chip);
+    export_changed([&](api::UnitData& data) {
+      data.board = board;
+      data.attached = api::attached_units();
+    });
+    return BCM_E_NONE;
+  });
 }
 
 int system_init(int unit) {
@@ -174,7 +171,7 @@ int system_init(int unit) {
     find_links(*attached->chip);
     return BCM_E_NONE;
   };
-  return api::call_without_unit(__func__, initialize, unit);
+  return api::call_without_unit(calls::system_init(unit), initialize);
 }
 
 void api::publish_egress_mode(int unit) {

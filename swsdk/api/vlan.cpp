@@ -97,24 +97,26 @@ std::optional<chip::Subnet> subnet_of(const bcm_vlan_ip_t& entry) {
 }  // namespace
 
 int bcm_vlan_control_port_get(int unit, int port, bcm_vlan_control_port_t type, int* arg) {
-  return Call(__func__, unit, port, type, out(arg)).answer([&](Chip& chip) {
+  return Call(calls::bcm_vlan_control_port_get(unit, port, type, arg)).answer([&](Chip& chip) {
     const chip::Port of = port_of(port);
     return api::tell(chip.vlan_controls.find(of, type), chip.vlan_controls.absent(of, type), *arg);
   });
 }
 
 int bcm_vlan_control_port_set(int unit, int port, bcm_vlan_control_port_t type, int arg) {
-  return Call(__func__, unit, port, type, arg).answer([&](Chip& chip) {
+  return Call(calls::bcm_vlan_control_port_set(unit, port, type, arg)).answer([&](Chip& chip) {
     return chip.vlan_controls.set_port(port_of(port), type, arg);
   });
 }
 
 int bcm_vlan_control_set(int unit, bcm_vlan_control_t type, int arg) {
-  return Call(__func__, unit, type, arg).answer([&](Chip& chip) { return chip.vlan_controls.set(type, arg); });
+  return Call(calls::bcm_vlan_control_set(unit, type, arg)).answer([&](Chip& chip) {
+    return chip.vlan_controls.set(type, arg);
+  });
 }
 
 int bcm_vlan_control_vlan_get(int unit, bcm_vlan_t vlan, bcm_vlan_control_vlan_t* control) {
-  return Call(__func__, unit, vlan, out(control)).answer([&](Chip& chip) {
+  return Call(calls::bcm_vlan_control_vlan_get(unit, vlan, control)).answer([&](Chip& chip) {
     const chip::Vlan* const found = chip.vlans.find(vlan);
     if (found == nullptr) return chip.vlans.absent(vlan);
     api::write(found->control, control_fields(), *control);
@@ -123,50 +125,51 @@ int bcm_vlan_control_vlan_get(int unit, bcm_vlan_t vlan, bcm_vlan_control_vlan_t
 }
 
 int bcm_vlan_control_vlan_set(int unit, bcm_vlan_t vlan, bcm_vlan_control_vlan_t control) {
-  return Call(__func__, unit, vlan, control).answer([&](Chip& chip) {
+  return Call(calls::bcm_vlan_control_vlan_set(unit, vlan, control)).answer([&](Chip& chip) {
     return chip.vlans.set_control(vlan, api::to_own<chip::VlanControl>(control, control_fields()));
   });
 }
 
 int bcm_vlan_create(int unit, bcm_vlan_t vid) {
-  return Call(__func__, unit, vid).answer([&](Chip& chip) { return chip.vlans.create(vid); });
+  return Call(calls::bcm_vlan_create(unit, vid)).answer([&](Chip& chip) { return chip.vlans.create(vid); });
 }
 
 int bcm_vlan_destroy(int unit, bcm_vlan_t vid) {
-  return Call(__func__, unit, vid).answer([&](Chip& chip) { return chip.vlans.destroy(vid); });
+  return Call(calls::bcm_vlan_destroy(unit, vid)).answer([&](Chip& chip) { return chip.vlans.destroy(vid); });
 }
 
 int bcm_vlan_destroy_all(int unit) {
-  return Call(__func__, unit).answer([&](Chip& chip) { return chip.vlans.destroy_all(); });
+  return Call(calls::bcm_vlan_destroy_all(unit)).answer([&](Chip& chip) { return chip.vlans.destroy_all(); });
 }
 
 int bcm_vlan_dtag_add(int unit, int port, bcm_vlan_t old_vid, bcm_vlan_t new_vid, int prio) {
-  return Call(__func__, unit, port, old_vid, new_vid, prio).answer([&](Chip& chip) {
+  return Call(calls::bcm_vlan_dtag_add(unit, port, old_vid, new_vid, prio)).answer([&](Chip& chip) {
     return chip.vlan_translations.add_outer(port_of(port), old_vid, old_vid, {new_vid, prio});
   });
 }
 
 int bcm_vlan_dtag_delete(int unit, int port, bcm_vlan_t old_vid) {
-  return Call(__func__, unit, port, old_vid).answer([&](Chip& chip) {
+  return Call(calls::bcm_vlan_dtag_delete(unit, port, old_vid)).answer([&](Chip& chip) {
     return chip.vlan_translations.remove_outer(port_of(port), old_vid, old_vid);
   });
 }
 
 int bcm_vlan_dtag_range_add(int unit, int port, bcm_vlan_t old_vid_low, bcm_vlan_t old_vid_high, bcm_vlan_t new_vid,
                             int int_prio) {
-  return Call(__func__, unit, port, old_vid_low, old_vid_high, new_vid, int_prio).answer([&](Chip& chip) {
-    return chip.vlan_translations.add_outer(port_of(port), old_vid_low, old_vid_high, {new_vid, int_prio});
-  });
+  return Call(calls::bcm_vlan_dtag_range_add(unit, port, old_vid_low, old_vid_high, new_vid, int_prio))
+      .answer([&](Chip& chip) {
+        return chip.vlan_translations.add_outer(port_of(port), old_vid_low, old_vid_high, {new_vid, int_prio});
+      });
 }
 
 int bcm_vlan_dtag_range_delete(int unit, int port, bcm_vlan_t old_vid_low, bcm_vlan_t old_vid_high) {
-  return Call(__func__, unit, port, old_vid_low, old_vid_high).answer([&](Chip& chip) {
+  return Call(calls::bcm_vlan_dtag_range_delete(unit, port, old_vid_low, old_vid_high)).answer([&](Chip& chip) {
     return chip.vlan_translations.remove_outer(port_of(port), old_vid_low, old_vid_high);
   });
 }
 
 int bcm_vlan_gport_add(int unit, bcm_vlan_t vlan, bcm_gport_t port, int flags) {
-  return Call(__func__, unit, vlan, port, hex(static_cast<uint32>(flags))).answer([&](Chip& chip) {
+  return Call(calls::bcm_vlan_gport_add(unit, vlan, port, flags)).answer([&](Chip& chip) {
     if (flags != 0) return Status::unavailable;
     const std::optional<VirtualPortId> id = virtual_port_of(port);
     if (!id) return chip.ports.has(port_of(port)) ? chip.vlans.add_ports(vlan, {port_of(port)}, {}) : Status::bad_port;
@@ -177,61 +180,61 @@ int bcm_vlan_gport_add(int unit, bcm_vlan_t vlan, bcm_gport_t port, int flags) {
 
 /// A destroyed virtual port can still be a member, and be removed.
 int bcm_vlan_gport_delete(int unit, bcm_vlan_t vlan, bcm_gport_t port) {
-  return Call(__func__, unit, vlan, port).answer([&](Chip& chip) {
+  return Call(calls::bcm_vlan_gport_delete(unit, vlan, port)).answer([&](Chip& chip) {
     if (const std::optional<VirtualPortId> id = virtual_port_of(port)) return chip.vlans.remove_virtual_port(vlan, *id);
     return chip.ports.has(port_of(port)) ? chip.vlans.remove_ports(vlan, {port_of(port)}) : Status::bad_port;
   });
 }
 
 int bcm_vlan_init(int unit) {
-  return Call(__func__, unit).answer([&](Chip& chip) {
+  return Call(calls::bcm_vlan_init(unit)).answer([&](Chip& chip) {
     chip.vlans.reset();
     return Status::ok;
   });
 }
 
 int bcm_vlan_ip_add(int unit, bcm_vlan_ip_t* vlan_ip) {
-  return Call(__func__, unit, in(vlan_ip)).answer([&](Chip& chip) {
+  return Call(calls::bcm_vlan_ip_add(unit, vlan_ip)).answer([&](Chip& chip) {
     const std::optional<chip::Subnet> subnet = subnet_of(*vlan_ip);
     return subnet ? chip.subnet_vlans.add(*subnet, {vlan_ip->vid, vlan_ip->prio}) : Status::bad_parameter;
   });
 }
 
 int bcm_vlan_ip_delete(int unit, bcm_vlan_ip_t* vlan_ip) {
-  return Call(__func__, unit, in(vlan_ip)).answer([&](Chip& chip) {
+  return Call(calls::bcm_vlan_ip_delete(unit, vlan_ip)).answer([&](Chip& chip) {
     const std::optional<chip::Subnet> subnet = subnet_of(*vlan_ip);
     return subnet ? chip.subnet_vlans.remove(*subnet) : Status::bad_parameter;
   });
 }
 
 int bcm_vlan_ip_delete_all(int unit) {
-  return Call(__func__, unit).answer([](Chip& chip) {
+  return Call(calls::bcm_vlan_ip_delete_all(unit)).answer([](Chip& chip) {
     chip.subnet_vlans.clear();
     return Status::ok;
   });
 }
 
 int bcm_vlan_mac_add(int unit, uint8* mac, bcm_vlan_t vid, int prio) {
-  return Call(__func__, unit, api::mac(mac), vid, prio).answer([&](Chip& chip) {
+  return Call(calls::bcm_vlan_mac_add(unit, mac, vid, prio)).answer([&](Chip& chip) {
     return chip.mac_vlans.add(api::mac_at(mac), {vid, prio});
   });
 }
 
 int bcm_vlan_mac_delete(int unit, uint8* mac) {
-  return Call(__func__, unit, api::mac(mac)).answer([&](Chip& chip) {
+  return Call(calls::bcm_vlan_mac_delete(unit, mac)).answer([&](Chip& chip) {
     return chip.mac_vlans.remove(api::mac_at(mac));
   });
 }
 
 int bcm_vlan_mac_delete_all(int unit) {
-  return Call(__func__, unit).answer([](Chip& chip) {
+  return Call(calls::bcm_vlan_mac_delete_all(unit)).answer([](Chip& chip) {
     chip.mac_vlans.clear();
     return Status::ok;
   });
 }
 
 int bcm_vlan_mcast_flood_set(int unit, bcm_vlan_t vlan, bcm_vlan_mcast_flood_t mode) {
-  return Call(__func__, unit, vlan, mode).answer([&](Chip& chip) {
+  return Call(calls::bcm_vlan_mcast_flood_set(unit, vlan, mode)).answer([&](Chip& chip) {
     using Control = chip::VlanControl;
     return chip.vlans.set_multicast_flood(
         vlan,
@@ -241,13 +244,13 @@ int bcm_vlan_mcast_flood_set(int unit, bcm_vlan_t vlan, bcm_vlan_mcast_flood_t m
 }
 
 int bcm_vlan_port_add(int unit, bcm_vlan_t vid, bcm_pbmp_t pbmp, bcm_pbmp_t ubmp) {
-  return Call(__func__, unit, vid, pbmp, ubmp).answer([&](Chip& chip) {
+  return Call(calls::bcm_vlan_port_add(unit, vid, pbmp, ubmp)).answer([&](Chip& chip) {
     return chip.vlans.add_ports(vid, ports(pbmp), ports(ubmp));
   });
 }
 
 int bcm_vlan_port_create(int unit, bcm_vlan_port_t* vlan_port) {
-  return Call(__func__, unit, inout(vlan_port)).answer([&](Chip& chip) {
+  return Call(calls::bcm_vlan_port_create(unit, vlan_port)).answer([&](Chip& chip) {
     VirtualPortId id;
     const Status status =
         chip.virtual_ports.create(api::to_own<chip::VirtualPort>(*vlan_port, virtual_port_fields()), id);
@@ -257,14 +260,14 @@ int bcm_vlan_port_create(int unit, bcm_vlan_port_t* vlan_port) {
 }
 
 int bcm_vlan_port_destroy(int unit, bcm_gport_t gport) {
-  return Call(__func__, unit, gport).answer([&](Chip& chip) {
+  return Call(calls::bcm_vlan_port_destroy(unit, gport)).answer([&](Chip& chip) {
     const std::optional<VirtualPortId> id = virtual_port_of(gport);
     return id ? chip.virtual_ports.destroy(*id) : Status::bad_port;
   });
 }
 
 int bcm_vlan_port_find(int unit, bcm_vlan_port_t* vlan_port) {
-  return Call(__func__, unit, found_by(vlan_port)).answer([&](const Chip& chip) {
+  return Call(calls::bcm_vlan_port_find(unit, vlan_port)).answer([&](const Chip& chip) {
     std::optional<VirtualPortId> id;
     if (vlan_port->vlan_port_id != 0) {
       id = virtual_port_of(vlan_port->vlan_port_id);
@@ -283,48 +286,52 @@ int bcm_vlan_port_find(int unit, bcm_vlan_port_t* vlan_port) {
 }
 
 int bcm_vlan_port_remove(int unit, bcm_vlan_t vid, bcm_pbmp_t pbmp) {
-  return Call(__func__, unit, vid, pbmp).answer([&](Chip& chip) { return chip.vlans.remove_ports(vid, ports(pbmp)); });
+  return Call(calls::bcm_vlan_port_remove(unit, vid, pbmp)).answer([&](Chip& chip) {
+    return chip.vlans.remove_ports(vid, ports(pbmp));
+  });
 }
 
 int bcm_vlan_translate_add(int unit, int port, bcm_vlan_t old_vid, bcm_vlan_t new_vid, int prio) {
-  return Call(__func__, unit, port, old_vid, new_vid, prio).answer([&](Chip& chip) {
+  return Call(calls::bcm_vlan_translate_add(unit, port, old_vid, new_vid, prio)).answer([&](Chip& chip) {
     return chip.vlan_translations.add(port_of(port), old_vid, {new_vid, prio});
   });
 }
 
 int bcm_vlan_translate_delete(int unit, int port, bcm_vlan_t old_vid) {
-  return Call(__func__, unit, port, old_vid).answer([&](Chip& chip) {
+  return Call(calls::bcm_vlan_translate_delete(unit, port, old_vid)).answer([&](Chip& chip) {
     return chip.vlan_translations.remove(port_of(port), old_vid);
   });
 }
 
 int bcm_vlan_translate_egress_action_add(int unit, int port_class, bcm_vlan_t outer_vlan, bcm_vlan_t inner_vlan,
                                          bcm_vlan_action_set_t* action) {
-  return Call(__func__, unit, port_class, outer_vlan, inner_vlan, in(action)).answer([&](Chip& chip) {
-    return chip.egress_actions.set({place_of(port_class), outer_vlan, inner_vlan}, to_chip(*action));
-  });
+  return Call(calls::bcm_vlan_translate_egress_action_add(unit, port_class, outer_vlan, inner_vlan, action))
+      .answer([&](Chip& chip) {
+        return chip.egress_actions.set({place_of(port_class), outer_vlan, inner_vlan}, to_chip(*action));
+      });
 }
 
 int bcm_vlan_translate_egress_action_delete(int unit, int port_class, bcm_vlan_t outer_vlan, bcm_vlan_t inner_vlan) {
-  return Call(__func__, unit, port_class, outer_vlan, inner_vlan).answer([&](Chip& chip) {
-    return chip.egress_actions.remove({place_of(port_class), outer_vlan, inner_vlan});
-  });
+  return Call(calls::bcm_vlan_translate_egress_action_delete(unit, port_class, outer_vlan, inner_vlan))
+      .answer([&](Chip& chip) {
+        return chip.egress_actions.remove({place_of(port_class), outer_vlan, inner_vlan});
+      });
 }
 
 int bcm_vlan_translate_egress_add(int unit, int port, bcm_vlan_t old_vid, bcm_vlan_t new_vid, int prio) {
-  return Call(__func__, unit, port, old_vid, new_vid, prio).answer([&](Chip& chip) {
+  return Call(calls::bcm_vlan_translate_egress_add(unit, port, old_vid, new_vid, prio)).answer([&](Chip& chip) {
     return chip.vlan_translations.add_egress(port_of(port), old_vid, {new_vid, prio});
   });
 }
 
 int bcm_vlan_translate_egress_delete(int unit, int port, bcm_vlan_t old_vid) {
-  return Call(__func__, unit, port, old_vid).answer([&](Chip& chip) {
+  return Call(calls::bcm_vlan_translate_egress_delete(unit, port, old_vid)).answer([&](Chip& chip) {
     return chip.vlan_translations.remove_egress(port_of(port), old_vid);
   });
 }
 
 int bcm_vlan_translate_egress_get(int unit, int port, bcm_vlan_t old_vid, bcm_vlan_t* new_vid, int* prio) {
-  return Call(__func__, unit, port, old_vid, out(new_vid), out(prio)).answer([&](Chip& chip) {
+  return Call(calls::bcm_vlan_translate_egress_get(unit, port, old_vid, new_vid, prio)).answer([&](Chip& chip) {
     const chip::VlanTranslations& tables = chip.vlan_translations;
     const chip::Port of = port_of(port);
     return tell(tables.find_egress(of, old_vid), tables.absent(of, old_vid), new_vid, prio);
@@ -332,7 +339,7 @@ int bcm_vlan_translate_egress_get(int unit, int port, bcm_vlan_t old_vid, bcm_vl
 }
 
 int bcm_vlan_translate_get(int unit, int port, bcm_vlan_t old_vid, bcm_vlan_t* new_vid, int* prio) {
-  return Call(__func__, unit, port, old_vid, out(new_vid), out(prio)).answer([&](Chip& chip) {
+  return Call(calls::bcm_vlan_translate_get(unit, port, old_vid, new_vid, prio)).answer([&](Chip& chip) {
     const chip::VlanTranslations& tables = chip.vlan_translations;
     const chip::Port of = port_of(port);
     return tell(tables.find(of, old_vid), tables.absent(of, old_vid), new_vid, prio);

@@ -1,8 +1,16 @@
-#include "api/call_text.h"
+#include "api/calls/call_text.h"
 
+#include <algorithm>
 #include <cstring>
 
-#include "api/journal.h"
+std::size_t api::copy_out(std::string_view text, char* buffer, std::size_t size) {
+  if (size > 0 && buffer != nullptr) {
+    const std::size_t length = std::min(text.size(), size - 1);
+    std::memcpy(buffer, text.data(), length);
+    buffer[length] = '\0';
+  }
+  return text.size();
+}
 
 std::string_view api::written(std::string_view text) {
   if (!text.starts_with('&') || text.starts_with("&?")) return {};

@@ -6,9 +6,9 @@
 #include <string_view>
 #include <type_traits>
 
-#include "api/arguments.h"
-#include "api/parse.h"
-#include "api/recording.h"
+#include "api/calls/arguments.h"
+#include "api/calls/parse.h"
+#include "api/calls/recording_format.h"
 
 namespace api {
 
@@ -40,6 +40,9 @@ std::string shown_in(Form form, const T& argument, int rv) {
   }
   return result;
 }
+
+/// Copies `text` as the control interface does: as much as fits, always ended by a zero byte. Returns the whole length.
+std::size_t copy_out(std::string_view text, char* buffer, std::size_t size);
 
 /// What a call wrote, from the text that shows it.
 template <class T>

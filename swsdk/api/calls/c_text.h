@@ -1,14 +1,12 @@
 // Values as C: statements that make them, for the programs that recordings become.
 #pragma once
 
-#include <soc/knet.h>
-
 #include <cstring>
 #include <string>
 #include <string_view>
 #include <type_traits>
 
-#include "api/arguments.h"
+#include "api/calls/arguments.h"
 
 namespace api {
 

@@ -9,7 +9,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "api/arguments.h"
+#include "api/calls/arguments.h"
 
 namespace api {
 

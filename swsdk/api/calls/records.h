@@ -1,27 +1,12 @@
 // The SDK's records as lists of their fields, so that printing, parsing and writing as C need one function each.
 #pragma once
 
-#include <bcm/field.h>
-#include <bcm/init.h>
-#include <bcm/ipmc.h>
-#include <bcm/knet.h>
-#include <bcm/l2.h>
-#include <bcm/l3.h>
-#include <bcm/mirror.h>
-#include <bcm/policer.h>
-#include <bcm/port.h>
-#include <bcm/switch.h>
-#include <bcm/trunk.h>
-#include <bcm/vlan.h>
-#include <swsdk/board.h>
-#include <swsdk/fault.h>
-#include <swsdk/field.h>
-#include <swsdk/frames.h>
-
 #include <cstddef>
 #include <span>
 #include <string>
 #include <string_view>
+
+#include "api/calls/sdk.h"
 
 namespace api {
 
@@ -77,11 +62,5 @@ std::span<const Field> fields(const bcm_field_qset_t*);
 std::span<const Field> fields(const bcm_port_info_t*);
 std::span<const Field> fields(const bcm_info_t*);
 std::span<const Field> fields(const bcm_port_config_t*);
-std::span<const Field> fields(const swsdk_board*);
-std::span<const Field> fields(const swsdk_temperature*);
-std::span<const Field> fields(const swsdk_fault*);
-std::span<const Field> fields(const swsdk_frame*);
-std::span<const Field> fields(const swsdk_verdict*);
-std::span<const Field> fields(const swsdk_netif*);
 
 }  // namespace api

@@ -1,4 +1,4 @@
-#include "api/parse.h"
+#include "api/calls/parse.h"
 
 #include <arpa/inet.h>
 

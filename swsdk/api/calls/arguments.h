@@ -12,7 +12,7 @@
 #include <string_view>
 #include <type_traits>
 
-#include "api/records.h"
+#include "api/calls/records.h"
 #include "chip/addresses.h"
 #include "chip/port_set.h"
 

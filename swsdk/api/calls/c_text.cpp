@@ -1,4 +1,4 @@
-#include "api/c_text.h"
+#include "api/calls/c_text.h"
 
 #include <cctype>
 #include <cstdio>
