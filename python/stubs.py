@@ -18,7 +18,8 @@ from ._functions import ChipError as ChipError, SaiError as SaiError
 from ._journal import Fault as Fault, Journal as Journal
 from ._kinds import OutOfRange as OutOfRange
 from ._log import Log as Log
-from ._recordings import Difference as Difference, recording as recording, replay as replay, replay_as_c as replay_as_c
+from ._recordings import Answer as Answer, Comparison as Comparison, Difference as Difference, compare as compare
+from ._recordings import recording as recording, replay as replay, replay_as_c as replay_as_c
 from ._records import Handle as Handle, Record as Record
 from ._states import Snapshot as Snapshot
 from ._sweep import Failure as Failure, sweep as sweep

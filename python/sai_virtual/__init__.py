@@ -30,7 +30,7 @@ from ._functions import FUNCTIONS, ChipError, SaiError
 from ._journal import Fault, Journal
 from ._kinds import OutOfRange
 from ._log import Log, Variables
-from ._recordings import Difference, recording, replay, replay_as_c
+from ._recordings import Answer, Comparison, Difference, compare, recording, replay, replay_as_c
 from ._records import RECORDS, Handle
 from ._states import Snapshot
 from ._sweep import Failure, sweep

@@ -45,7 +45,11 @@ class Record(ctypes.Structure):
     def copy(self) -> "Record":
         """The same with memory of its own, also behind its pointers."""
         settable = {name: value for name, value in self.values().items() if self._kinds[name] is not None}
-        return type(self)(**settable)
+        result = type(self)(**settable)
+        for name, kind in self._kinds.items():
+            if kind is None and isinstance(text := getattr(self, name), bytes):
+                type(self).__dict__[name].__set__(result, text)
+        return result
 
 
 def _shown(value: object) -> str:

@@ -4,8 +4,11 @@
 #include <swsdk/events.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
 #include <mutex>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "api/call.h"
@@ -40,12 +43,35 @@ void post_l2(int unit, int operation, const bcm_l2_addr_t& address) {
         return caller->tell(
             call_text(api::l2_event, {unit, address, operation, callback, user_data}, api::Form::wire, 0));
       bcm_l2_addr_t told = address;
+      api::capture_event(api::l2_callback, {callback, unit, api::in(&address), operation, user_data});
       callback(unit, &told, operation, user_data);
     });
   });
 }
 
+std::mutex captured_lock;
+std::atomic<bool> captures = false;
+std::vector<std::string> captured;  // guarded by `captured_lock`
+
 }  // namespace
+
+void api::capture_events(bool on) {
+  const std::lock_guard guard(captured_lock);
+  captures = on;
+  captured.clear();
+}
+
+void api::capture_event(const char* type, Arguments arguments) {
+  if (!captures.load(std::memory_order_relaxed)) return;
+  std::string text = call_text(type, arguments, Form::recording, 0);
+  const std::lock_guard guard(captured_lock);
+  captured.push_back(std::move(text));
+}
+
+std::vector<std::string> api::take_captured_events() {
+  const std::lock_guard guard(captured_lock);
+  return std::exchange(captured, {});
+}
 
 void api::tell_mac_change(int unit, chip::MacTable::Change change, const chip::MacEntry& entry) {
   if (find_unit(unit)->l2_listeners.all().empty()) return;
@@ -60,6 +86,7 @@ void api::tell_link(int unit, int port, bool up) {
       if (caller != nullptr) return caller->tell(call_text(link_event, {unit, port, int{up}, handler}, Form::wire, 0));
       bcm_port_info_t info{};
       info.linkstatus = up ? 1 : 0;
+      api::capture_event(api::link_callback, {handler, unit, port, api::in(&info)});
       handler(unit, port, &info);
     });
   });

@@ -1,6 +1,10 @@
 // The SDK's own threads, from which it calls the listeners; swsdk/events.h is the interface that raises events.
 #pragma once
 
+#include <string>
+#include <vector>
+
+#include "api/calls/call_text.h"
 #include "chip/mac_table.h"
 
 namespace api {
@@ -19,6 +23,11 @@ void tell_link(int unit, int port, bool up);
 
 /// Makes the L2 thread call the present listeners of a unit's MAC table.
 void tell_mac_change(int unit, chip::MacTable::Change change, const chip::MacEntry& entry);
+
+/// Keeps the texts of the events that callbacks of this process get, as a recording has them, until they are taken.
+void capture_events(bool on);
+void capture_event(const char* type, Arguments arguments);
+std::vector<std::string> take_captured_events();
 
 /// Waits for the callbacks that are running, and discards all other events.
 void stop_event_threads();

@@ -1,6 +1,7 @@
 #include "api/replay.h"
 
 #include <swsdk/chip.h>
+#include <swsdk/events.h>
 #include <swsdk/fault.h>
 #include <swsdk/recording.h>
 
@@ -10,6 +11,11 @@
 #include <iterator>
 #include <optional>
 #include <set>
+#include <utility>
+#include <vector>
+
+#include "api/differences.h"
+#include "api/events.h"
 
 using api::Kind;
 using api::Unreadable;
@@ -19,14 +25,24 @@ namespace {
 /// Reports something about a line, with file and number.
 using Say = std::function<void(const std::string&)>;
 
-/// A line of a recording whose function is known.
+/// A line of a recording whose function is known; that of an event is not one to call.
 struct Line {
   Kind kind;
-  std::string_view text;  // without its kind
+  std::string_view text;  // without its kind and its stamp
+  std::string_view name;
   const api::Replayable* function;
   api::Texts arguments;
   int result;
+  bool is_stamped;  // by a recorder, which writes events, too
 };
+
+/// What stands before the stamp of a line, or all of it.
+std::string_view without_stamp(std::string_view text) {
+  const std::size_t mark = text.rfind(api::stamp_mark);
+  if (mark == std::string_view::npos || text.find_first_not_of("0123456789. ", mark + 2) != std::string_view::npos)
+    return text;
+  return text.substr(0, mark);
+}
 
 /// Nothing, with a notice, when the line has a kind or a function that this chip does not know.
 std::optional<Line> parsed_line(std::string_view text, const Say& notice) {
@@ -37,18 +53,30 @@ std::optional<Line> parsed_line(std::string_view text, const Say& notice) {
     return std::nullopt;
   }
   text.remove_prefix(std::min(word.size() + 1, text.size()));
+  const std::size_t whole = text.size();
+  text = without_stamp(text);
+  const bool is_event = *kind == Kind::event;
   const std::size_t open = text.find('(');
-  const std::size_t close = text.rfind(") = ");
+  const std::size_t close = is_event ? text.rfind(')') : text.rfind(") = ");
   if (open == std::string_view::npos || close == std::string_view::npos || close < open)
-    throw Unreadable(text, "call such as bcm_vlan_create(0, 10) = 0");
+    throw Unreadable(text, is_event ? "event such as bcm_linkscan_handler_t(<callback 1>, 0, 3, {linkstatus=1})"
+                                    : "call such as bcm_vlan_create(0, 10) = 0");
   const std::string_view name = text.substr(0, open);
+  Line line{.kind = *kind,
+            .text = text,
+            .name = name,
+            .function = nullptr,
+            .arguments = {},
+            .result = 0,
+            .is_stamped = text.size() < whole};
+  line.arguments = api::items(text.substr(open, close - open + 1), '(', ')');
+  if (is_event) return line;
   const api::Replayable* const function = api::find_replayable(name);
   if (function == nullptr) {
     notice("skipped: there is no function \"" + std::string(name) + "\" here");
     return std::nullopt;
   }
-  Line line{.kind = *kind, .text = text, .function = function, .arguments = {}, .result = 0};
-  line.arguments = api::items(text.substr(open, close - open + 1), '(', ')');
+  line.function = function;
   api::parse_value(text.substr(close + 4), line.result);
   return line;
 }
@@ -81,12 +109,15 @@ int read_recording(const char* path, swsdk_line_t tell, void* data, Take take) {
   }
   number = 1;
   try {
-    bool ended = version_of(text) < api::first_version_with_end;
+    const int version = version_of(text);
+    bool ended = version < api::first_version_with_end;
     const bool marks_its_end = !ended;
     while (std::getline(file, text)) {
       ++number;
       if (text.empty()) continue;
-      if (marks_its_end && ended) throw Unreadable("stands behind the end of the recording");
+      if (marks_its_end && ended && version < api::first_version_with_children)
+        throw Unreadable("stands behind the end of the recording");
+      ended = ended && !marks_its_end;
       if (marks_its_end && text == api::recording_end) {
         ended = true;
         continue;
@@ -171,6 +202,106 @@ std::string repeated(const Line& line) {
   return api::take_captured();
 }
 
+void begin_replay() {
+  swsdk_power_off();
+  api::forget_pointer_numbers();
+  api::capture_recording(true);
+}
+
+/// A line without its stamp.
+std::string recorded_text(const Line& line) {
+  return api::kind_names[static_cast<int>(line.kind)] + (' ' + std::string(line.text));
+}
+
+/// The answers and events of a recording beside those that come now.
+class Comparison {
+ public:
+  using Differs = std::function<void(const swsdk_difference&)>;
+
+  explicit Comparison(Differs differs) : differs_(std::move(differs)) {}
+
+  void compare_answer(const Line& line, int number) {
+    const std::string recorded = recorded_text(line);
+    const std::string now = repeated(line);
+    take_events();
+    has_events_ = has_events_ || line.is_stamped;
+    ++counts_.answers;
+    if (now == recorded) {
+      ++counts_.the_same;
+      return;
+    }
+    for (const std::string& kind : api::differences(recorded, now)) tell(number, line.name, kind, recorded, now);
+  }
+
+  /// An event that the chip has not raised came from outside, so it is raised.
+  void compare_event(const Line& line, int number, const Say& say) {
+    const std::string text(line.text);
+    if (std::find(events_.begin(), events_.end(), text) == events_.end()) {
+      raise(line, say);
+      swsdk_events_drain();
+      take_events();
+    }
+    ++counts_.answers;
+    const auto found = std::find(events_.begin(), events_.end(), text);
+    if (found == events_.end()) return tell(number, line.name, "event", recorded_text(line), "");
+    events_.erase(found);
+    ++counts_.the_same;
+  }
+
+  /// Reports the events that the recording does not have, if it has those of its chip.
+  swsdk_replayed end() {
+    if (!has_events_) events_.clear();
+    for (const std::string& event : events_) tell(0, event.substr(0, event.find('(')), "event", "", "event " + event);
+    return counts_;
+  }
+
+  bool has_differences() const { return has_differences_; }
+
+ private:
+  void take_events() {
+    for (std::string& event : api::take_captured_events()) events_.push_back(std::move(event));
+  }
+
+  static void raise(const Line& line, const Say& say) {
+    int unit = 0;
+    if (line.name == api::link_callback && line.arguments.size() == 4) {
+      int port = 0;
+      bcm_port_info_t info{};
+      api::parse_value(line.arguments[1], unit);
+      api::parse_value(line.arguments[2], port);
+      api::parse_value(line.arguments[3], info);
+      swsdk_link_event(unit, port, info.linkstatus);
+    } else if (line.name == api::l2_callback && line.arguments.size() == 5) {
+      bcm_l2_addr_t address{};
+      int operation = 0;
+      api::parse_value(line.arguments[1], unit);
+      api::parse_value(line.arguments[2], address);
+      api::parse_value(line.arguments[3], operation);
+      if (operation == BCM_L2_CALLBACK_ADD && (address.flags & BCM_L2_TRUNK_MEMBER) != 0)
+        bcm_l2_addr_add(unit, &address);
+      else if (operation == BCM_L2_CALLBACK_ADD)
+        swsdk_l2_learn(unit, address.vid, address.mac, address.port, 0);
+      else if (bcm_l2_addr_delete(unit, address.mac, address.vid) != BCM_E_NONE)
+        swsdk_l2_event(unit, operation, address.vid, address.mac, address.port);
+    } else {
+      say("skipped: there is no callback \"" + std::string(line.name) + "\" here");
+    }
+  }
+
+  void tell(int line, std::string_view function, const std::string& kind, const std::string& recorded,
+            const std::string& now) {
+    has_differences_ = true;
+    const std::string name(function);
+    differs_({line, name.c_str(), kind.c_str(), recorded.c_str(), now.c_str()});
+  }
+
+  const Differs differs_;
+  std::vector<std::string> events_;  // that came and were not compared yet
+  swsdk_replayed counts_{};
+  bool has_events_ = false;
+  bool has_differences_ = false;
+};
+
 /// The C program's beginning; the virtual chip's own headers follow only when a line needs them.
 constexpr const char* c_beginning[] = {"#include <appl/diag/shell.h>",
                                        "#include <appl/diag/system.h>",
@@ -253,12 +384,11 @@ long long api::call_with(const Replayable& function, const Texts& arguments) {
 
 int swsdk_replay(const char* path, swsdk_line_t tell, void* data) {
   if (path == nullptr || tell == nullptr) return SWSDK_REPLAY_UNREADABLE;
-  swsdk_power_off();
-  api::forget_pointer_numbers();
-  api::capture_recording(true);
+  begin_replay();
   bool same = true;
   const int outcome = read_recording(path, tell, data, [&](const Line& line, int /*number*/, const Say& say) {
-    const std::string recorded = api::kind_names[static_cast<int>(line.kind)] + (' ' + std::string(line.text));
+    if (line.kind == Kind::event) return true;
+    const std::string recorded = recorded_text(line);
     const std::string now = repeated(line);
     same = now == recorded;
     if (same) return true;
@@ -271,6 +401,27 @@ int swsdk_replay(const char* path, swsdk_line_t tell, void* data) {
   return same ? outcome : SWSDK_REPLAY_DIFFERENT;
 }
 
+int swsdk_replay_all(const char* path, swsdk_difference_t differs, swsdk_line_t tell, void* data,
+                     swsdk_replayed* replayed) {
+  if (path == nullptr || differs == nullptr || tell == nullptr) return SWSDK_REPLAY_UNREADABLE;
+  begin_replay();
+  api::capture_events(true);
+  Comparison comparison([&](const swsdk_difference& difference) { differs(&difference, data); });
+  const int outcome = read_recording(path, tell, data, [&](const Line& line, int number, const Say& say) {
+    if (line.kind == Kind::event)
+      comparison.compare_event(line, number, say);
+    else
+      comparison.compare_answer(line, number);
+    return true;
+  });
+  api::capture_recording(false);
+  const swsdk_replayed counts = comparison.end();
+  api::capture_events(false);
+  if (outcome == SWSDK_REPLAY_UNREADABLE) return outcome;
+  if (replayed != nullptr) *replayed = counts;
+  return comparison.has_differences() ? SWSDK_REPLAY_DIFFERENT : outcome;
+}
+
 int swsdk_replay_as_c(const char* path, swsdk_line_t write, swsdk_line_t tell, void* data) {
   if (path == nullptr || write == nullptr || tell == nullptr) return SWSDK_REPLAY_UNREADABLE;
   std::set<std::string> written;
@@ -281,6 +432,7 @@ int swsdk_replay_as_c(const char* path, swsdk_line_t write, swsdk_line_t tell, v
   write(("/* The SDK calls of the recording " + std::string(path) + ". */").c_str(), data);
   for (const char* const text : c_beginning) write(text, data);
   const int outcome = read_recording(path, tell, data, [&](const Line& line, int number, const Say& /*say*/) {
+    if (line.kind == Kind::event) return true;
     const char* const name = line.function->name;
     const api::CCall call = as_c(*line.function, line.arguments);
     const std::string result = std::to_string(line.result);

@@ -222,10 +222,20 @@ def test_a_recording_replays_and_a_changed_one_differs(tmp_path):
     path.write_text(text.replace("bcm_vlan_create(0, 10) = 0", "bcm_vlan_create(0, 10) = -6"))
     with pytest.raises(sai.Difference, match=r"run\.rec:\d+: the answer differs"):
         sai.replay(path)
+    compared = sai.compare(path)
+    (difference,) = compared.differences
+    assert difference[1:] == ("bcm_vlan_create", "result", "call bcm_vlan_create(0, 10) = -6",
+                              "call bcm_vlan_create(0, 10) = 0")
+    assert "bcm_vlan_create" in path.read_text().splitlines()[difference.line - 1]
+    assert (compared.answers - compared.the_same, compared.notices) == (1, [])
     path.write_text(text.removesuffix("end\n"))
     with pytest.raises(ValueError, match=r"run\.rec:\d+: the recording ends here without its end mark"):
         sai.replay(path)
+    (notice,) = sai.compare(path).notices
+    assert "without its end mark" in notice
     path.write_text("nothing\n")
+    with pytest.raises(ValueError, match=r"run\.rec:1: not a recording"):
+        sai.compare(path)
     with pytest.raises(ValueError, match=r"run\.rec:1: not a recording"):
         sai.replay(path)
 

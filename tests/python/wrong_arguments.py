@@ -70,7 +70,7 @@ KINDS = {
     "log": ({"log", "null"}, set()),
     "link handler": ({"link handler", "function", "null"}, set()),
     "l2 handler": ({"l2 handler", "function", "null"}, set()),
-    "frame handler": ({"function", "null"}, set()),
+    "plain handler": ({"function", "null"}, set()),
     **{name: ({name, "null"}, set()) for name in _interface.RECORDS},
 }
 KIND_OF_TYPE = {
@@ -86,7 +86,8 @@ KIND_OF_TYPE = {
     "sai_log_handle*": "log",
     "bcm_linkscan_handler_t": "link handler",
     "sai_l2_event_cb": "l2 handler",
-    "swsdk_frame_handler": "frame handler",
+    "swsdk_difference_t": "plain handler",
+    "swsdk_frame_handler": "plain handler",
 }
 KIND_OF_FIELD = {
     ("int32_t", 2): "pair",

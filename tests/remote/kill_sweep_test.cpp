@@ -119,7 +119,7 @@ TEST(KillSweep, AChipIsAsAfterAPrefixOfTheCallsOfAClientThatIsKilled) {
   for (std::size_t length = 0; length <= calls.size(); ++length) {
     {
       std::ofstream prefix(folder / "prefix");
-      prefix << "swsdk recording 2\n";
+      prefix << "swsdk recording 3\n";
       for (std::size_t i = 0; i < length; ++i) prefix << calls[i] << '\n';
       prefix << "end\n";
     }

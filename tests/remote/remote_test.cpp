@@ -342,7 +342,7 @@ TEST_F(Remote, RecordingOfAClientHasItsOwnCallsWhichIsTold) {
   std::ifstream file(recording);
   const std::string lines{std::istreambuf_iterator<char>(file), {}};
   EXPECT_EQ(lines,
-            "swsdk recording 2\ncall bcm_vlan_create(0, 10) = 0\ncall bcm_vlan_port_add(0, 10, {0}, {}) = 0\nend\n");
+            "swsdk recording 3\ncall bcm_vlan_create(0, 10) = 0\ncall bcm_vlan_port_add(0, 10, {0}, {}) = 0\nend\n");
 
   const auto told = remote::run({EXAMPLE}, {"SWSDK_CHIP=" + server_->path(), "SWSDK_RECORD=" + folder_ / "more"});
   EXPECT_NE(told.text.find("/more will hold the calls of this process alone; what others do to the chip at \"" +

@@ -52,7 +52,7 @@ class Recording : public testing::Test {
     std::ifstream file(path_);
     std::ostringstream text;
     text << file.rdbuf();
-    const std::string start = "swsdk recording 2\ncall sdk_main(0, NULL) = 0\ncall system_init(0) = 0\n";
+    const std::string start = "swsdk recording 3\ncall sdk_main(0, NULL) = 0\ncall system_init(0) = 0\n";
     EXPECT_EQ(text.str().substr(0, start.size()), start);
     return text.str().substr(std::min(start.size(), text.str().size()));
   }
@@ -200,8 +200,8 @@ TEST_F(Recording, WithoutItsEndWhoseAnswersDifferIsDifferent) {
 TEST_F(Recording, OfTheFirstVersionHasNoEnd) {
   write(start_and_create, 1);
   EXPECT_EQ(replayed(), "0");
-  write(start_and_create, 3);
-  EXPECT_EQ(replayed(), "2" + path_ + ":1: version 3 of the format; this chip reads versions up to 2\n");
+  write(start_and_create, 4);
+  EXPECT_EQ(replayed(), "2" + path_ + ":1: version 4 of the format; this chip reads versions up to 3\n");
 }
 
 TEST_F(Recording, HasNothingBehindItsEnd) {

@@ -13,6 +13,7 @@
 
 #include "board.h"
 #include "editor.h"
+#include "report.h"
 #include "session.h"
 #include "style.h"
 #include "tables.h"
@@ -46,13 +47,12 @@ void run_interactively(saish::Session& session) {
 
 void print_line(const char* line, void* /*data*/) { std::printf("%s\n", line); }
 
-/// Repeats a recording, or prints it as a C program.
-int replay(const std::string& recording, bool as_c) {
-  const auto tell_line = [](const char* line, void* /*data*/) { tell(saish::BadInput(line)); };
-  const int outcome = as_c ? swsdk_replay_as_c(recording.c_str(), print_line, tell_line, nullptr)
-                           : swsdk_replay(recording.c_str(), tell_line, nullptr);
+void tell_line(const char* line, void* /*data*/) { tell(saish::BadInput(line)); }
+
+/// The exit status for one of the SWSDK_REPLAY_ values.
+int status_of(int replay_result) {
   swsdk_power_off();
-  switch (outcome) {
+  switch (replay_result) {
     case SWSDK_REPLAY_SAME:
       return 0;
     case SWSDK_REPLAY_DIFFERENT:
@@ -72,6 +72,8 @@ int run(int argc, char** argv) {
   std::string recording;
   std::string replayed;
   std::string program;
+  std::string known;
+  bool reports = false;
   std::string intended;
   std::string board;
   std::string chip;
@@ -91,6 +93,9 @@ int run(int argc, char** argv) {
           ->allow_extra_args(false);
   CLI::Option* const repeat =
       app.add_option("--replay", replayed, "repeat a recording; stop at the first answer that differs");
+  app.add_flag("--report", reports, "with --replay: go on to the end, and print all differences as a table")
+      ->needs(repeat);
+  app.add_option("--known", known, "with --report: a file with differences that are meant")->needs("--report");
   CLI::Option* const as_c =
       app.add_option("--replay-as-c", program, "print a C program that makes the calls of a recording");
   for (CLI::Option* const option : {tables, repeat, as_c})
@@ -107,8 +112,10 @@ int run(int argc, char** argv) {
       swsdk_connect(nullptr, nullptr);
     else if (app.count("--chip") == 0 && from_environment != nullptr)
       chip = from_environment;
-    if (app.count("--replay") > 0) return replay(replayed, false);
-    if (app.count("--replay-as-c") > 0) return replay(program, true);
+    if (reports) return status_of(saish::report(replayed, known));
+    if (app.count("--replay") > 0) return status_of(swsdk_replay(replayed.c_str(), tell_line, nullptr));
+    if (app.count("--replay-as-c") > 0)
+      return status_of(swsdk_replay_as_c(program.c_str(), print_line, tell_line, nullptr));
     char reason[SWSDK_REASON_SIZE];
     const bool is_elsewhere = app.count("--chip") > 0 || !chip.empty();
     if (is_elsewhere && swsdk_connect(chip.c_str(), reason) != 0) throw saish::BadInput(reason);

@@ -2,7 +2,7 @@
  * @file swsdk/recording.h
  * Recordings of the virtual chip: every SDK call as a line of a file, to be repeated and compared later.
  *
- *     swsdk recording 2
+ *     swsdk recording 3
  *     call sdk_main(0, NULL) = 0
  *     call bcm_vlan_create(0, 10) = 0
  *     fault bcm_vlan_create(0, 11) = -4
@@ -13,7 +13,8 @@
  * chip answered; `fault`, one that an injected fault answered; `action`, what the control interface of swsdk/chip.h,
  * swsdk/field.h and swsdk/frames.h did to the chip. The rest is as in swsdk/journal.h, with two additions: callbacks
  * and untyped pointers are numbered, so that different ones stay different, and an array that the call fills is
- * followed by its capacity, `&[7, 8] of 16`.
+ * followed by its capacity, `&[7, 8] of 16`. docs/recordings.md describes the format, and libswsdk-recorder.so, which
+ * records an application on any Chip SDK.
  *
  * When the chip is in another process (swsdk/remote.h), a recording has the calls of its own process, and may begin
  * with the chip up; it can then be repeated only from the state that the chip had. The recording of the process that
@@ -70,6 +71,40 @@ typedef void (*swsdk_line_t)(const char* line, void* data);
  * @return one of the SWSDK_REPLAY_ values; SWSDK_REPLAY_UNREADABLE also when path or tell is null, and nothing is done
  */
 int swsdk_replay(const char* path, swsdk_line_t tell, void* data);
+
+/** One answer, or event, of a repeated recording that is not the recorded one. */
+typedef struct swsdk_difference {
+  int line;             /**< of the recording; 0 for an event that no line has */
+  const char* function; /**< what was called, or the type of the callback */
+  const char* kind;     /**< "result"; "output NAME", a field of a record; "output N", argument N; "event" */
+  const char* recorded; /**< the line of the recording; "" for an event that no line has */
+  const char* now;      /**< what came this time; "" for an event that did not come */
+} swsdk_difference;
+
+/** Receives a difference, which is valid during the call. */
+typedef void (*swsdk_difference_t)(const swsdk_difference* difference, void* data);
+
+/** How much of a recording was repeated. */
+typedef struct swsdk_replayed {
+  long answers;  /**< answers and events of the recording that were compared */
+  long the_same; /**< those that came as recorded */
+} swsdk_replayed;
+
+/**
+ * Repeats a recording like swsdk_replay(), but to its end, and reports every difference. An event of the recording that
+ * the chip does not raise by itself, because on the recorded chip it came from outside, is raised: a link that changes,
+ * an address that is learned or removed. Not to be called from a callback.
+ *
+ * @param path     the recording
+ * @param differs  called with each difference, in the order of the lines
+ * @param tell     called with notices, and with what is wrong, with file and line
+ * @param data     passed to both
+ * @param replayed written unless the result is SWSDK_REPLAY_UNREADABLE; null is accepted
+ * @return one of the SWSDK_REPLAY_ values; SWSDK_REPLAY_DIFFERENT takes precedence over SWSDK_REPLAY_INCOMPLETE, and
+ *         SWSDK_REPLAY_UNREADABLE is also the result when path, differs or tell is null, and nothing is done
+ */
+int swsdk_replay_all(const char* path, swsdk_difference_t differs, swsdk_line_t tell, void* data,
+                     swsdk_replayed* replayed);
 
 /**
  * Writes a recording as a C program that makes the same calls. It includes only the SDK's headers, and those of the
