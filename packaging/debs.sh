@@ -10,7 +10,7 @@ eval "$(dpkg-architecture --print-set 2>/dev/null)"
 umask 022
 
 cd "$staging"
-packages=(libsai1 libsai-dev swsdk-virtual)
+packages=(libsai1 libsai-dev swsdk-virtual swsdk-recorder)
 mkdir debian
 cp "$packaging/control" "$packaging/changelog" debian
 [ "$(dpkg-parsechangelog --show-field Version)" = "$version" ] ||

@@ -2,6 +2,7 @@
 # usage: other_layout.sh SOURCE_DIR WORK_DIR TEST_PROGRAM...
 # A vendor's records have fields in places that nobody here knows. The library alone, built against headers whose records
 # are laid out otherwise and that are plain C, passes test programs on a virtual chip that is built with the same records.
+# The recorder, built like the library, records what that chip records.
 set -euo pipefail
 source=$1 work=$2
 shift 2
@@ -25,7 +26,7 @@ headers guarded 0
 echo "include_directories(\"$work/guarded\")" >"$work/guarded.cmake"
 cmake -S "$source" -B "$work/chip" -G Ninja -DCMAKE_PROJECT_sai_INCLUDE="$work/guarded.cmake" \
   -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_C_FLAGS=-O0 -DCMAKE_CXX_FLAGS=-O0 >/dev/null
-cmake --build "$work/chip" --target "$@"
+cmake --build "$work/chip" --target example_bring-up "$@"
 cmake -S "$source" -B "$work/library" -G Ninja -DCMAKE_COMPILE_WARNING_AS_ERROR=ON \
   -DSWSDK_INCLUDE_DIR="$work/vendor" -DSWSDK_LIBRARY="$work/chip/swsdk/libswsdk.so" >/dev/null
 cmake --build "$work/library"
@@ -34,3 +35,9 @@ for program in "$@"; do
   grep --quiet --fixed-strings "$work/library/src/libsai.so" <<<"$(ldd "$work/chip/tests/$program")"
   "$work/chip/tests/$program" --gtest_brief=1
 done
+
+SWSDK_RECORD="$work/own.rec" "$work/chip/examples/example_bring-up" >/dev/null
+SWSDK_RECORD="$work/before.rec" LD_PRELOAD="$work/library/recorder/libswsdk-recorder.so" \
+  "$work/chip/examples/example_bring-up" >/dev/null
+diff <(grep '^call ' "$work/own.rec") <(sed -n 's/^\(call .*\) @[0-9. ]*$/\1/p' "$work/before.rec")
+[ "$(wc -l <"$work/own.rec")" -ge 100 ]

@@ -26,7 +26,7 @@ scripts/package --arch "$architecture"
 packages=$PWD/build/packages
 deb() { echo "$packages/$1_"*"_$architecture.deb"; }
 debs=("$packages"/*_"$architecture".deb)
-[ ${#debs[@]} -eq 5 ] || fail "not five packages: ${debs[*]}"
+[ ${#debs[@]} -eq 7 ] || fail "not seven packages: ${debs[*]}"
 
 echo "== $architecture: lintian"
 lintian --display-info --fail-on error,warning,info "${debs[@]}"
@@ -49,7 +49,8 @@ dpkg() {
 }
 dpkg --install "$(deb libsai1)"
 dpkg --install "$(deb swsdk-virtual)"
-dpkg --install "$(deb libsai-dev)" "$(deb libsai1-dbgsym)" "$(deb swsdk-virtual-dbgsym)"
+dpkg --install "$(deb swsdk-recorder)"
+dpkg --install "$(deb libsai-dev)" "$(deb libsai1-dbgsym)" "$(deb swsdk-virtual-dbgsym)" "$(deb swsdk-recorder-dbgsym)"
 libraries=$root/usr/lib/$DEB_HOST_MULTIARCH
 examples=$root/usr/share/doc/libsai-dev/examples
 
@@ -65,6 +66,8 @@ libsai-dev /usr/share/doc/libsai-dev/messages.md
 libsai-dev /usr/share/doc/libsai-dev/examples/python/test_access_switch.py
 libsai-dev /usr/share/man/man3/sai_vlan_create.3.gz
 libsai-dev /usr/share/man/man7/sai.7.gz
+swsdk-recorder /usr/lib/$DEB_HOST_MULTIARCH/libswsdk-recorder.so
+swsdk-recorder /usr/share/man/man7/swsdk-recorder.7.gz
 swsdk-virtual /usr/bin/saish
 swsdk-virtual /usr/bin/swsdk-switch
 swsdk-virtual /usr/bin/swsdk-run
@@ -111,6 +114,8 @@ for program in "$work/virtual-pkg-config" "$work/virtual/consumer"; do
   grep -q 'bcm_vlan_create(0, 10) = 0' "$work/out" || fail "$program printed: $(cat "$work/out")"
 done
 "${run[@]}" "$root/usr/bin/saish" "$examples/vlans.sai" >/dev/null
+SWSDK_RECORD=$work/run.rec LD_PRELOAD=$libraries/libswsdk-recorder.so "${run[@]}" "$work/virtual-pkg-config" >/dev/null
+grep -q '^call bcm_vlan_create(0, 10) = 0 @' "$work/run.rec" || fail "recorded was: $(cat "$work/run.rec")"
 "${run[@]}" "$root/usr/bin/swsdk-switch" "$examples/vlans.sai" --port "1=pcap::$work/sent.pcap" >/dev/null
 [ -s "$work/sent.pcap" ] || fail "swsdk-switch wrote no file of frames"
 if [ ${#run[@]} -eq 0 ]; then

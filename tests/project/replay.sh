@@ -1,8 +1,10 @@
 #!/usr/bin/env bash
-# usage: replay.sh SAISH PROGRAM
-# Recordings: what they catch and what they refuse. PROGRAM is one that uses the library.
+# usage: replay.sh SAISH PROGRAM RECORDING...
+# Recordings: what they catch and what they refuse. PROGRAM is one that uses the library; the recordings were made by
+# earlier versions.
 set -euo pipefail
 saish=$1 program=$2
+shift 2
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cd "$work"
@@ -23,10 +25,18 @@ check() {
 
 # Any application records itself.
 SWSDK_RECORD=program.rec "$program" >/dev/null
-[ "$(sed -n '1p;$p' program.rec)" = "swsdk recording 2"$'\n'end ] || fail "the recording begins and ends with $(sed -n '1p;$p' program.rec)"
+[ "$(sed -n '1p;$p' program.rec)" = "swsdk recording 3"$'\n'end ] || fail "the recording begins and ends with $(sed -n '1p;$p' program.rec)"
 check 0 "" "$saish" --replay program.rec
 SWSDK_RECORD=/nowhere/program.rec "$program" >/dev/null 2>err
 grep -qx "SWSDK_RECORD: cannot write the recording /nowhere/program.rec: .*" err || fail "an application said: $(cat err)"
+
+# So are those of earlier versions.
+[ $# -ge 4 ] || fail "only $# recordings are kept"
+for kept; do
+  check 0 "" "$saish" --replay "$kept"
+  "$saish" --replay "$kept" --report >out || fail "$kept: $(cat out)"
+  grep -q ': 100.00 %$' out || fail "$kept: $(cat out)"
+done
 
 # A recording of a replay is the same recording.
 SWSDK_RECORD=again.rec "$saish" --replay program.rec
@@ -62,6 +72,18 @@ done
 # The first answer that differs: its line and both answers.
 number=$(grep -nF "bcm_vlan_create(0, 10)" all.rec | cut -d: -f1)
 sed "${number}s/= 0/= -8/" all.rec >changed.rec
+got=0
+printf 'bcm_vlan_create result # known\n\n' >known
+"$saish" --replay changed.rec --report >out 2>err || got=$?
+[ $got = 1 ] || fail "a report of a difference ended with $got: $(cat err out)"
+grep -Eq "^ +1 +$number +bcm_vlan_create +result\$" out || fail "no row of line $number in: $(cat out)"
+grep -qx "  now:      call bcm_vlan_create(0, 10) = 0" out || fail "what came now is not in: $(cat out)"
+"$saish" --replay changed.rec --report --known known >out || fail "a known difference was an error: $(cat out)"
+grep -Eq "bcm_vlan_create +result \(known\)\$" out || fail "the known difference is not marked: $(cat out)"
+echo bcm_vlan_create >wrong
+check 2 'wrong:1: "bcm_vlan_create" is no function and kind of difference, such as .*' \
+  "$saish" --replay changed.rec --report --known wrong
+check 2 'cannot read the known differences "/nowhere"' "$saish" --replay changed.rec --report --known /nowhere
 difference="changed\.rec:$number: the answer differs"$'\n'"  recorded: call bcm_vlan_create\(0, 10\) = -8"
 check 1 "$difference"$'\n'"  now:      call bcm_vlan_create\(0, 10\) = 0" "$saish" --replay changed.rec
 # Outputs are answers too.
@@ -74,6 +96,7 @@ incomplete='the recording ends here without its end mark: it was cut, or its pro
 check 3 "cut\\.rec:$(wc -l <cut.rec): $incomplete" "$saish" --replay cut.rec
 check 3 "cut\\.rec:$(wc -l <cut.rec): $incomplete" "$saish" --replay-as-c cut.rec
 head -c -8 cut.rec >middle.rec
+check 3 "cut\\.rec:$(wc -l <cut.rec): $incomplete" "$saish" --replay cut.rec --report
 check 3 'middle\.rec:[0-9]+: the recording was cut in this line' "$saish" --replay middle.rec
 coproc killed { SWSDK_RECORD=killed.rec exec "$saish" -; }
 pid=$killed_PID
@@ -86,7 +109,7 @@ wait "$pid" 2>/dev/null || true
 check 3 "killed\\.rec:[0-9]+: $incomplete" "$saish" --replay killed.rec
 
 # Version 1 had no end.
-sed '1s/2/1/' cut.rec >old.rec
+sed '1s/3/1/' cut.rec >old.rec
 check 0 "" "$saish" --replay old.rec
 
 # What a later version may have is skipped.
@@ -99,11 +122,11 @@ check 0 'later\.rec:2: skipped: there is no kind "later" here'$'\n'"later\\.rec:
 check 2 'missing\.rec: cannot be read' "$saish" --replay missing.rec
 : >empty.rec
 check 2 'empty\.rec: is empty, so it is no recording' "$saish" --replay empty.rec
-check 2 'all\.sai:1: not a recording: its first line is not "swsdk recording 2"' "$saish" --replay all.sai
-sed '1s/2/3/' all.rec >new.rec
-check 2 'new\.rec:1: version 3 of the format; this chip reads versions up to 2' "$saish" --replay new.rec
+check 2 'all\.sai:1: not a recording: its first line is not "swsdk recording 3"' "$saish" --replay all.sai
+sed '1s/3/4/' all.rec >new.rec
+check 2 'new\.rec:1: version 4 of the format; this chip reads versions up to 3' "$saish" --replay new.rec
 while IFS='|' read -r line wrong; do
-  printf 'swsdk recording 2\ncall %s\nend\n' "$line" >bad.rec
+  printf 'swsdk recording 3\ncall %s\nend\n' "$line" >bad.rec
   check 2 "bad\\.rec:2: $wrong" "$saish" --replay bad.rec
   check 2 "bad\\.rec:2: $wrong" "$saish" --replay-as-c bad.rec
 done <<'BAD'
@@ -133,6 +156,6 @@ swsdk_temperatures_set(0, [{current=1}], 2) = 0|argument 2: 1 items in place of 
 BAD
 check 2 'cannot write the recording "/nowhere/a"' "$saish" --record /nowhere/a -c sai_unit_get
 check 1 'cannot write the recording "/dev/full"' "$saish" --record /dev/full -c "sai_vlan_create 0 10"
-for options in "--replay all.rec all.sai" "--replay all.rec --record a.rec" "--replay a --replay-as-c a" "--replay a --cold"; do
+for options in "--report" "--known known" "--replay all.rec --known known" "--replay all.rec all.sai" "--replay all.rec --record a.rec" "--replay a --replay-as-c a" "--replay a --cold"; do
   check 2 '[^'$'\n'']+' "$saish" $options
 done
