@@ -43,7 +43,9 @@ void post_l2(int unit, int operation, const bcm_l2_addr_t& address) {
         return caller->tell(
             call_text(api::l2_event, {unit, address, operation, callback, user_data}, api::Form::wire, 0));
       bcm_l2_addr_t told = address;
-      api::capture_event(api::l2_callback, {callback, unit, api::in(&address), operation, user_data});
+      if (api::captures_events())
+        api::capture_event(call_text(api::l2_callback, {callback, unit, api::in(&address), operation, user_data},
+                                     api::Form::recording, 0));
       callback(unit, &told, operation, user_data);
     });
   });
@@ -61,11 +63,11 @@ void api::capture_events(bool on) {
   captured.clear();
 }
 
-void api::capture_event(const char* type, Arguments arguments) {
-  if (!captures.load(std::memory_order_relaxed)) return;
-  std::string text = call_text(type, arguments, Form::recording, 0);
+bool api::captures_events() { return captures.load(std::memory_order_relaxed); }
+
+void api::capture_event(std::string text) {
   const std::lock_guard guard(captured_lock);
-  captured.push_back(std::move(text));
+  if (captures) captured.push_back(std::move(text));
 }
 
 std::vector<std::string> api::take_captured_events() {
@@ -86,7 +88,9 @@ void api::tell_link(int unit, int port, bool up) {
       if (caller != nullptr) return caller->tell(call_text(link_event, {unit, port, int{up}, handler}, Form::wire, 0));
       bcm_port_info_t info{};
       info.linkstatus = up ? 1 : 0;
-      api::capture_event(api::link_callback, {handler, unit, port, api::in(&info)});
+      if (api::captures_events())
+        api::capture_event(
+            call_text(api::link_callback, {handler, unit, port, api::in(&info)}, api::Form::recording, 0));
       handler(unit, port, &info);
     });
   });

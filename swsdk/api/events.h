@@ -4,7 +4,6 @@
 #include <string>
 #include <vector>
 
-#include "api/calls/call_text.h"
 #include "chip/mac_table.h"
 
 namespace api {
@@ -26,7 +25,9 @@ void tell_mac_change(int unit, chip::MacTable::Change change, const chip::MacEnt
 
 /// Keeps the texts of the events that callbacks of this process get, as a recording has them, until they are taken.
 void capture_events(bool on);
-void capture_event(const char* type, Arguments arguments);
+bool captures_events();
+/// Keeps one, if events are kept.
+void capture_event(std::string text);
 std::vector<std::string> take_captured_events();
 
 /// Waits for the callbacks that are running, and discards all other events.

@@ -77,6 +77,8 @@ class Handlers : public chip::Wire {
                         .data = frame.data(),
                         .length = frame.size(),
                         .segments = segments};
+    if (api::has_recording_file() || api::captures_events()) [[unlikely]]
+      record(out);
     for (std::size_t i = 0; i < handlers_.size(); ++i) {  // one may replace itself
       const auto [function, user_data, takes_aggregates, caller] = handlers_[i];
       if (caller == nullptr)
@@ -84,6 +86,15 @@ class Handlers : public chip::Wire {
       else
         tell(*caller, out, function, user_data);
     }
+  }
+
+  void record(const swsdk_out& out) const {
+    const std::string event =
+        call_text(api::frame_callback,
+                  {unit_, out.port, api::hex(out.cpu), api::bytes(out.data, static_cast<unsigned>(out.length))},
+                  api::Form::recording, 0);
+    api::capture_event(event);
+    api::add_to_recording(api::Kind::event, event);
   }
 
   void tell(api::Caller& caller, const swsdk_out& out, swsdk_frame_handler function, void* user_data) const {

@@ -29,11 +29,12 @@ class Recording {
     if (dlsym(RTLD_DEFAULT, "swsdk_recorder") != nullptr) return;
     if (const char* const path = std::getenv(SWSDK_RECORD_VARIABLE); path != nullptr && *path != '\0') {
       path_ = path;
-      wanted_ = true;
+      want(false);
     }
   }
 
   bool is_wanted() const { return wanted_.load(std::memory_order_relaxed); }
+  bool has_file() const { return has_file_.load(std::memory_order_relaxed); }
 
   bool start(const char* path) {
     const std::lock_guard guard(lock_);
@@ -42,21 +43,22 @@ class Recording {
     close();
     file_ = file;
     writer_ = getpid();
-    wanted_ = true;
+    want(capturing_);
     return true;
   }
 
   bool stop() {
     const std::lock_guard guard(lock_);
-    wanted_ = capturing_;
     path_.clear();
-    return close();
+    const bool closed = close();
+    want(capturing_);
+    return closed;
   }
 
   void add(api::Kind kind, std::string_view line) {
     const std::lock_guard guard(lock_);
     std::string text = api::kind_names[static_cast<int>(kind)] + (' ' + std::string(line));
-    if (capturing_) captured_ += text;
+    if (capturing_ && kind != api::Kind::event) captured_ += text;
     if (file_ == nullptr && !path_.empty()) open_late();
     if (file_ == nullptr) return;
     if (powered_off_) std::fprintf(file_, "%s\n", power_off);
@@ -72,8 +74,8 @@ class Recording {
   void end_with_process() {
     const std::lock_guard guard(lock_);
     if (file_ == nullptr || writer_ != getpid()) return;
-    wanted_ = false;
     if (!close()) std::fprintf(stderr, "the recording could not be written to its end\n");
+    want(false);
   }
 
   void add_power_off() {
@@ -86,7 +88,7 @@ class Recording {
     const std::lock_guard guard(lock_);
     capturing_ = on;
     captured_.clear();
-    wanted_ = on || file_ != nullptr || !path_.empty();
+    want(on);
   }
 
   std::string take() {
@@ -95,6 +97,11 @@ class Recording {
   }
 
  private:
+  void want(bool capturing) {
+    has_file_ = file_ != nullptr || !path_.empty();
+    wanted_ = has_file_ || capturing;
+  }
+
   /// The file with its first line; later lines are flushed one by one, so that a crash loses nothing.
   static std::FILE* opened(const char* path) {
     std::FILE* const file = std::fopen(path, "we");
@@ -111,7 +118,7 @@ class Recording {
       std::fprintf(stderr, "%s: cannot write the recording %s: %s\n", SWSDK_RECORD_VARIABLE, path_.c_str(),
                    std::strerror(errno));
     path_.clear();
-    wanted_ = file_ != nullptr || capturing_;
+    want(capturing_);
   }
 
   bool close() {
@@ -127,6 +134,7 @@ class Recording {
 
   std::mutex lock_;
   std::atomic<bool> wanted_ = false;
+  std::atomic<bool> has_file_ = false;
   std::string path_;  // of a file that is not open yet
   std::FILE* file_ = nullptr;
   pid_t writer_ = 0;  // the process that wrote the last line
@@ -153,6 +161,8 @@ std::map<std::string, std::map<Pointer, int>, std::less<>> numbers;  // guarded 
 }  // namespace
 
 bool api::is_recording() { return recording().is_wanted(); }
+
+bool api::has_recording_file() { return recording().has_file(); }
 
 void api::add_to_recording(Kind kind, std::string_view line) { recording().add(kind, line); }
 

@@ -12,6 +12,9 @@ bool is_recording();
 
 void add_to_recording(Kind kind, std::string_view line);
 
+/// Whether a file gets the lines: a replay captures them without one.
+bool has_recording_file();
+
 /// Notes that the chips were switched off; written only when another line follows.
 void add_power_off_to_recording();
 

@@ -6,6 +6,8 @@
 #include <swsdk/recording.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <cstdlib>
 #include <fstream>
 #include <functional>
 #include <iterator>
@@ -33,15 +35,26 @@ struct Line {
   const api::Replayable* function;
   api::Texts arguments;
   int result;
-  bool is_stamped;  // by a recorder, which writes events, too
+  std::optional<uint64_t> time;  // that a recorder has stamped it with, which writes events, too
 };
 
 /// What stands before the stamp of a line, or all of it.
 std::string_view without_stamp(std::string_view text) {
-  const std::size_t mark = text.rfind(api::stamp_mark);
-  if (mark == std::string_view::npos || text.find_first_not_of("0123456789. ", mark + 2) != std::string_view::npos)
+  constexpr std::size_t longest_stamp = 40;  // lines of frames are long
+  const std::size_t from = text.size() - std::min(text.size(), longest_stamp);
+  const std::size_t mark = text.substr(from).rfind(api::stamp_mark);
+  if (mark == std::string_view::npos ||
+      text.find_first_not_of("0123456789. ", from + mark + api::stamp_mark.size()) != std::string_view::npos)
     return text;
-  return text.substr(0, mark);
+  return text.substr(0, from + mark);
+}
+
+constexpr uint64_t second = 1'000'000'000;
+
+/// The nanoseconds of a stamp " @0.000123 1".
+uint64_t time_of(std::string_view stamp) {
+  const std::string text(stamp.substr(api::stamp_mark.size()));
+  return static_cast<uint64_t>(std::strtod(text.c_str(), nullptr) * static_cast<double>(second));
 }
 
 /// Nothing, with a notice, when the line has a kind or a function that this chip does not know.
@@ -53,8 +66,9 @@ std::optional<Line> parsed_line(std::string_view text, const Say& notice) {
     return std::nullopt;
   }
   text.remove_prefix(std::min(word.size() + 1, text.size()));
-  const std::size_t whole = text.size();
+  const std::string_view with_stamp = text;
   text = without_stamp(text);
+  const std::string_view stamp = with_stamp.substr(text.size());
   const bool is_event = *kind == Kind::event;
   const std::size_t open = text.find('(');
   const std::size_t close = is_event ? text.rfind(')') : text.rfind(") = ");
@@ -62,15 +76,10 @@ std::optional<Line> parsed_line(std::string_view text, const Say& notice) {
     throw Unreadable(text, is_event ? "event such as bcm_linkscan_handler_t(<callback 1>, 0, 3, {linkstatus=1})"
                                     : "call such as bcm_vlan_create(0, 10) = 0");
   const std::string_view name = text.substr(0, open);
-  Line line{.kind = *kind,
-            .text = text,
-            .name = name,
-            .function = nullptr,
-            .arguments = {},
-            .result = 0,
-            .is_stamped = text.size() < whole};
+  Line line{.kind = *kind, .text = text, .name = name, .function = nullptr, .arguments = {}, .result = 0, .time = {}};
+  if (!stamp.empty()) line.time = time_of(stamp);
+  if (is_event) return line;  // most are frames, of which only the text counts
   line.arguments = api::items(text.substr(open, close - open + 1), '(', ')');
-  if (is_event) return line;
   const api::Replayable* const function = api::find_replayable(name);
   if (function == nullptr) {
     notice("skipped: there is no function \"" + std::string(name) + "\" here");
@@ -213,6 +222,26 @@ std::string recorded_text(const Line& line) {
   return api::kind_names[static_cast<int>(line.kind)] + (' ' + std::string(line.text));
 }
 
+/// The time of a recording's lines: of their stamps, or of the virtual chip's clock, which its own recordings move.
+class Time {
+ public:
+  /// In nanoseconds, after a line.
+  uint64_t after(const Line& line) {
+    if (line.time) return now_ = *line.time;
+    if (line.name == "swsdk_power_off") now_ = 0;
+    const bool in_seconds = line.name == "swsdk_clock_step";
+    if (in_seconds || line.name == "swsdk_clock_advance") {
+      uint64_t passed = 0;
+      if (line.arguments.size() == 2) api::parse_value(line.arguments[1], passed);
+      now_ += in_seconds ? passed * second : passed;
+    }
+    return now_;
+  }
+
+ private:
+  uint64_t now_ = 0;
+};
+
 /// The answers and events of a recording beside those that come now.
 class Comparison {
  public:
@@ -224,7 +253,8 @@ class Comparison {
     const std::string recorded = recorded_text(line);
     const std::string now = repeated(line);
     take_events();
-    has_events_ = has_events_ || line.is_stamped;
+    has_events_ = has_events_ || line.time.has_value();
+    settle_frames();
     ++counts_.answers;
     if (now == recorded) {
       ++counts_.the_same;
@@ -235,48 +265,69 @@ class Comparison {
 
   /// An event that the chip has not raised came from outside, so it is raised.
   void compare_event(const Line& line, int number, const Say& say) {
-    const std::string text(line.text);
+    std::string text(line.text);
+    if (line.name == api::frame_callback) {
+      frames_.emplace_back(number, std::move(text));  // the frame that led to it comes next
+      return;
+    }
     if (std::find(events_.begin(), events_.end(), text) == events_.end()) {
       raise(line, say);
       swsdk_events_drain();
       take_events();
     }
-    ++counts_.answers;
-    const auto found = std::find(events_.begin(), events_.end(), text);
-    if (found == events_.end()) return tell(number, line.name, "event", recorded_text(line), "");
-    events_.erase(found);
-    ++counts_.the_same;
+    settle(number, text);
   }
 
   /// Reports the events that the recording does not have, if it has those of its chip.
   swsdk_replayed end() {
-    if (!has_events_) events_.clear();
-    for (const std::string& event : events_) tell(0, event.substr(0, event.find('(')), "event", "", "event " + event);
+    settle_frames();
+    if (!has_events_) std::erase_if(events_, [](const std::string& event) { return !is_frame(event); });
+    if (!has_frames_) std::erase_if(events_, is_frame);
+    for (const std::string& event : events_) tell(0, name_of(event), "event", "", "event " + event);
     return counts_;
   }
 
   bool has_differences() const { return has_differences_; }
 
  private:
+  static std::string name_of(const std::string& event) { return event.substr(0, event.find('(')); }
+  static bool is_frame(const std::string& event) { return event.starts_with(api::frame_callback); }
+
+  /// Compares an event with those that came.
+  void settle(int number, const std::string& text) {
+    ++counts_.answers;
+    const auto found = std::find(events_.begin(), events_.end(), text);
+    if (found == events_.end()) return tell(number, name_of(text), "event", "event " + text, "");
+    events_.erase(found);
+    ++counts_.the_same;
+  }
+
+  void settle_frames() {
+    has_frames_ = has_frames_ || !frames_.empty();
+    for (const auto& [number, text] : frames_) settle(number, text);
+    frames_.clear();
+  }
+
   void take_events() {
     for (std::string& event : api::take_captured_events()) events_.push_back(std::move(event));
   }
 
   static void raise(const Line& line, const Say& say) {
+    const api::Texts arguments = api::items(line.text.substr(line.name.size()), '(', ')');
     int unit = 0;
-    if (line.name == api::link_callback && line.arguments.size() == 4) {
+    if (line.name == api::link_callback && arguments.size() == 4) {
       int port = 0;
       bcm_port_info_t info{};
-      api::parse_value(line.arguments[1], unit);
-      api::parse_value(line.arguments[2], port);
-      api::parse_value(line.arguments[3], info);
+      api::parse_value(arguments[1], unit);
+      api::parse_value(arguments[2], port);
+      api::parse_value(arguments[3], info);
       swsdk_link_event(unit, port, info.linkstatus);
-    } else if (line.name == api::l2_callback && line.arguments.size() == 5) {
+    } else if (line.name == api::l2_callback && arguments.size() == 5) {
       bcm_l2_addr_t address{};
       int operation = 0;
-      api::parse_value(line.arguments[1], unit);
-      api::parse_value(line.arguments[2], address);
-      api::parse_value(line.arguments[3], operation);
+      api::parse_value(arguments[1], unit);
+      api::parse_value(arguments[2], address);
+      api::parse_value(arguments[3], operation);
       if (operation == BCM_L2_CALLBACK_ADD && (address.flags & BCM_L2_TRUNK_MEMBER) != 0)
         bcm_l2_addr_add(unit, &address);
       else if (operation == BCM_L2_CALLBACK_ADD)
@@ -296,9 +347,11 @@ class Comparison {
   }
 
   const Differs differs_;
-  std::vector<std::string> events_;  // that came and were not compared yet
+  std::vector<std::string> events_;                  // that came and were not compared yet
+  std::vector<std::pair<int, std::string>> frames_;  // of the recording, with their lines, that did not come yet
   swsdk_replayed counts_{};
   bool has_events_ = false;
+  bool has_frames_ = false;
   bool has_differences_ = false;
 };
 
@@ -383,10 +436,16 @@ long long api::call_with(const Replayable& function, const Texts& arguments) {
 }
 
 int swsdk_replay(const char* path, swsdk_line_t tell, void* data) {
+  return swsdk_replay_until(path, UINT64_MAX, tell, data);
+}
+
+int swsdk_replay_until(const char* path, unsigned long long nanoseconds, swsdk_line_t tell, void* data) {
   if (path == nullptr || tell == nullptr) return SWSDK_REPLAY_UNREADABLE;
   begin_replay();
   bool same = true;
+  Time time;
   const int outcome = read_recording(path, tell, data, [&](const Line& line, int /*number*/, const Say& say) {
+    if (time.after(line) > nanoseconds) return false;
     if (line.kind == Kind::event) return true;
     const std::string recorded = recorded_text(line);
     const std::string now = repeated(line);

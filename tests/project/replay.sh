@@ -112,6 +112,31 @@ check 3 "killed\\.rec:[0-9]+: $incomplete" "$saish" --replay killed.rec
 sed '1s/3/1/' cut.rec >old.rec
 check 0 "" "$saish" --replay old.rec
 
+# Back to a time: of the chip's clock, or of the recorder's.
+time_travel() {
+  printf 'show vlan\nquit\n' | "$saish" --replay "$1" --until "$2" | grep -c '^[123]0 ' || true
+}
+printf '%s\n' 'sai_vlan_create 0 10' 'age 60' 'sai_vlan_create 0 20' 'age 60' 'sai_vlan_create 0 30' >time.sai
+"$saish" --record time.rec time.sai >out
+for expected in "0 1" "59.9 1" "60 2" "119 2" "120 3" "1000 3"; do
+  read -r until vlans <<<"$expected"
+  [ "$(time_travel time.rec "$until")" = "$vlans" ] || fail "after $until s there are $(time_travel time.rec "$until") VLANs"
+done
+{
+  printf 'swsdk recording 3\ncall sdk_main(0, NULL) = 0 @0.000001 1\ncall system_init(0) = 0 @0.000002 1\n'
+  printf 'call bcm_vlan_create(0, 10) = 0 @0.500000 1\ncall bcm_vlan_create(0, 20) = 0 @1.500000 1\nend\n'
+} >stamped.rec
+[ "$(time_travel stamped.rec 1)" = 1 ] && [ "$(time_travel stamped.rec 2)" = 2 ] || fail "stamps are not times"
+
+# What leaves is compared, too.
+printf '%s\n' 'link 1 up' 'link 2 up' 'send 1 02:00:00:00:00:01 > ff:ff:ff:ff:ff:ff arp 10.1.0.1 > 10.1.0.2' >frame.sai
+"$saish" --record frame.rec frame.sai >out
+"$saish" --replay frame.rec --report >out || fail "frames differ: $(cat out)"
+sed 's/\(event swsdk_frame_handler(0, 2, .*\) 08 06 /\1 08 07 /' frame.rec >changed.rec
+cmp -s frame.rec changed.rec && fail "no frame left in: $(cat frame.rec)"
+"$saish" --replay changed.rec --report >out && fail "another frame was the same: $(cat out)"
+grep -q 'swsdk_frame_handler *event$' out || fail "no difference of a frame in: $(cat out)"
+
 # What a later version may have is skipped.
 sed '2i later kind of line' all.rec | sed '$i call bcm_later(0) = 0' >later.rec
 last=$(($(wc -l <later.rec) - 1))

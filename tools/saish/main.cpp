@@ -64,6 +64,25 @@ int status_of(int replay_result) {
   }
 }
 
+/// Types commands, or reads them from what standard input is otherwise.
+void run_standard_input(saish::Session& session) {
+  if (isatty(STDIN_FILENO) == 0)
+    session.run_script("-");
+  else
+    run_interactively(session);
+}
+
+/// Repeats a recording up to a time, and runs commands on the chip as it was then.
+int travel(const std::string& recording, double seconds) {
+  constexpr double nanoseconds = 1e9;
+  const int result =
+      swsdk_replay_until(recording.c_str(), static_cast<uint64_t>(seconds * nanoseconds), tell_line, nullptr);
+  if (result == SWSDK_REPLAY_UNREADABLE || result == SWSDK_REPLAY_DIFFERENT) return status_of(result);
+  saish::Session session(saish::Power::left);
+  run_standard_input(session);
+  return status_of(result);
+}
+
 /// Does what the command line requests.
 int run(int argc, char** argv) {
   CLI::App app{"Runs the functions of libsai.so as commands, on the virtual chip."};
@@ -74,6 +93,7 @@ int run(int argc, char** argv) {
   std::string program;
   std::string known;
   bool reports = false;
+  double until = 0;
   std::string intended;
   std::string board;
   std::string chip;
@@ -95,6 +115,10 @@ int run(int argc, char** argv) {
       app.add_option("--replay", replayed, "repeat a recording; stop at the first answer that differs");
   app.add_flag("--report", reports, "with --replay: go on to the end, and print all differences as a table")
       ->needs(repeat);
+  app.add_option("--until", until, "with --replay: stop after so many seconds, with a shell on the chip as it was then")
+      ->needs(repeat)
+      ->excludes("--report")
+      ->check(CLI::Range(0.0, 1e9));
   app.add_option("--known", known, "with --report: a file with differences that are meant")->needs("--report");
   CLI::Option* const as_c =
       app.add_option("--replay-as-c", program, "print a C program that makes the calls of a recording");
@@ -113,6 +137,7 @@ int run(int argc, char** argv) {
     else if (app.count("--chip") == 0 && from_environment != nullptr)
       chip = from_environment;
     if (reports) return status_of(saish::report(replayed, known));
+    if (app.count("--until") > 0) return travel(replayed, until);
     if (app.count("--replay") > 0) return status_of(swsdk_replay(replayed.c_str(), tell_line, nullptr));
     if (app.count("--replay-as-c") > 0)
       return status_of(swsdk_replay_as_c(program.c_str(), print_line, tell_line, nullptr));
@@ -132,10 +157,8 @@ int run(int argc, char** argv) {
       session.run_well(command);
     else if (app.count("FILE") > 0)
       session.run_script(script);
-    else if (isatty(STDIN_FILENO) == 0)
-      session.run_script("-");
-    else if (app.count("--diff") == 0)
-      run_interactively(session);
+    else if (isatty(STDIN_FILENO) == 0 || app.count("--diff") == 0)
+      run_standard_input(session);
     if (app.count("--diff") > 0) saish::compare_with(intended);
     if (recorded && swsdk_record_stop() != 0) throw saish::Unexpected(unwritable);
     return 0;

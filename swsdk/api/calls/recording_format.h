@@ -27,6 +27,8 @@ constexpr int first_version_with_children = 3;
 /// The names of events: the types of the callbacks, whose arguments follow the callback itself.
 constexpr const char* link_callback = "bcm_linkscan_handler_t";
 constexpr const char* l2_callback = "bcm_l2_addr_callback_t";
+/// A frame has left the virtual chip: unit, port, SWSDK_CPU_ reasons, bytes. It comes before the line that led to it.
+constexpr const char* frame_callback = "swsdk_frame_handler";
 
 /// Before the time of a line, in seconds since the recording began, and the number of its thread: " @0.000123 1". Lines
 /// of the virtual chip's own recordings have neither, so that the same calls give the same recording.

@@ -72,6 +72,19 @@ typedef void (*swsdk_line_t)(const char* line, void* data);
  */
 int swsdk_replay(const char* path, swsdk_line_t tell, void* data);
 
+/**
+ * Repeats a recording like swsdk_replay(), but stops before the first line of a later time, and leaves the chips as
+ * they were then. The time of a line is that of its stamp or, in a recording of the virtual chip's own, that of its
+ * clock.
+ *
+ * @param path        the recording
+ * @param nanoseconds since the recording began, or on the clock since the chips were switched on
+ * @param tell        called with notices, and with what is wrong or different, with file and line
+ * @param data        passed to it
+ * @return one of the SWSDK_REPLAY_ values; SWSDK_REPLAY_SAME also when lines are left
+ */
+int swsdk_replay_until(const char* path, unsigned long long nanoseconds, swsdk_line_t tell, void* data);
+
 /** One answer, or event, of a repeated recording that is not the recorded one. */
 typedef struct swsdk_difference {
   int line;             /**< of the recording; 0 for an event that no line has */
