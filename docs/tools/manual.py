@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Writes the manual pages from include/sai.h: a page for each function and variable, and sai(7).
+"""Writes the manual pages from include/sai.h: a page for each function and variable, sai(7), and swsdk(7) with the
+functions of the Chip SDK that these pages name.
 
 usage: manual.py DIRECTORY [VERSION [DOCUMENTS]]
 
@@ -18,6 +19,8 @@ from pathlib import Path
 
 import header
 import messages
+import results
+import sdk
 import sources
 
 ROOT = sources.repository()
@@ -49,6 +52,11 @@ def roff(text):
     text = re.sub(r"\b(\w+)\(\)", lambda m: rf"\fB{m[1]}\fR(3)" if m[1] in NAMES else m[0], text)
     lines = textwrap.wrap(text, 78, break_long_words=False, break_on_hyphens=False)
     return "\n".join(re.sub(r"^([.'])", r"\\&\1", line) for line in lines)
+
+
+def cell(text):
+    """Text in which the long names of the SDK may be broken behind underscores."""
+    return re.sub(r"(?<=\w)_(?=\w)", r"_\\:", roff(text))
 
 
 def code(text):
@@ -89,6 +97,7 @@ class Reference:
         self.types = {e.name: e for e in header.entries(self.sections, "type")}
         self.logged = messages.by_function()
         self.errors = [m for m in messages.index()[0] if m.level == "errors"]
+        self.results = results.rows(self.logged)
         self.problems = []
 
     def documented(self, entry):
@@ -156,7 +165,8 @@ class Reference:
     def page(self, entry, version):
         self.check_ends(entry)
         summary = first_sentence(entry.comment.text[0])
-        lines = [f'.TH {entry.name} 3 {date()} "libsai {version}" "Chip programming"', ".SH NAME"]
+        lines = [r"'\" t"] if entry.name in self.results else []
+        lines += [f'.TH {entry.name} 3 {date()} "libsai {version}" "Chip programming"', ".SH NAME"]
         lines += [rf"{entry.name} \- {roff(summary[0].lower() + summary[1:])}", ".SH LIBRARY", "libsai (\\-lsai)"]
         lines += [".SH SYNOPSIS", ".B #include <sai.h>", ".PP", *synopsis(entry), ".SH DESCRIPTION"]
         prose = [p for p in entry.comment.text if not SAME.fullmatch(p)]
@@ -179,20 +189,45 @@ class Reference:
                 lines += [".SH RETURN VALUE", "None."]
             else:
                 self.problems.append(f"{entry.name}: nothing is said of its result")
+            if entry.name in self.results:
+                lines += [".SH RESULTS", *self.table_of_results(entry)]
+            elif entry.section != "Logging" and entry.params and entry.params[0][1] == "unit":
+                self.problems.append(f"{entry.name}: docs/results has nothing of it")
             lines += [".SH LOG MESSAGES", *self.messages_of(entry)]
         self.check_pointers(entry, lines)
         return lines + [".SH SEE ALSO", *(f".BR {name} ({number})" for name, number in self.related(entry))]
 
+    def messages_logged(self, entry):
+        return sorted(dict.fromkeys(self.logged.get(entry.name, [])), key=lambda m: m[1] == "debugging")
+
+    def table_of_results(self, entry):
+        """Tested rows: the message is the number in the list of messages that follows."""
+        texts = [text for text, _ in self.messages_logged(entry)]
+        rows = self.results[entry.name]
+        lines = ["Each row is tested on the virtual chip. The steps are in the order of the calls; the first that fails",
+                 "ends the function unless the last column says otherwise.",
+                 r"\(lqIts code\(rq is that of the SDK call, converted by", r"\fBsdk_to_sai\fR(3)."]
+        if any(row.is_real_only for row in rows):
+            lines += [r"Rows with \(lq*\(rq: only a real chip answers so, or the virtual chip when it is told to fail."]
+        lines += [".PP", ".TS", "l lx l l.", "\\fBResult\tWhen\tLog\tThe chip then\\fR"]
+        for row in rows:
+            numbers = ", ".join(str(texts.index(text) + 1) for text in row.log) or r"\-"
+            mark = " *" if row.is_real_only else ""
+            lines += ["T{", cell(row.result + mark), "T}\tT{", cell(row.when), "T}\t" + numbers + "\tT{",
+                      cell(row.chip), "T}"]
+        return lines + [".TE"]
+
     def messages_of(self, entry):
-        logged = sorted(dict.fromkeys(self.logged.get(entry.name, [])), key=lambda m: m[1] == "debugging")
+        logged = self.messages_logged(entry)
         if not logged:
             own = entry.section == "Logging"
             return ["None of its own."] if own else ["None."]
         index = rf"\fI{escaped(self.documents)}/messages.md\fR"
         lines = ["What to do about each is told in the index of log messages, the file", index,
                  r"in the directory that libsai was installed to, such as \fI/usr\fR."]
-        for text, level in logged:
-            lines += [".TP", rf"\(lq{escaped(text)}\(rq", f"Level {level}." if " " not in level else f"To {level}."]
+        for number, (text, level) in enumerate(logged, 1):
+            to = f"Level {level}." if " " not in level else f"To {level}."
+            lines += [".TP", rf"{number}. \(lq{escaped(text)}\(rq", to]
         return lines
 
     def related(self, entry):
@@ -204,7 +239,8 @@ class Reference:
             if entry.name.endswith(end) and entry.name[: -len(end)] + other in NAMES:
                 names.add(entry.name[: -len(end)] + other)
         names |= NAMES & {entry.name.replace("_register_", "_unregister_")}
-        return [(name, 3) for name in sorted(names - {entry.name})] + [("sai", 7)]
+        own = [(name, 3) for name in sorted(names - {entry.name})]
+        return [*own, ("sai", 7), ("swsdk", 7)] if entry.name in self.results else [*own, ("sai", 7)]
 
     def overview(self, version):
         lines = [f'.TH sai 7 {date()} "libsai {version}" "Chip programming"', ".SH NAME"]
@@ -228,6 +264,44 @@ class Reference:
         return lines + [".SH SEE ALSO", ".BR saish (1),", ".BR swsdk\\-switch (1)"]
 
 
+    def sdk_functions(self, version):
+        """The functions of the Chip SDK that the library calls: where the pages lead that name them."""
+        lines = [r"'\" t", f'.TH swsdk 7 {date()} "libsai {version}" "Chip programming"', ".SH NAME"]
+        lines += [r"swsdk \- the functions of the Chip SDK that libsai calls", ".SH DESCRIPTION"]
+        lines += ["Pages of", ".BR sai (7)", "name them where they fail. The vendor documents them; this page tells what",
+                  "they are about, and whose failures they are.", "Each answers 0 or a negative code."]
+        callers = results.callers()
+        known = sdk.functions()
+        if missing := sorted(callers.keys() - known.keys()):
+            self.problems.append(f"swsdk/include does not declare {', '.join(missing)}")
+            return lines
+        file = None
+        named = {name for text in self.texts() for name in re.findall(r"\w+", text)}
+        for name in sorted(callers.keys() | (named & known.keys()), key=lambda name: (known[name].header or "~", name)):
+            function = known[name]
+            if function.header != file:
+                file = function.header
+                lines += [f".SS <{file}>", roff(function.about)] if file else [".SS Declared by no header"]
+            lines += [".TP", f".B {name}", cell(function.prototype), ".br"]
+            if function.comment:
+                lines += [roff(function.comment), ".br"]
+            if name in callers:
+                lines += ["Called by", ",\n".join(rf"\fB{caller}\fR(3)" for caller in sorted(callers[name])) + "."]
+        return lines + [".SH CODES", *self.codes(), ".SH SEE ALSO", ".BR sai (7)"]
+
+    def texts(self):
+        """All that the comments of the header say."""
+        for entry in self.entries.values():
+            yield from [*entry.comment.text, *entry.comment.params.values(), entry.comment.result]
+
+    def codes(self):
+        """The SDK's codes, with the library's code and the SDK's text of each."""
+        lines = [".TS", "l l l.", "\\fBCode\tResult\tText\\fR"]
+        for number, (text, own) in enumerate(messages.reasons()[:-1]):
+            lines.append(f"{results.SDK_NAMES.get(-number, escaped(str(-number)))}\t{own}\t{text}")
+        return lines + [".TE"]
+
+
 def main(arguments):
     if len(arguments) not in (1, 2, 3):
         print(__doc__.split("\n\n")[1], file=sys.stderr)
@@ -235,10 +309,15 @@ def main(arguments):
     directory = Path(arguments[0])
     version = arguments[1] if len(arguments) > 1 else ""
     documents = arguments[2] if len(arguments) > 2 else "share/doc/sai"
-    reference = Reference(ROOT / "include/sai.h", documents)
+    try:
+        reference = Reference(ROOT / "include/sai.h", documents)
+    except messages.Mismatch as mismatch:
+        print(mismatch, file=sys.stderr)
+        return 1
     NAMES.update(name for name, entry in reference.entries.items() if entry.kind != "type")
     pages = {f"man3/{name}.3": reference.page(reference.entries[name], version) for name in sorted(NAMES)}
     pages["man7/sai.7"] = reference.overview(version)
+    pages["man7/swsdk.7"] = reference.sdk_functions(version)
     for command in (ROOT / "docs").glob("*.1"):
         page = command.read_text().replace("@DATE@", date()).replace("@VERSION@", version)
         pages[f"man1/{command.name}"] = page.splitlines()

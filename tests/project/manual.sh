@@ -21,7 +21,12 @@ says sai_register_l2_service 'valid during the call'
 says sai_register_link_service 'handler\(int unit'
 says sai_register_link_service 'linkstatus'
 says sai_vlan_port_add '^\.BR sai_vlan_port_remove \(3\)'
+says sai_vlan_port_add 'BCM_.*NOT_.*FOUND'
 says sai_vlan_port_add 'share/doc/.*/messages\.md'
+
+for call in $(grep -hoE '\\fI(bcm|soc)_[a-z0-9_]+' "$pages"/man3/*.3 | sed 's/^\\fI//' | grep -v '_t$' | sort -u); do
+  grep -q "^\.B $call\$" "$pages/man7/swsdk.7" || { echo "swsdk(7) does not tell of $call"; exit 1; }
+done
 
 commands=$("$saish" -c "help all" | sed '/^Functions of the library/,$d; 1d; /^$/d' | awk '{print $1}')
 [ "$(wc -w <<<"$commands")" -ge 10 ] || { echo "$saish: too few commands found; is its help still read rightly?"; exit 1; }
