@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Writes the manual pages from include/sai.h: a page for each function and variable, sai(7), and swsdk(7) with the
-functions of the Chip SDK that these pages name.
+"""Writes the manual pages from include/sai.h: a page for each function and variable, sai(7), sai-index(7), and
+swsdk(7) with the functions of the Chip SDK that these pages name.
 
 usage: manual.py DIRECTORY [VERSION [DOCUMENTS]]
 
@@ -26,17 +26,34 @@ import sources
 ROOT = sources.repository()
 # Where a comment says "Arguments and results are those of" another function.
 SAME = re.compile(r"Arguments and results are those of (\w+)\(\)\.?")
-# The endings of the names of functions that belong together.
-PAIRS = [("_set", "_get"), ("_get", "_set"), ("_set", "_unset"), ("_unset", "_set"), ("_add", "_del"), ("_del", "_add"),
-         ("_add", "_delete"), ("_delete", "_add"), ("_create", "_destroy"), ("_destroy", "_create"),
-         ("_create", "_delete"), ("_delete", "_create"), ("_add", "_remove"), ("_remove", "_add"),
-         ("_enable", "_disable"), ("_disable", "_enable")]
+# The verbs at the end of names. Functions whose names are the same but for them belong together.
+VERBS = ("add|remove|del|delete|create|destroy|set|unset|get|clear|clean|reset|enable|disable|init|detach|install|read|"
+         "write|show|config|all")
+VERB = re.compile(rf"(_(?:{VERBS}))+$")
+# Those that take something away, and what each is used for.
+ENDING_VERBS = {
+    "remove": "a member leaves what it was added to",
+    "del": "an entry leaves a table, or a member a group, by the key with which it was added",
+    "delete": "a route, an interface, a translation or learned addresses go, by their key",
+    "destroy": "an object with members or entries of its own goes, with them",
+    "unset": "a setting goes, found by the index or session that the setter gave or got",
+    "clear": "all of one kind go, those of a port or of the unit",
+    "clean": "counters go back to 0",
+    "reset": "a port is no longer isolated from any other",
+    "detach": "something is taken off what it is attached to and stays itself; for trunks, the module ends",
+    "disable": "the chip ignores the limits that it has",
+}
 # References to other text of the header, which is on another page.
 POINTERS = re.compile(r"\b(?:(?:above|below)(?! \d)|th(?:is|ese) (?:section|header|comment)s?|the comment)\b")
 # Where a message has the SDK's text, and what follows it.
 BEHIND_THE_TEXT = re.compile(r"(?:: |failed )%s(.+)$")
 TELLING = {".": ["full stop"], r"\n": ["newline"], r".\n": ["full stop", "newline"]}
 RESULTS = re.compile(r"(?:Unless a comment says otherwise, t|\bT)he results are (.*?\.)(?= |$)")
+
+
+# Words that lead nowhere.
+COMMON = set("a all an and are as at be been by for from has have in into is it its no not of on one or other sai so"
+             " than that the their them then to up what when where whether which whose with".split())
 
 
 def escaped(text):
@@ -82,6 +99,20 @@ def synopsis(entry):
 
 def date():
     return time.strftime("%Y-%m-%d", time.gmtime(int(os.environ.get("SOURCE_DATE_EPOCH", time.time()))))
+
+
+def listed_pages(pages):
+    return [f".BR {name} ({number})," for name, number in pages[:-1]] + [f".BR {pages[-1][0]} ({pages[-1][1]})"]
+
+
+def also_called(entry):
+    """For "man -k": the other words for taking away, where the name has one of them."""
+    own = set(entry.name.split("_"))
+    if not own & ({"remove", "del", "delete", "destroy", "unset", "clear"}):
+        return ""
+    said = entry.comment.text[0].lower()
+    missing = [word for word in ("remove", "delete") if word not in said and word not in own]
+    return f" ({', '.join(missing)})" if missing else ""
 
 
 def sentence(text):
@@ -167,7 +198,7 @@ class Reference:
         summary = first_sentence(entry.comment.text[0])
         lines = [r"'\" t"] if entry.name in self.results else []
         lines += [f'.TH {entry.name} 3 {date()} "libsai {version}" "Chip programming"', ".SH NAME"]
-        lines += [rf"{entry.name} \- {roff(summary[0].lower() + summary[1:])}", ".SH LIBRARY", "libsai (\\-lsai)"]
+        lines += [rf"{entry.name} \- {roff(summary[0].lower() + summary[1:] + also_called(entry))}", ".SH LIBRARY", "libsai (\\-lsai)"]
         lines += [".SH SYNOPSIS", ".B #include <sai.h>", ".PP", *synopsis(entry), ".SH DESCRIPTION"]
         prose = [p for p in entry.comment.text if not SAME.fullmatch(p)]
         prose += [RESULTS.sub("", p).strip() for p in self.section_of[entry.name].prose]
@@ -195,7 +226,10 @@ class Reference:
                 self.problems.append(f"{entry.name}: docs/results has nothing of it")
             lines += [".SH LOG MESSAGES", *self.messages_of(entry)]
         self.check_pointers(entry, lines)
-        return lines + [".SH SEE ALSO", *(f".BR {name} ({number})" for name, number in self.related(entry))]
+        related = self.related(entry)
+        if related[0] == ("sai", 7):
+            self.problems.append(f"{entry.name}: its page leads to no other function")
+        return lines + [".SH SEE ALSO", *listed_pages(related)]
 
     def messages_logged(self, entry):
         return sorted(dict.fromkeys(self.logged.get(entry.name, [])), key=lambda m: m[1] == "debugging")
@@ -231,16 +265,31 @@ class Reference:
         return lines
 
     def related(self, entry):
-        """The functions that its comment names, and the pair of a setter and a getter."""
+        """The functions that its comment names, its inverse and the rest of its family."""
         comment = self.documented(entry)
         text = " ".join([*entry.comment.text, *comment.text, *comment.params.values(), comment.result])
         names = {name for name in re.findall(r"\b(\w+)\b", text) if name in NAMES}
-        for end, other in PAIRS:
-            if entry.name.endswith(end) and entry.name[: -len(end)] + other in NAMES:
-                names.add(entry.name[: -len(end)] + other)
         names |= NAMES & {entry.name.replace("_register_", "_unregister_")}
-        own = [(name, 3) for name in sorted(names - {entry.name})]
+        names |= {name for name in NAMES if VERB.sub("", name) == VERB.sub("", entry.name)}
+        names -= {entry.name}
+        if not names:
+            names = self.neighbors(entry)
+        own = [(name, 3) for name in sorted(names)]
         return [*own, ("sai", 7), ("swsdk", 7)] if entry.name in self.results else [*own, ("sai", 7)]
+
+    def neighbors(self, entry):
+        """Those of its section whose names begin like its own, the longer the better; else those beside it;
+        of the only one of a section, those that make the same SDK calls."""
+        section = [e.name for e in self.section_of[entry.name].entries if e.kind != "type" and e.name != entry.name]
+        words = entry.name.split("_")
+        for length in range(len(words) - 1, 1, -1):
+            start = "_".join(words[:length]) + "_"
+            if alike := [name for name in section if name.startswith(start)]:
+                return set(alike[:6])
+        if section:
+            return set(section[:3])
+        same_calls = [callers for callers in results.callers().values() if entry.name in callers]
+        return set().union(*same_calls) - {entry.name}
 
     def overview(self, version):
         lines = [f'.TH sai 7 {date()} "libsai {version}" "Chip programming"', ".SH NAME"]
@@ -261,7 +310,29 @@ class Reference:
                 lines.pop()
             for entry in named:
                 lines += [".TP", f".BR {entry.name} (3)", sentence(first_sentence(entry.comment.text[0]))]
-        return lines + [".SH SEE ALSO", ".BR saish (1),", ".BR swsdk\\-switch (1)"]
+        return lines + [".SH SEE ALSO", ".BR sai\\-index (7),", ".BR swsdk (7),", ".BR saish (1),", ".BR swsdk\\-switch (1)"]
+
+    def permuted_index(self, version):
+        """Every word of the names and the first sentences, with the functions that have it; and the verbs."""
+        lines = [r"'\" t", f'.TH sai\\-index 7 {date()} "libsai {version}" "Chip programming"', ".SH NAME"]
+        lines += [r"sai\-index \- words of the functions of libsai, and their verbs", ".SH VERBS"]
+        lines += ["Each function has one name; what takes something away may have any of these verbs in it:", ".TS", "l lx l."]
+        lines += ["\\fBVerb\tWhat it is used for\tFunctions\\fR"]
+        for verb, use in ENDING_VERBS.items():
+            names = sorted(name for name in NAMES if verb in name.split("_"))
+            if not names:
+                self.problems.append(f"no function has the verb {verb}")
+            lines += [f"{verb}\tT{{", roff(use), "T}\tT{", ",\n".join(cell(name) for name in names), "T}"]
+        lines += [".TE", ".SH INDEX"]
+        words = {}
+        for name in NAMES:
+            said = first_sentence(self.entries[name].comment.text[0])
+            for word in {w.lower() for w in re.findall(r"[A-Za-z][A-Za-z0-9]+", said + " " + name.replace("_", " "))}:
+                words.setdefault(word, set()).add(name)
+        for word, names in sorted(words.items()):
+            if word not in COMMON and len(names) <= 25:
+                lines += [".TP", f".B {escaped(word)}", ",\n".join(cell(f"{name}") for name in sorted(names))]
+        return lines + [".SH SEE ALSO", ".BR sai (7)"]
 
 
     def sdk_functions(self, version):
@@ -317,6 +388,7 @@ def main(arguments):
     NAMES.update(name for name, entry in reference.entries.items() if entry.kind != "type")
     pages = {f"man3/{name}.3": reference.page(reference.entries[name], version) for name in sorted(NAMES)}
     pages["man7/sai.7"] = reference.overview(version)
+    pages["man7/sai-index.7"] = reference.permuted_index(version)
     pages["man7/swsdk.7"] = reference.sdk_functions(version)
     for command in (ROOT / "docs").glob("*.1"):
         page = command.read_text().replace("@DATE@", date()).replace("@VERSION@", version)
