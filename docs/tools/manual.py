@@ -110,7 +110,7 @@ def also_called(entry):
     own = set(entry.name.split("_"))
     if not own & ({"remove", "del", "delete", "destroy", "unset", "clear"}):
         return ""
-    said = entry.comment.text[0].lower()
+    said = first_sentence(entry.comment.text[0]).lower()
     missing = [word for word in ("remove", "delete") if word not in said and word not in own]
     return f" ({', '.join(missing)})" if missing else ""
 

@@ -11,6 +11,7 @@ import re
 from collections import defaultdict
 from dataclasses import dataclass, field
 
+import log_lines
 import messages
 import sources
 
@@ -66,10 +67,10 @@ REASONS = [text for text, _ in messages.reasons()]
 
 def template(line, texts):
     """The message of which a line is an example."""
-    fitting = [t for t in texts if any(messages.pattern_of(t).search(end) for end in (line, line.rstrip("?")))]
+    fitting = [t for t in texts if any(log_lines.pattern_of(t).search(end) for end in (line, line.rstrip("?")))]
     if not fitting:
         raise messages.Mismatch(f"docs/results: no message of the function is '{line}'")
-    return max(fitting, key=messages.fixed)
+    return max(fitting, key=log_lines.fixed)
 
 
 def log_of(fields, texts):

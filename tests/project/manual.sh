@@ -27,7 +27,7 @@ says sai_vlan_port_add 'share/doc/.*/messages\.md'
 # "man -k" looks at the names and what is said beside them.
 for word in remove delete; do
   for function in sai_vlan_destroy sai_vlan_port_remove sai_vlan_mac_del sai_bpdu_unset sai_stg_clear; do
-    grep -A1 '^\.SH NAME' "$pages/man3/$function.3" | grep -q "$word" ||
+    grep -A2 '^\.SH NAME' "$pages/man3/$function.3" | grep -q "$word" ||
       { echo "man -k $word does not find $function"; exit 1; }
   done
 done

@@ -65,6 +65,9 @@ libsai-dev /usr/share/doc/libsai-dev/messages.md
 libsai-dev /usr/share/doc/libsai-dev/examples/python/test_access_switch.py
 libsai-dev /usr/share/man/man3/sai_vlan_create.3.gz
 libsai-dev /usr/share/man/man7/sai.7.gz
+libsai-dev /usr/share/man/man7/swsdk.7.gz
+libsai-dev /usr/share/man/man1/sai-messages.1.gz
+libsai-dev /usr/bin/sai-messages
 swsdk-virtual /usr/bin/saish
 swsdk-virtual /usr/bin/swsdk-switch
 swsdk-virtual /usr/bin/swsdk-run
@@ -113,6 +116,7 @@ done
 "${run[@]}" "$root/usr/bin/saish" "$examples/vlans.sai" >/dev/null
 "${run[@]}" "$root/usr/bin/swsdk-switch" "$examples/vlans.sai" --port "1=pcap::$work/sent.pcap" >/dev/null
 [ -s "$work/sent.pcap" ] || fail "swsdk-switch wrote no file of frames"
+"$root/usr/bin/sai-messages" find "Failed to create vlan 5000: Invalid parameter" >"$work/out"
 if [ ${#run[@]} -eq 0 ]; then
   PYTHONPATH=$root/usr/lib/python3/dist-packages python3 -B -c '
 import sai_virtual as sai
