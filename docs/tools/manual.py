@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Writes the manual pages from include/sai.h: a page for each function and variable, sai(7), sai-index(7), and
-swsdk(7) with the functions of the Chip SDK that these pages name.
+swsdk(7) with the functions of the Chip SDK that these pages name, and a page for each task of docs/tasks.
 
 usage: manual.py DIRECTORY [VERSION [DOCUMENTS]]
 
@@ -18,12 +18,14 @@ import time
 from pathlib import Path
 
 import header
+import markdown
 import messages
 import results
 import sdk
 import sources
 
 ROOT = sources.repository()
+TASKS = sorted((ROOT / "docs/tasks").glob("*.md"))
 # Where a comment says "Arguments and results are those of" another function.
 SAME = re.compile(r"Arguments and results are those of (\w+)\(\)\.?")
 # The verbs at the end of names. Functions whose names are the same but for them belong together.
@@ -310,7 +312,8 @@ class Reference:
                 lines.pop()
             for entry in named:
                 lines += [".TP", f".BR {entry.name} (3)", sentence(first_sentence(entry.comment.text[0]))]
-        return lines + [".SH SEE ALSO", ".BR sai\\-index (7),", ".BR swsdk (7),", ".BR saish (1),", ".BR swsdk\\-switch (1)"]
+        return lines + [".SH SEE ALSO", ".BR sai\\-index (7),", *(f".BR sai\\-{escaped(page.stem)} (7)," for page in TASKS),
+                        ".BR swsdk (7),", ".BR saish (1),", ".BR swsdk\\-switch (1)"]
 
     def permuted_index(self, version):
         """Every word of the names and the first sentences, with the functions that have it; and the verbs."""
@@ -360,6 +363,16 @@ class Reference:
                 lines += ["Called by", ",\n".join(rf"\fB{caller}\fR(3)" for caller in sorted(callers[name])) + "."]
         return lines + [".SH CODES", *self.codes(), ".SH SEE ALSO", ".BR sai (7)"]
 
+    def task(self, page, version):
+        """A page of docs/tasks."""
+        text = page.read_text()
+        title = text.partition("\n")[0].lstrip("# ")
+        body = markdown.roff(text)
+        names = sorted(set(re.findall(r"\b\w+\b", text)) & NAMES)
+        lines = [r"'\" t", f'.TH sai\\-{escaped(page.stem)} 7 {date()} "libsai {version}" "Chip programming"']
+        lines += [".SH NAME", rf"sai\-{escaped(page.stem)} \- {escaped(title[0].lower() + title[1:])}", *body]
+        return lines + [".SH SEE ALSO", *listed_pages([*((name, 3) for name in names), ("sai", 7)])]
+
     def texts(self):
         """All that the comments of the header say."""
         for entry in self.entries.values():
@@ -388,6 +401,7 @@ def main(arguments):
     NAMES.update(name for name, entry in reference.entries.items() if entry.kind != "type")
     pages = {f"man3/{name}.3": reference.page(reference.entries[name], version) for name in sorted(NAMES)}
     pages["man7/sai.7"] = reference.overview(version)
+    pages |= {f"man7/sai-{page.stem}.7": reference.task(page, version) for page in TASKS}
     pages["man7/sai-index.7"] = reference.permuted_index(version)
     pages["man7/swsdk.7"] = reference.sdk_functions(version)
     for command in (ROOT / "docs").glob("*.1"):
