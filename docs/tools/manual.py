@@ -245,7 +245,7 @@ class Reference:
                  r"\(lqIts code\(rq is that of the SDK call, converted by", r"\fBsdk_to_sai\fR(3)."]
         if any(row.is_real_only for row in rows):
             lines += [r"Rows with \(lq*\(rq: only a real chip answers so, or the virtual chip when it is told to fail."]
-        lines += [".PP", ".TS", "l lx l l.", "\\fBResult\tWhen\tLog\tThe chip then\\fR"]
+        lines += [".PP", ".TS", "lb lb lb lb", "l lx l l.", "Result\tWhen\tLog\tThe chip then"]
         for row in rows:
             numbers = ", ".join(str(texts.index(text) + 1) for text in row.log) or r"\-"
             mark = " *" if row.is_real_only else ""
@@ -319,8 +319,8 @@ class Reference:
         """Every word of the names and the first sentences, with the functions that have it; and the verbs."""
         lines = [r"'\" t", f'.TH sai\\-index 7 {date()} "libsai {version}" "Chip programming"', ".SH NAME"]
         lines += [r"sai\-index \- words of the functions of libsai, and their verbs", ".SH VERBS"]
-        lines += ["Each function has one name; what takes something away may have any of these verbs in it:", ".TS", "l lx l."]
-        lines += ["\\fBVerb\tWhat it is used for\tFunctions\\fR"]
+        lines += ["Each function has one name; what takes something away may have any of these verbs in it:", ".TS", "lb lb lb", "l lx l."]
+        lines += ["Verb\tWhat it is used for\tFunctions"]
         for verb, use in ENDING_VERBS.items():
             names = sorted(name for name in NAMES if verb in name.split("_"))
             if not names:
@@ -380,7 +380,7 @@ class Reference:
 
     def codes(self):
         """The SDK's codes, with the library's code and the SDK's text of each."""
-        lines = [".TS", "l l l.", "\\fBCode\tResult\tText\\fR"]
+        lines = [".TS", "lb lb lb", "l l l.", "Code\tResult\tText"]
         for number, (text, own) in enumerate(messages.reasons()[:-1]):
             lines.append(f"{results.SDK_NAMES.get(-number, escaped(str(-number)))}\t{own}\t{text}")
         return lines + [".TE"]

@@ -93,7 +93,8 @@ def roff(text):
             code = block.text.replace("\\", "\\e").replace("-", "\\-")
             lines += [".PP", ".nf", *(re.sub(r"^([.'])", r"\\&\1", line) for line in code.split("\n")), ".fi"]
         elif block.kind == "table":
-            lines += [".TS", "l" + " lx" * (len(block.rows[0]) - 1) + "."]
+            others = len(block.rows[0]) - 1
+            lines += [".TS", "lb" + " lbx" * others, "l" + " lx" * others + "."]
             for row in block.rows:
                 lines += ["T{", "\nT}\tT{\n".join(roff_text(cell) or r"\&" for cell in row), "T}"]
             lines += [".TE"]

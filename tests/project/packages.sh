@@ -61,7 +61,11 @@ libsai1 /usr/lib/$DEB_HOST_MULTIARCH/libsai.so
 libsai-dev /usr/include/sai.h
 libsai-dev /usr/lib/$DEB_HOST_MULTIARCH/pkgconfig/sai.pc
 libsai-dev /usr/lib/$DEB_HOST_MULTIARCH/cmake/sai/sai-config.cmake
-libsai-dev /usr/share/doc/libsai-dev/messages.md
+libsai-dev /usr/share/doc/libsai-dev/README.md
+libsai-dev /usr/share/doc/libsai-dev/libsai.html
+libsai-dev /usr/share/doc/libsai-dev/docs/messages.md
+libsai-dev /usr/share/doc/libsai-dev/docs/tasks/restart.md
+libsai-dev /usr/share/man/man7/sai-restart.7.gz
 libsai-dev /usr/share/doc/libsai-dev/examples/python/test_access_switch.py
 libsai-dev /usr/share/man/man3/sai_vlan_create.3.gz
 libsai-dev /usr/share/man/man7/sai.7.gz
