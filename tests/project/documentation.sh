@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # usage: documentation.sh SOURCE_DIR SAISH PYTHON
 # The checks of the documentation find a message without a row, a row without a message, a stale index, a dead link, an
-# unknown name, an argument or an end of a message that nobody tells of, a function without results, results that are not of this
-# library, a manual page that points elsewhere, a promise
-# about comments that they do not keep, and output that is not so.
+# unknown name, an argument or an end of a message that nobody tells of, a function without results, results that are
+# not of this library, a manual page that points elsewhere, a misspelled word, a promise about comments that they do not
+# keep, and output that is not so.
 set -euo pipefail
 source=$1 saish=$2 python=$3
 work=$(mktemp -d)
@@ -60,6 +60,10 @@ finds 'sai_vlan_create: docs/results has nothing' "${manual[@]}" <<<'sed -i "/^s
 finds "no message of the function is 'Failed to make vlan" "${manual[@]}" \
   <<<'sed -i "s/Failed to create vlan/Failed to make vlan/" docs/results/failures'
 finds 'does not declare bcm_vlan_make' "${manual[@]}" <<<'sed -i "s/\tbcm_vlan_create\t/\tbcm_vlan_make\t/" docs/results/*'
+
+spelling=(docs/tools/spelling.py .)
+finds "README.md: 'recieved' is not a word" "${spelling[@]}" <<<'echo "It is recieved." >>README.md'
+finds "docs/tools/words: 'zyzzy' is not needed" "${spelling[@]}" <<<'echo zyzzy >>docs/tools/words'
 
 leftovers=(docs/tools/leftovers.py .)
 finds 'the comment of sai_l3_host_route_create does not say .that egress object stays' "${leftovers[@]}" \
