@@ -62,6 +62,13 @@ def names_of_codes():
 
 
 SDK_NAMES, OWN_NAMES = names_of_codes()
+SCENES = {
+    "(again)": "the same call was made before",
+    "(alone)": "what it needs or names does not exist",
+    "(full)": "no room is left",
+    "(attached)": "before chip start-up",
+    "(off)": "before chip start-up",
+}
 REASONS = [text for text, _ in messages.reasons()]
 
 
@@ -127,38 +134,29 @@ def examples(values):
     return listed(str(n) for n in numbers[:2])
 
 
-def why(reasons):
+def why(reasons, about_unit):
     """What was wrong, for a reader."""
+    if about_unit:
+        return "no such unit, or before chip start-up"
+    if "(again)" in reasons:
+        reasons = {what: values for what, values in reasons.items() if what not in ("(alone)", "(attached)")}
     said = []
     for what, values in reasons.items():
-        if what == "unit" or what in ("(off)", "(attached)"):
+        if what in SCENES:
+            said.append(SCENES[what])
             continue
-        if what == "(again)":
-            said.append("the same call was made before")
-        elif what == "(alone)":
-            said.append("what it needs was not set up")
-        elif what == "(full)":
-            said.append("no room is left")
-        else:
-            if "null" in values:
-                said.append(f"`{what}` is null")
-            if "text" in values:
-                said.append(f"a text that `{what}` cannot be")
-            if numbers := [v for v in values if v not in ("null", "text")]:
-                said.append(f"`{what}` such as {examples(numbers)}")
-    if "unit" in reasons or "(off)" in reasons or "(attached)" in reasons:
-        said.append("no such unit, or before chip start-up")
-    return "; ".join(said)
+        if "null" in values:
+            said.append(f"`{what}` is null")
+        if "text" in values:
+            said.append(f"a text that `{what}` cannot be")
+        if numbers := [value for value in values if value not in ("null", "text")]:
+            said.append(f"`{what}` such as {examples(numbers)}")
+    return "; ".join(dict.fromkeys(said))
 
 
 def left(calls):
     """What the chip holds after these calls."""
-    changes = [call for call in dict.fromkeys(calls) if not READS.search(call)]
-    if not changes:
-        return "unchanged"
-    if len(changes) > 2:
-        return "what the calls before did"
-    return f"what {listed((f'{call}()' for call in changes), 'and')} did"
+    return "what the calls before did" if any(not READS.search(call) for call in calls) else "unchanged"
 
 
 def own_name(number):
@@ -176,7 +174,10 @@ def refusal_rows(refusals):
             reasons.setdefault(what, []).extend(values)
     for (call, code, result, log, chip), reasons in merged.items():
         answer = "refused by the library" if call == "library" else f"{call}() answers {code}"
-        yield call, Row(own_name(result), f"{answer}: {why(reasons)}", log, chip)
+        about_unit = code == "BCM_E_UNIT or BCM_E_INIT"
+        if code == "BCM_E_EXISTS" and "(again)" in reasons:
+            reasons = {"(again)": []}
+        yield call, Row(own_name(result), f"{answer}: {why(reasons, about_unit)}", log, chip)
 
 
 def failure_rows(failures, refused, natural):
@@ -190,7 +191,7 @@ def failure_rows(failures, refused, natural):
         if failure.then == "goes on":
             chip = "the other steps are done"
         elif failure.then in ("ends", "last"):
-            chip = left(failure.before) if left(failure.before) == "unchanged" else "what the calls before did"
+            chip = left(failure.before)
         else:
             chip = f"next: {listed((f'{call}()' for call in failure.then.split()[:3]), 'and')}"
         few = codes if len(codes) <= 3 else frozenset()
