@@ -245,13 +245,13 @@ class Reference:
                  r"\(lqIts code\(rq is that of the SDK call, converted by", r"\fBsdk_to_sai\fR(3)."]
         if any(row.is_real_only for row in rows):
             lines += [r"Rows with \(lq*\(rq: only a real chip answers so, or the virtual chip when it is told to fail."]
-        lines += [".PP", ".TS", "lb lb lb lb", "lw(15) lx l lw(13).", "Result\tWhen\tLog\tThe chip then"]
+        lines += [".PP", ".ad l", ".TS", "lb lb lb lb", "lw(15) lx l lw(13).", "Result\tWhen\tLog\tThe chip then"]
         for row in rows:
             numbers = ", ".join(str(texts.index(text) + 1) for text in row.log) or r"\-"
             mark = " *" if row.is_real_only else ""
             lines += ["T{", cell(row.result + mark), "T}\tT{", cell(row.when), "T}\t" + numbers + "\tT{",
                       cell(row.chip), "T}"]
-        return lines + [".TE"]
+        return lines + [".TE", ".ad b"]
 
     def messages_of(self, entry):
         logged = self.messages_logged(entry)

@@ -96,7 +96,7 @@ def read_failures(logged):
     for function, rows in found.items():
         texts = [text for text, _ in logged.get(function, [])]
         follow_ups = {(f.case, f.call, f.then) for f, lines in rows
-                      if any(line.endswith(reason) for line in lines for reason in REASONS)}
+                      if any(reason in line for line in lines for reason in REASONS[1:])}
         for failure, lines in rows:
             if (failure.case, failure.call, failure.then) not in follow_ups:
                 failure.log = log_of(lines, texts)
