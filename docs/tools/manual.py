@@ -73,11 +73,6 @@ def roff(text):
     return "\n".join(re.sub(r"^([.'])", r"\\&\1", line) for line in lines)
 
 
-def cell(text):
-    """Text in which the long names of the SDK may be broken behind underscores."""
-    return re.sub(r"(?<=\w)_(?=\w)", r"_\\:", roff(text))
-
-
 def code(text):
     text = re.sub(r"#(?=sai_|SAI_|hw_)", "", text.replace("/**<", "/*").replace("/** ", "/* "))
     return [".nf", *(escaped(line) for line in text.split("\n")), ".fi"]
@@ -245,12 +240,13 @@ class Reference:
                  r"\(lqIts code\(rq is that of the SDK call, converted by", r"\fBsdk_to_sai\fR(3)."]
         if any(row.is_real_only for row in rows):
             lines += [r"Rows with \(lq*\(rq: only a real chip answers so, or the virtual chip when it is told to fail."]
-        lines += [".PP", ".ad l", ".TS", "lb lb lb lb", "lw(15) lx l lw(13).", "Result\tWhen\tLog\tThe chip then"]
+        lines += [".PP", ".ad l", ".TS", "nokeep;", "lb lb lb lb", "lw(15) lx lw(5) lw(13)."]
+        lines += ["Result\tWhen\tLog\tThe chip then"]
         for row in rows:
-            numbers = ", ".join(str(texts.index(text) + 1) for text in row.log) or r"\-"
-            mark = " *" if row.is_real_only else ""
-            lines += ["T{", cell(row.result + mark), "T}\tT{", cell(row.when), "T}\t" + numbers + "\tT{",
-                      cell(row.chip), "T}"]
+            numbers = ", ".join(map(str, sorted(texts.index(text) + 1 for text in row.log))) or r"\-"
+            result = row.result + (" *" if row.is_real_only else "")
+            columns = [markdown.breakable(roff(result)), markdown.breakable(roff(row.when)), numbers, roff(row.chip)]
+            lines += ["T{", "\nT}\tT{\n".join(columns), "T}"]
         return lines + [".TE", ".ad b"]
 
     def messages_of(self, entry):
@@ -319,14 +315,15 @@ class Reference:
         """Every word of the names and the first sentences, with the functions that have it; and the verbs."""
         lines = [r"'\" t", f'.TH sai\\-index 7 {date()} "libsai {version}" "Chip programming"', ".SH NAME"]
         lines += [r"sai\-index \- words of the functions of libsai, and their verbs", ".SH VERBS"]
-        lines += ["Each function has one name; what takes something away may have any of these verbs in it:", ".TS", "lb lb lb", "l lx l."]
+        lines += ["Each function has one name; what takes something away may have any of these verbs in it:", ".ad l", ".TS", "nokeep;", "lb lb lb",
+                  "l lx l."]
         lines += ["Verb\tWhat it is used for\tFunctions"]
         for verb, use in ENDING_VERBS.items():
             names = sorted(name for name in NAMES if verb in name.split("_"))
             if not names:
                 self.problems.append(f"no function has the verb {verb}")
-            lines += [f"{verb}\tT{{", roff(use), "T}\tT{", ",\n".join(cell(name) for name in names), "T}"]
-        lines += [".TE", ".SH INDEX"]
+            lines += [f"{verb}\tT{{", roff(use), "T}\tT{", ",\n".join(map(markdown.breakable, names)), "T}"]
+        lines += [".TE", ".ad b", ".SH INDEX"]
         words = {}
         for name in NAMES:
             said = first_sentence(self.entries[name].comment.text[0])
@@ -334,14 +331,14 @@ class Reference:
                 words.setdefault(word, set()).add(name)
         for word, names in sorted(words.items()):
             if word not in COMMON and len(names) <= 25:
-                lines += [".TP", f".B {escaped(word)}", ",\n".join(cell(f"{name}") for name in sorted(names))]
+                lines += [".TP", f".B {escaped(word)}", ",\n".join(map(markdown.breakable, sorted(names)))]
         return lines + [".SH SEE ALSO", ".BR sai (7)"]
 
 
     def sdk_functions(self, version):
         """The functions of the Chip SDK that the library calls: where the pages lead that name them."""
         lines = [r"'\" t", f'.TH swsdk 7 {date()} "libsai {version}" "Chip programming"', ".SH NAME"]
-        lines += [r"swsdk \- the functions of the Chip SDK that libsai calls", ".SH DESCRIPTION"]
+        lines += [r"swsdk \- the functions of the Chip SDK that libsai calls", ".ad l", ".SH DESCRIPTION"]
         lines += ["Pages of", ".BR sai (7)", "name them where they fail. The vendor documents them; this page tells what",
                   "they are about, and whose failures they are.", "Each answers 0 or a negative code."]
         callers = results.callers()
@@ -356,7 +353,7 @@ class Reference:
             if function.header != file:
                 file = function.header
                 lines += [f".SS <{file}>", roff(function.about)] if file else [".SS Declared by no header"]
-            lines += [".TP", f".B {name}", cell(function.prototype), ".br"]
+            lines += [".TP", f".B {name}", markdown.breakable(roff(function.prototype)), ".br"]
             if function.comment:
                 lines += [roff(function.comment), ".br"]
             if name in callers:

@@ -77,6 +77,11 @@ def roff_text(text):
     return re.sub(r"^([.'])", r"\\&\1", text)
 
 
+def breakable(text):
+    """Long names may be broken behind underscores."""
+    return re.sub(r"(?<=\w)_(?=\w)", r"_\\:", text)
+
+
 def roff(text):
     """The lines of a manual page's body: what stands before the first heading of the second level is its description."""
     lines = [".SH DESCRIPTION"]
@@ -94,10 +99,10 @@ def roff(text):
             lines += [".PP", ".nf", *(re.sub(r"^([.'])", r"\\&\1", line) for line in code.split("\n")), ".fi"]
         elif block.kind == "table":
             others = len(block.rows[0]) - 1
-            lines += [".TS", "lb" + " lbx" * others, "l" + " lx" * others + "."]
+            lines += [".ad l", ".TS", "nokeep;", "lb" + " lbx" * others, "l" + " lx" * others + "."]
             for row in block.rows:
-                lines += ["T{", "\nT}\tT{\n".join(roff_text(cell) or r"\&" for cell in row), "T}"]
-            lines += [".TE"]
+                lines += ["T{", "\nT}\tT{\n".join(breakable(roff_text(cell)) or r"\&" for cell in row), "T}"]
+            lines += [".TE", ".ad b"]
     # No paragraph begins right behind a heading.
     return [line for i, line in enumerate(lines) if not (line == ".PP" and lines[i - 1].startswith((".SH", ".SS")))]
 
