@@ -126,6 +126,7 @@ class Reference:
         self.logged = messages.by_function()
         self.errors = [m for m in messages.index()[0] if m.level == "errors"]
         self.results = results.rows(self.logged)
+        self.constants = sdk.headers_of_constants()
         self.problems = []
 
     def documented(self, entry):
@@ -173,6 +174,15 @@ class Reference:
                 waiting += re.findall(r"\w+", self.types[name].code)
         return found
 
+    def headers_of(self, entry):
+        """The SDK's headers whose constants a caller needs: those that are named for arguments and types."""
+        named = [entry.comment, self.documented(entry), *(type_.comment for type_ in self.types_of(entry))]
+        text = " ".join(said for comment in named for said in comment.params.values())
+        constants = set(re.findall(r"\b(?:BCM_(?!E_)\w+|bcm[A-Z]\w+)", text)) & self.constants.keys()
+        starts = re.findall(r"\b(BCM_\w+_)\*", text)
+        constants |= {name for name in self.constants if name.startswith(tuple(starts))} if starts else set()
+        return sorted({self.constants[name] for name in constants})
+
     def check_pointers(self, entry, lines):
         text = " ".join(" ".join(lines).split())
         for found in POINTERS.finditer(text):
@@ -196,7 +206,10 @@ class Reference:
         lines = [r"'\" t"] if entry.name in self.results else []
         lines += [f'.TH {entry.name} 3 {date()} "libsai {version}" "Chip programming"', ".SH NAME"]
         lines += [rf"{entry.name} \- {roff(summary[0].lower() + summary[1:] + also_called(entry))}", ".SH LIBRARY", "libsai (\\-lsai)"]
-        lines += [".SH SYNOPSIS", ".B #include <sai.h>", ".PP", *synopsis(entry), ".SH DESCRIPTION"]
+        lines += [".SH SYNOPSIS"]
+        for file in self.headers_of(entry):
+            lines += [f".B #include <{file}>", ".br"]
+        lines += [".B #include <sai.h>", ".PP", *synopsis(entry), ".SH DESCRIPTION"]
         prose = [p for p in entry.comment.text if not SAME.fullmatch(p)]
         prose += [RESULTS.sub("", p).strip() for p in self.section_of[entry.name].prose]
         for i, paragraph in enumerate(p for p in prose if re.search(r"\w{3}", p)):

@@ -40,3 +40,14 @@ def functions():
             found[name] = Function(path.relative_to(INCLUDE).as_posix(), plain(about.group(1)) if about else "",
                                    " ".join(prototype.split()), plain(comment))
     return found
+
+
+def headers_of_constants():
+    """The header that has each constant: macros and enumerators."""
+    found = {}
+    for path in sorted(INCLUDE.rglob("*.h")):
+        if path.parent.name == "swsdk":
+            continue
+        for name in re.findall(r"^#define (\w+)|^ +(\w+) = ", path.read_text(), re.MULTILINE):
+            found.setdefault(name[0] or name[1], path.relative_to(INCLUDE).as_posix())
+    return found

@@ -17,6 +17,7 @@ done
 # says NAME PATTERN: the page of that name says so.
 says() { grep -Eq -- "$2" "$pages/man3/$1.3" || { echo "the page of $1 does not say $2"; exit 1; }; }
 says sai_register_l2_service 'BCM_L2_CALLBACK_DELETE.* \(0\)'
+says sai_register_l2_service '#include <bcm/l2\.h>'
 says sai_register_l2_service 'valid during the call'
 says sai_register_link_service 'handler\(int unit'
 says sai_register_link_service 'linkstatus'
