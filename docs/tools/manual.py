@@ -174,6 +174,13 @@ class Reference:
                 waiting += re.findall(r"\w+", self.types[name].code)
         return found
 
+    def check_results(self, entry):
+        """Each code that its comment names has a row; what is said of a whole section need not hold for each function."""
+        said = set(re.findall(r"(?<![\w-])-\d+\b", self.documented(entry).result))
+        rows = " ".join(row.result for row in self.results[entry.name])
+        for code in sorted(said - set(re.findall(r"-\d+", rows))):
+            self.problems.append(f"{entry.name}: its comment names {code}, and docs/results has no such result")
+
     def headers_of(self, entry):
         """The SDK's headers whose constants a caller needs: those that are named for arguments and types."""
         named = [entry.comment, self.documented(entry), *(type_.comment for type_ in self.types_of(entry))]
@@ -231,6 +238,7 @@ class Reference:
             else:
                 self.problems.append(f"{entry.name}: nothing is said of its result")
             if entry.name in self.results:
+                self.check_results(entry)
                 lines += [".SH RESULTS", *self.table_of_results(entry)]
             elif entry.section != "Logging" and entry.params and entry.params[0][1] == "unit":
                 self.problems.append(f"{entry.name}: docs/results has nothing of it")
