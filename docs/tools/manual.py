@@ -98,6 +98,17 @@ def date():
     return time.strftime("%Y-%m-%d", time.gmtime(int(os.environ.get("SOURCE_DATE_EPOCH", time.time()))))
 
 
+def ranges(numbers):
+    """Such as "1-3, 5"."""
+    found = []
+    for number in numbers:
+        if found and number == found[-1][1] + 1:
+            found[-1][1] = number
+        else:
+            found.append([number, number])
+    return ", ".join(f"{first}" if first == last else rf"{first}\-{last}" for first, last in found)
+
+
 def listed_pages(pages):
     return [f".BR {name} ({number})," for name, number in pages[:-1]] + [f".BR {pages[-1][0]} ({pages[-1][1]})"]
 
@@ -264,7 +275,7 @@ class Reference:
         lines += [".PP", ".ad l", ".TS", "nokeep;", "lb lb lb lb", "lw(15) lx lw(5) lw(13)."]
         lines += ["Result\tWhen\tLog\tThe chip then"]
         for row in rows:
-            numbers = ", ".join(map(str, sorted(texts.index(text) + 1 for text in row.log))) or r"\-"
+            numbers = ranges(sorted(texts.index(text) + 1 for text in row.log)) or r"\-"
             result = row.result + (" *" if row.is_real_only else "")
             columns = [markdown.breakable(roff(result)), markdown.breakable(roff(row.when)), numbers, roff(row.chip)]
             lines += ["T{", "\nT}\tT{\n".join(columns), "T}"]

@@ -218,6 +218,22 @@ def failure_rows(failures, refused, natural):
         yield next(iter(calls)), Row(result, f"{listed(names)} {answer}{at_the_end}", log, chip, not seen)
 
 
+def folded(rows_):
+    """Steps whose failures are only logged are one row, where there are many of them."""
+    alike = defaultdict(list)
+    for call, row in rows_:
+        if row.when.endswith("() fails") and row.result == own_name(0) and row.is_real_only:
+            alike[row.chip].append((call, row))
+    for chip, several in alike.items():
+        if len(several) > 4:
+            names = dict.fromkeys(f"{call}()" for _, row in several for call in re.findall(r"(\w+)\(\)", row.when))
+            log = tuple(dict.fromkeys(text for _, row in several for text in row.log))
+            one = Row(own_name(0), f"{listed(names)} fails; one of these is logged", log, chip, True)
+            rows_ = [named for named in rows_ if named not in several[1:]]
+            rows_[rows_.index(several[0])] = (several[0][0], one)
+    return rows_
+
+
 def rows(logged):
     """The rows of each function, in the order of its SDK calls."""
     failures = read_failures(logged)
@@ -226,7 +242,7 @@ def rows(logged):
     for name in sorted(failures.keys() | refusals.keys()):
         order = ["library", *dict.fromkeys(failure.call for failure in failures[name])]
         refused = {(refusal.call, refusal.code) for refusal in refusals[name]}
-        rows_ = [*refusal_rows(refusals[name]), *failure_rows(failures[name], refused, natural[name])]
+        rows_ = folded([*refusal_rows(refusals[name]), *failure_rows(failures[name], refused, natural[name])])
         place = {call: i for i, call in enumerate(order)}
         found[name] = [row for call, row in sorted(rows_, key=lambda named: place.get(named[0], len(order)))]
     return found

@@ -317,8 +317,10 @@ class Sweep : public testing::TestWithParam<Row> {
     std::string then = rest.empty() ? "ends" : each_once(rest);
     if (rest == usual) then = rest.empty() ? "last" : "goes on";
     std::string lines;
+    const bool failed_before = normal.calls[index].code != 0;
     for (const std::string& line : failing.errors)
-      if (std::ranges::find(normal.errors, line) == normal.errors.end()) lines += "\tlog " + without_values(line, code);
+      if (failed_before || std::ranges::find(normal.errors, line) == normal.errors.end())
+        lines += "\tlog " + without_values(line, code);
     for (const std::string& line : failing.printed)
       if (std::ranges::find(normal.printed, line) == normal.printed.end())
         lines += "\tprinted " + without_values(line, code);
