@@ -272,7 +272,7 @@ class Reference:
                  r"\(lqIts code\(rq is that of the SDK call, converted by", r"\fBsdk_to_sai\fR(3)."]
         if any(row.is_real_only for row in rows):
             lines += [r"Rows with \(lq*\(rq: only a real chip answers so, or the virtual chip when it is told to fail."]
-        lines += [".PP", ".ad l", ".TS", "nokeep;", "lb lb lb lb", "lw(15) lx lw(5) lw(13)."]
+        lines += [".PP", ".ad l", ".TS", "nokeep;", "lb lb lb lb", "lw(15) lx lw(7) lw(13)."]
         lines += ["Result\tWhen\tLog\tThe chip then"]
         for row in rows:
             numbers = ranges(sorted(texts.index(text) + 1 for text in row.log)) or r"\-"

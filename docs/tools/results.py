@@ -222,7 +222,7 @@ def folded(rows_):
     """Steps whose failures are only logged are one row, where there are many of them."""
     alike = defaultdict(list)
     for call, row in rows_:
-        if row.when.endswith("() fails") and row.result == own_name(0) and row.is_real_only:
+        if row.when.endswith("() fails") and row.result == own_name(0) and row.log and row.is_real_only:
             alike[row.chip].append((call, row))
     for chip, several in alike.items():
         if len(several) > 4:
