@@ -18,6 +18,7 @@ import pictures
 import sources
 
 ROOT = sources.repository()
+# Those that come first, in this order; other pages of docs follow.
 GUIDES = ["README.md", "docs/first-day.md", "docs/virtual-chip.md", "docs/forwarding.md", "docs/drops.md",
           "docs/testing.md", "docs/python.md", "docs/failures.md", "docs/messages.md", "docs/architecture.md",
           "examples/your-application/README.md"]
@@ -153,6 +154,7 @@ def main(arguments):
         print(__doc__.split("\n\n")[1], file=sys.stderr)
         return 2
     guides = [ROOT / name for name in GUIDES]
+    guides += sorted({*(ROOT / "docs").glob("*.md")} - {*guides, ROOT / "docs/messages.in.md"})
     tasks = sorted((ROOT / "docs/tasks").glob("*.md"))
     written = {path: guide(path, {*guides, *tasks}) for path in [*guides, *tasks]}
     directory = Path(arguments[0])
