@@ -37,6 +37,9 @@ for package in "${packages[@]}"; do
   if [ -e "$packaging/$package.lintian-overrides" ]; then
     install -D -m 644 "$packaging/$package.lintian-overrides" "$package/usr/share/lintian/overrides/$package"
   fi
+  if [ -e "$packaging/$package.doc-base" ]; then
+    install -D -m 644 "$packaging/$package.doc-base" "$package/usr/share/doc-base/$package.libsai"
+  fi
   if [ -e "$packaging/$package.prerm" ]; then
     install -m 755 "$packaging/$package.prerm" "$package/DEBIAN/prerm"
   fi

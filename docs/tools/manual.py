@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Writes the manual pages from include/sai.h: a page for each function and variable, and sai(7).
+"""Writes the manual pages from include/sai.h: a page for each function and variable, sai(7), sai-index(7), and
+swsdk(7) with the functions of the Chip SDK that these pages name, and a page for each task of docs/tasks.
 
 usage: manual.py DIRECTORY [VERSION [DOCUMENTS]]
 
@@ -17,23 +18,44 @@ import time
 from pathlib import Path
 
 import header
+import markdown
 import messages
+import results
+import sdk
 import sources
 
 ROOT = sources.repository()
+TASKS = sorted((ROOT / "docs/tasks").glob("*.md"))
 # Where a comment says "Arguments and results are those of" another function.
 SAME = re.compile(r"Arguments and results are those of (\w+)\(\)\.?")
-# The endings of the names of functions that belong together.
-PAIRS = [("_set", "_get"), ("_get", "_set"), ("_set", "_unset"), ("_unset", "_set"), ("_add", "_del"), ("_del", "_add"),
-         ("_add", "_delete"), ("_delete", "_add"), ("_create", "_destroy"), ("_destroy", "_create"),
-         ("_create", "_delete"), ("_delete", "_create"), ("_add", "_remove"), ("_remove", "_add"),
-         ("_enable", "_disable"), ("_disable", "_enable")]
+# The verbs at the end of names. Functions whose names are the same but for them belong together.
+VERBS = ("add|remove|del|delete|create|destroy|set|unset|get|clear|clean|reset|enable|disable|init|detach|install|read|"
+         "write|show|config|all")
+VERB = re.compile(rf"(_(?:{VERBS}))+$")
+# Those that take something away, and what each is used for.
+ENDING_VERBS = {
+    "remove": "a member leaves what it was added to",
+    "del": "an entry leaves a table, or a member a group, by the key with which it was added",
+    "delete": "a route, an interface, a translation or learned addresses go, by their key",
+    "destroy": "an object with members or entries of its own goes, with them",
+    "unset": "a setting goes, found by the index or session that the setter gave or got",
+    "clear": "all of one kind go, those of a port or of the unit",
+    "clean": "counters go back to 0",
+    "reset": "a port is no longer isolated from any other",
+    "detach": "something is taken off what it is attached to and stays itself; for trunks, the module ends",
+    "disable": "the chip ignores the limits that it has",
+}
 # References to other text of the header, which is on another page.
 POINTERS = re.compile(r"\b(?:(?:above|below)(?! \d)|th(?:is|ese) (?:section|header|comment)s?|the comment)\b")
 # Where a message has the SDK's text, and what follows it.
 BEHIND_THE_TEXT = re.compile(r"(?:: |failed )%s(.+)$")
 TELLING = {".": ["full stop"], r"\n": ["newline"], r".\n": ["full stop", "newline"]}
 RESULTS = re.compile(r"(?:Unless a comment says otherwise, t|\bT)he results are (.*?\.)(?= |$)")
+
+
+# Words that lead nowhere.
+COMMON = set("a all an and are as at be been by for from has have in into is it its no not of on one or other sai so"
+             " than that the their them then to up what when where whether which whose with".split())
 
 
 def escaped(text):
@@ -76,6 +98,31 @@ def date():
     return time.strftime("%Y-%m-%d", time.gmtime(int(os.environ.get("SOURCE_DATE_EPOCH", time.time()))))
 
 
+def ranges(numbers):
+    """Such as "1-3, 5"."""
+    found = []
+    for number in numbers:
+        if found and number == found[-1][1] + 1:
+            found[-1][1] = number
+        else:
+            found.append([number, number])
+    return ", ".join(f"{first}" if first == last else rf"{first}\-{last}" for first, last in found)
+
+
+def listed_pages(pages):
+    return [f".BR {name} ({number})," for name, number in pages[:-1]] + [f".BR {pages[-1][0]} ({pages[-1][1]})"]
+
+
+def also_called(entry):
+    """For "man -k": the other words for taking away, where the name has one of them."""
+    own = set(entry.name.split("_"))
+    if not own & ({"remove", "del", "delete", "destroy", "unset", "clear"}):
+        return ""
+    said = first_sentence(entry.comment.text[0]).lower()
+    missing = [word for word in ("remove", "delete") if word not in said and word not in own]
+    return f" ({', '.join(missing)})" if missing else ""
+
+
 def sentence(text):
     return roff(text[:1].upper() + text[1:].rstrip(".") + ".")
 
@@ -89,6 +136,8 @@ class Reference:
         self.types = {e.name: e for e in header.entries(self.sections, "type")}
         self.logged = messages.by_function()
         self.errors = [m for m in messages.index()[0] if m.level == "errors"]
+        self.results = results.rows(self.logged)
+        self.constants = sdk.headers_of_constants()
         self.problems = []
 
     def documented(self, entry):
@@ -136,6 +185,22 @@ class Reference:
                 waiting += re.findall(r"\w+", self.types[name].code)
         return found
 
+    def check_results(self, entry):
+        """Each code that its comment names has a row; what is said of a whole section need not hold for each function."""
+        said = set(re.findall(r"(?<![\w-])-\d+\b", self.documented(entry).result))
+        rows = " ".join(row.result for row in self.results[entry.name])
+        for code in sorted(said - set(re.findall(r"-\d+", rows))):
+            self.problems.append(f"{entry.name}: its comment names {code}, and docs/results has no such result")
+
+    def headers_of(self, entry):
+        """The SDK's headers whose constants a caller needs: those that are named for arguments and types."""
+        named = [entry.comment, self.documented(entry), *(type_.comment for type_ in self.types_of(entry))]
+        text = " ".join(said for comment in named for said in comment.params.values())
+        constants = set(re.findall(r"\b(?:BCM_(?!E_)\w+|bcm[A-Z]\w+)", text)) & self.constants.keys()
+        starts = re.findall(r"\b(BCM_\w+_)\*", text)
+        constants |= {name for name in self.constants if name.startswith(tuple(starts))} if starts else set()
+        return sorted({self.constants[name] for name in constants})
+
     def check_pointers(self, entry, lines):
         text = " ".join(" ".join(lines).split())
         for found in POINTERS.finditer(text):
@@ -156,9 +221,13 @@ class Reference:
     def page(self, entry, version):
         self.check_ends(entry)
         summary = first_sentence(entry.comment.text[0])
-        lines = [f'.TH {entry.name} 3 {date()} "libsai {version}" "Chip programming"', ".SH NAME"]
-        lines += [rf"{entry.name} \- {roff(summary[0].lower() + summary[1:])}", ".SH LIBRARY", "libsai (\\-lsai)"]
-        lines += [".SH SYNOPSIS", ".B #include <sai.h>", ".PP", *synopsis(entry), ".SH DESCRIPTION"]
+        lines = [r"'\" t"] if entry.name in self.results else []
+        lines += [f'.TH {entry.name} 3 {date()} "libsai {version}" "Chip programming"', ".SH NAME"]
+        lines += [rf"{entry.name} \- {roff(summary[0].lower() + summary[1:] + also_called(entry))}", ".SH LIBRARY", "libsai (\\-lsai)"]
+        lines += [".SH SYNOPSIS"]
+        for file in self.headers_of(entry):
+            lines += [f".B #include <{file}>", ".br"]
+        lines += [".B #include <sai.h>", ".PP", *synopsis(entry), ".SH DESCRIPTION"]
         prose = [p for p in entry.comment.text if not SAME.fullmatch(p)]
         prose += [RESULTS.sub("", p).strip() for p in self.section_of[entry.name].prose]
         for i, paragraph in enumerate(p for p in prose if re.search(r"\w{3}", p)):
@@ -179,32 +248,78 @@ class Reference:
                 lines += [".SH RETURN VALUE", "None."]
             else:
                 self.problems.append(f"{entry.name}: nothing is said of its result")
+            if entry.name in self.results:
+                self.check_results(entry)
+                lines += [".SH RESULTS", *self.table_of_results(entry)]
+            elif entry.section != "Logging" and entry.params and entry.params[0][1] == "unit":
+                self.problems.append(f"{entry.name}: docs/results has nothing of it")
             lines += [".SH LOG MESSAGES", *self.messages_of(entry)]
         self.check_pointers(entry, lines)
-        return lines + [".SH SEE ALSO", *(f".BR {name} ({number})" for name, number in self.related(entry))]
+        related = self.related(entry)
+        if related[0] == ("sai", 7):
+            self.problems.append(f"{entry.name}: its page leads to no other function")
+        return lines + [".SH SEE ALSO", *listed_pages(related)]
+
+    def messages_logged(self, entry):
+        return sorted(dict.fromkeys(self.logged.get(entry.name, [])), key=lambda m: m[1] == "debugging")
+
+    def table_of_results(self, entry):
+        """Tested rows: the message is the number in the list of messages that follows."""
+        texts = [text for text, _ in self.messages_logged(entry)]
+        rows = self.results[entry.name]
+        lines = ["Each row is tested on the virtual chip. The steps are in the order of the calls; the first that fails",
+                 "ends the function unless the last column says otherwise.",
+                 r"\(lqIts code\(rq is that of the SDK call, converted by", r"\fBsdk_to_sai\fR(3)."]
+        if any(row.is_real_only for row in rows):
+            lines += [r"Rows with \(lq*\(rq: only a real chip answers so, or the virtual chip when it is told to fail."]
+        lines += [".PP", ".ad l", ".TS", "nokeep;", "lb lb lb lb", "lw(15) lx lw(7) lw(13)."]
+        lines += ["Result\tWhen\tLog\tThe chip then"]
+        for row in rows:
+            numbers = ranges(sorted(texts.index(text) + 1 for text in row.log)) or r"\-"
+            result = row.result + (" *" if row.is_real_only else "")
+            columns = [markdown.breakable(roff(result)), markdown.breakable(roff(row.when)), numbers, roff(row.chip)]
+            lines += ["T{", "\nT}\tT{\n".join(columns), "T}"]
+        return lines + [".TE", ".ad b"]
 
     def messages_of(self, entry):
-        logged = sorted(dict.fromkeys(self.logged.get(entry.name, [])), key=lambda m: m[1] == "debugging")
+        logged = self.messages_logged(entry)
         if not logged:
             own = entry.section == "Logging"
             return ["None of its own."] if own else ["None."]
         index = rf"\fI{escaped(self.documents)}/messages.md\fR"
         lines = ["What to do about each is told in the index of log messages, the file", index,
                  r"in the directory that libsai was installed to, such as \fI/usr\fR."]
-        for text, level in logged:
-            lines += [".TP", rf"\(lq{escaped(text)}\(rq", f"Level {level}." if " " not in level else f"To {level}."]
+        for number, (text, level) in enumerate(logged, 1):
+            to = f"Level {level}." if " " not in level else f"To {level}."
+            lines += [".TP", rf"{number}. \(lq{escaped(text)}\(rq", to]
         return lines
 
     def related(self, entry):
-        """The functions that its comment names, and the pair of a setter and a getter."""
+        """The functions that its comment names, its inverse and the rest of its family."""
         comment = self.documented(entry)
         text = " ".join([*entry.comment.text, *comment.text, *comment.params.values(), comment.result])
         names = {name for name in re.findall(r"\b(\w+)\b", text) if name in NAMES}
-        for end, other in PAIRS:
-            if entry.name.endswith(end) and entry.name[: -len(end)] + other in NAMES:
-                names.add(entry.name[: -len(end)] + other)
         names |= NAMES & {entry.name.replace("_register_", "_unregister_")}
-        return [(name, 3) for name in sorted(names - {entry.name})] + [("sai", 7)]
+        names |= {name for name in NAMES if VERB.sub("", name) == VERB.sub("", entry.name)}
+        names -= {entry.name}
+        if not names:
+            names = self.neighbors(entry)
+        own = [(name, 3) for name in sorted(names)]
+        return [*own, ("sai", 7), ("swsdk", 7)] if entry.name in self.results else [*own, ("sai", 7)]
+
+    def neighbors(self, entry):
+        """Those of its section whose names begin like its own, the longer the better; else those beside it;
+        of the only one of a section, those that make the same SDK calls."""
+        section = [e.name for e in self.section_of[entry.name].entries if e.kind != "type" and e.name != entry.name]
+        words = entry.name.split("_")
+        for length in range(len(words) - 1, 1, -1):
+            start = "_".join(words[:length]) + "_"
+            if alike := [name for name in section if name.startswith(start)]:
+                return set(alike[:6])
+        if section:
+            return set(section[:3])
+        same_calls = [callers for callers in results.callers().values() if entry.name in callers]
+        return set().union(*same_calls) - {entry.name}
 
     def overview(self, version):
         lines = [f'.TH sai 7 {date()} "libsai {version}" "Chip programming"', ".SH NAME"]
@@ -225,7 +340,79 @@ class Reference:
                 lines.pop()
             for entry in named:
                 lines += [".TP", f".BR {entry.name} (3)", sentence(first_sentence(entry.comment.text[0]))]
-        return lines + [".SH SEE ALSO", ".BR saish (1),", ".BR swsdk\\-switch (1)"]
+        return lines + [".SH SEE ALSO", ".BR sai\\-index (7),", *(f".BR sai\\-{escaped(page.stem)} (7)," for page in TASKS),
+                        ".BR swsdk (7),", ".BR saish (1),", ".BR swsdk\\-switch (1)"]
+
+    def permuted_index(self, version):
+        """Every word of the names and the first sentences, with the functions that have it; and the verbs."""
+        lines = [r"'\" t", f'.TH sai\\-index 7 {date()} "libsai {version}" "Chip programming"', ".SH NAME"]
+        lines += [r"sai\-index \- words of the functions of libsai, and their verbs", ".SH VERBS"]
+        lines += ["Each function has one name; what takes something away may have any of these verbs in it:", ".ad l", ".TS", "nokeep;", "lb lb lb",
+                  "l lx l."]
+        lines += ["Verb\tWhat it is used for\tFunctions"]
+        for verb, use in ENDING_VERBS.items():
+            names = sorted(name for name in NAMES if verb in name.split("_"))
+            if not names:
+                self.problems.append(f"no function has the verb {verb}")
+            lines += [f"{verb}\tT{{", roff(use), "T}\tT{", ",\n".join(map(markdown.breakable, names)), "T}"]
+        lines += [".TE", ".ad b", ".SH INDEX"]
+        words = {}
+        for name in NAMES:
+            said = first_sentence(self.entries[name].comment.text[0])
+            for word in {w.lower() for w in re.findall(r"[A-Za-z][A-Za-z0-9]+", said + " " + name.replace("_", " "))}:
+                words.setdefault(word, set()).add(name)
+        for word, names in sorted(words.items()):
+            if word not in COMMON and len(names) <= 25:
+                lines += [".TP", f".B {escaped(word)}", ",\n".join(map(markdown.breakable, sorted(names)))]
+        return lines + [".SH SEE ALSO", ".BR sai (7)"]
+
+
+    def sdk_functions(self, version):
+        """The functions of the Chip SDK that the library calls: where the pages lead that name them."""
+        lines = [r"'\" t", f'.TH swsdk 7 {date()} "libsai {version}" "Chip programming"', ".SH NAME"]
+        lines += [r"swsdk \- the functions of the Chip SDK that libsai calls", ".ad l", ".SH DESCRIPTION"]
+        lines += ["Pages of", ".BR sai (7)", "name them where they fail. The vendor documents them; this page tells what",
+                  "they are about, and whose failures they are.", "Each answers 0 or a negative code."]
+        callers = results.callers()
+        known = sdk.functions()
+        if missing := sorted(callers.keys() - known.keys()):
+            self.problems.append(f"swsdk/include does not declare {', '.join(missing)}")
+            return lines
+        file = None
+        named = {name for text in self.texts() for name in re.findall(r"\w+", text)}
+        for name in sorted(callers.keys() | (named & known.keys()), key=lambda name: (known[name].header or "~", name)):
+            function = known[name]
+            if function.header != file:
+                file = function.header
+                lines += [f".SS <{file}>", roff(function.about)] if file else [".SS Declared by no header"]
+            lines += [".TP", f".B {name}", markdown.breakable(roff(function.prototype)), ".br"]
+            if function.comment:
+                lines += [roff(function.comment), ".br"]
+            if name in callers:
+                lines += ["Called by", ",\n".join(rf"\fB{caller}\fR(3)" for caller in sorted(callers[name])) + "."]
+        return lines + [".SH CODES", *self.codes(), ".SH SEE ALSO", ".BR sai (7)"]
+
+    def task(self, page, version):
+        """A page of docs/tasks."""
+        text = page.read_text()
+        title = text.partition("\n")[0].lstrip("# ")
+        body = markdown.roff(text)
+        names = sorted(set(re.findall(r"\b\w+\b", text)) & NAMES)
+        lines = [r"'\" t", f'.TH sai\\-{escaped(page.stem)} 7 {date()} "libsai {version}" "Chip programming"']
+        lines += [".SH NAME", rf"sai\-{escaped(page.stem)} \- {escaped(title[0].lower() + title[1:])}", *body]
+        return lines + [".SH SEE ALSO", *listed_pages([*((name, 3) for name in names), ("sai", 7)])]
+
+    def texts(self):
+        """All that the comments of the header say."""
+        for entry in self.entries.values():
+            yield from [*entry.comment.text, *entry.comment.params.values(), entry.comment.result]
+
+    def codes(self):
+        """The SDK's codes, with the library's code and the SDK's text of each."""
+        lines = [".TS", "lb lb lb", "l l l.", "Code\tResult\tText"]
+        for number, (text, own) in enumerate(messages.reasons()[:-1]):
+            lines.append(f"{results.SDK_NAMES.get(-number, escaped(str(-number)))}\t{own}\t{text}")
+        return lines + [".TE"]
 
 
 def main(arguments):
@@ -235,10 +422,17 @@ def main(arguments):
     directory = Path(arguments[0])
     version = arguments[1] if len(arguments) > 1 else ""
     documents = arguments[2] if len(arguments) > 2 else "share/doc/sai"
-    reference = Reference(ROOT / "include/sai.h", documents)
+    try:
+        reference = Reference(ROOT / "include/sai.h", documents)
+    except messages.Mismatch as mismatch:
+        print(mismatch, file=sys.stderr)
+        return 1
     NAMES.update(name for name, entry in reference.entries.items() if entry.kind != "type")
     pages = {f"man3/{name}.3": reference.page(reference.entries[name], version) for name in sorted(NAMES)}
     pages["man7/sai.7"] = reference.overview(version)
+    pages |= {f"man7/sai-{page.stem}.7": reference.task(page, version) for page in TASKS}
+    pages["man7/sai-index.7"] = reference.permuted_index(version)
+    pages["man7/swsdk.7"] = reference.sdk_functions(version)
     for command in (ROOT / "docs").glob("*.1"):
         page = command.read_text().replace("@DATE@", date()).replace("@VERSION@", version)
         pages[f"man1/{command.name}"] = page.splitlines()

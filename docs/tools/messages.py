@@ -4,6 +4,8 @@
 usage: messages.py write          writes docs/messages.md
        messages.py check          says whether it is what "write" would write
        messages.py find LINE      tells what to do about a line of a log
+       messages.py program FILE [VERSION]
+                                  writes the program sai-messages, which tells that where there are no sources
 
 In messages.in.md, a comment of HTML stands for a table of messages:
 
@@ -18,11 +20,14 @@ A line takes failures unless it names the level of traces. Every message belongs
 """
 
 import fnmatch
+import functools
+import pprint
 import re
 import sys
-import textwrap
+from pathlib import Path
 
 import header
+import log_lines
 import sources
 
 ROOT = sources.repository()
@@ -102,6 +107,7 @@ def reasons():
     return list(zip(texts, [*codes, "SAI_E_FAIL"], strict=True))
 
 
+@functools.cache
 def index():
     """The messages, assigned, and the text of the index."""
     words = WORDS.read_text()
@@ -111,6 +117,10 @@ def index():
     tables, problems = assign(words, messages)
     if re.findall(r"^\| (.*?) \| `(SAI_E_\w+)`", words, re.MULTILINE) != reasons():
         problems.append("messages.in.md: its reasons and results are not those of the sources")
+    for line, _ in harmless(words):
+        hits = [m for m in messages if log_lines.pattern_of(shown(m.text)).search(line.replace("*", "0"))]
+        if max((log_lines.fixed(shown(m.text)) for m in hits), default=0) < 12:
+            problems.append(f"messages.in.md: no message in src/ makes the harmless line '{line}'")
     if problems:
         raise Mismatch("\n".join(problems))
 
@@ -134,42 +144,44 @@ def by_function():
     return found
 
 
-CONVERSION = re.compile(r"%(?:%|[-+ #0-9.]*(?:l|ll|z)?([a-zA-Z]))")
-
-
-def pattern_of(text):
-    """A pattern for lines with this message, wherever in the line it is."""
-    parts = []
-    end = 0
-    for match in CONVERSION.finditer(text):
-        parts.append(re.escape(text[end : match.start()]))
-        parts.append({"d": r"[-+ ]*\d+", "u": r" *\d+", "x": "[0-9a-f]+", "X": " *[0-9A-F]+"}.get(match[1], "(?:.*?)"))
-        end = match.end()
-    return re.compile("".join(parts) + re.escape(text[end:]) + r"\s*$")
-
-
-def fixed(text):
-    return len(CONVERSION.sub("", text))
-
-
-def find(line):
+def finder_rows():
+    """What sai-messages knows: of each message its advice, of each reason its meaning, and the lines without harm."""
     _, _, tables = index()
-    words = TABLE.split(WORDS.read_text())[::2]
-    hits = [(fixed(m.text), m, i) for i, rows in enumerate(tables) for m in rows if pattern_of(shown(m.text)).search(line)]
-    if not hits:
-        print("No message of the library is so.")
-        return 1
-    _, message, table = max(hits, key=lambda hit: hit[0])
-    print(f"{shown(message.text)}\nlevel {message.level}; {', '.join(sorted(message.functions))}")
-    advice = words[table][words[table].rindex("\n##") :].strip().lstrip("# ")
-    for paragraph in advice.split("\n\n"):
-        print("\n" + textwrap.fill(" ".join(paragraph.split()), 100))
-    return 0
+    text = WORDS.read_text()
+    rows = []
+    for words, messages in zip(TABLE.split(text)[::2], tables):
+        title, *advice = words[words.rindex("\n##") :].strip().lstrip("# ").split("\n\n")
+        rows += [{"text": shown(m.text), "level": m.level, "functions": sorted(m.functions), "title": title,
+                  "advice": advice} for m in messages]
+    reasons_ = re.findall(r"^\| (.*?) \| (`SAI_E_\w+` \(.*?\)) \| (.*) \|$", text, re.MULTILINE)
+    return rows, reasons_, harmless(text)
+
+
+def harmless(words):
+    """The lines that need nothing, and why: the rows of that section."""
+    section = words[words.index("## Lines that are harmless") :]
+    return re.findall(r"^\| `(.*?)` \| (.*) \|$", section[: section.index("\n## ")], re.MULTILINE)
+
+
+def program(version):
+    """The text of sai-messages."""
+    text = (ROOT / "docs/tools/sai-messages.in").read_text()
+    module = (ROOT / "docs/tools/log_lines.py").read_text()
+    rows, reasons_, harmless_ = finder_rows()
+    parts = {"LOG_LINES": module[module.index("import functools") :].strip(), "ROWS": pprint.pformat(rows, width=118),
+             "REASONS": pprint.pformat(reasons_, width=118), "HARMLESS": pprint.pformat(harmless_, width=118),
+             "VERSION": version}
+    return re.sub(r"@([A-Z_]+)@", lambda match: parts[match[1]], text)
 
 
 def main(arguments):
     if len(arguments) == 2 and arguments[0] == "find":
-        return find(arguments[1])
+        return 0 if log_lines.tell(log_lines.Finder(*finder_rows()), arguments[1]) else 1
+    if len(arguments) in (2, 3) and arguments[0] == "program":
+        path = Path(arguments[1])
+        path.write_text(program(arguments[2] if len(arguments) > 2 else ""))
+        path.chmod(0o755)
+        return 0
     if arguments not in (["write"], ["check"]):
         print(__doc__.split("\n\n")[1], file=sys.stderr)
         return 2

@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # usage: documentation.sh SOURCE_DIR SAISH PYTHON
 # The checks of the documentation find a message without a row, a row without a message, a stale index, a dead link, an
-# unknown name, an argument or an end of a message that nobody tells of, a manual page that points elsewhere, a promise
-# about comments that they do not keep, and output that is not so.
+# unknown name, an argument or an end of a message that nobody tells of, a function without results, results that are
+# not of this library, a manual page that points elsewhere, a misspelled word, a promise about comments that they do not
+# keep, and output that is not so.
 set -euo pipefail
 source=$1 saish=$2 python=$3
 work=$(mktemp -d)
@@ -36,6 +37,9 @@ finds 'messages\.py write' "${messages[@]}" <<<'echo >>docs/messages.md'
 finds 'cannot be logged by sai_unit_get' "${messages[@]}" \
   <<<'sed -i "s/ => sai_fp_ospf_ttl1_set$/ => sai_unit_get/" docs/messages.in.md'
 
+finds 'no message in src/ makes the harmless line .find a group' "${messages[@]}" \
+  <<<'sed -i "s/^| .find group 0x/| \`find a group 0x/" docs/messages.in.md'
+
 links=(docs/tools/links.py .)
 finds 'README\.md:[0-9]+: there is no nowhere\.md' "${links[@]}" <<<'echo "[a](nowhere.md)" >>README.md'
 finds 'has no heading #nothing' "${links[@]}" <<<'echo "[a](docs/messages.md#nothing)" >>README.md'
@@ -51,6 +55,16 @@ finds "sai_vlan_create: '.*above.*' points to a place" "${manual[@]}" \
   <<<'sed -i "s/^ \* Creates a VLAN with the CPU port.*/ * As above, with the CPU port as a tagged member./" include/sai.h'
 finds "sai_l2_info: nothing is said of 'newline'" "${manual[@]}" \
   <<<'sed -i "s/ends with a newline$/ends/; s/with a newline of its own/so/; s/^ \* of its own behind/ * behind/" include/sai.h'
+
+finds 'sai_vlan_create: docs/results has nothing' "${manual[@]}" <<<'sed -i "/^sai_vlan_create\\b/d" docs/results/*'
+finds "no message of the function is 'Failed to make vlan" "${manual[@]}" \
+  <<<'sed -i "s/Failed to create vlan/Failed to make vlan/" docs/results/failures'
+finds 'sai_trunk_create: its comment names -13' "${manual[@]}" <<<'sed -i "/(full)/d" docs/results/refusals'
+finds 'does not declare bcm_vlan_make' "${manual[@]}" <<<'sed -i "s/\tbcm_vlan_create\t/\tbcm_vlan_make\t/" docs/results/*'
+
+spelling=(docs/tools/spelling.py .)
+finds "README.md: 'recieved' is not a word" "${spelling[@]}" <<<'echo "It is recieved." >>README.md'
+finds "docs/tools/words: 'zyzzy' is not needed" "${spelling[@]}" <<<'echo zyzzy >>docs/tools/words'
 
 leftovers=(docs/tools/leftovers.py .)
 finds 'the comment of sai_l3_host_route_create does not say .that egress object stays' "${leftovers[@]}" \

@@ -57,6 +57,11 @@ done
 page=$prefix/share/man/man3/sai_vlan_create.3
 index=$(tr -d '\\' <"$page" | grep -Eo 'share/doc/[a-z/-]+/messages\.md')
 [ -f "$prefix/$index" ] || fail "$page names $index, which is not installed"
+documents=$(dirname "$(dirname "$prefix/$index")")
+for file in README.md docs/first-day.md docs/tasks/restart.md examples/vlans.c; do
+  [ -f "$documents/$file" ] || fail "$file is not installed"
+done
+"$prefix/bin/sai-messages" find "Failed to create vlan 5000: Invalid parameter" >/dev/null
 
 # This machine's Python loads this machine's libraries.
 modules=$(dirname "$(find "$prefix/lib" -path '*/python3.*/site-packages/sai_virtual')")

@@ -17,11 +17,25 @@ done
 # says NAME PATTERN: the page of that name says so.
 says() { grep -Eq -- "$2" "$pages/man3/$1.3" || { echo "the page of $1 does not say $2"; exit 1; }; }
 says sai_register_l2_service 'BCM_L2_CALLBACK_DELETE.* \(0\)'
+says sai_register_l2_service '#include <bcm/l2\.h>'
 says sai_register_l2_service 'valid during the call'
 says sai_register_link_service 'handler\(int unit'
 says sai_register_link_service 'linkstatus'
-says sai_vlan_port_add '^\.BR sai_vlan_port_remove \(3\)'
+says sai_vlan_port_add '^\.BR sai_vlan_port_remove \(3\),'
+says sai_vlan_port_add 'BCM_.*NOT_.*FOUND'
 says sai_vlan_port_add 'share/doc/.*/messages\.md'
+
+# "man -k" looks at the names and what is said beside them.
+for word in remove delete; do
+  for function in sai_vlan_destroy sai_vlan_port_remove sai_vlan_mac_del sai_bpdu_unset sai_stg_clear; do
+    grep -A2 '^\.SH NAME' "$pages/man3/$function.3" | grep -q "$word" ||
+      { echo "man -k $word does not find $function"; exit 1; }
+  done
+done
+
+for call in $(grep -hoE '\\fI(bcm|soc)_[a-z0-9_]+' "$pages"/man3/*.3 | sed 's/^\\fI//' | grep -v '_t$' | sort -u); do
+  grep -q "^\.B $call\$" "$pages/man7/swsdk.7" || { echo "swsdk(7) does not tell of $call"; exit 1; }
+done
 
 commands=$("$saish" -c "help all" | sed '/^Functions of the library/,$d; 1d; /^$/d' | awk '{print $1}')
 [ "$(wc -w <<<"$commands")" -ge 10 ] || { echo "$saish: too few commands found; is its help still read rightly?"; exit 1; }

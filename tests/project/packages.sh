@@ -62,10 +62,17 @@ libsai1 /usr/lib/$DEB_HOST_MULTIARCH/libsai.so
 libsai-dev /usr/include/sai.h
 libsai-dev /usr/lib/$DEB_HOST_MULTIARCH/pkgconfig/sai.pc
 libsai-dev /usr/lib/$DEB_HOST_MULTIARCH/cmake/sai/sai-config.cmake
-libsai-dev /usr/share/doc/libsai-dev/messages.md
+libsai-dev /usr/share/doc/libsai-dev/README.md
+libsai-dev /usr/share/doc/libsai-dev/libsai.html
+libsai-dev /usr/share/doc/libsai-dev/docs/messages.md
+libsai-dev /usr/share/doc/libsai-dev/docs/tasks/restart.md
+libsai-dev /usr/share/man/man7/sai-restart.7.gz
 libsai-dev /usr/share/doc/libsai-dev/examples/python/test_access_switch.py
 libsai-dev /usr/share/man/man3/sai_vlan_create.3.gz
 libsai-dev /usr/share/man/man7/sai.7.gz
+libsai-dev /usr/share/man/man7/swsdk.7.gz
+libsai-dev /usr/share/man/man1/sai-messages.1.gz
+libsai-dev /usr/bin/sai-messages
 swsdk-recorder /usr/lib/$DEB_HOST_MULTIARCH/libswsdk-recorder.so
 swsdk-recorder /usr/share/man/man7/swsdk-recorder.7.gz
 swsdk-virtual /usr/bin/saish
@@ -118,6 +125,7 @@ SWSDK_RECORD=$work/run.rec LD_PRELOAD=$libraries/libswsdk-recorder.so "${run[@]}
 grep -q '^call bcm_vlan_create(0, 10) = 0 @' "$work/run.rec" || fail "recorded was: $(cat "$work/run.rec")"
 "${run[@]}" "$root/usr/bin/swsdk-switch" "$examples/vlans.sai" --port "1=pcap::$work/sent.pcap" >/dev/null
 [ -s "$work/sent.pcap" ] || fail "swsdk-switch wrote no file of frames"
+"$root/usr/bin/sai-messages" find "Failed to create vlan 5000: Invalid parameter" >"$work/out"
 if [ ${#run[@]} -eq 0 ]; then
   PYTHONPATH=$root/usr/lib/python3/dist-packages python3 -B -c '
 import sai_virtual as sai

@@ -10,8 +10,10 @@
 #include <map>
 #include <optional>
 #include <set>
+#include <span>
 #include <sstream>
 
+#include "support/kept.h"
 #include "support/scene.h"
 #include "support/start.h"
 
@@ -40,6 +42,8 @@ std::vector<bool> Outputs::written() const {
 }
 
 namespace {
+
+constexpr int lowest_code = -23;  // one below the SDK's codes
 
 /// What the interface promises of codes, apart from the library's own tables.
 int32_t converted(int code) {
@@ -128,9 +132,44 @@ struct Ignored {
   auto operator<=>(const Ignored&) const = default;
 };
 
+/// What a user sees of a failed call: the lines, with every value that is not fixed text made one, the calls that
+/// follow, and the result of each code.
+struct Outcome {
+  std::string before;
+  std::string then;
+  std::string lines;
+  std::map<int, int32_t> results;
+};
+
+/// Link scanning pauses for the time of a call, whatever happens in it.
+bool is_visible(const Call& call) { return !call.name.starts_with("soc_linkscan"); }
+
+std::vector<std::string> names_of(std::span<const Call> calls) {
+  std::vector<std::string> names;
+  for (const Call& call : calls)
+    if (is_visible(call)) names.push_back(call.name);
+  return names;
+}
+
+std::string each_once(const std::vector<std::string>& names) {
+  std::string result;
+  std::set<std::string> seen;
+  for (const std::string& name : names)
+    if (seen.insert(name).second) result += (result.empty() ? "" : " ") + name;
+  return result;
+}
+
+/// A line of a log without the SDK's text and without values.
+std::string without_values(std::string line, int code) {
+  const std::string reason = _shr_errmsg[text_number(code)];
+  if (const size_t at = line.find(reason); at != std::string::npos) line.replace(at, reason.size(), "%s");
+  return support::without_values(line);
+}
+
 class Sweep : public testing::TestWithParam<Row> {
  public:
   static size_t triples;
+  static std::map<std::string, std::vector<std::string>> outcomes;  ///< lines of the kept file, by function
   static std::set<std::string> functions;
   static std::map<Ignored, std::set<int>> ignored;  ///< with their codes
 
@@ -266,14 +305,71 @@ class Sweep : public testing::TestWithParam<Row> {
     EXPECT_EQ(run.written, expected);
   }
 
+  /// Adds what a failing run showed to the outcomes of the SDK function.
+  void keep(const Seen& normal, const Seen& failing, const Call& failed, int code) {
+    const auto at = std::ranges::find_if(failing.calls, [&](const Call& made) {
+      return made.name == failed.name && made.nth == failed.nth && made.code == code;
+    });
+    const auto index = static_cast<size_t>(at - failing.calls.begin());
+    if (code > 0 || !is_visible(failed) || index >= normal.calls.size()) return;
+    const std::vector<std::string> rest = names_of(std::span(failing.calls).subspan(index + 1));
+    const std::vector<std::string> usual = names_of(std::span(normal.calls).subspan(index + 1));
+    std::string then = rest.empty() ? "ends" : each_once(rest);
+    if (rest == usual) then = rest.empty() ? "last" : "goes on";
+    std::string lines;
+    const bool failed_before = normal.calls[index].code != 0;
+    for (const std::string& line : failing.errors)
+      if (failed_before || std::ranges::find(normal.errors, line) == normal.errors.end())
+        lines += "\tlog " + without_values(line, code);
+    for (const std::string& line : failing.printed)
+      if (std::ranges::find(normal.printed, line) == normal.printed.end())
+        lines += "\tprinted " + without_values(line, code);
+    std::vector<Outcome>& seen = outcomes_[failed.name];
+    auto found = std::ranges::find_if(
+        seen, [&](const Outcome& outcome) { return outcome.then == then && outcome.lines == lines; });
+    if (found == seen.end()) {
+      seen.push_back({each_once(names_of(std::span(failing.calls).first(index))), then, lines, {}});
+      found = seen.end() - 1;
+    }
+    found->results.emplace(code, failing.result);
+  }
+
+  /// The outcomes of a row as lines of the kept file: function and case, call, codes, result, calls before, what
+  /// follows, lines.
+  void write_outcomes(const Seen& normal) const {
+    std::vector<std::string>& kept = outcomes[GetParam().name.substr(0, GetParam().name.find(','))];
+    for (const Call& call : normal.calls) {
+      const auto of_call = outcomes_.find(call.name);
+      if (call.nth != GetParam().every || of_call == outcomes_.end()) continue;
+      for (const Outcome& outcome : of_call->second) {
+        const bool is_converted =
+            std::ranges::all_of(outcome.results, [](const auto& one) { return one.second == converted(one.first); });
+        std::map<std::string, std::string> codes;
+        for (const auto& [code, result] : outcome.results) {
+          std::string& list = codes[is_converted ? "converted" : std::to_string(result)];
+          list += (list.empty() ? "" : ",") + std::to_string(code);
+        }
+        if (codes.size() == 1 && outcome.results.size() == static_cast<size_t>(-lowest_code))
+          codes.begin()->second = "all";
+        for (const auto& [result, list] : codes) {
+          const std::string line = GetParam().name + '\t' + call.name + '\t' + list + '\t' + result + '\t' +
+                                   outcome.before + '\t' + outcome.then + outcome.lines;
+          if (std::ranges::find(kept, line) == kept.end()) kept.push_back(line);
+        }
+      }
+    }
+  }
+
   Lines log_;
   Lines printed_;
 
  private:
+  std::map<std::string, std::vector<Outcome>> outcomes_;  ///< by SDK function
   sai_log_handle log_handle_{};
 };
 
 size_t Sweep::triples = 0;
+std::map<std::string, std::vector<std::string>> Sweep::outcomes;
 std::set<std::string> Sweep::functions;
 std::map<Ignored, std::set<int>> Sweep::ignored;
 
@@ -284,7 +380,7 @@ std::vector<int> codes_to_try() {
   std::istringstream words(list != nullptr ? list : "");
   for (int code = 0; words >> code;) codes.push_back(code);
   if (!codes.empty()) return codes;
-  for (int code = -23; code <= positive; ++code)
+  for (int code = lowest_code; code <= positive; ++code)
     if (code != 0) codes.push_back(code);
   return codes;
 }
@@ -306,6 +402,7 @@ TEST_P(Sweep, EachCallFailsWithEachCode) {
       SCOPED_TRACE(call.name + " number " + std::to_string(call.nth) + " answers " + std::to_string(code));
       const Seen failing = observe(Fault{&call, code});
       ++triples;
+      keep(normal, failing, call, code);
       EXPECT_TRUE(std::ranges::any_of(failing.calls, [&](const Call& made) {
         return made.name == call.name && made.nth == call.nth && made.code == code;
       })) << "it was not called";
@@ -326,6 +423,7 @@ TEST_P(Sweep, EachCallFailsWithEachCode) {
       }
     }
   }
+  write_outcomes(normal);
 }
 
 Rows all_rows() {
@@ -380,6 +478,10 @@ class Total : public testing::Environment {
       std::ostringstream kept;
       kept << std::ifstream(IGNORED_FAILURES).rdbuf();
       EXPECT_TRUE(ignored_failures() == kept.str()) << IGNORED_FAILURES " should be:\n" << ignored_failures();
+      std::string failures;
+      for (const auto& [function, lines] : Sweep::outcomes)
+        for (const std::string& line : lines) failures += line + '\n';
+      support::compare_with_kept(RESULTS "/failures", failures);
     }
     std::printf("%zu triples of function, call and code, of %zu functions\n", Sweep::triples, Sweep::functions.size());
   }
