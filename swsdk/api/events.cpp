@@ -42,11 +42,7 @@ void post_l2(int unit, int operation, const bcm_l2_addr_t& address) {
       if (caller != nullptr)
         return caller->tell(
             call_text(api::l2_event, {unit, address, operation, callback, user_data}, api::Form::wire, 0));
-      bcm_l2_addr_t told = address;
-      if (api::captures_events())
-        api::capture_event(call_text(api::l2_callback, {callback, unit, api::in(&address), operation, user_data},
-                                     api::Form::recording, 0));
-      callback(unit, &told, operation, user_data);
+      api::deliver_address(callback, unit, address, operation, user_data);
     });
   });
 }
@@ -61,6 +57,20 @@ void api::capture_events(bool on) {
   const std::lock_guard guard(captured_lock);
   captures = on;
   captured.clear();
+}
+
+void api::deliver_link(bcm_linkscan_handler_t handler, int unit, int port, bool up) {
+  bcm_port_info_t info{};
+  info.linkstatus = up ? 1 : 0;
+  if (captures_events()) capture_event(call_text(link_callback, {handler, unit, port, in(&info)}, Form::recording, 0));
+  handler(unit, port, &info);
+}
+
+void api::deliver_address(bcm_l2_addr_callback_t callback, int unit, bcm_l2_addr_t address, int operation,
+                          void* user_data) {
+  if (captures_events())
+    capture_event(call_text(l2_callback, {callback, unit, in(&address), operation, user_data}, Form::recording, 0));
+  callback(unit, &address, operation, user_data);
 }
 
 bool api::captures_events() { return captures.load(std::memory_order_relaxed); }
@@ -86,12 +96,7 @@ void api::tell_link(int unit, int port, bool up) {
     tell_each(unit, &api::Unit::link_listeners, [=](const LinkListener& listener) {
       const auto& [handler, caller] = listener;
       if (caller != nullptr) return caller->tell(call_text(link_event, {unit, port, int{up}, handler}, Form::wire, 0));
-      bcm_port_info_t info{};
-      info.linkstatus = up ? 1 : 0;
-      if (api::captures_events())
-        api::capture_event(
-            call_text(api::link_callback, {handler, unit, port, api::in(&info)}, api::Form::recording, 0));
-      handler(unit, port, &info);
+      deliver_link(handler, unit, port, up);
     });
   });
 }

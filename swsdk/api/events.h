@@ -1,6 +1,9 @@
 // The SDK's own threads, from which it calls the listeners; swsdk/events.h is the interface that raises events.
 #pragma once
 
+#include <bcm/l2.h>
+#include <bcm/link.h>
+
 #include <string>
 #include <vector>
 
@@ -29,6 +32,11 @@ bool captures_events();
 /// Keeps one, if events are kept.
 void capture_event(std::string text);
 std::vector<std::string> take_captured_events();
+
+// Each calls a callback of this process, with a record of its own.
+
+void deliver_link(bcm_linkscan_handler_t handler, int unit, int port, bool up);
+void deliver_address(bcm_l2_addr_callback_t callback, int unit, bcm_l2_addr_t address, int operation, void* user_data);
 
 /// Waits for the callbacks that are running, and discards all other events.
 void stop_event_threads();

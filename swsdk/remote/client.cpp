@@ -410,23 +410,24 @@ void Client::take_event(std::string_view line) {
   } else if (name == api::link_event) {
     const Texts given = arguments_of(line, 4);
     const RemoteCallback callback{api::link_event, value_of<int>(given[0]), pointer_of(given[3], "callback"), nullptr};
-    bcm_port_info_t info{};
-    info.linkstatus = value_of<int>(given[2]);
-    EventThreads::all().post(EventThreads::link_scan, [=, this, port = value_of<int>(given[1])]() mutable {
+    const auto port = value_of<int>(given[1]);
+    const bool up = value_of<int>(given[2]) != 0;
+    EventThreads::all().post(EventThreads::link_scan, [=, this] {
       if (is_known(callback))
-        reinterpret_cast<bcm_linkscan_handler_t>(const_cast<void*>(callback.function))(callback.unit, port, &info);
+        api::deliver_link(reinterpret_cast<bcm_linkscan_handler_t>(const_cast<void*>(callback.function)), callback.unit,
+                          port, up);
     });
   } else if (name == api::l2_event) {
     const Texts given = arguments_of(line, 5);
     const RemoteCallback callback{api::l2_event, value_of<int>(given[0]), pointer_of(given[3], "callback"),
                                   pointer_of(given[4], "pointer")};
+    const auto address = value_of<bcm_l2_addr_t>(given[1]);
     const auto operation = value_of<int>(given[2]);
-    EventThreads::all().post(EventThreads::l2_learning,
-                             [=, this, address = value_of<bcm_l2_addr_t>(given[1])]() mutable {
-                               if (is_known(callback))
-                                 reinterpret_cast<bcm_l2_addr_callback_t>(const_cast<void*>(callback.function))(
-                                     callback.unit, &address, operation, const_cast<void*>(callback.user_data));
-                             });
+    EventThreads::all().post(EventThreads::l2_learning, [=, this] {
+      if (is_known(callback))
+        api::deliver_address(reinterpret_cast<bcm_l2_addr_callback_t>(const_cast<void*>(callback.function)),
+                             callback.unit, address, operation, const_cast<void*>(callback.user_data));
+    });
   } else if (name == api::frame_event) {
     EventThreads::all().post(EventThreads::frames, [this, frame = std::string(line)] { deliver_frame(frame); });
   } else if (name == lost_event) {
