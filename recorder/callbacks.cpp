@@ -26,8 +26,7 @@ void add_event(const char* type, api::Arguments arguments) {
 void tell(bcm_linkscan_handler_t callback, int unit, bcm_port_t port, const bcm_port_info_t* info) {
   add_event(api::link_callback, {callback, unit, port, api::in(info)});
 }
-void tell(bcm_l2_addr_callback_t callback, int unit, const bcm_l2_addr_t* address, int operation,
-          void* user_data) {
+void tell(bcm_l2_addr_callback_t callback, int unit, const bcm_l2_addr_t* address, int operation, void* user_data) {
   add_event(api::l2_callback, {callback, unit, api::in(address), operation, user_data});
 }
 /// What a traversal finds is in the chip's tables: only the calls that it leads to are written.
