@@ -35,7 +35,7 @@ class Next<Returned(Parameters...)> {
  public:
   using Function = Returned(Parameters...);
 
-  explicit Next(const char* name, Function* own) : name_(name), own_(own) {}
+  constexpr Next(const char* name, Function* own) : name_(name), own_(own) {}
 
   /// Null when no library that is loaded has it.
   Function* get() {
@@ -97,7 +97,7 @@ int pass_on(Next<Function>& next, const calls::Described<Arguments...>& call) {
 
 #define CALL(result, name, parameters, ...)                                          \
   extern "C" __attribute__((visibility("default"))) result name parameters {         \
-    static Next<decltype(::name)> next(#name, &::name);                              \
+    static constinit Next<decltype(::name)> next(#name, &::name);                    \
     return static_cast<result>(pass_on(next, calls::described(#name, __VA_ARGS__))); \
   }
 using namespace calls;

@@ -34,14 +34,13 @@ class Recording {
   bool is_on() const { return is_on_.load(std::memory_order_relaxed); }
 
   void add(api::Kind kind, std::string_view text) {
-    thread_local std::string line;
     const std::lock_guard guard(lock_);
     if (!is_on() || !is_open()) return;
-    line.assign(api::kind_names[static_cast<int>(kind)]).append(1, ' ').append(text).append(api::stamp_mark);
+    line_.assign(api::kind_names[static_cast<int>(kind)]).append(1, ' ').append(text).append(api::stamp_mark);
     char stamp[64];
     const auto length = std::snprintf(stamp, sizeof stamp, "%.6f %d\n",
                                       std::chrono::duration<double>(Clock::now() - began_).count(), thread_number());
-    write_line(line.append(stamp, static_cast<std::size_t>(length)));
+    write_line(line_.append(stamp, static_cast<std::size_t>(length)));
     writer_ = getpid();
   }
 
@@ -54,6 +53,12 @@ class Recording {
     const std::lock_guard guard(lock_);
     if (file_ >= 0 && is_on() && writer_ == getpid()) write_line(std::string(api::recording_end) + '\n');
     is_on_ = false;
+  }
+
+  int pointer_number(const char* what, const void* pointer) {
+    const std::lock_guard guard(lock_);
+    std::map<const void*, int>& known = numbers_[what];
+    return known.try_emplace(pointer, static_cast<int>(known.size()) + 1).first->second;
   }
 
   // A fork must not leave the lock taken in the child.
@@ -100,6 +105,8 @@ class Recording {
   pid_t writer_ = 0;
   Clock::time_point began_;
   int threads_ = 0;
+  std::string line_;  // kept for its memory
+  std::map<std::string, std::map<const void*, int>, std::less<>> numbers_;
 };
 
 /// Never destroyed: calls can occur while the process exits.
@@ -115,9 +122,6 @@ __attribute__((constructor)) void follow_forks() {
 /// Runs when the library is unloaded, and so after everything that a program does at exit.
 __attribute__((destructor)) void end_with_process() { recording().end_with_process(); }
 
-std::mutex numbers_lock;
-std::map<std::string, std::map<const void*, int>, std::less<>> numbers;  // guarded by `numbers_lock`
-
 }  // namespace
 
 bool recorder::is_on() { return recording().is_on(); }
@@ -126,8 +130,4 @@ void recorder::add(api::Kind kind, std::string_view text) { recording().add(kind
 
 void recorder::give_up(const char* why) { recording().give_up(why); }
 
-int api::pointer_number(const char* what, const void* pointer) {
-  const std::lock_guard guard(numbers_lock);
-  std::map<const void*, int>& known = numbers[what];
-  return known.try_emplace(pointer, static_cast<int>(known.size()) + 1).first->second;
-}
+int api::pointer_number(const char* what, const void* pointer) { return recording().pointer_number(what, pointer); }
