@@ -239,7 +239,7 @@ SAI_API int32_t sai_sh_process_command(int32_t unit, char* command);
  * "ethv0", switches VLAN membership checks on, prepares the multicast tables, VLAN translation and virtual ports, traps
  * control protocols to the CPU, captures slow protocols, keeps unknown floods away from the CPU, and reserves the IPv6
  * multicast addresses ff01::/16 and ff02::/16. To be called once, when the log is open, before any other function that
- * needs the chip.
+ * needs the chip; on a chip that is up, it begins anew.
  *
  * Traps of routed, neighbor discovery, DHCP and ARP frames are set on ports up to number 8 only, the front panel;
  * membership checks and floods on every Ethernet port.
@@ -353,7 +353,7 @@ SAI_API void sai_serial_led_config(int32_t unit);
  * The caller's function for changes of the MAC table. Runs on a thread of the Chip SDK.
  *
  * @param vid        VLAN of the address
- * @param port       its port
+ * @param port       its port; the gport of a virtual port; 0 for an address on a trunk, which sai_l2_addr_show() names
  * @param mac        the address, 6 bytes, valid during the call only
  * @param operation  `BCM_L2_CALLBACK_DELETE` (0): the address left the table; `BCM_L2_CALLBACK_ADD` (1): it entered it
  */
@@ -366,6 +366,8 @@ typedef void (*sai_l2_event_cb)(uint16_t vid, int32_t port, uint8_t* mac, int32_
  * The function is one of the SDK's type, `void handler(int unit, bcm_port_t port, bcm_port_info_t* info)`: the unit and
  * the port number, and a record, valid during the call only, whose `linkstatus` is 1 for a link that went up and 0 for
  * one that went down.
+ *
+ * Nothing ends that; it goes with the process.
  *
  * @param handler  the function
  * @return always 0; a unit that refuses is logged
@@ -1055,7 +1057,7 @@ enum sai_l2_mac_flag {
 /** An entry of the MAC table, or what a function needs of one; each function says which fields it takes and writes. */
 typedef struct sai_l2_mac_entry_t {
   uint32_t is_vport;  /**< its low byte is 1 after sai_l2_addr_show() found a virtual port; never cleared */
-  uint32_t flags;     /**< #sai_l2_mac_flag bits, or the SDK's flags of a deletion */
+  uint32_t flags;     /**< #sai_l2_mac_flag bits; of a deletion, 0 for learned addresses, 1 for static ones too */
   uint8_t mac[6];     /**< the address */
   uint32_t vlan;      /**< VLAN id; its low 16 bits count */
   uint32_t reserved1; /**< not used */
@@ -1099,14 +1101,15 @@ SAI_API int32_t sai_l2_mac_age_time_get(int32_t unit, int32_t* seconds);
 /**
  * Looks an address up, in unit 0 whatever the unit.
  *
- * @param entry  takes `mac` and `vlan`; on success `port_out` receives the port as the SDK has it, and `flags` gains
- *               #SAI_L2_MAC_STATIC when the entry is static, its other bits staying as they are
+ * @param entry  takes `mac` and `vlan`; on success `port_out` receives the port as the SDK has it, the gport of a
+ *               virtual port and 0 for an address on a trunk, and `flags` gains #SAI_L2_MAC_STATIC when the entry is
+ *               static, its other bits staying as they are
  * @return 0, or the converted result of `bcm_l2_addr_get`, -7 (no such address in that VLAN) among them
  */
 SAI_API int32_t sai_l2_mac_entry_get(int32_t unit, sai_l2_mac_entry_t* entry);
 
 /**
- * Adds an address.
+ * Adds an address. One that is there is replaced, with its place and flags.
  *
  * @param entry  takes `mac`, `vlan`, `port` and the #sai_l2_mac_flag bits of `flags`
  * @return 0, or the converted result of `bcm_l2_addr_add`, -13 (table full) among them
@@ -1116,10 +1119,10 @@ SAI_API int32_t sai_l2_mac_entry_add(int32_t unit, const sai_l2_mac_entry_t* ent
 /** Bits of the mode of sai_l2_mac_entry_del(), in the order in which they are checked. */
 enum sai_l2_delete_mode {
   SAI_L2_DELETE_ENTRY = 0x01,    /**< the one entry of `mac` and `vlan` */
-  SAI_L2_DELETE_BY_MAC = 0x02,   /**< all of `mac` */
-  SAI_L2_DELETE_BY_VLAN = 0x04,  /**< all of `vlan` */
-  SAI_L2_DELETE_BY_PORT = 0x08,  /**< all of `port` of module 0 */
-  SAI_L2_DELETE_BY_TRUNK = 0x20, /**< all of `trunk`, with the SDK's flags 0 */
+  SAI_L2_DELETE_BY_MAC = 0x02,   /**< those of `mac`, by `flags` */
+  SAI_L2_DELETE_BY_VLAN = 0x04,  /**< those of `vlan`, by `flags` */
+  SAI_L2_DELETE_BY_PORT = 0x08,  /**< those of `port` of module 0, by `flags` */
+  SAI_L2_DELETE_BY_TRUNK = 0x20, /**< those of `trunk`, with the SDK's flags 0 */
 };
 
 /**
@@ -1491,7 +1494,7 @@ enum sai_acl_direction {
 
 /** Kinds of L3 rules. */
 enum sai_acl_ip_type {
-  SAI_ACL_IPV4 = 2, /**< matches IP packets by their IPv4 addresses */
+  SAI_ACL_IPV4 = 2, /**< matches IP packets by their IPv4 addresses; those of both versions if no address is compared */
   SAI_ACL_IPV6 = 3, /**< matches IPv6 packets by their addresses */
 };
 
@@ -1856,7 +1859,7 @@ SAI_API int32_t sai_vlan_init(int32_t unit);
 SAI_API int32_t sai_vlan_create(int32_t unit, uint16_t vid);
 
 /**
- * Destroys a VLAN.
+ * Destroys a VLAN. Interface, routes and addresses in it are not deleted with it.
  *
  * @param vid  VLAN id, 1 to 4095; checked by the chip
  * @return 0, or the converted result of `bcm_vlan_destroy`, -7 (not found) among them
@@ -2219,7 +2222,7 @@ SAI_API int32_t sai_l3_enable_set(int32_t unit, int32_t enable);
 SAI_API int32_t sai_l3_intf_create(int32_t unit, const uint8_t* mac, int32_t vlan);
 
 /**
- * Deletes the L3 interface of a VLAN.
+ * Deletes the L3 interface of a VLAN. Routes and next hops through it are not deleted with it: delete them before.
  *
  * @param vlan  VLAN id; its low 16 bits count
  * @return 0, or the converted result of the failed `bcm_l3_intf_find_vlan`, -7 (no interface) among them, or
@@ -2257,7 +2260,8 @@ SAI_API int32_t sai_l3_intf_delete_all(int32_t unit);
  * @param ip          the host's IPv4 address in host byte order
  * @param router_mac  MAC address of an interface that is made, 6 bytes
  * @param host_mac    the host's MAC address, 6 bytes; the chip must have learned it in `vlan`
- * @param port        port number; the CPU port sends to the CPU
+ * @param port        port number, taken as given: that `host_mac` was learned there is not checked; the CPU port sends
+ *                    to the CPU
  * @param vlan        VLAN id; its low 16 bits count
  * @param dtag        non-zero: the host is double-tagged, behind a virtual port
  * @return 0, or the converted result of the failed `bcm_stk_my_modid_get`, `bcm_l2_addr_get`, `bcm_vlan_port_find`,
@@ -2278,9 +2282,10 @@ SAI_API int32_t sai_l3_host_route_create(int32_t unit, uint32_t ip, const uint8_
  * along. How all that ends does not show in the result.
  *
  * The egress object stays when the chip no longer knows the next hop's MAC address, as after it has aged out: delete a
- * route while the address is known. Of a next hop on a virtual port it stays, with the interface that was made for it,
- * where no interface has its number, as on a chip that numbers the two apart. A route that is not found is logged
- * without the SDK's text, and so is an interface that cannot be ended, after a message of its own.
+ * route while the address is known, or enter it before with sai_l2_mac_entry_add(), at any port. Of a next hop on a
+ * virtual port it stays, with the interface that was made for it, where no interface has its number, as on a chip that
+ * numbers the two apart. A route that is not found is logged without the SDK's text, and so is an interface that cannot
+ * be ended, after a message of its own.
  *
  * @param ip    the host's IPv4 address in host byte order
  * @param dtag  non-zero: the host is double-tagged
@@ -2322,9 +2327,9 @@ SAI_API int32_t sai_l3_subnet_route_create(int32_t unit, uint32_t subnet, uint32
  * Deletes the route to a subnet, and what it pointed at as sai_l3_host_route_delete() does.
  *
  * The egress object stays when the chip no longer knows the next hop's MAC address, as after it has aged out: delete a
- * route while the address is known. Of a next hop on a virtual port it stays, with the interface that was made for it,
- * where no interface has its number. A route that is not found is logged without the SDK's text, and so is an interface
- * that cannot be ended, after a message of its own.
+ * route while the address is known, or enter it before with sai_l2_mac_entry_add(), at any port. Of a next hop on a
+ * virtual port it stays, with the interface that was made for it, where no interface has its number. A route that is
+ * not found is logged without the SDK's text, and so is an interface that cannot be ended, after a message of its own.
  *
  * @param subnet  the subnet's IPv4 address in host byte order
  * @param mask    its mask in host byte order

@@ -102,8 +102,9 @@ def guide(path, included):
             return ""
         return "#" + identifier(page) + (f":{anchor}" if anchor else "")
 
-    text = markdown.to_html(path.read_text(), link)
-    return own, path.read_text().partition("\n")[0].lstrip("# "), re.sub(r'(<h\d) id="', rf'\1 id="{own}:', text)
+    text = path.read_text()
+    title = re.search(r"^# (.*)", text, re.MULTILINE)[1]  # a page that is generated begins with a comment
+    return own, title, re.sub(r'(<h\d) id="', rf'\1 id="{own}:', markdown.to_html(text, link))
 
 
 def sdk_links(body):
@@ -125,7 +126,7 @@ def manual_pages(directory, tasks):
         body = body.partition("</table>")[2].partition('<table class="foot">')[0]
         body = re.sub(r'<a class="permalink" href="[^"]*">(.*?)</a>', r"\1", body, flags=re.DOTALL)
         body = re.sub(r' (?:id|class)="[^"]*"', "", body)
-        body = body.replace("<h1", "<h2").replace("</h1", "</h2")
+        body = body.replace("<h1", "<h2").replace("</h1", "</h2").replace("\n<br/>\n", "\n")
 
         def linked(match, own=file.name):
             name = f"{match[1]}.{match[2]}"

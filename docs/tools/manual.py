@@ -58,6 +58,20 @@ COMMON = set("a all an and are as at be been by for from has have in into is it 
              " than that the their them then to up what when where whether which whose with".split())
 
 
+# Cases of the fault sweep that a reader cannot guess.
+CASES = {
+    "to an egress object": "in L3 egress mode, with a next hop that is made",
+    "to an egress object that is there": "in L3 egress mode, with a next hop that another route has",
+    "to an interface": "without L3 egress mode",
+    "from an egress object": "in L3 egress mode",
+    "from an interface": "without L3 egress mode",
+    "over another": "in place of another route",
+    "over a virtual port": "with a next hop behind a virtual port",
+    "double-tagged": "with dtag",
+    "in place of one": "there is an entry with the same key",
+}
+
+
 def escaped(text):
     text = text.replace("\\", "\\e").replace("-", "\\-")
     return re.sub(r"^([.'])", r"\\&\1", text)
@@ -272,6 +286,10 @@ class Reference:
                  r"\(lqIts code\(rq is that of the SDK call, converted by", r"\fBsdk_to_sai\fR(3)."]
         if any(row.is_real_only for row in rows):
             lines += [r"Rows with \(lq*\(rq: only a real chip answers so, or the virtual chip when it is told to fail."]
+        named = {name for row in rows for name in CASES if re.search(rf"[(,r] ?{name}(,| or|\))", row.when)}
+        if named:
+            lines += ["In parentheses are the cases in which a call fails so:"]
+            lines += ["; ".join(rf"\(lq{name}\(rq, {CASES[name]}" for name in CASES if name in named) + "."]
         lines += [".PP", ".ad l", ".TS", "nokeep;", "lb lb lb lb", "lw(15) lx lw(7) lw(13)."]
         lines += ["Result\tWhen\tLog\tThe chip then"]
         for row in rows:

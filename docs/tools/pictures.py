@@ -62,6 +62,8 @@ def rooms():
     picture.down()
     picture.row("libsai.so: src/", folders("src"), "each family stands on core, and on no other family")
     picture.down()
+    picture.row("libswsdk-recorder.so: recorder/", [], "when it is preloaded: writes the calls that pass")
+    picture.down()
     picture.row("the Chip SDK's interface: bcm/, soc/, shared/, appl/", [], "the library never knows what is below")
     picture.down()
     picture.row("libswsdk.so, the virtual chip: swsdk/", [name for name in folders("swsdk") if name != "include"],
@@ -83,7 +85,7 @@ def tables():
         picture.box(x, y, wide - 10, 48, "room")
         picture.text(x + 12, y + 20, re.sub(r"[`]| \(.*\)", "", name), 13, kind="name")
         picture.text(x + 12, y + 38, class_, 12, kind="note")
-        picture.text(x + wide - 22, y + 30, count, 15, "end")
+        picture.text(x + wide - 22, y + 38, count, 15, "end")
         picture.y = y + 48
     return picture
 

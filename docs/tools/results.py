@@ -9,7 +9,7 @@ all others that succeeded, what follows (failures), lines of the log.
 
 import re
 from collections import defaultdict
-from dataclasses import dataclass, field
+from dataclasses import dataclass, field, replace
 
 import log_lines
 import messages
@@ -180,6 +180,14 @@ def refusal_rows(refusals):
         yield call, Row(own_name(result), f"{answer}: {why(reasons, about_unit)}", log, chip)
 
 
+def with_other_cases(rows_, failures):
+    """A call that refuses can come after others in another case than the one in which the refusal was seen."""
+    after_others = {failure.call for failure in failures if left(failure.before) != "unchanged"}
+    for call, row in rows_:
+        is_first = row.chip == "unchanged" and call in after_others
+        yield call, replace(row, chip="unchanged, or what the calls before did") if is_first else row
+
+
 def failure_rows(failures, refused, natural):
     """What follows when an SDK call fails otherwise; calls and codes with the same consequences are in one row."""
     outcomes = {}
@@ -242,7 +250,8 @@ def rows(logged):
     for name in sorted(failures.keys() | refusals.keys()):
         order = ["library", *dict.fromkeys(failure.call for failure in failures[name])]
         refused = {(refusal.call, refusal.code) for refusal in refusals[name]}
-        rows_ = folded([*refusal_rows(refusals[name]), *failure_rows(failures[name], refused, natural[name])])
+        refusals_of_it = list(with_other_cases(refusal_rows(refusals[name]), failures[name]))
+        rows_ = folded([*refusals_of_it, *failure_rows(failures[name], refused, natural[name])])
         place = {call: i for i, call in enumerate(order)}
         found[name] = [row for call, row in sorted(rows_, key=lambda named: place.get(named[0], len(order)))]
     return found
