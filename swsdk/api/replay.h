@@ -31,6 +31,9 @@ std::span<const Replayable> replayables();
 /// The function of that name, or null.
 const Replayable* find_replayable(std::string_view name);
 
+/// The arguments, parsed from their texts. Throws Unreadable.
+AllGiven all_given(const Replayable& function, const Texts& texts);
+
 /// Calls it with arguments from their texts, and returns its result; 0 if it returns nothing. Throws Unreadable.
 long long call_with(const Replayable& function, const Texts& arguments);
 

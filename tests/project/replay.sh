@@ -128,6 +128,22 @@ done
 } >stamped.rec
 [ "$(time_travel stamped.rec 1)" = 1 ] && [ "$(time_travel stamped.rec 2)" = 2 ] || fail "stamps are not times"
 
+# Without its beginning, a recording goes on as it did.
+printf '%s\n' 'sai_vlan_create 0 10' 'sai_register_l2_service 0 print' 'age 60' 'sai_vlan_port_add 0 10 1 1' 'link 1 up' \
+  'learn 00:00:00:00:00:01 10 1' 'age 60' 'show mac' 'sai_vlan_destroy 0 10' >long.sai
+"$saish" --record long.rec long.sai >out
+for from in 0 60 120 1000; do
+  "$saish" --replay long.rec --from "$from" --cut cut-off.rec
+  check 0 "" "$saish" --replay cut-off.rec
+  [ "$from" != 60 ] || [ "$(wc -l <cut-off.rec)" -lt "$(wc -l <long.rec)" ] || fail "nothing was cut off"
+done
+"$saish" --replay long.rec --from 60 --cut cut-off.rec
+grep -qx 'call bcm_l2_addr_register(0, <callback 1>, <pointer 1>) = 0' cut-off.rec || fail "no callback: $(cat cut-off.rec)"
+grep -q 'bcm_vlan_create' cut-off.rec && fail "what was before is still there: $(cat cut-off.rec)"
+check 3 'cut\.rec:[0-9]+: the recording ends here without its end mark: .*' "$saish" --replay cut.rec --from 0 --cut cut-off.rec
+[ "$(tail -1 cut-off.rec)" != end ] || fail "a cut recording got an end"
+check 2 'cannot write the recording "/nowhere/a"' "$saish" --replay long.rec --from 0 --cut /nowhere/a
+
 # What leaves is compared, too.
 printf '%s\n' 'link 1 up' 'link 2 up' 'send 1 02:00:00:00:00:01 > ff:ff:ff:ff:ff:ff arp 10.1.0.1 > 10.1.0.2' >frame.sai
 "$saish" --record frame.rec frame.sai >out
@@ -136,6 +152,41 @@ sed 's/\(event swsdk_frame_handler(0, 2, .*\) 08 06 /\1 08 07 /' frame.rec >chan
 cmp -s frame.rec changed.rec && fail "no frame left in: $(cat frame.rec)"
 "$saish" --replay changed.rec --report >out && fail "another frame was the same: $(cat out)"
 grep -q 'swsdk_frame_handler *event$' out || fail "no difference of a frame in: $(cat out)"
+
+# What is passed on names nobody, and can be repeated.
+cat >secret.rec <<'REC'
+swsdk recording 3
+call sdk_main(0, NULL) = 0
+call system_init(0) = 0
+call bcm_knet_netif_create(0, {id=1, type=1, mac_addr=3c:11:22:33:44:55, name="secret"} -> &{id=1, type=1, mac_addr=3c:11:22:33:44:55, name="secret"}) = 0
+call sh_process_command(0, "led 0 load /home/secret/led.hex") = -1
+call bcm_l2_addr_add(0, {mac=3c:11:22:33:44:55, vid=1, port=3}) = 0
+call bcm_l2_addr_get(0, 3c:11:22:33:44:55, 1, &{mac=3c:11:22:33:44:55, vid=1, port=3}) = 0
+call bcm_vlan_mac_add(0, 01:00:5e:01:01:01, 1, 0) = 0
+call bcm_vlan_ip_add(0, {ip4=10.77.88.0, mask=255.255.255.0, vid=1}) = 0
+call bcm_vlan_ip_add(0, {ip4=10.77.88.99, mask=255.255.255.255, vid=1}) = 0
+call bcm_vlan_ip_add(0, {ip4=239.1.2.3, mask=255.255.255.255, vid=1}) = 0
+call bcm_vlan_ip_add(0, {flags=0x4000, ip6=2001:db8:77::, prefix=48, vid=1}) = 0
+call bcm_vlan_ip_add(0, {flags=0x4000, ip6=2001:db8:77::99, prefix=128, vid=1}) = 0
+action swsdk_frame_send(0, 1, [3c 11 22 33 44 55 02 00 00 00 00 77 08 00 45 00 00 1c 00 00 00 00 40 11 00 00 0a 4d 58 63 ef 01 01 01 13 88 13 88 73 65 63 72], 42) = 0
+end
+REC
+"$saish" --redact secret.rec >shared.rec
+grep -nE 'secret|3c:11:22|3c 11 22|10\.77|0a 4d 58|db8:77|73 65 63' shared.rec && fail "this is still there"
+[ "$(grep -oE '[0-9a-f]{2}(:[0-9a-f]{2}){5}' shared.rec | sort -u | wc -l)" = 2 ] || fail "MAC addresses: $(cat shared.rec)"
+for kept in 01:00:5e:01:01:01 239.1.2.3 255.255.255.0 '"led 0 load text-2"' 'name="text-1"' 'ip4=10.' 'ef 01 01 01 13 88 13 88 00 00 00 00'; do
+  grep -qF "$kept" shared.rec || fail "$kept is not in: $(cat shared.rec)"
+done
+ips=$(grep -oE 'ip4=10\.[0-9.]+' shared.rec)
+[ "$(sed -n 1p <<<"$ips")" = "$(sed -n '2s/[0-9]*$/0/p' <<<"$ips")" ] || fail "a host left its subnet: $ips"
+"$saish" --redact secret.rec | cmp -s - shared.rec && fail "two runs gave the same addresses"
+for kept; do
+  "$saish" --redact "$kept" >shared.rec
+  [ "$(wc -l <shared.rec)" = "$(wc -l <"$kept")" ] || fail "$kept has $(wc -l <"$kept") lines, redacted $(wc -l <shared.rec)"
+  "$saish" --replay shared.rec --report >out || fail "$kept, redacted: $(cat out)"
+done
+check 2 '/nowhere: cannot be read, or is empty' "$saish" --redact /nowhere
+check 2 'all\.sai:1: not a recording' "$saish" --redact all.sai
 
 # What a later version may have is skipped.
 sed '2i later kind of line' all.rec | sed '$i call bcm_later(0) = 0' >later.rec
@@ -181,6 +232,6 @@ swsdk_temperatures_set(0, [{current=1}], 2) = 0|argument 2: 1 items in place of 
 BAD
 check 2 'cannot write the recording "/nowhere/a"' "$saish" --record /nowhere/a -c sai_unit_get
 check 1 'cannot write the recording "/dev/full"' "$saish" --record /dev/full -c "sai_vlan_create 0 10"
-for options in "--report" "--known known" "--replay all.rec --known known" "--replay all.rec all.sai" "--replay all.rec --record a.rec" "--replay a --replay-as-c a" "--replay a --cold"; do
+for options in "--report" "--known known" "--replay all.rec --known known" "--replay all.rec all.sai" "--replay all.rec --record a.rec" "--replay a --replay-as-c a" "--redact a --replay a" "--cut a" "--from 1" "--replay a --from 1" "--replay a --cut a" "--replay a --cold"; do
   check 2 '[^'$'\n'']+' "$saish" $options
 done

@@ -13,6 +13,7 @@
 
 #include "board.h"
 #include "editor.h"
+#include "redact.h"
 #include "report.h"
 #include "session.h"
 #include "style.h"
@@ -72,14 +73,26 @@ void run_standard_input(saish::Session& session) {
     run_interactively(session);
 }
 
+uint64_t nanoseconds_of(double seconds) { return static_cast<uint64_t>(seconds * 1e9); }
+
 /// Repeats a recording up to a time, and runs commands on the chip as it was then.
 int travel(const std::string& recording, double seconds) {
-  constexpr double nanoseconds = 1e9;
-  const int result =
-      swsdk_replay_until(recording.c_str(), static_cast<uint64_t>(seconds * nanoseconds), tell_line, nullptr);
+  const int result = swsdk_replay_until(recording.c_str(), nanoseconds_of(seconds), tell_line, nullptr);
   if (result == SWSDK_REPLAY_UNREADABLE || result == SWSDK_REPLAY_DIFFERENT) return status_of(result);
   saish::Session session(saish::Power::left);
   run_standard_input(session);
+  return status_of(result);
+}
+
+/// Writes a recording without what is before a time.
+int cut_recording_from(const std::string& recording, double seconds, const std::string& path) {
+  std::FILE* const file = std::fopen(path.c_str(), "we");
+  if (file == nullptr) throw saish::BadInput("cannot write the recording \"" + path + '"');
+  const auto write = [](const char* line, void* to) { std::fprintf(static_cast<std::FILE*>(to), "%s\n", line); };
+  const int result = swsdk_recording_cut(recording.c_str(), nanoseconds_of(seconds), (path + ".state").c_str(), write,
+                                         tell_line, file);
+  const bool is_written = std::ferror(file) == 0;
+  if (std::fclose(file) != 0 || !is_written) throw saish::BadInput("cannot write the recording \"" + path + '"');
   return status_of(result);
 }
 
@@ -91,9 +104,12 @@ int run(int argc, char** argv) {
   std::string recording;
   std::string replayed;
   std::string program;
+  std::string redacted;
   std::string known;
   bool reports = false;
   double until = 0;
+  double from = 0;
+  std::string cut;
   std::string intended;
   std::string board;
   std::string chip;
@@ -119,13 +135,25 @@ int run(int argc, char** argv) {
       ->needs(repeat)
       ->excludes("--report")
       ->check(CLI::Range(0.0, 1e9));
+  CLI::Option* const from_option = app.add_option("--from", from, "with --replay and --cut: from how many seconds on")
+                                       ->needs(repeat)
+                                       ->excludes("--report")
+                                       ->excludes("--until")
+                                       ->check(CLI::Range(0.0, 1e9));
+  from_option->needs(
+      app.add_option("--cut", cut,
+                     "with --from: write what is later as a recording of its own, and FILE.state beside it")
+          ->needs(from_option));
   app.add_option("--known", known, "with --report: a file with differences that are meant")->needs("--report");
   CLI::Option* const as_c =
       app.add_option("--replay-as-c", program, "print a C program that makes the calls of a recording");
-  for (CLI::Option* const option : {tables, repeat, as_c})
+  CLI::Option* const redact =
+      app.add_option("--redact", redacted, "print a recording with other addresses and texts, to pass it on");
+  for (CLI::Option* const option : {tables, repeat, as_c, redact})
     for (const char* other : {"FILE", "--command", "--cold", "--record", "--diff", "--chip"}) option->excludes(other);
-  for (CLI::Option* const option : {repeat, as_c}) option->excludes("--board")->excludes(tables);
-  repeat->excludes(as_c);
+  for (CLI::Option* const option : {repeat, as_c, redact}) option->excludes("--board")->excludes(tables);
+  repeat->excludes(as_c)->excludes(redact);
+  as_c->excludes(redact);
   app.set_version_flag("--version", "saish " SAI_VERSION);
 
   try {
@@ -136,7 +164,12 @@ int run(int argc, char** argv) {
       swsdk_connect(nullptr, nullptr);
     else if (app.count("--chip") == 0 && from_environment != nullptr)
       chip = from_environment;
+    if (app.count("--redact") > 0) {
+      saish::redact(redacted);
+      return 0;
+    }
     if (reports) return status_of(saish::report(replayed, known));
+    if (app.count("--cut") > 0) return cut_recording_from(replayed, from, cut);
     if (app.count("--until") > 0) return travel(replayed, until);
     if (app.count("--replay") > 0) return status_of(swsdk_replay(replayed.c_str(), tell_line, nullptr));
     if (app.count("--replay-as-c") > 0)

@@ -85,6 +85,22 @@ int swsdk_replay(const char* path, swsdk_line_t tell, void* data);
  */
 int swsdk_replay_until(const char* path, unsigned long long nanoseconds, swsdk_line_t tell, void* data);
 
+/**
+ * Cuts the beginning off a recording: repeats it up to a time like swsdk_replay_until(), without comparing, saves the
+ * state of the chips, and writes a recording that begins with it. Not to be called from a callback.
+ *
+ * @param path        the recording
+ * @param nanoseconds as for swsdk_replay_until(); in the new recording, the clock counts from there
+ * @param state       file to write for the state (swsdk/state.h); the new recording has its whole path
+ * @param write       called with the lines of the new recording
+ * @param tell        called with notices and with what is wrong, with file and line
+ * @param data        passed to both
+ * @return SWSDK_REPLAY_SAME; SWSDK_REPLAY_INCOMPLETE, and the new recording lacks its end, too; or
+ *         SWSDK_REPLAY_UNREADABLE, also when the state cannot be written, or path, state or a function is null
+ */
+int swsdk_recording_cut(const char* path, unsigned long long nanoseconds, const char* state, swsdk_line_t write,
+                        swsdk_line_t tell, void* data);
+
 /** One answer, or event, of a repeated recording that is not the recorded one. */
 typedef struct swsdk_difference {
   int line;             /**< of the recording; 0 for an event that no line has */
