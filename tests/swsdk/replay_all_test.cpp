@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <swsdk/chip.h>
 #include <swsdk/recording.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -38,7 +39,7 @@ class ReplayAll : public testing::Test {
     *static_cast<std::string*>(told) += std::string(line).substr(path_.size()) + '\n';
   }
 
-  inline static const std::string path_ = testing::TempDir() + "replay_all_test.rec";
+  inline static const std::string path_ = testing::TempDir() + "replay_all_test_" + std::to_string(getpid());
 };
 
 TEST_F(ReplayAll, GoesOnAfterEachDifference) {
