@@ -2,6 +2,7 @@
 #include "api/calls/calls.h"
 
 #include <atomic>
+#include <cerrno>
 #include <type_traits>
 
 #include "api/calls/call_text.h"
@@ -89,7 +90,9 @@ template <class Function, class... Arguments>
 int pass_on(Next<Function>& next, const calls::Described<Arguments...>& call) {
   const bool is_recorded = recorder::calls_in_progress == 0 && recorder::is_on();
   const int result = next.call(call.arguments);
+  const int error = errno;
   if (is_recorded) record(call, result);
+  errno = error;  // the application may read what the SDK left there
   return result;
 }
 

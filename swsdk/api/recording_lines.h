@@ -19,7 +19,7 @@ using Say = std::function<void(const std::string&)>;
 
 /// A line of a recording whose function is known; that of an event is not one to call.
 struct RecordedLine {
-  std::string_view whole;
+  std::string_view whole;  // as the file has it
   Kind kind;
   std::string_view text;  // without its kind and its stamp
   std::string_view name;

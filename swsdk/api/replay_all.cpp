@@ -53,41 +53,45 @@ class Comparison {
       swsdk_events_drain();
       take_events();
     }
-    settle(number, text);
+    settle(events_, number, text);
   }
 
   /// Reports the events that the recording does not have, if it has those of its chip.
   swsdk_replayed end() {
     settle_frames();
-    if (!has_events_) std::erase_if(events_, [](const std::string& event) { return !is_frame(event); });
-    if (!has_frames_) std::erase_if(events_, is_frame);
-    for (const std::string& event : events_) tell(0, name_of(event), "event", "", "event " + event);
+    if (!has_events_) events_.clear();
+    for (const Texts& came : {events_, sent_})
+      for (const std::string& event : came) tell(0, name_of(event), "event", "", "event " + event);
     return counts_;
   }
 
   bool has_differences() const { return has_differences_; }
 
  private:
+  using Texts = std::vector<std::string>;
+
   static std::string name_of(const std::string& event) { return event.substr(0, event.find('(')); }
   static bool is_frame(const std::string& event) { return event.starts_with(api::frame_callback); }
 
   /// Compares an event with those that came.
-  void settle(int number, const std::string& text) {
+  void settle(Texts& came, int number, const std::string& text) {
     ++counts_.answers;
-    const auto found = std::find(events_.begin(), events_.end(), text);
-    if (found == events_.end()) return tell(number, name_of(text), "event", "event " + text, "");
-    events_.erase(found);
+    const auto found = std::find(came.begin(), came.end(), text);
+    if (found == came.end()) return tell(number, name_of(text), "event", "event " + text, "");
+    came.erase(found);
     ++counts_.the_same;
   }
 
   void settle_frames() {
     has_frames_ = has_frames_ || !frames_.empty();
-    for (const auto& [number, text] : frames_) settle(number, text);
+    for (const auto& [number, text] : frames_) settle(sent_, number, text);
     frames_.clear();
+    if (!has_frames_) sent_.clear();  // older recordings have none
   }
 
   void take_events() {
-    for (std::string& event : api::take_captured_events()) events_.push_back(std::move(event));
+    for (std::string& event : api::take_captured_events())
+      (is_frame(event) ? sent_ : events_).push_back(std::move(event));
   }
 
   static void raise(const RecordedLine& line, const Say& say) {
@@ -125,7 +129,8 @@ class Comparison {
   }
 
   const Differs differs_;
-  std::vector<std::string> events_;                  // that came and were not compared yet
+  Texts events_;                                     // of callbacks, that came and were not compared yet
+  Texts sent_;                                       // the frames that came, apart from the events, which can be many
   std::vector<std::pair<int, std::string>> frames_;  // of the recording, with their lines, that did not come yet
   swsdk_replayed counts_{};
   bool has_events_ = false;
