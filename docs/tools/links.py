@@ -2,9 +2,11 @@
 """Checks all pages: that their links have targets, and that the names in them exist.
 
 usage: links.py ROOT
+       links.py --installed DIRECTORY
 
 - A link to a file leads to one, and its anchor to a heading.
-- A name in backticks that looks like one of the library's, the virtual chip's or the SDK's is in their headers.
+- A name in backticks that looks like one of the library's, the virtual chip's or the SDK's is in their headers; not
+  checked of installed pages.
 """
 
 import re
@@ -67,20 +69,21 @@ def problems_of(page, root, known):
             yield f"{at(match)}: {target or page.name} has no heading #{anchor}"
     for match in SPAN.finditer(text):
         name = match.group(1).removesuffix("()")
-        if NAME.fullmatch(name) and name not in known:
+        if known and NAME.fullmatch(name) and name not in known:
             yield f"{at(match)}: no header has {name}"
 
 
 def main(arguments):
-    if len(arguments) != 1:
+    is_installed = arguments[:1] == ["--installed"]
+    if len(arguments) != (2 if is_installed else 1):
         print(__doc__.split("\n\n")[1], file=sys.stderr)
         return 2
-    root = Path(arguments[0]).resolve()
-    found = pages(root)
+    root = Path(arguments[-1]).resolve()
+    found = sorted(root.rglob("*.md")) if is_installed else pages(root)
     if root / "README.md" not in found:
         print("README.md is not among the pages; are they still found?")
         return 1
-    known = known_names(root) | {folder.name for folder in (root / "python").glob("*/")}
+    known = set() if is_installed else known_names(root) | {folder.name for folder in (root / "python").glob("*/")}
     problems = [problem for page in found for problem in problems_of(page, root, known)]
     print("\n".join(problems) if problems else f"{len(found)} pages")
     return 1 if problems else 0

@@ -44,6 +44,7 @@ links=(docs/tools/links.py .)
 finds 'README\.md:[0-9]+: there is no nowhere\.md' "${links[@]}" <<<'echo "[a](nowhere.md)" >>README.md'
 finds 'has no heading #nothing' "${links[@]}" <<<'echo "[a](docs/messages.md#nothing)" >>README.md'
 finds 'no header has sai_no_function' "${links[@]}" <<<'echo "\`sai_no_function()\`" >>README.md'
+finds 'docs/python\.md:[0-9]+: there is no \.\./include/sai\.h' docs/tools/links.py --installed . <<<'rm include/sai.h'
 
 manual=(docs/tools/manual.py man)
 finds 'sai_vlan_create: nothing is said of its argument vid' "${manual[@]}" \

@@ -61,6 +61,8 @@ documents=$(dirname "$(dirname "$prefix/$index")")
 for file in README.md docs/first-day.md docs/tasks/restart.md examples/vlans.c; do
   [ -f "$documents/$file" ] || fail "$file is not installed"
 done
+python3 -B "$(dirname "$0")/../../docs/tools/links.py" --installed "$documents" ||
+  fail "the links above lead to files that are not installed"
 "$prefix/bin/sai-messages" find "Failed to create vlan 5000: Invalid parameter" >/dev/null
 
 # This machine's Python loads this machine's libraries.

@@ -98,6 +98,8 @@ for file in "$libraries/libsai.so" "$libraries/libswsdk.so" "$root/usr/bin/saish
     fail "$file: its debug file has no debug information"
   readelf --dynamic "$file" | grep -E '\((RPATH|RUNPATH)\)' && fail "$file has a run path"
 done
+python3 -B docs/tools/links.py --installed "$root/usr/share/doc/libsai-dev" ||
+  fail "the links above lead to files that no package has"
 grep -rl "$PWD" "$root/usr" && fail "the files above name the folder that they were built in"
 
 # build NAME FLAG...: the C example against the installed packages, by pkg-config and by the CMake package.
