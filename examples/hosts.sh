@@ -72,7 +72,7 @@ start_switch() {
   mkfifo "$work/commands"
   "$switch" "$1" "${plugs[@]}" "${@:2}" <>"$work/commands" >"$work/switch.log" 2>&1 &
   switch_pid=$!
-  wait_for 10 grep -qsx "The switch is up." "$work/switch.log" || fail "the switch does not come up"
+  wait_for 10 grep -Eqs "^The switch is (up|listening)" "$work/switch.log" || fail "the switch does not start"
   tell_switch "# by now it has seen the links" >/dev/null
 }
 

@@ -34,7 +34,7 @@ for program in "$@"; do
   "$server" --listen "$folder/chip" >"$folder/output" &
   process=$!
   for ((i = 0; i < 500; ++i)); do
-    grep -qs up "$folder/output" && break
+    grep -qs listening "$folder/output" && break
     sleep 0.02
   done
   name=$(basename "$program")

@@ -46,11 +46,17 @@ echo "show vlan" | timeout 30 "$swsdk_run" --config "$folder/config.sai" --shell
 [ "$code" -eq 143 ] || fail "--shell: exit code $code: $(cat "$folder/output")"
 grep -q '^77 ' "$folder/output" || fail "--shell printed $(cat "$folder/output")"
 
+# What is ready: a chip that the script brought up, or one that a program has yet to bring up.
+switch=$(dirname "$swsdk_run")/swsdk-switch
+exits 0 "The switch is up." sh -c 'echo quit | "$@"' - "$switch" "$folder/config.sai" --listen "$folder/chip"
+exits 0 "The switch is listening; its chip is off." sh -c 'echo quit | "$@"' - "$switch" --listen "$folder/chip"
+grep -q "is up" "$folder/output" && fail "a chip that is off is called up: $(cat "$folder/output")"
+
 # The calls of other programs, as they happen
 "$server" --listen "$folder/chip" >"$folder/ready" &
 process=$!
 for ((i = 0; i < 500; ++i)); do
-  grep -qs up "$folder/ready" && break
+  grep -qs listening "$folder/ready" && break
   sleep 0.02
 done
 "$saish" --chip "$folder/chip" -c "journal follow 60" >"$folder/journal" 2>&1 &
@@ -78,7 +84,7 @@ if [ "$(id -u)" -eq 0 ] && command -v setpriv >/dev/null; then
     "${other[@]}" "$server" --listen "$folder/other/chip" >"$folder/ready" &
     process=$!
     for ((i = 0; i < 500; ++i)); do
-      grep -qs up "$folder/ready" && break
+      grep -qs listening "$folder/ready" && break
       sleep 0.02
     done
     exits 2 "this chip belongs to user 65534, and only that user may work on it" "$saish" --chip "$folder/other/chip"

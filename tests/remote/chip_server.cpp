@@ -20,7 +20,7 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "chip_server: %s\n", reason);
     return 2;
   }
-  std::printf("The switch is up.\n");
+  std::puts("The switch is listening; its chip is off.");
   std::fflush(stdout);
   int signal = 0;
   sigwait(&signals, &signal);

@@ -73,11 +73,11 @@ Server::Server(std::string path, const std::vector<std::string>& options) : path
   close(ends[1]);
   std::string said;
   std::array<char, 256> piece;
-  for (ssize_t length = 0;
-       said.find("The switch is up.") == std::string::npos && (length = read(ends[0], piece.data(), piece.size())) > 0;)
+  const auto listens = [&] { return said.find("The switch is listening") != std::string::npos; };
+  for (ssize_t length = 0; !listens() && (length = read(ends[0], piece.data(), piece.size())) > 0;)
     said.append(piece.data(), static_cast<std::size_t>(length));
   close(ends[0]);
-  if (said.find("The switch is up.") == std::string::npos) throw std::runtime_error("no server: " + said);
+  if (!listens()) throw std::runtime_error("no server: " + said);
 }
 
 void Server::stop() { stop(SIGTERM); }

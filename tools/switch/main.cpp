@@ -142,7 +142,7 @@ int run(int argc, char** argv) {
     vswitch::Switch chip(session, {.cpu = cpu, .has_host = has_host, .listens = listens});
     for (const std::string& port : ports) plug(chip, port);
     const Listening listening(listens, listen);
-    std::printf("The switch is up.\n");
+    std::puts(config.empty() ? "The switch is listening; its chip is off." : "The switch is up.");
     std::fflush(stdout);
     chip.run(signals.get());
     if (capturing) capturing->finish();
