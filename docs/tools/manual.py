@@ -123,6 +123,12 @@ def ranges(numbers):
     return ", ".join(f"{first}" if first == last else rf"{first}\-{last}" for first, last in found)
 
 
+def shown_tables():
+    """The names of the tables that saish shows."""
+    source = (ROOT / "swsdk/api/show.cpp").read_text()
+    return ", ".join(re.findall(r'{"(\w+)", ', source.partition("constexpr Table tables[] = {")[2]))
+
+
 def listed_pages(pages):
     return [f".BR {name} ({number})," for name, number in pages[:-1]] + [f".BR {pages[-1][0]} ({pages[-1][1]})"]
 
@@ -453,7 +459,7 @@ def main(arguments):
     pages["man7/swsdk.7"] = reference.sdk_functions(version)
     for command in (ROOT / "docs").glob("*.1"):
         page = command.read_text().replace("@DATE@", date()).replace("@VERSION@", version)
-        pages[f"man1/{command.name}"] = page.splitlines()
+        pages[f"man1/{command.name}"] = page.replace("@TABLES@", roff(shown_tables())).splitlines()
     if reference.problems:
         print("\n".join(reference.problems), file=sys.stderr)
         return 1

@@ -43,6 +43,10 @@ for command in $commands; do
   grep -Eq "^\.(B|BI|BR) $command( |\$)" "$pages/man1/saish.1" || { echo "saish(1) does not tell of $command"; exit 1; }
 done
 
+tables=$("$saish" -c "help show" | sed -n 's/^  TABLE: //p')
+[ "$(wc -w <<<"$tables")" -ge 30 ] || { echo "$saish: too few tables found; is its help still read rightly?"; exit 1; }
+tr '\n' ' ' <"$pages/man1/saish.1" | grep -Fq "tables: $tables." || { echo "saish(1) does not list $tables"; exit 1; }
+
 for program in "$saish" "$switch" "$(dirname "$switch")/swsdk-run" "$(dirname "$switch")/../sweep/swsdk-sweep"; do
   options=$("$program" --help | grep -Eo -- '^ +-[^ ]+' | tr -d ' ' | tr ',' '\n')
   [ "$(wc -w <<<"$options")" -ge 4 ] || { echo "$program: too few options found; is its help still read rightly?"; exit 1; }

@@ -205,8 +205,8 @@ TEST_F(ShellBuiltIns, LearnPutsAnAddressIntoTheMacTable) {
             "  ! address 00:00:00:00:00:01 in VLAN 10 on port 1 is deleted\n"
             "  ! address 00:00:00:00:00:01 in VLAN 10 on port 2 is added\n"
             "  learned\n");
-  EXPECT_EQ(run("learn 00:00:00:00:00:01 20 1"), "  not learned\n");
-  EXPECT_EQ(run("learn 01:00:00:00:00:01 10 1"), "  not learned\n");
+  EXPECT_EQ(run("learn 00:00:00:00:00:01 20 1"), "  not learned; \"help learn\" lists the reasons\n");
+  EXPECT_EQ(run("learn 01:00:00:00:00:01 10 1"), "  not learned; \"help learn\" lists the reasons\n");
   EXPECT_EQ(run("show mac"),
             "VLAN  MAC                at      kind  hit\n"
             "10    00:00:00:00:00:01  port 2  -     source\n");

@@ -117,6 +117,7 @@ TEST_F(ShellHelp, OnAFunctionOfRecordsShowsTheirFieldsWithTypesAndConstants) {
 
 TEST_F(ShellHelp, OnACommandOfTheShellShowsItsFormAndItsFields) {
   EXPECT_EQ(run("help link"), "link PORT up|down [UNIT]\nTakes a port's link up or down; who is registered is told.\n");
+  EXPECT_NE(run("help learn").find("\n  - that is beyond a learn limit"), std::string::npos);
   const std::string notes = run("help expect");
   EXPECT_TRUE(notes.starts_with("expect CODE|out|cpu|dropped|nothing ...\n")) << notes;
   for (const std::string form : {"CODE COMMAND: ", "out PORT [FRAME]: ", "dropped REASON: ", "nothing: "})
@@ -124,6 +125,15 @@ TEST_F(ShellHelp, OnACommandOfTheShellShowsItsFormAndItsFields) {
   const std::string text = run("help classify");
   EXPECT_NE(text.find("\n  FRAME is {field=value, ...} of\n    in_port "), std::string::npos) << text;
   EXPECT_NE(text.find("\n    src_mac        MAC address\n"), std::string::npos) << text;
+}
+
+TEST_F(ShellHelp, OnShowListsTheTablesOfTheChipAndOfTheProgramAroundTheShell) {
+  const std::string form = "show TABLE [UNIT]\nShows one of the chip's tables.\n  TABLE: attribute, clock, ";
+  const std::string text = run("help show");
+  EXPECT_TRUE(text.starts_with(form)) << text;
+  EXPECT_TRUE(text.ends_with(", vlan, vport\n")) << text;
+  session().more_tables["plug"] = [] { return ""; };
+  EXPECT_TRUE(run("help show").ends_with(", vlan, vport, plug\n"));
 }
 
 }  // namespace

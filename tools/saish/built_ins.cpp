@@ -30,8 +30,6 @@ namespace {
 constexpr int any_length = 1000;
 constexpr int highest_vlan = 4095;
 
-void help(Session& /*session*/, const Words& arguments) { print_help(arguments); }
-
 int unit_number(const std::string& word) {
   const std::optional<int> unit = number<int>(word);
   if (!unit || *unit < 0 || *unit > 15) throw BadInput("unit: \"" + word + "\" is not a number from 0 to 15");
@@ -66,11 +64,15 @@ T value(const std::string& where, const std::string& word) {
   return result;
 }
 
-std::string table_names() {
+/// What `show` takes in this session.
+std::string table_names(const Session& session) {
   std::string result;
   for (int i = 0; swsdk_show_table(i) != nullptr; ++i) result += (i > 0 ? ", " : "") + std::string(swsdk_show_table(i));
+  for (const auto& [name, text] : session.more_tables) result += ", " + name;
   return result;
 }
+
+void help(Session& session, const Words& arguments) { print_help(arguments, table_names(session)); }
 
 void show(Session& session, const Words& arguments) {
   if (const auto more = session.more_tables.find(arguments[0]); more != session.more_tables.end()) {
@@ -79,11 +81,7 @@ void show(Session& session, const Words& arguments) {
   }
   bool known = false;
   for (int i = 0; swsdk_show_table(i) != nullptr; ++i) known = known || arguments[0] == swsdk_show_table(i);
-  if (!known) {
-    std::string names = table_names();
-    for (const auto& [name, text] : session.more_tables) names += ", " + name;
-    throw BadInput("there is no table \"" + arguments[0] + "\"; the tables are " + names);
-  }
+  if (!known) throw BadInput("there is no table \"" + arguments[0] + "\"; the tables are " + table_names(session));
   const int unit = unit_at(arguments, 1);
 
   std::fputs(shown_table(unit, arguments[0]).c_str(), stdout);
@@ -164,7 +162,7 @@ void learn(Session& /*session*/, const Words& arguments) {
   const int learned = swsdk_l2_learn(unit, vlan, mac, port, 0);
   if (learned < 0) throw no_port(unit, port);
   swsdk_events_drain();
-  std::printf("  %s\n", learned != 0 ? "learned" : "not learned");
+  std::printf("  %s\n", learned != 0 ? "learned" : "not learned; \"help learn\" lists the reasons");
 }
 
 void age(Session& /*session*/, const Words& arguments) {
@@ -310,6 +308,16 @@ void expect(Session& /*session*/, const Words& /*arguments*/) {}
 
 constexpr const char* send_notes[] = {frame_form};
 
+constexpr const char* learn_notes[] = {
+    "Not learned is an address",
+    "- that is a multicast address or all zeros",
+    "- that has a static entry elsewhere",
+    "- whose VLAN does not exist or does not learn",
+    "- whose port does not learn: sai_port_learn_set, or its spanning-tree state in the VLAN",
+    "- that is beyond a learn limit, of the chip, the VLAN, the port or the trunk",
+    "- whose bucket of the table is full: 4 addresses with its hash",
+};
+
 constexpr BuiltIn all_built_ins[] = {
     {"help", "help [WORD...]", "Tells about a command, lists a family of them, or finds some by words.", 0, any_length,
      help},
@@ -331,8 +339,14 @@ constexpr BuiltIn all_built_ins[] = {
      {},
      expectation_notes},
     {"link", "link PORT up|down [UNIT]", "Takes a port's link up or down; who is registered is told.", 2, 3, link},
-    {"learn", "learn MAC VLAN PORT [UNIT]", "Lets the chip learn an address, as from a frame that came in.", 3, 4,
-     learn},
+    {"learn",
+     "learn MAC VLAN PORT [UNIT]",
+     "Lets the chip learn an address, as from a frame that came in.",
+     3,
+     4,
+     learn,
+     {},
+     learn_notes},
     {"age", "age SECONDS [UNIT]", "Lets time pass on the chip, so that addresses that are not seen again age.", 1, 2,
      age},
     {"hit", "hit IP[/LENGTH] source|destination [UNIT]", "Marks a host or a route as used, as by frames.", 2, 3, hit},

@@ -136,9 +136,10 @@ void print_record(const std::string& name, std::string_view record, std::span<co
   print_fields(record, fields);
 }
 
-void print_about(const BuiltIn& built_in) {
+void print_about(const BuiltIn& built_in, const std::string& tables) {
   std::printf("%s\n", built_in.usage);
   print_wrapped("", built_in.summary);
+  if (std::string_view(built_in.usage).find(" TABLE") != std::string_view::npos) print_wrapped("  TABLE: ", tables);
   print_record("FRAME", "", built_in.fields);
   for (const char* const note : built_in.notes) print_wrapped("  ", note);
 }
@@ -183,13 +184,13 @@ bool print_found(const Words& words) {
 
 }  // namespace
 
-void print_help(const Words& words) {
+void print_help(const Words& words, const std::string& tables) {
   if (words.empty()) return print_overview();
   std::string name;
   for (const std::string& word : words) name += (name.empty() ? "" : " ") + word;
   if (name == help_on_all) return print_all();
   if (name == help_on_shell) return print_lines(lines_of_built_ins());
-  if (const BuiltIn* built_in = find_built_in(name)) return print_about(*built_in);
+  if (const BuiltIn* built_in = find_built_in(name)) return print_about(*built_in, tables);
   if (const Function* function = find_function(name)) return print_about(*function);
   if (!print_family(lower(name)) && !print_found(words)) throw unknown_command(name);
 }

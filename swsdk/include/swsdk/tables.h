@@ -63,7 +63,7 @@ long swsdk_check(int unit, char* buffer, size_t size);
  *                is learned on the trunk
  * @param tunnel  the tunnel it came through; 0 for none
  * @return 1 when the address is in the table for that place now; 0 when it is not: it is a multicast address or all
- *         zeros, has a static entry elsewhere, its VLAN does not exist or does not learn, nor does the port's
+ *         zeros, has a static entry elsewhere, its VLAN does not exist or does not learn, nor does the port or its
  *         spanning-tree state there, a learn limit is reached, or its bucket is full; -1 when there is no such
  *         initialized unit or port, or the VLAN is out of range
  */
