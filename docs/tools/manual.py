@@ -158,7 +158,8 @@ class Reference:
         self.errors = [m for m in messages.index()[0] if m.level == "errors"]
         self.results = results.rows(self.logged)
         self.constants = sdk.headers_of_constants()
-        self.problems = []
+        self.problems = [f"{name}: docs/results has nothing of a table that {call} finds full"
+                         for name, call in results.without_full(self.logged)]
 
     def documented(self, entry):
         """The comment with an entry's arguments and results: its own, or that of the entry to which it refers."""

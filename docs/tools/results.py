@@ -70,6 +70,8 @@ SCENES = {
     "(off)": "before chip start-up",
 }
 REASONS = [text for text, _ in messages.reasons()]
+# The one begins with empty tables, the other has just deleted an entry.
+ALWAYS_HAS_ROOM = {"sai_switch_chip_init", "sai_vport_destroy"}
 
 
 def template(line, texts):
@@ -169,7 +171,8 @@ def refusal_rows(refusals):
     for refusal in refusals:
         about_unit = refusal.code in (-3, -17) and set(refusal.reasons) & {"unit", "(off)", "(attached)"}
         code = "BCM_E_UNIT or BCM_E_INIT" if about_unit else SDK_NAMES.get(refusal.code, refusal.code)
-        reasons = merged.setdefault((refusal.call, code, refusal.result, refusal.log, left(refusal.done)), {})
+        chip = left(refusal.done) if refusal.result else "the other steps are done"
+        reasons = merged.setdefault((refusal.call, code, refusal.result, refusal.log, chip), {})
         for what, values in refusal.reasons.items():
             reasons.setdefault(what, []).extend(values)
     for (call, code, result, log, chip), reasons in merged.items():
@@ -246,9 +249,12 @@ def rows(logged):
     """The rows of each function, in the order of its SDK calls."""
     failures = read_failures(logged)
     refusals, natural = read_refusals(logged)
+    calls = defaultdict(dict)
+    for function, call in steps():
+        calls[function][call] = None
     found = {}
     for name in sorted(failures.keys() | refusals.keys()):
-        order = ["library", *dict.fromkeys(failure.call for failure in failures[name])]
+        order = ["library", *calls[name]]
         refused = {(refusal.call, refusal.code) for refusal in refusals[name]}
         refusals_of_it = list(with_other_cases(refusal_rows(refusals[name]), failures[name]))
         rows_ = folded([*refusals_of_it, *failure_rows(failures[name], refused, natural[name])])
@@ -257,10 +263,25 @@ def rows(logged):
     return found
 
 
+def steps():
+    """Pairs of a function of the library and an SDK call that it makes, in the order of its calls."""
+    for line in (RESULTS / "failures").read_text().splitlines():
+        name, call, *_ = line.split("\t")
+        yield name.partition(",")[0], call
+
+
+def without_full(logged):
+    """Pairs of a function and an SDK call whose table others have found full, and of which no row tells."""
+    codes = {number for number, name in SDK_NAMES.items() if name in ("BCM_E_FULL", "BCM_E_RESOURCE")}
+    _, natural = read_refusals(logged)
+    full = {(name, call) for name, answers in natural.items() for call, code in answers if code in codes}
+    tables = {call for _, call in full}
+    return sorted({pair for pair in steps() if pair[1] in tables and pair[0] not in ALWAYS_HAS_ROOM} - full)
+
+
 def callers():
     """The functions of the library that make each SDK call."""
     found = defaultdict(set)
-    for line in (RESULTS / "failures").read_text().splitlines():
-        name, call, *_ = line.split("\t")
-        found[call].add(name.partition(",")[0])
+    for function, call in steps():
+        found[call].add(function)
     return found

@@ -10,6 +10,7 @@
 #include <sstream>
 
 #include "input/all_functions.h"
+#include "input/fillings.h"
 #include "support/kept.h"
 #include "support/start.h"
 
@@ -17,6 +18,7 @@ namespace {
 
 using input::Bad;
 using input::chosen;
+using input::Filling;
 using input::Function;
 
 /// The SDK call that decided, or "library", its code, the result, and the errors of the log without their
@@ -37,7 +39,9 @@ class Refusals : public input::AllFunctions {
     return refusal(function, [&] { return input::quietly(function, bad).result.value_or(0); });
   }
 
-  std::optional<Refusal> refusal(const Function& function, const std::function<int32_t()>& call_it) {
+  /// With `full`, the SDK call that has to answer that its table is full; that decides, whatever the result.
+  std::optional<Refusal> refusal(const Function& function, const std::function<int32_t()>& call_it,
+                                 std::string_view full = {}) {
     int32_t result = 0;
     const std::string seen = observe([&] { return result = call_it(); });
     Refusal refusal;
@@ -52,7 +56,8 @@ class Refusals : public input::AllFunctions {
         const std::string call = line.substr(0, line.find('('));
         const int code = std::atoi(line.c_str() + at + 3);
         if (code < 0) answers_[function.name].insert(call + '\t' + std::to_string(code));
-        if (code < 0 && sdk_to_sai(code) == result) {
+        const bool decides = full.empty() ? sdk_to_sai(code) == result : call == full && code == BCM_E_FULL;
+        if (code < 0 && decides) {
           refusal.call = call;
           refusal.code = code;
         } else if (code == 0 && !call.starts_with("soc_linkscan") && done.insert(call).second) {
@@ -60,7 +65,7 @@ class Refusals : public input::AllFunctions {
         }
       }
     }
-    return result < 0 ? std::optional(refusal) : std::nullopt;
+    return result < 0 || refusal.code < 0 ? std::optional(refusal) : std::nullopt;
   }
 
   void keep(const Function& function, const std::string& what, const std::string& value,
@@ -93,16 +98,8 @@ class Refusals : public input::AllFunctions {
   std::map<std::string, std::map<Refusal, std::map<std::string, std::vector<std::string>>>> kept_;
 };
 
-/// What takes the last room behind a function: the arguments that differ from call to call. But for the last, each
-/// takes 120 values. Or a call with a number of its own.
-struct Filling {
-  std::string_view function;
-  std::vector<const char*> differing = {};
-  int step = 2;
-  int32_t (*call)(int i) = nullptr;
-};
-
 int32_t call_next(const Function& function, const Filling& filling, int64_t number) {
+  if (filling.call != nullptr) return filling.call(static_cast<int>(number));
   for (const char* const name : filling.differing) {
     const bool is_last = name == filling.differing.back();
     chosen[name] = 2 + (is_last ? number : number % 120) * filling.step;
@@ -110,58 +107,6 @@ int32_t call_next(const Function& function, const Filling& filling, int64_t numb
   }
   return input::quietly(function).result.value_or(0);
 }
-
-constexpr uint8_t mac[6] = {2};
-
-const Filling fillings[] = {
-    {"sai_bpdu_set", {"mac"}},
-    {"sai_lldp_set"},
-    {.function = "sai_knet_netif_init",
-     .call = [](int i) { return sai_knet_netif_init(0, i, std::to_string(i).c_str(), mac); }},
-    {"sai_l2_mac_entry_add", {"mac", "vlan"}},
-    {.function = "sai_trunk_create",
-     .call =
-         [](int) {
-           int32_t tid = 0;
-           return sai_trunk_create(0, 0, &tid);
-         }},
-    {.function = "sai_vlan_translate_add",
-     .call = [](int i) { return sai_vlan_translate_add(0, 1 + i % 8, 2 + i / 8, 0, 2 + i / 8, 0); }},
-    {"sai_mirror_dest_port_set", {"session"}},
-    {"sai_l3_host_route_create", {"ip"}},
-    {"sai_l3_subnet_route_create", {"subnet"}, 0x10000},
-    {"sai_ipmc_add", {"group_ip"}},
-    {"sai_vport_fp_policer_set"},
-    {"sai_ifp_l2_group_create"},
-    {"sai_efp_l2_group_create"},
-    {"sai_ifp_mac_ipv4_group_create"},
-    {"sai_efp_mac_ipv4_group_create"},
-    {"sai_ifp_mac_ipv6_group_create"},
-    {"sai_efp_mac_ipv6_group_create"},
-    {"sai_system_ipv4_fp_create"},
-    {"sai_system_ipv6_fp_create"},
-    {"sai_fp_mld_group_create"},
-    {"sai_fp_mld_exclude_group_create"},
-    {"sai_fp_vport_group_create"},
-    {"sai_ipsg_init"},
-    {"sai_acl_l2_entry_install"},
-    {"sai_acl_std_l3_entry_install"},
-    {"sai_acl_ext_l3_entry_install"},
-    {"sai_acl_l2_l3_entry_install"},
-    {"sai_fp_ospf_ttl1_set"},
-    {"sai_fp_loopd_packet_to_cpu_set"},
-    {"sai_fp_dhcp_requeset_to_cpu_set"},
-    {"sai_fp_dhcp_response_to_cpu_set"},
-    {"sai_fp_dhcpv6_req_to_cpu_set"},
-    {"sai_fp_igmp_packet_to_cpu"},
-    {"sai_fp_arp_packet_vlan_qualify_set"},
-    {"sai_fp_arp_packet_cpu_qualify_set"},
-    {"sai_fp_arp_packet_port_qualify_set"},
-    {"sai_fp_mld_packet_exclude_filter_set"},
-    {"sai_fp_vport_qualify_set"},
-    {"sai_ipsg_verify_config"},
-    {"sai_ipsg_parameter_config"},
-};
 
 TEST_F(Refusals, AreThoseOfTheManual) {
   for (const Function& function : input::functions()) {
@@ -183,18 +128,19 @@ TEST_F(Refusals, AreThoseOfTheManual) {
     keep(function, "(attached)", "", refusal(function));
     swsdk_power_off();
     keep(function, "(off)", "", refusal(function));
-    for (const Filling& filling : fillings) {
+    for (const Filling& filling : input::fillings()) {
       if (filling.function != function.name) continue;
       set_scene();
+      constexpr int enough = 20000;
       int i = 0;
-      const auto next = [&] {
-        ++i;
-        return filling.call != nullptr ? filling.call(i) : call_next(function, filling, i);
-      };
-      for (int32_t result = 0; i < 20000 && result != SAI_E_FULL && result != SAI_E_FAIL;) result = next();
-      const std::optional<Refusal> seen = refusal(function, next);
+      const auto next = [&] { return call_next(function, filling, ++i); };
+      if (filling.fill != nullptr)
+        for (int n = 1; n < enough && filling.fill(n) != BCM_E_FULL;) ++n;
+      else
+        for (int32_t result = 0; i < enough && result != SAI_E_FULL && result != SAI_E_FAIL;) result = next();
+      const std::optional<Refusal> seen = refusal(function, next, filling.table);
       EXPECT_TRUE(seen && (seen->code == BCM_E_FULL || seen->code == BCM_E_RESOURCE))
-          << function.name << " fills nothing";
+          << function.name << ' ' << filling.table << ": nothing is full";
       keep(function, "(full)", "", seen);
     }
   }
