@@ -31,6 +31,7 @@ end() {
 trap end EXIT
 failed=0
 for program in "$@"; do
+  rm -f "$folder/output"  # of the one before
   "$server" --listen "$folder/chip" >"$folder/output" &
   process=$!
   for ((i = 0; i < 500; ++i)); do

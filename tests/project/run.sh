@@ -81,6 +81,7 @@ if [ "$(id -u)" -eq 0 ] && command -v setpriv >/dev/null; then
     kill "$process"
     wait "$process" || true
     mkdir -m 777 "$folder/other"
+    rm "$folder/ready"  # of the one before
     "${other[@]}" "$server" --listen "$folder/other/chip" >"$folder/ready" &
     process=$!
     for ((i = 0; i < 500; ++i)); do
