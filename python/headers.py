@@ -34,14 +34,14 @@ def plain(comment):
 
 
 def number(text):
-    return int(text.strip("()").rstrip("uU"), 0)
+    return int(text.strip("()").rstrip("uUL"), 0)
 
 
 # ------------------------------------------------------------------------------------------------------ constants ----
 
 
 def read_constants(interface, text):
-    macros = re.findall(r'^#define ([A-Z]\w+) (\(?-?(?:0x[0-9A-Fa-f]+|\d+)[uU]?\)?|"[^"]*")(?: */\*.*)?$', text, re.M)
+    macros = re.findall(r'^#define ([A-Z]\w+) (\(?-?(?:0x[0-9A-Fa-f]+|\d+)(?:[uU]|ULL)?\)?|"[^"]*")(?: */\*.*)?$', text, re.M)
     for name, value in macros:
         interface.constants[name] = value.strip('"') if value.startswith('"') else number(value)
     for comment, name, body, typedef in re.findall(

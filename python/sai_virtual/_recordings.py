@@ -65,7 +65,7 @@ def compare(path: str | os.PathLike[str]) -> Comparison:
         texts = (getattr(difference, name).decode() for name in Answer._fields[1:])
         found.append(Answer(difference.line, *texts))
 
-    outcome, lines, replayed = FUNCTIONS["swsdk_replay_all"](os.fsencode(path), note)
+    outcome, lines, replayed = FUNCTIONS["swsdk_replay_all"](os.fsencode(path), CONSTANTS["SWSDK_REPLAY_TO_END"], note)
     if outcome == CONSTANTS["SWSDK_REPLAY_UNREADABLE"]:
         raise ValueError("\n".join(lines))
     return Comparison(found, replayed.answers, replayed.the_same, list(lines))

@@ -10,9 +10,13 @@
 #include <system_error>
 #include <vector>
 
+#include "api/chosen_id.h"
+#include "api/comparison.h"
 #include "api/recording.h"
 #include "api/repeat.h"
+#include "chip/slots.h"
 
+using api::Comparison;
 using api::Kind;
 using api::RecordedLine;
 using api::RecordingTime;
@@ -51,6 +55,7 @@ std::string api::repeated(const RecordedLine& line) {
   callback_answer = std::min(line.result, 0);
   if (line.kind == Kind::fault) swsdk_fault_inject(line.function->name, line.result, 1);
   take_captured();
+  const chip::WantedSlot wanted(chosen_slot(line));
   call_with(*line.function, line.arguments);
   swsdk_events_drain();
   return take_captured();
@@ -63,17 +68,11 @@ void api::begin_replay() {
 }
 
 int swsdk_replay(const char* path, swsdk_line_t tell, void* data) {
-  return swsdk_replay_until(path, UINT64_MAX, tell, data);
-}
-
-int swsdk_replay_until(const char* path, unsigned long long nanoseconds, swsdk_line_t tell, void* data) {
   if (path == nullptr || tell == nullptr) return SWSDK_REPLAY_UNREADABLE;
   api::begin_replay();
   bool same = true;
-  RecordingTime time;
   const int outcome =
       api::read_recording(path, tell, data, [&](const RecordedLine& line, int /*number*/, const Say& say) {
-        if (time.after(line) > nanoseconds) return false;
         if (line.kind == Kind::event) return true;
         const std::string recorded = text_of(line);
         const std::string now = api::repeated(line);
@@ -88,10 +87,26 @@ int swsdk_replay_until(const char* path, unsigned long long nanoseconds, swsdk_l
   return same ? outcome : SWSDK_REPLAY_DIFFERENT;
 }
 
+int swsdk_replay_all(const char* path, unsigned long long until, swsdk_difference_t differs, swsdk_line_t tell,
+                     void* data, swsdk_replayed* replayed) {
+  if (path == nullptr || differs == nullptr || tell == nullptr) return SWSDK_REPLAY_UNREADABLE;
+  Comparison comparison([&](const swsdk_difference& difference) { differs(&difference, data); });
+  RecordingTime time;
+  const int outcome = api::read_recording(path, tell, data, [&](const RecordedLine& line, int number, const Say& say) {
+    if (time.after(line) > until) return false;
+    comparison.repeat(line, number, say);
+    return true;
+  });
+  const swsdk_replayed counts = comparison.end();
+  if (outcome == SWSDK_REPLAY_UNREADABLE) return outcome;
+  if (replayed != nullptr) *replayed = counts;
+  return comparison.has_differences() ? SWSDK_REPLAY_DIFFERENT : outcome;
+}
+
 int swsdk_recording_cut(const char* path, unsigned long long nanoseconds, const char* state, swsdk_line_t write,
                         swsdk_line_t tell, void* data) {
   if (path == nullptr || state == nullptr || write == nullptr || tell == nullptr) return SWSDK_REPLAY_UNREADABLE;
-  api::begin_replay();
+  Comparison comparison([](const swsdk_difference&) {});
   bool is_later = false;
   bool is_saved = true;
   RecordingTime time;
@@ -106,18 +121,16 @@ int swsdk_recording_cut(const char* path, unsigned long long nanoseconds, const 
     write(("action swsdk_state_restore(" + api::quoted(whole_path) + ") = 0").c_str(), data);
     for (const std::string& line : registrations.lines()) write(line.c_str(), data);
   };
-  const int outcome =
-      api::read_recording(path, tell, data, [&](const RecordedLine& line, int /*number*/, const Say& /*say*/) {
-        if (!is_later && time.after(line) > nanoseconds) begin_cut();
-        if (is_later) {
-          write(std::string(line.whole).c_str(), data);
-        } else if (line.kind != Kind::event) {
-          api::repeated(line);
-          registrations.follow(line);
-        }
-        return is_saved;
-      });
-  api::capture_recording(false);
+  const int outcome = api::read_recording(path, tell, data, [&](const RecordedLine& line, int number, const Say& say) {
+    if (!is_later && time.after(line) > nanoseconds) begin_cut();
+    if (is_later) {
+      write(std::string(line.whole).c_str(), data);
+    } else {
+      comparison.repeat(line, number, say);
+      registrations.follow(line);
+    }
+    return is_saved;
+  });
   if (outcome == SWSDK_REPLAY_UNREADABLE || !is_saved) return SWSDK_REPLAY_UNREADABLE;
   if (!is_later) begin_cut();
   if (outcome == SWSDK_REPLAY_SAME) write(api::recording_end.data(), data);

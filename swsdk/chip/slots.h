@@ -2,6 +2,7 @@
 #pragma once
 
 #include <map>
+#include <optional>
 #include <set>
 #include <type_traits>
 
@@ -9,6 +10,21 @@
 #include "chip/status.h"
 
 namespace chip {
+
+/// While it lives, the slot that an item of this thread gets when it is free and the item comes without an id: a replay
+/// has the chip choose as the recorded one did.
+class WantedSlot {
+ public:
+  explicit WantedSlot(std::optional<int> slot) { present_ = slot; }
+  ~WantedSlot() { present_ = {}; }
+  WantedSlot(const WantedSlot&) = delete;
+  WantedSlot& operator=(const WantedSlot&) = delete;
+
+  static std::optional<int> present() { return present_; }
+
+ private:
+  static inline constinit thread_local std::optional<int> present_;
+};
 
 /// Holds at most `capacity` items under ids from `first` on, and assigns the lowest free id.
 /// `SlotId`: a plain number, or an Id.
@@ -28,6 +44,9 @@ class Slots {
   /// Puts an item into the lowest free slot; `id` is set to it.
   Status add(const Item& item, SlotId& id) {
     if (full()) return Status::full;
+    if (const std::optional<int> wanted = WantedSlot::present();
+        wanted && is_valid(to_id(*wanted)) && find(to_id(*wanted)) == nullptr)
+      return put(item, id = to_id(*wanted));
     while (free_.empty() && find(to_id(fresh_)) != nullptr) ++fresh_;
     id = to_id(free_.empty() ? fresh_ : *free_.begin());
     return put(item, id);

@@ -26,7 +26,7 @@ class ReplayAll : public testing::Test {
     std::ofstream(path_) << "swsdk recording 3\ncall sdk_main(0, NULL) = 0\ncall system_init(0) = 0\n" << lines;
     std::string told;
     swsdk_replayed counts{-1, -1};
-    const int outcome = swsdk_replay_all(path_.c_str(), differ, tell, &told, &counts);
+    const int outcome = swsdk_replay_all(path_.c_str(), SWSDK_REPLAY_TO_END, differ, tell, &told, &counts);
     return told + std::to_string(outcome) + ": " + std::to_string(counts.the_same) + " of " +
            std::to_string(counts.answers);
   }
@@ -149,13 +149,15 @@ TEST_F(ReplayAll, ReadsEveryPrefixAndSaysHowFarItCame) {
 }
 
 TEST_F(ReplayAll, RefusesWhatItCannotTell) {
-  EXPECT_EQ(swsdk_replay_all(nullptr, differ, tell, nullptr, nullptr), SWSDK_REPLAY_UNREADABLE);
-  EXPECT_EQ(swsdk_replay_all(path_.c_str(), nullptr, tell, nullptr, nullptr), SWSDK_REPLAY_UNREADABLE);
-  EXPECT_EQ(swsdk_replay_all(path_.c_str(), differ, nullptr, nullptr, nullptr), SWSDK_REPLAY_UNREADABLE);
+  EXPECT_EQ(swsdk_replay_all(nullptr, SWSDK_REPLAY_TO_END, differ, tell, nullptr, nullptr), SWSDK_REPLAY_UNREADABLE);
+  EXPECT_EQ(swsdk_replay_all(path_.c_str(), SWSDK_REPLAY_TO_END, nullptr, tell, nullptr, nullptr),
+            SWSDK_REPLAY_UNREADABLE);
+  EXPECT_EQ(swsdk_replay_all(path_.c_str(), SWSDK_REPLAY_TO_END, differ, nullptr, nullptr, nullptr),
+            SWSDK_REPLAY_UNREADABLE);
   std::string told;
   swsdk_replayed counts{-1, -1};
   EXPECT_EQ(swsdk_replay_all(
-                "/nowhere", differ, [](const char*, void*) {}, &told, &counts),
+                "/nowhere", SWSDK_REPLAY_TO_END, differ, [](const char*, void*) {}, &told, &counts),
             SWSDK_REPLAY_UNREADABLE);
   EXPECT_EQ(counts.answers, -1);
 }

@@ -77,11 +77,16 @@ uint64_t nanoseconds_of(double seconds) { return static_cast<uint64_t>(seconds *
 
 /// Repeats a recording up to a time, and runs commands on the chip as it was then.
 int travel(const std::string& recording, double seconds) {
-  const int result = swsdk_replay_until(recording.c_str(), nanoseconds_of(seconds), tell_line, nullptr);
-  if (result == SWSDK_REPLAY_UNREADABLE || result == SWSDK_REPLAY_DIFFERENT) return status_of(result);
+  swsdk_replayed replayed{};
+  const int result = swsdk_replay_all(
+      recording.c_str(), nanoseconds_of(seconds), [](const swsdk_difference*, void*) {}, tell_line, nullptr, &replayed);
+  if (result == SWSDK_REPLAY_UNREADABLE) return status_of(result);
+  if (result == SWSDK_REPLAY_DIFFERENT)
+    std::fprintf(stderr, "%ld of %ld answers and events differ from the recorded ones; --report shows them\n",
+                 replayed.answers - replayed.the_same, replayed.answers);
   saish::Session session(saish::Power::left);
   run_standard_input(session);
-  return status_of(result);
+  return status_of(result == SWSDK_REPLAY_DIFFERENT ? SWSDK_REPLAY_SAME : result);
 }
 
 /// Writes a recording without what is before a time.

@@ -86,7 +86,8 @@ int report(const std::string& recording, const std::string& known) {
   const std::set<What> known_ones = read_known(known);
   Report report;
   swsdk_replayed replayed{};
-  int outcome = swsdk_replay_all(recording.c_str(), note_difference, note_line, &report, &replayed);
+  int outcome =
+      swsdk_replay_all(recording.c_str(), SWSDK_REPLAY_TO_END, note_difference, note_line, &report, &replayed);
   std::fprintf(stderr, "%s", report.notices.c_str());
   if (outcome == SWSDK_REPLAY_UNREADABLE) return outcome;
   std::vector<const std::pair<const What, Found>*> rows;

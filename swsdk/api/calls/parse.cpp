@@ -59,6 +59,20 @@ std::vector<std::string_view> api::items(std::string_view text, char open, char 
   return result;
 }
 
+std::string_view api::value_after(std::string_view argument) {
+  constexpr std::string_view arrow = " -> &";
+  if (argument.starts_with('&')) return argument.substr(1);
+  const std::size_t written = argument.starts_with('"') ? std::string_view::npos : argument.find(arrow);
+  return written == std::string_view::npos ? argument : argument.substr(written + arrow.size());
+}
+
+std::string_view api::field_value(std::string_view record, std::string_view field) {
+  if (!record.starts_with('{')) return {};
+  for (const std::string_view item : items(record, '{', '}'))
+    if (item.starts_with(field) && item.substr(field.size()).starts_with('=')) return item.substr(field.size() + 1);
+  return {};
+}
+
 uint64_t api::parsed_number(std::string_view text) {
   if (text.starts_with("0x")) return number<uint64_t>(text.substr(2), 16, text);
   if (text.starts_with('-')) return static_cast<uint64_t>(number<int64_t>(text, 10, text));

@@ -23,6 +23,12 @@ struct Unreadable : std::runtime_error {
 /// What is between `open` and `close`, split at commas outside brackets, braces and quotes.
 std::vector<std::string_view> items(std::string_view text, char open, char close);
 
+/// What an argument is after the call: "{vid=1, port=3}" of "{vid=1} -> &{vid=1, port=3}", "7" of "&7", or itself.
+std::string_view value_after(std::string_view argument);
+
+/// The value of a field, from the text of its record; nothing when the record does not show it, because it is 0.
+std::string_view field_value(std::string_view record, std::string_view field);
+
 /// The two's complement of an integer as the journal writes it: decimal, hexadecimal or as an IPv4 address.
 uint64_t parsed_number(std::string_view text);
 std::vector<uint8_t> parsed_mac(std::string_view text);

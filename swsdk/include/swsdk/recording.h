@@ -73,24 +73,11 @@ typedef void (*swsdk_line_t)(const char* line, void* data);
 int swsdk_replay(const char* path, swsdk_line_t tell, void* data);
 
 /**
- * Repeats a recording like swsdk_replay(), but stops before the first line of a later time, and leaves the chips as
- * they were then. The time of a line is that of its stamp or, in a recording of the virtual chip's own, that of its
- * clock.
- *
- * @param path        the recording
- * @param nanoseconds since the recording began, or on the clock since the chips were switched on
- * @param tell        called with notices, and with what is wrong or different, with file and line
- * @param data        passed to it
- * @return one of the SWSDK_REPLAY_ values; SWSDK_REPLAY_SAME also when lines are left
- */
-int swsdk_replay_until(const char* path, unsigned long long nanoseconds, swsdk_line_t tell, void* data);
-
-/**
- * Cuts the beginning off a recording: repeats it up to a time like swsdk_replay_until(), without comparing, saves the
+ * Cuts the beginning off a recording: repeats it up to a time like swsdk_replay_all(), without comparing, saves the
  * state of the chips, and writes a recording that begins with it. Not to be called from a callback.
  *
  * @param path        the recording
- * @param nanoseconds as for swsdk_replay_until(); in the new recording, the clock counts from there
+ * @param nanoseconds as `until` of swsdk_replay_all(); in the new recording, the clock counts from there
  * @param state       file to write for the state (swsdk/state.h); the new recording has its whole path
  * @param write       called with the lines of the new recording
  * @param tell        called with notices and with what is wrong, with file and line
@@ -100,6 +87,9 @@ int swsdk_replay_until(const char* path, unsigned long long nanoseconds, swsdk_l
  */
 int swsdk_recording_cut(const char* path, unsigned long long nanoseconds, const char* state, swsdk_line_t write,
                         swsdk_line_t tell, void* data);
+
+/** Of swsdk_replay_all(): later than any line. */
+#define SWSDK_REPLAY_TO_END 0xFFFFFFFFFFFFFFFFULL
 
 /** One answer, or event, of a repeated recording that is not the recorded one. */
 typedef struct swsdk_difference {
@@ -120,11 +110,14 @@ typedef struct swsdk_replayed {
 } swsdk_replayed;
 
 /**
- * Repeats a recording like swsdk_replay(), but to its end, and reports every difference. An event of the recording that
- * the chip does not raise by itself, because on the recorded chip it came from outside, is raised: a link that changes,
- * an address that is learned or removed. Not to be called from a callback.
+ * Repeats a recording like swsdk_replay(), but to its end or up to a time, and reports every difference. An event of
+ * the recording that the chip does not raise by itself, because on the recorded chip it came from outside, is raised: a
+ * link that changes, an address that is learned or removed. Not to be called from a callback.
  *
  * @param path     the recording
+ * @param until    stops before the first line of a later time, in nanoseconds since the recording began: that of the
+ *                 line's stamp or, in a recording of the virtual chip's own, that of the clock since the chips were
+ *                 switched on. #SWSDK_REPLAY_TO_END does not stop
  * @param differs  called with each difference, in the order of the lines
  * @param tell     called with notices, and with what is wrong, with file and line
  * @param data     passed to both
@@ -132,8 +125,8 @@ typedef struct swsdk_replayed {
  * @return one of the SWSDK_REPLAY_ values; SWSDK_REPLAY_DIFFERENT takes precedence over SWSDK_REPLAY_INCOMPLETE, and
  *         SWSDK_REPLAY_UNREADABLE is also the result when path, differs or tell is null, and nothing is done
  */
-int swsdk_replay_all(const char* path, swsdk_difference_t differs, swsdk_line_t tell, void* data,
-                     swsdk_replayed* replayed);
+int swsdk_replay_all(const char* path, unsigned long long until, swsdk_difference_t differs, swsdk_line_t tell,
+                     void* data, swsdk_replayed* replayed);
 
 /**
  * Writes a recording as a C program that makes the same calls. It includes only the SDK's headers, and those of the
