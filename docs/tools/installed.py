@@ -37,7 +37,8 @@ def installed(page, found, headers):
             return match[0]
         for folder in (ROOT / "include", ROOT / "swsdk/include"):
             if path.is_relative_to(folder):
-                return f"[{text}]({os.path.relpath(ROOT / headers / path.relative_to(folder), page.parent)})"
+                to_readme = "../" * len(page.parent.relative_to(ROOT).parts)
+                return f"[{text}]({to_readme}{headers}/{path.relative_to(folder)})"
         return text
 
     return CODE_OR_LINK.sub(link, page.read_text())
