@@ -3,6 +3,8 @@
 
 #include <atomic>
 #include <cerrno>
+#include <exception>
+#include <new>
 #include <type_traits>
 
 #include "api/calls/call_text.h"
@@ -80,8 +82,10 @@ void record(const calls::Described<Arguments...>& call, int result) noexcept {
         [&](const auto&... each) { return api::call_text(call.function, {each...}, api::Form::recording, result); },
         call.arguments);
     recorder::add(api::Kind::call, text + " = " + std::to_string(result));
-  } catch (...) {
+  } catch (const std::bad_alloc&) {
     recorder::give_up("out of memory");
+  } catch (const std::exception& error) {
+    recorder::give_up(error.what());
   }
 }
 

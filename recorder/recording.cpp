@@ -1,18 +1,23 @@
 #include "recording.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <syslog.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <cerrno>
+#include <charconv>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <string>
+
+#include "calls_in_effect.h"
 
 /// By which the virtual chip, which can record itself, knows that it need not.
 extern "C" __attribute__((visibility("default"))) const char swsdk_recorder = 1;
@@ -21,14 +26,33 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+/// A number of bytes such as "64M": with K, M or G, or with nothing behind it.
+std::optional<uint64_t> size_of(std::string_view text) {
+  uint64_t size = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), size);
+  const std::string_view unit(end, static_cast<std::size_t>(text.data() + text.size() - end));
+  const int shift = unit.empty() ? 0 : unit == "K" ? 10 : unit == "M" ? 20 : unit == "G" ? 30 : -1;
+  if (error != std::errc{} || shift < 0 || size == 0 || size > (UINT64_MAX >> shift)) return std::nullopt;
+  return size << shift;
+}
+
 /// Opened at the first line, so that a program that makes no call leaves an existing file alone. Its lines are written
 /// one by one, so that no end of the process, however sudden, loses one.
+///
+/// With a limit there are two files. When the present one has two fifths of it, it becomes the former one, and a new
+/// one begins with the calls that are still in effect; while it is written, the other two are still there.
 class Recording {
  public:
   Recording() {
     const char* const path = std::getenv("SWSDK_RECORD");
     path_ = path == nullptr ? "" : path;
     is_on_ = !path_.empty();
+    const char* const limit = std::getenv("SWSDK_RECORD_LIMIT");
+    if (!is_on_ || limit == nullptr || *limit == '\0') return;
+    if (const std::optional<uint64_t> size = size_of(limit))
+      most_ = *size / 5 * 2;
+    else
+      give_up("SWSDK_RECORD_LIMIT is no size such as 64M");
   }
 
   bool is_on() const { return is_on_.load(std::memory_order_relaxed); }
@@ -40,7 +64,10 @@ class Recording {
     char stamp[64];
     const auto length = std::snprintf(stamp, sizeof stamp, "%.6f %d\n",
                                       std::chrono::duration<double>(Clock::now() - began_).count(), thread_number());
-    write_line(line_.append(stamp, static_cast<std::size_t>(length)));
+    line_.append(stamp, static_cast<std::size_t>(length));
+    if (most_ > 0 && size_ + line_.size() + end_line.size() > most_) begin_next();
+    if (is_on()) write_line(line_);
+    if (most_ > 0) in_effect_.add(text, line_);
     writer_ = getpid();
   }
 
@@ -51,7 +78,7 @@ class Recording {
   /// A process that exits ends the recording if it wrote its last line; otherwise its child has gone on.
   void end_with_process() {
     const std::lock_guard guard(lock_);
-    if (file_ >= 0 && is_on() && writer_ == getpid()) write_line(std::string(api::recording_end) + '\n');
+    if (file_ >= 0 && is_on() && writer_ == getpid()) write_line(end_line);
     is_on_ = false;
   }
 
@@ -68,21 +95,59 @@ class Recording {
  private:
   bool is_open() {
     if (file_ >= 0) return true;
-    file_ = open(path_.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0666);
-    if (file_ < 0) {
-      give_up(std::strerror(errno));
-      return false;
-    }
+    if (!open_file(path_)) return false;
+    if (most_ > 0) unlink(former().c_str());
     began_ = Clock::now();
-    write_line(std::string(api::recording_header) + std::to_string(api::recording_version) + '\n');
+    write_line(first_line());
     return is_on();
   }
 
+  std::string former() const { return path_ + ".1"; }
+
+  static std::string first_line() {
+    return std::string(api::recording_header) + std::to_string(api::recording_version) + '\n';
+  }
+
+  bool open_file(const std::string& path) {
+    file_ = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0666);
+    if (file_ < 0) give_up(std::strerror(errno));
+    return file_ >= 0;
+  }
+
+  /// At any moment there is a whole file under one of the two names.
+  void begin_next() {
+    if (!is_own_file()) return give_up("another process goes on with it");
+    const std::vector<std::string_view> lines = in_effect_.lines();
+    std::string text = first_line() + api::state_mark.data() + ' ' + std::to_string(lines.size()) + '\n';
+    for (const std::string_view line : lines) text += line;
+    if (text.size() > most_ / 2) return give_up("what is in the chip takes more than a fifth of SWSDK_RECORD_LIMIT");
+    write_line(end_line);
+    close(file_);
+    const std::string next = path_ + ".next";
+    if (!open_file(next)) return;
+    size_ = 0;
+    write_line(text);
+    if (std::rename(path_.c_str(), former().c_str()) != 0 || std::rename(next.c_str(), path_.c_str()) != 0)
+      give_up(std::strerror(errno));
+  }
+
+  /// A child of the process could have begun the next file.
+  bool is_own_file() const {
+    struct stat own {};
+    struct stat named {};
+    return fstat(file_, &own) == 0 && stat(path_.c_str(), &named) == 0 && own.st_ino == named.st_ino &&
+           own.st_dev == named.st_dev;
+  }
+
+  /// One line, or several at once.
   void write_line(std::string_view line) {
     ssize_t written = 0;
     do written = ::write(file_, line.data(), line.size());
     while (written < 0 && errno == EINTR);
-    if (written == static_cast<ssize_t>(line.size())) return;
+    if (written == static_cast<ssize_t>(line.size())) {
+      size_ += line.size();
+      return;
+    }
     const int reason = written < 0 ? errno : ENOSPC;
     if (written > 0) {
       const off_t end = lseek(file_, 0, SEEK_CUR);
@@ -98,10 +163,15 @@ class Recording {
     return number;
   }
 
+  static constexpr std::string_view end_line = "end\n";
+
   std::mutex lock_;
   std::atomic<bool> is_on_ = false;
   std::string path_;
   int file_ = -1;
+  uint64_t size_ = 0;                  // of the file
+  uint64_t most_ = 0;                  // that a file may have; 0: without limit
+  recorder::CallsInEffect in_effect_;  // with a limit
   pid_t writer_ = 0;
   Clock::time_point began_;
   int threads_ = 0;

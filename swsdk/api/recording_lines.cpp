@@ -36,6 +36,7 @@ uint64_t time_of(std::string_view stamp) {
 std::optional<RecordedLine> parsed_line(std::string_view text, const Say& notice) {
   const std::string_view whole = text;
   const std::string_view word = text.substr(0, text.find(' '));
+  if (word == api::state_mark) return std::nullopt;  // its lines are like any others
   const std::optional<Kind> kind = api::kind_of(word);
   if (!kind || *kind == Kind::question) {
     notice("skipped: there is no kind \"" + std::string(word) + "\" here");

@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# usage: recorder.sh RECORDER SAISH LIBSAI RECORDED LOADING EXAMPLE...
+# usage: recorder.sh RECORDER SAISH LIBSAI RECORDED LOADING SOAK EXAMPLE...
 # The recorder before applications on the virtual chip, beside the chip's own recordings of the same applications. An
 # example is a script or a program.
 set -euo pipefail
-recorder=$1 saish=$2 library=$3 recorded=$4 loading=$5
-shift 5
+recorder=$1 saish=$2 library=$3 recorded=$4 loading=$5 soak=$6
+shift 6
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cd "$work"
@@ -24,8 +24,12 @@ record() {
 # calls FILE: the calls of a recording. The recorder cannot know an injected fault from an answer.
 calls() { sed -nE 's/^(call|fault) /call /; s/ @[0-9]+\.[0-9]{6} [0-9]+$//; /^call /p' "$1"; }
 
-for example; do
-  if [[ $example == *.sai ]]; then command=("$saish" "$example"); else command=("$example"); fi
+for example in "$@" "$soak"; do
+  case $example in
+    *.sai) command=("$saish" "$example") ;;
+    "$soak") command=("$soak" --work 5000) ;;
+    *) command=("$example") ;;
+  esac
   SWSDK_RECORD=own.rec "${command[@]}" >out
   record before.rec "${command[@]}" >out
   calls own.rec >own
@@ -36,7 +40,7 @@ for example; do
 done
 
 # A line has its time and thread; events have them, too.
-grep -Eqx 'call sdk_main\(0, NULL\) = 0 @[0-9]+\.[0-9]{6} 1' before.rec || fail "no time and thread: $(cat before.rec)"
+grep -Eqx 'call sdk_main\(0, NULL\) = 0 @[0-9]+\.[0-9]{6} 1' before.rec || fail "no time and thread: $(head before.rec)"
 printf '%s\n' 'sai_register_link_service print' 'link 3 up' 'link 3 down' >link.sai
 record link.rec "$saish" link.sai >out
 grep -Eq '^event bcm_linkscan_handler_t\(<callback 1>, 0, 3, \{linkstatus=1\}\) @[0-9.]+ [0-9]+$' link.rec ||
@@ -104,3 +108,48 @@ if [ "$(id -u)" = 0 ]; then
   [ "$(stat -c %s full.rec)" -gt 60000 ] || fail "the disk was full at $(stat -c %s full.rec) bytes"
   [ -z "$(tail -c 1 full.rec)" ] || fail "a full disk left half a line: $(tail -1 full.rec)"
 fi
+
+# With a limit there are two files. Each begins with the calls that are still in effect, and so leads to the same tables,
+# but for addresses that the chip learned and nobody was told of.
+tables=$("$saish" -c 'show nothing' 2>&1 | sed 's/.*the tables are //; s/,//g' || true)
+# shellcheck disable=SC2086  # a word each
+tables_after() { printf 'show %s\n' ${tables//@(clock|learnlimit|mac) /} | "$saish" --replay "$1" --until 1e9 2>/dev/null; }
+shopt -s extglob
+bytes() { cat "$1"* | wc -c; }
+record whole.rec "$soak" --work 20000
+SWSDK_RECORD_LIMIT=4M record ring.rec "$soak" --work 20000
+[ "$(stat -c %s whole.rec)" -gt 4194304 ] || fail "there is no need of a limit: $(stat -c %s whole.rec) bytes"
+[ "$(bytes ring.rec)" -le 4194304 ] || fail "with a limit of 4 MiB there are $(bytes ring.rec) bytes"
+[ "$(head -1 ring.rec.1) $(tail -1 ring.rec.1)" = "swsdk recording 3 end" ] || fail "the former file is no whole recording"
+sed -n 2p ring.rec | grep -Eqx 'state [0-9]+' || fail "it begins with: $(head -3 ring.rec)"
+tables_after whole.rec >whole
+tables_after ring.rec >ring
+[ "$(wc -l <whole)" -gt 2000 ] || fail "the tables have $(wc -l <whole) lines"
+diff whole ring || fail "what is left (>) of a recording leads to other tables than all of it (<)"
+
+# Killed at any moment, it leaves whole recordings within the limit: two, or between two files the former one.
+for moment in 1 2 3 4 5; do
+  SWSDK_RECORD_LIMIT=64K record killed.rec "$recorded" forever &
+  pid=$!
+  until [ -e killed.rec.1 ]; do :; done
+  sleep "0.00$moment"
+  pkill -KILL -P "$pid" 2>/dev/null || kill -KILL "$pid"
+  wait "$pid" 2>/dev/null || true
+  [ "$(bytes killed.rec)" -le 65536 ] || fail "with a limit of 64 KiB there are $(bytes killed.rec) bytes"
+  [ -e killed.rec.1 ] || fail "of a killed process is left: $(ls killed*)"
+  for file in killed.rec*; do
+    got=0
+    "$saish" --replay "$file" 2>err || got=$?
+    [[ "$got" == [03] ]] || fail "$file of a killed process is read with $got: $(cat err)"
+  done
+  rm killed.rec*
+done
+
+# When what is in the chip leaves no room, the recording ends.
+SWSDK_RECORD_LIMIT=64K record small.rec "$soak" --work 5000
+tail -1 small.rec | grep -q ' @' || fail "a ring too small for the chip ends with: $(tail -1 small.rec)"
+for limit in many 64X 0 -1 99999999999999999999 99999999999G; do
+  out=$(SWSDK_RECORD_LIMIT=$limit record unlimited.rec "$recorded" lacking)
+  [ "$out" = "<3> the recording unlimited.rec ends here: SWSDK_RECORD_LIMIT is no size such as 64M"$'\n'0 ] || fail "$out"
+  [ ! -e unlimited.rec ] || fail "a limit of $limit has a recording"
+done

@@ -1,7 +1,8 @@
-// usage: soak [--seconds SECONDS] [--calls CALLS] [--round CALLS] [--seed SEED]
+// usage: soak [--seconds SECONDS] [--calls CALLS] [--round CALLS] [--seed SEED] [--work CALLS]
 // Random work through the whole library on a virtual chip, in rounds. After each everything is given back: then every
 // table of the chip has to read as at the start, the process has to have as many open files, and no more memory in use
-// than after the first round. Ends after so many seconds or calls, whichever comes first.
+// than after the first round. Ends after so many seconds or calls, whichever comes first. With --work, only makes so
+// many calls and leaves the chip as they left it.
 #include "soak.h"
 
 #include <malloc.h>
@@ -41,6 +42,7 @@ struct Options {
   uint64_t calls = UINT64_MAX;
   uint64_t round = 250000;
   uint32_t seed = 1;
+  uint64_t work = 0;
 };
 
 struct Figures {
@@ -142,6 +144,8 @@ Options options_of(int argc, char** argv) {
       options.calls = number_of<uint64_t>(argv[i + 1]);
     else if (name == "--round")
       options.round = number_of<uint64_t>(argv[i + 1]);
+    else if (name == "--work")
+      options.work = number_of<uint64_t>(argv[i + 1]);
     else if (name == "--seed")
       options.seed = number_of<uint32_t>(argv[i + 1]);
     else
@@ -192,12 +196,19 @@ int main(int argc, char** argv) {
   const auto prepare = [&] { std::ranges::for_each(families, [](auto& family) { family->prepare(); }); };
   const auto tear_down = [&] { std::for_each(families.rbegin(), families.rend(), [](auto& f) { f->tear_down(); }); };
 
+  soak::Random random(options.seed);
+  const auto work = [&] { families[random.below(static_cast<uint32_t>(families.size()))]->work(random); };
+  if (options.work > 0) {
+    prepare();
+    while (soak::tally.calls < options.work) work();
+    return EXIT_SUCCESS;
+  }
+
   // Once without any work: what is one and the same in every round does not count.
   prepare();
   tear_down();
   const Tables start = all_tables();
 
-  soak::Random random(options.seed);
   const auto begin = Clock::now();
   const auto elapsed = [&] { return std::chrono::duration<double>(Clock::now() - begin).count(); };
   Figures plateau{};
@@ -210,7 +221,7 @@ int main(int argc, char** argv) {
     prepare();
     const uint64_t end = std::min(soak::tally.calls + options.round, options.calls);
     while (soak::tally.calls < end && goes_on())
-      for (int i = 0; i < 100; ++i) families[random.below(static_cast<uint32_t>(families.size()))]->work(random);
+      for (int i = 0; i < 100; ++i) work();
     tear_down();
     compare(start);
     now = measure();

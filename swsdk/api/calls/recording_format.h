@@ -24,6 +24,10 @@ constexpr std::string_view recording_end = "end";
 constexpr int first_version_with_end = 2;
 constexpr int first_version_with_children = 3;
 
+/// "state 42": the next 42 lines are from before this file: calls and events whose effect was still there when it
+/// began.
+constexpr std::string_view state_mark = "state";
+
 /// The names of events: the types of the callbacks, whose arguments follow the callback itself.
 constexpr const char* link_callback = "bcm_linkscan_handler_t";
 constexpr const char* l2_callback = "bcm_l2_addr_callback_t";
