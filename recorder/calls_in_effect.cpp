@@ -1,8 +1,10 @@
 #include "calls_in_effect.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <iterator>
+#include <span>
 #include <utility>
 
 #include "api/calls/parse.h"
@@ -21,21 +23,6 @@ std::string_view cut_word(std::string_view& text) {
   return word;
 }
 
-bool has_flag(std::string_view value, uint32_t flag) {
-  return !value.empty() && (api::parsed_number(value) & flag) != 0;
-}
-
-/// A value as one word of a path.
-std::string word_of(std::string_view value) {
-  std::string result(value.empty() ? "0" : value);
-  std::ranges::replace(result, ' ', '_');
-  return result;
-}
-
-std::string port_word(std::string_view value) {
-  return std::to_string(api::port_of(value.empty() ? 0 : static_cast<int>(api::parsed_number(value))).number());
-}
-
 /// Whether the path begins with the words of the pattern, in which "*" is any word.
 bool is_part_of(std::string_view path, std::string_view pattern) {
   while (!pattern.empty()) {
@@ -47,114 +34,162 @@ bool is_part_of(std::string_view path, std::string_view pattern) {
   return true;
 }
 
-}  // namespace
+bool has_flag(std::string_view value, uint32_t flag) {
+  return !value.empty() && (api::parsed_number(value) & flag) != 0;
+}
 
-struct recorder::CallsInEffect::Call {
-  std::string_view function;
-  std::vector<std::string_view> arguments;
+int port_of(std::string_view value) {
+  return api::port_of(value.empty() ? 0 : static_cast<int>(api::parsed_number(value))).number();
+}
 
-  /// The value of "1.vid" in a thing's "$1.vid".
-  std::string_view value(std::string_view reference) const {
-    if (reference == "f") return function;
-    const std::size_t dot = std::min(reference.find('.'), reference.size());
-    const std::size_t index = api::parsed_number(reference.substr(0, dot));
-    if (index >= arguments.size()) return {};
-    const std::string_view argument = api::value_after(arguments[index]);
-    return dot == reference.size() ? argument : api::field_value(argument, reference.substr(dot + 1));
+/// A value as one word of a path.
+void append_word(std::string& path, std::string_view value) {
+  const std::size_t begin = path.size();
+  path += value.empty() ? "0" : value;
+  std::replace(path.begin() + static_cast<std::ptrdiff_t>(begin), path.end(), ' ', '_');
+}
+
+class Call {
+ public:
+  /// `arguments` is "(0, 10)"; those of an event begin with the callback, which is left out.
+  Call(std::string_view function, std::string_view arguments, bool is_event) : function_(function) {
+    std::size_t skipped = is_event ? 1 : 0;
+    api::for_each_item(arguments, '(', ')', [&](std::string_view argument) {
+      if (skipped > 0)
+        --skipped;
+      else if (count_ < arguments_.size())
+        arguments_[count_++] = api::value_after(argument);
+    });
   }
 
-  /// The things that an effect names: more than one if it is about each port of a set.
-  std::vector<std::string> things(std::string_view thing) const {
-    std::vector<std::string> paths = {word_of(value("0"))};
-    while (!thing.empty()) {
-      const std::string_view word = cut_word(thing);
-      std::vector<std::string> next;
-      for (const std::string& each : words(word))
-        for (const std::string& path : paths) next.push_back(path + ' ' + each);
-      paths = std::move(next);
-    }
-    return paths;
+  std::string_view argument(std::size_t index) const { return index < count_ ? arguments_[index] : ""; }
+
+  /// Calls `visit` with each thing that an effect names: several if it is about each port of a set.
+  template <class Visit>
+  void for_each_thing(std::string_view thing, Visit visit) const {
+    std::string path;
+    path.reserve(128);
+    path += argument(0);
+    append_rest(path, thing, visit);
   }
 
  private:
-  std::vector<std::string> words(std::string_view word) const {
-    if (!word.starts_with('$')) return {std::string(word)};
-    const std::size_t colon = std::min(word.find(':'), word.size());
-    const std::string_view found = value(word.substr(1, colon - 1));
-    const std::string_view what = word.substr(colon);
-    if (what == ":port") return {port_word(found)};
-    if (what == ":kind") return {has_flag(found, BCM_L2_STATIC) ? "static" : "dynamic"};
-    if (what == ":kinds") return {has_flag(found, deletes_static) ? "*" : "dynamic"};
-    if (what != ":each") return {word_of(found)};
-    std::vector<std::string> result;
-    for (const chip::Port port : api::parsed_ports(found)) result.push_back(std::to_string(port.number()));
-    return result;
+  template <class Visit>
+  void append_rest(std::string& path, std::string_view thing, Visit& visit) const {
+    while (!thing.empty()) {
+      const std::string_view word = cut_word(thing);
+      path += ' ';
+      if (!word.starts_with('$')) {
+        path += word;
+        continue;
+      }
+      const std::size_t colon = std::min(word.find(':'), word.size());
+      const std::string_view found = value(word.substr(1, colon - 1));
+      const std::string_view what = word.substr(colon);
+      if (what == ":each") {
+        const std::size_t length = path.size();
+        for (const chip::Port port : api::parsed_ports(found)) {
+          path.resize(length);
+          path += std::to_string(port.number());
+          append_rest(path, thing, visit);
+        }
+        return;
+      }
+      if (what == ":port")
+        path += std::to_string(port_of(found));
+      else if (what == ":kind")
+        path += has_flag(found, BCM_L2_STATIC) ? "static" : "dynamic";
+      else if (what == ":kinds")
+        path += has_flag(found, deletes_static) ? "*" : "dynamic";
+      else
+        append_word(path, found);
+    }
+    visit(path);
   }
+
+  /// The value of "1.vid" in a thing's "$1.vid".
+  std::string_view value(std::string_view reference) const {
+    if (reference == "f") return function_;
+    const std::string_view found = argument(static_cast<std::size_t>(reference.front() - '0'));
+    return reference.size() == 1 ? found : api::field_value(found, reference.substr(2));
+  }
+
+  std::string_view function_;
+  std::array<std::string_view, 10> arguments_;
+  std::size_t count_ = 0;
 };
+
+}  // namespace
 
 void recorder::CallsInEffect::add(std::string_view text, std::string_view line) {
   const std::size_t open = text.find('(');
   const std::size_t close = text.rfind(')');
-  if (open == std::string_view::npos || close == std::string_view::npos) return;
-  const std::string_view after = text.substr(close);
-  if (after.starts_with(") = -")) return;
-  std::string name(text.substr(0, open));
-  const bool is_call = after.starts_with(") = ");
-  if (is_call && effects_of(name).empty()) return;
-  Call call{name, api::items(text.substr(open, close - open + 1), '(', ')')};
-  if (!is_call) call.arguments.erase(call.arguments.begin());  // the callback
+  if (open == std::string_view::npos || close == std::string_view::npos || text.substr(close).starts_with(") = -"))
+    return;
+  const std::string_view name = text.substr(0, open);
+  const bool is_event = close + 1 == text.size();
+  std::span<const Effect> effects = effects_of(name);
+  if (effects.empty() && !is_event) return;
+  const Call call(name, text.substr(open, close - open + 1), is_event);
   // What is told of an address has another effect with each operation.
-  if (name == api::l2_callback) name.append(1, ' ').append(call.value("2"));
-  call.function = name;
+  if (name == api::l2_callback) effects = effects_of(std::string(name) + ' ' + std::string(call.argument(2)));
   const auto kept = std::make_shared<const Line>(Line{number_++, std::string(line)});
-  for (const Effect& effect : effects_of(name)) follow(call, effect, kept);
+  for (const Effect& effect : effects)
+    call.for_each_thing(effect.thing, [&](const std::string& thing) { follow(effect.verb, thing, kept); });
 }
 
-void recorder::CallsInEffect::follow(const Call& call, const Effect& effect, const Kept& line) {
-  for (const std::string& thing : call.things(effect.thing)) switch (effect.verb) {
-      case Verb::sets:
-        set(thing, line);
-        break;
-      case Verb::adds:
-        set(things_.contains(thing) ? thing + " again" : thing, line);
-        break;
-      case Verb::ends:
-        taken(thing);
-        break;
-      case Verb::undoes:
-        if (taken(thing).empty()) set(thing, line);
-        break;
-      case Verb::programs:
-        withdraw(thing);
-        set(thing, line);
-        break;
-      case Verb::withdraws:
-        withdraw(thing);
-        set(thing + " withdrawn", line);
-        withdraw(thing);
-        break;
-    }
+void recorder::CallsInEffect::follow(Verb verb, const std::string& thing, const Kept& line) {
+  const auto set = [&](const std::string& path) { things_.insert_or_assign(path, line); };
+  const auto end = [&] {
+    const std::size_t before = things_.size();
+    for_each(thing, [&](auto at) { things_.erase(at); });
+    return things_.size() != before;
+  };
+  switch (verb) {
+    case Verb::sets:
+      return set(thing);
+    case Verb::replaces:
+      set(thing);
+      return for_each(std::string_view(thing).substr(0, thing.find(" /")), [&](auto at) {
+        if (at->second != line) things_.erase(at);
+      });
+    case Verb::adds:
+      return set(things_.contains(thing) ? thing + " again" : thing);
+    case Verb::ends:
+      end();
+      return;
+    case Verb::undoes:
+      if (!end()) set(thing);
+      return;
+    case Verb::programs:
+      withdraw(thing);
+      return set(thing);
+    case Verb::withdraws:
+      withdraw(thing);
+      set(thing + " withdrawn");
+      return withdraw(thing);
+  }
 }
 
-std::vector<recorder::CallsInEffect::Things::node_type> recorder::CallsInEffect::taken(std::string_view pattern) {
+template <class Act>
+void recorder::CallsInEffect::for_each(std::string_view pattern, Act act) {
   const std::string_view fixed = pattern.substr(0, pattern.find(" *"));
-  std::vector<Things::node_type> result;
   for (auto at = things_.lower_bound(fixed); at != things_.end() && at->first.starts_with(fixed);) {
     const auto next = std::next(at);
-    if (is_part_of(at->first, pattern)) result.push_back(things_.extract(at));
+    if (is_part_of(at->first, pattern)) act(at);
     at = next;
   }
-  return result;
 }
 
 void recorder::CallsInEffect::withdraw(const std::string& thing) {
   std::string_view rest = thing;
   for (int word = 0; word < 3; ++word) cut_word(rest);  // the unit, "entry" and its id
   const std::string entry = thing.substr(0, thing.size() - rest.size());
-  for (Things::node_type& node : taken(thing)) {
+  for_each(thing, [&](auto at) {
+    auto node = things_.extract(at);
     node.key() = entry + "before " + node.key().substr(entry.size());
     things_.insert(std::move(node));  // unless there is an older one: that is what the chip has
-  }
+  });
 }
 
 std::vector<std::string_view> recorder::CallsInEffect::lines() const {

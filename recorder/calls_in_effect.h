@@ -1,7 +1,6 @@
 // The calls that made what is in a chip now, out of all that were made: together they make it again.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -28,17 +27,15 @@ class CallsInEffect {
   };
   /// A line is kept for as long as something is as it says.
   using Kept = std::shared_ptr<const Line>;
-  using Things = std::map<std::string, Kept, std::less<>>;
-  struct Call;
 
-  void follow(const Call& call, const Effect& effect, const Kept& line);
-  void set(const std::string& thing, const Kept& line) { things_.insert_or_assign(thing, line); }
-  /// Takes the things that the pattern names, and all that is part of them.
-  std::vector<Things::node_type> taken(std::string_view pattern);
-  /// The same of a field entry, as which it remains until the entry is installed.
+  void follow(Verb verb, const std::string& thing, const Kept& line);
+  /// Calls `act` with each thing that the pattern names, and each that is part of one.
+  template <class Act>
+  void for_each(std::string_view pattern, Act act);
+  /// Leaves a field entry's thing to what is there until the entry is installed.
   void withdraw(const std::string& thing);
 
-  Things things_;
+  std::map<std::string, Kept, std::less<>> things_;
   uint64_t number_ = 0;
 };
 

@@ -9,7 +9,8 @@ namespace recorder {
 
 enum class Verb {
   sets,       // the thing is as this call made it; a former call that did is done with
-  adds,       // the same of what other things rest on; what made it first stays
+  replaces,   // the same, and what it was before, the words behind the slash, is gone
+  adds,       // sets what other things rest on; what made it first stays
   ends,       // the thing and all below it are gone, and so is the effect of this call
   undoes,     // ends the thing if a call that is known made it, and sets it otherwise
   programs,   // sets it in a field entry; what it was before stays in the chip until the entry is installed

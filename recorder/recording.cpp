@@ -9,9 +9,11 @@
 #include <cerrno>
 #include <charconv>
 #include <chrono>
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -61,14 +63,14 @@ class Recording {
     const std::lock_guard guard(lock_);
     if (!is_on() || !is_open()) return;
     line_.assign(api::kind_names[static_cast<int>(kind)]).append(1, ' ').append(text).append(api::stamp_mark);
-    char stamp[64];
-    const auto length = std::snprintf(stamp, sizeof stamp, "%.6f %d\n",
-                                      std::chrono::duration<double>(Clock::now() - began_).count(), thread_number());
-    line_.append(stamp, static_cast<std::size_t>(length));
+    const auto microseconds = std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - began_).count();
+    append_number(microseconds / 1'000'000).append(1, '.');
+    append_number(microseconds % 1'000'000, 6).append(1, ' ');
+    append_number(thread_number()).append(1, '\n');
     if (most_ > 0 && size_ + line_.size() + end_line.size() > most_) begin_next();
     if (is_on()) write_line(line_);
     if (most_ > 0) in_effect_.add(text, line_);
-    writer_ = getpid();
+    writer_ = process_;
   }
 
   void give_up(const char* why) {
@@ -78,7 +80,7 @@ class Recording {
   /// A process that exits ends the recording if it wrote its last line; otherwise its child has gone on.
   void end_with_process() {
     const std::lock_guard guard(lock_);
-    if (file_ >= 0 && is_on() && writer_ == getpid()) write_line(end_line);
+    if (file_ >= 0 && is_on() && writer_ == process_) write_line(end_line);
     is_on_ = false;
   }
 
@@ -91,6 +93,10 @@ class Recording {
   // A fork must not leave the lock taken in the child.
   void before_fork() { lock_.lock(); }
   void after_fork() { lock_.unlock(); }
+  void begin_child() {
+    process_ = getpid();
+    lock_.unlock();
+  }
 
  private:
   bool is_open() {
@@ -139,6 +145,15 @@ class Recording {
            own.st_dev == named.st_dev;
   }
 
+  /// To the line, with at least so many digits.
+  std::string& append_number(long long number, std::ptrdiff_t digits = 1) {
+    char text[24];
+    const char* const end = std::to_chars(std::begin(text), std::end(text), number).ptr;
+    const auto length = end - text;
+    if (length < digits) line_.append(static_cast<std::size_t>(digits - length), '0');
+    return line_.append(text, static_cast<std::size_t>(length));
+  }
+
   /// One line, or several at once.
   void write_line(std::string_view line) {
     ssize_t written = 0;
@@ -172,7 +187,8 @@ class Recording {
   uint64_t size_ = 0;                  // of the file
   uint64_t most_ = 0;                  // that a file may have; 0: without limit
   recorder::CallsInEffect in_effect_;  // with a limit
-  pid_t writer_ = 0;
+  pid_t process_ = getpid();
+  pid_t writer_ = 0;  // of the last line
   Clock::time_point began_;
   int threads_ = 0;
   std::string line_;  // kept for its memory
@@ -186,7 +202,8 @@ Recording& recording() {
 }
 
 __attribute__((constructor)) void follow_forks() {
-  pthread_atfork([] { recording().before_fork(); }, [] { recording().after_fork(); }, [] { recording().after_fork(); });
+  pthread_atfork([] { recording().before_fork(); }, [] { recording().after_fork(); },
+                 [] { recording().begin_child(); });
 }
 
 /// Runs when the library is unloaded, and so after everything that a program does at exit.

@@ -26,36 +26,17 @@ std::vector<uint8_t> byte_pairs(std::string_view text, char separator, std::stri
   return result;
 }
 
-std::string_view enclosed(std::string_view text, char open, char close) {
+}  // namespace
+
+std::string_view api::enclosed(std::string_view text, char open, char close) {
   if (text.size() < 2 || text.front() != open || text.back() != close)
-    throw api::Unreadable('"' + std::string(text) + "\" is not between " + open + " and " + close);
+    throw Unreadable('"' + std::string(text) + "\" is not between " + open + " and " + close);
   return text.substr(1, text.size() - 2);
 }
 
-}  // namespace
-
 std::vector<std::string_view> api::items(std::string_view text, char open, char close) {
-  const std::string_view inside = enclosed(text, open, close);
   std::vector<std::string_view> result;
-  if (inside.empty()) return result;
-  int depth = 0;
-  bool quoted = false;
-  std::size_t begin = 0;
-  for (std::size_t i = 0; i < inside.size(); ++i) {
-    const char c = inside[i];
-    if (quoted) {
-      if (c == '\\') ++i;
-      quoted = c != '"';
-      continue;
-    }
-    quoted = c == '"';
-    depth += c == '{' || c == '[' || c == '(' ? 1 : c == '}' || c == ']' || c == ')' ? -1 : 0;
-    if (c != ',' || depth > 0) continue;
-    result.push_back(inside.substr(begin, i - begin));
-    begin = i + 1 < inside.size() && inside[i + 1] == ' ' ? i + 2 : i + 1;
-  }
-  if (quoted || depth != 0) throw Unreadable(text, "text with all its brackets and quotes");
-  result.push_back(inside.substr(begin));
+  for_each_item(text, open, close, [&](std::string_view item) { result.push_back(item); });
   return result;
 }
 
@@ -67,9 +48,11 @@ std::string_view api::value_after(std::string_view argument) {
 }
 
 std::string_view api::field_value(std::string_view record, std::string_view field) {
-  if (!record.starts_with('{')) return {};
-  for (const std::string_view item : items(record, '{', '}'))
-    if (item.starts_with(field) && item.substr(field.size()).starts_with('=')) return item.substr(field.size() + 1);
+  for (std::size_t at = record.find(field); at != std::string_view::npos; at = record.find(field, at + 1)) {
+    const std::string_view rest = record.substr(at + field.size());
+    if (at > 0 && (record[at - 1] == '{' || record[at - 1] == ' ') && rest.starts_with('='))
+      return rest.substr(1, rest.find_first_of(",}") - 1);
+  }
   return {};
 }
 

@@ -20,13 +20,42 @@ struct Unreadable : std::runtime_error {
       : runtime_error('"' + std::string(text) + "\" is no " + wanted) {}
 };
 
-/// What is between `open` and `close`, split at commas outside brackets, braces and quotes.
+/// What is between the first and the last character, which have to be these.
+std::string_view enclosed(std::string_view text, char open, char close);
+
+/// Visits what is between `open` and `close`, split at commas outside brackets, braces and quotes.
+template <class Visit>
+void for_each_item(std::string_view text, char open, char close, Visit visit) {
+  const std::string_view inside = enclosed(text, open, close);
+  if (inside.empty()) return;
+  int depth = 0;
+  bool quoted = false;
+  std::size_t begin = 0;
+  for (std::size_t i = 0; i < inside.size(); ++i) {
+    const char c = inside[i];
+    if (quoted) {
+      if (c == '\\') ++i;
+      quoted = c != '"';
+      continue;
+    }
+    quoted = c == '"';
+    depth += c == '{' || c == '[' || c == '(' ? 1 : c == '}' || c == ']' || c == ')' ? -1 : 0;
+    if (c != ',' || depth > 0) continue;
+    visit(inside.substr(begin, i - begin));
+    begin = i + 1 < inside.size() && inside[i + 1] == ' ' ? i + 2 : i + 1;
+  }
+  if (quoted || depth != 0) throw Unreadable(text, "text with all its brackets and quotes");
+  visit(inside.substr(begin));
+}
+
+/// The same items as a list.
 std::vector<std::string_view> items(std::string_view text, char open, char close);
 
 /// What an argument is after the call: "{vid=1, port=3}" of "{vid=1} -> &{vid=1, port=3}", "7" of "&7", or itself.
 std::string_view value_after(std::string_view argument);
 
-/// The value of a field, from the text of its record; nothing when the record does not show it, because it is 0.
+/// The value of a field that is a number or an address, from the text of its record; nothing when the record does not
+/// show it, because it is 0.
 std::string_view field_value(std::string_view record, std::string_view field);
 
 /// The two's complement of an integer as the journal writes it: decimal, hexadecimal or as an IPv4 address.
