@@ -16,12 +16,12 @@ std::string formatted(const char* format, Args... args) {
 /// Each byte as two digits. Not by a format: addresses are in most calls, and frames are long.
 std::string pairs(const uint8_t* bytes, std::size_t count, char separator) {
   constexpr char digits[] = "0123456789abcdef";
-  std::string result;
-  result.reserve(count * 3);
-  for (std::size_t i = 0; i < count; ++i) {
-    if (i > 0) result += separator;
-    result += digits[bytes[i] >> 4];
-    result += digits[bytes[i] & 0xF];
+  if (count == 0) return {};
+  std::string result(count * 3 - 1, separator);
+  char* at = result.data();
+  for (std::size_t i = 0; i < count; ++i, at += 3) {
+    at[0] = digits[bytes[i] >> 4];
+    at[1] = digits[bytes[i] & 0xF];
   }
   return result;
 }

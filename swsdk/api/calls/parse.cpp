@@ -16,12 +16,24 @@ T number(std::string_view digits, int base, std::string_view whole) {
   return value;
 }
 
-/// Bytes as pairs of hexadecimal digits.
+/// The value of a hexadecimal digit, or -1.
+int digit_of(char c) {
+  return c >= '0' && c <= '9'   ? c - '0'
+         : c >= 'a' && c <= 'f' ? c - 'a' + 10
+         : c >= 'A' && c <= 'F' ? c - 'A' + 10
+                                : -1;
+}
+
+/// Bytes as pairs of hexadecimal digits. Not number by number: frames are long.
 std::vector<uint8_t> byte_pairs(std::string_view text, char separator, std::string_view whole) {
   std::vector<uint8_t> result;
+  result.reserve(text.size() / 3 + 1);
   for (std::size_t i = 0; i < text.size(); i += 3) {
-    result.push_back(number<uint8_t>(text.substr(i, 2), 16, whole));
-    if (i + 2 < text.size() && text[i + 2] != separator) throw api::Unreadable(whole, "list of bytes");
+    const int high = digit_of(text[i]);
+    const int low = i + 1 < text.size() ? digit_of(text[i + 1]) : -1;
+    if (high < 0 || low < 0 || (i + 2 < text.size() && text[i + 2] != separator))
+      throw api::Unreadable(whole, "list of bytes");
+    result.push_back(static_cast<uint8_t>(high << 4 | low));
   }
   return result;
 }

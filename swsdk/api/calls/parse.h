@@ -1,6 +1,7 @@
 // Parses values from the text that arguments.h writes, by the same descriptions of records.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <span>
 #include <stdexcept>
@@ -28,11 +29,17 @@ template <class Visit>
 void for_each_item(std::string_view text, char open, char close, Visit visit) {
   const std::string_view inside = enclosed(text, open, close);
   if (inside.empty()) return;
+  constexpr std::array<bool, 256> has_meaning = [] {
+    std::array<bool, 256> result{};
+    for (const char c : {',', '"', '\\', '(', ')', '[', ']', '{', '}'}) result[static_cast<unsigned char>(c)] = true;
+    return result;
+  }();
   int depth = 0;
   bool quoted = false;
   std::size_t begin = 0;
   for (std::size_t i = 0; i < inside.size(); ++i) {
     const char c = inside[i];
+    if (!has_meaning[static_cast<unsigned char>(c)]) continue;  // most of it, in frames
     if (quoted) {
       if (c == '\\') ++i;
       quoted = c != '"';
