@@ -102,13 +102,17 @@ class Recording {
   bool is_open() {
     if (file_ >= 0) return true;
     if (!open_file(path_)) return false;
-    if (most_ > 0) unlink(former().c_str());
+    if (most_ > 0) {
+      unlink(former().c_str());
+      unlink(next().c_str());  // left when a process was killed
+    }
     began_ = Clock::now();
     write_line(first_line());
     return is_on();
   }
 
   std::string former() const { return path_ + ".1"; }
+  std::string next() const { return path_ + ".next"; }
 
   static std::string first_line() {
     return std::string(api::recording_header) + std::to_string(api::recording_version) + '\n';
@@ -129,11 +133,10 @@ class Recording {
     if (text.size() > most_ / 2) return give_up("what is in the chip takes more than a fifth of SWSDK_RECORD_LIMIT");
     write_line(end_line);
     close(file_);
-    const std::string next = path_ + ".next";
-    if (!open_file(next)) return;
+    if (!open_file(next())) return;
     size_ = 0;
     write_line(text);
-    if (std::rename(path_.c_str(), former().c_str()) != 0 || std::rename(next.c_str(), path_.c_str()) != 0)
+    if (std::rename(path_.c_str(), former().c_str()) != 0 || std::rename(next().c_str(), path_.c_str()) != 0)
       give_up(std::strerror(errno));
   }
 

@@ -22,11 +22,11 @@ class ReplayAll : public testing::Test {
     std::filesystem::remove(path_);
   }
 
-  std::string replayed(const std::string& lines) {
+  std::string replayed(const std::string& lines, unsigned long long until = SWSDK_REPLAY_TO_END) {
     std::ofstream(path_) << "swsdk recording 3\ncall sdk_main(0, NULL) = 0\ncall system_init(0) = 0\n" << lines;
     std::string told;
     swsdk_replayed counts{-1, -1};
-    const int outcome = swsdk_replay_all(path_.c_str(), SWSDK_REPLAY_TO_END, differ, tell, &told, &counts);
+    const int outcome = swsdk_replay_all(path_.c_str(), until, differ, tell, &told, &counts);
     return told + std::to_string(outcome) + ": " + std::to_string(counts.the_same) + " of " +
            std::to_string(counts.answers);
   }
@@ -82,6 +82,46 @@ TEST_F(ReplayAll, RaisesTheEventsThatCameFromOutside) {
                      "<pointer 1>) @1.000000 2\n"
                      "call bcm_l2_addr_get(0, 00:00:00:00:00:01, 1, &?) = -7\nend\n"),
             "0: 11 of 11");
+}
+
+TEST_F(ReplayAll, StopsBeforeALaterTimePastWhatDiffers) {
+  EXPECT_EQ(replayed("call bcm_l2_age_timer_get(0, &17) = 0 @0.5 1\n"
+                     "event bcm_linkscan_handler_t(<callback 1>, 0, 3, {linkstatus=1}) @1.000000 2\n"
+                     "call bcm_vlan_create(0, 10) = 0 @1.500000 1\n"
+                     "call bcm_vlan_create(0, 11) = 0 @1.500001 1\n",
+                     1'500'000'000)
+                .back(),
+            '5');
+  int status = 0;
+  EXPECT_EQ(bcm_port_link_status_get(0, 3, &status), BCM_E_NONE);
+  EXPECT_EQ(status, 1);
+  EXPECT_EQ(bcm_vlan_create(0, 10), BCM_E_EXISTS);
+  EXPECT_EQ(bcm_vlan_create(0, 11), BCM_E_NONE);
+}
+
+// Another chip has other free ids, and what is left of a long recording lacks what had the lower ones.
+TEST_F(ReplayAll, ChoosesTheIdsThatTheRecordedChipChose) {
+  EXPECT_EQ(
+      replayed("call bcm_switch_control_set(0, 230, 1) = 0\n"
+               "call bcm_l3_intf_create(0, {l3a_mac_addr=00:00:00:00:00:01, l3a_vid=1} -> &{l3a_intf_id=5, "
+               "l3a_mac_addr=00:00:00:00:00:01, l3a_vid=1}) = 0\n"
+               "call bcm_l3_egress_create(0, 0x0, {intf=5, mac_addr=00:00:00:00:00:02, vlan=1, port=3}, &100007) = 0\n"
+               "call bcm_l3_egress_get(0, 100007, &{intf=5, mac_addr=00:00:00:00:00:02, vlan=1, port=3}) = 0\n"
+               "call bcm_multicast_create(0, 0x10000, 0 -> &300) = 0\n"
+               "call bcm_multicast_create(0, 0x10000, 0 -> &1) = 0\n"
+               "call bcm_policer_create(0, {mode=1, ckbits_sec=64, ckbits_burst=64}, &9) = 0\n"
+               "call bcm_vlan_port_create(0, {criteria=3, match_vlan=7, port=2} -> &{criteria=3, match_vlan=7, port=2, "
+               "vlan_port_id=1140850701}) = 0\nend\n"),
+      "0: 10 of 10");
+  // What the chip cannot choose, it does not.
+  EXPECT_EQ(replayed("call bcm_multicast_create(0, 0x10000, 0 -> &201326593) = 0\nend\n"),
+            "4 bcm_multicast_create, output 3: call bcm_multicast_create(0, 0x10000, 0 -> &201326593) = 0 | call "
+            "bcm_multicast_create(0, 0x10000, 0 -> &1) = 0\n1: 2 of 3");
+}
+
+TEST_F(ReplayAll, TakesTheStateThatAFileBeginsWithAsCalls) {
+  EXPECT_EQ(replayed("state 1\ncall bcm_vlan_create(0, 10) = 0 @3.000000 1\ncall bcm_vlan_create(0, 10) = -8\nend\n"),
+            "0: 4 of 4");
 }
 
 TEST_F(ReplayAll, RaisesNoEventThatACallRaises) {
