@@ -154,3 +154,11 @@ for limit in many 64X 0 -1 99999999999999999999 99999999999G; do
   [ "$out" = "<3> the recording unlimited.rec ends here: SWSDK_RECORD_LIMIT is no size such as 64M"$'\n'0 ] || fail "$out"
   [ ! -e unlimited.rec ] || fail "a limit of $limit has a recording"
 done
+
+# The table of effects has every function that changes what is in a chip. Counters do not count, and stk_modmap_map only
+# translates here.
+sources=$(cd "$OLDPWD" && cd "$(dirname "$0")/../.." && pwd)
+functions() { grep -oP "$1" "$sources/$2" | sort -u; }
+functions '^CALL\(\w+, \K\w+' swsdk/api/calls/calls.inc | grep -Ev '_(get|find|find_vlan|read|sync|traverse)$' >changing
+functions '^    \{"\K\w+(?=")' recorder/effects.cpp | grep -v '_handler_t$' >told
+printf '%s\n' bcm_stat_clear bcm_stk_modmap_map | sort - told | diff changing - || fail "the table of effects lacks some (<)"
