@@ -196,8 +196,7 @@ std::vector<std::string_view> recorder::CallsInEffect::lines() const {
   std::vector<const Line*> kept;
   for (const auto& [thing, line] : things_) kept.push_back(line.get());
   std::ranges::sort(kept, {}, &Line::number);
-  const auto repeated = std::ranges::unique(kept);
-  kept.erase(repeated.begin(), repeated.end());
+  kept.erase(std::unique(kept.begin(), kept.end()), kept.end());
   std::vector<std::string_view> result;
   for (const Line* const line : kept) result.push_back(line->text);
   return result;

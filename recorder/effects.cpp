@@ -226,6 +226,6 @@ static_assert(std::ranges::is_sorted(all_effects, {}, &Effect::function));
 }  // namespace
 
 std::span<const Effect> recorder::effects_of(std::string_view function) {
-  const auto found = std::ranges::equal_range(all_effects, function, {}, &Effect::function);
-  return {found.begin(), found.end()};
+  return {std::ranges::lower_bound(all_effects, function, {}, &Effect::function),
+          std::ranges::upper_bound(all_effects, function, {}, &Effect::function)};
 }

@@ -1,4 +1,5 @@
 #include <appl/diag/system.h>
+#include <bcm/error.h>
 #include <bcm/l2.h>
 #include <bcm/link.h>
 #include <bcm/vlan.h>
