@@ -370,7 +370,8 @@ typedef void (*sai_l2_event_cb)(uint16_t vid, int32_t port, uint8_t* mac, int32_
  * Nothing ends that; it goes with the process.
  *
  * @param handler  the function
- * @return always 0; a unit that refuses is logged
+ * @return always 0; a unit that refuses is logged, and its links can then only be asked for, with
+ *         sai_port_link_status_get()
  */
 SAI_API int32_t sai_register_link_service(bcm_linkscan_handler_t handler);
 
@@ -2362,10 +2363,11 @@ SAI_API int32_t sai_l3_subnet_route_hit_get(uint32_t subnet, uint32_t mask);
  * Adds a member to a multicast group, which is created if it is missing. The chip's group is then created on unit 0,
  * whatever the unit.
  *
- * Copies to ports 0 to 8 are tagged with the member's VLAN; to higher ports they have outer VLAN 4095 and the member's
- * VLAN inside. Interfaces are found or created, and outlive the group. Up to the interface of the member's own tags, a
- * failure is logged and does not end the function; 0 replaces what is missing. A group that was created stays, without
- * members, when the member cannot be added; sai_multicast_destroy() destroys it, unless its entry could not be added.
+ * Copies to ports 0 to 8 leave in the member's VLAN, tagged where the port is a tagged member of it; to higher ports
+ * they leave in VLAN 4095, with the member's VLAN as the inner tag, so those ports have to stay in VLAN 4095.
+ * Interfaces are found or created, and outlive the group. Up to the interface of the member's own tags, a failure is
+ * logged and does not end the function; 0 replaces what is missing. A group that was created stays, without members,
+ * when the member cannot be added; sai_multicast_destroy() destroys it, unless its entry could not be added.
  *
  * @param vlan        VLAN of the group; its low 16 bits count
  * @param group       the group's IPv4 address in host byte order
@@ -2383,7 +2385,8 @@ SAI_API int32_t sai_multicast_egress_add(int32_t unit, int32_t vlan, uint32_t gr
  *
  * An interface or an encapsulation that cannot be found is logged, and the function continues with 0 in its place. When
  * the SDK does not report how many members are left, which is only a trace, the group stays; sai_multicast_destroy()
- * destroys it.
+ * destroys it. A member that sai_ipmc_add() added at port 8 is not found, because it is double-tagged: the result is
+ * -7 or, where the member's VLAN has no interface, another, and the member stays until sai_multicast_destroy().
  *
  * @param vlan      VLAN of the group; its low 16 bits count
  * @param group     the group's IPv4 address in host byte order
@@ -2409,7 +2412,10 @@ SAI_API int32_t sai_multicast_egress_del(int32_t unit, int32_t vlan, uint32_t gr
 SAI_API int32_t sai_multicast_destroy(int32_t unit, int32_t vlan, uint32_t group);
 
 /**
- * Adds a member to a multicast group, which is created if missing, on the given unit. Every failure ends the function.
+ * Adds a member to a multicast group, which is created if missing, on the given unit. Every failure ends the function,
+ * but when it looks something up: what `bcm_l3_intf_find` or `bcm_ipmc_find` does not find, for whatever reason, is
+ * made. When a group is there and its lookup fails, `bcm_ipmc_add` answers -6, the member is not added, and the chip's
+ * group that was made for it stays; no function of this library ends it.
  *
  * Unlike with sai_multicast_egress_add(), port 8 is double-tagged already, the interface of the member always has a TTL
  * threshold of 2, and a group that is there already is logged at level "errors", though it is not a failure. In the
@@ -2449,7 +2455,8 @@ SAI_API int32_t sai_esw_vlan_mcast_flood_set(int32_t unit, int32_t mode, uint16_
 /* ---------------------------------------------------------------------------------------- IPv6 multicast ---------- */
 
 /**
- * Adds a member to the multicast group of a source, which is created if missing. Every failure ends the function.
+ * Adds a member to the multicast group of a source, which is created if missing. Every failure ends the function, but
+ * when it looks something up, as in sai_ipmc_add().
  *
  * Works as sai_ipmc_add() does; a group that is there already is a trace. Interfaces outlive the group, and a group
  * that was made stays, without members, when a later step fails; sai_ipv6_multicast_destroy() ends it, unless its entry
@@ -2605,8 +2612,13 @@ SAI_API int32_t sai_vport_split_horizon_set(int32_t unit, int32_t port, int32_t 
 SAI_API int32_t sai_vport_split_horizon_get(int32_t unit, int32_t port, uint32_t* enable);
 
 /**
- * Makes a policer of two rates and three colors and attaches it to a field entry, whose frames it then meters. The
- * policer stays when it cannot be read, set up or attached; its id is not told then.
+ * Makes a policer of two rates and three colors and attaches it to a field entry. The policer stays when it cannot be
+ * read, set up or attached; its id is not told then.
+ *
+ * For an entry of sai_fp_vport_qualify_set(), before sai_fp_vport_qualify_action(): that installs the policer with the
+ * entry, and has it drop what exceeds the peak rate. On an entry that is installed already, such as a rule of an access
+ * list, this function succeeds and limits nothing: the rule would also need the SDK's `bcm_field_action_add` with
+ * `bcmFieldActionRpDrop`, and `bcm_field_entry_reinstall`, which this library does for none.
  *
  * @param entry_id      id of the field entry
  * @param policer_id    receives the policer's id; written only when all succeeded
