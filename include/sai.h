@@ -1105,12 +1105,14 @@ SAI_API int32_t sai_l2_mac_age_time_get(int32_t unit, int32_t* seconds);
  * @param entry  takes `mac` and `vlan`; on success `port_out` receives the port as the SDK has it, the gport of a
  *               virtual port and 0 for an address on a trunk, and `flags` gains #SAI_L2_MAC_STATIC when the entry is
  *               static, its other bits staying as they are
- * @return 0, or the converted result of `bcm_l2_addr_get`, -7 (no such address in that VLAN) among them
+ * @return 0, or the converted result of `bcm_l2_addr_get`: -7 (no such address in that VLAN); another code does not
+ *         tell whether the address is there
  */
 SAI_API int32_t sai_l2_mac_entry_get(int32_t unit, sai_l2_mac_entry_t* entry);
 
 /**
- * Adds an address. One that is there is replaced, with its place and flags.
+ * Adds an address. One that is there is replaced, with its place and flags. Without #SAI_L2_MAC_STATIC it ages and
+ * moves like a learned one.
  *
  * @param entry  takes `mac`, `vlan`, `port` and the #sai_l2_mac_flag bits of `flags`
  * @return 0, or the converted result of `bcm_l2_addr_add`, -13 (table full) among them
@@ -1617,7 +1619,7 @@ SAI_API int32_t sai_acl_l2_l3_entry_install(int32_t unit, int32_t port, int32_t 
 
 /**
  * Takes a field entry out of the hardware and ends it, whatever function made it. An entry that cannot be taken out
- * stays.
+ * stays. A policer of the entry is detached and stays; sai_vport_fp_policer_destroy() destroys it afterwards.
  *
  * @param entry  id of the entry
  * @return 0, or the converted result of the failed `bcm_field_entry_remove` or `bcm_field_entry_destroy`, -7 (no such
@@ -1763,8 +1765,11 @@ SAI_API int32_t sai_fp_mld_packet_exclude_filter_set(int32_t unit, int32_t port,
  */
 SAI_API int32_t sai_fp_vport_qualify_set(int32_t unit, int32_t port, int32_t group, int32_t* entry, uint16_t vlan);
 
+/* ------------------------------------------------------------------- Field entries that exist, DHCP control ------- */
+
 /**
- * Gives an entry of sai_fp_vport_qualify_set() its action, `bcmFieldActionRpDrop`, and installs it.
+ * Gives an entry of sai_fp_vport_qualify_set() its action, `bcmFieldActionRpDrop`, and installs it. The action drops
+ * what the entry's policer finds red: attach the policer before, with sai_vport_fp_policer_set().
  *
  * @param group  the entry's group; for messages only
  * @param entry  id of the entry
@@ -1773,7 +1778,7 @@ SAI_API int32_t sai_fp_vport_qualify_set(int32_t unit, int32_t port, int32_t gro
 SAI_API int32_t sai_fp_vport_qualify_action(int32_t unit, int32_t group, int32_t entry);
 
 /**
- * Detaches an entry's policer, the one of level 0.
+ * Detaches an entry's policer, the one of level 0. The policer stays; sai_vport_fp_policer_destroy() destroys it.
  *
  * @param entry  id of the entry
  * @return 0, or the converted result of `bcm_field_entry_policer_detach`
@@ -1782,7 +1787,8 @@ SAI_API int32_t sai_fp_entry_policer_detach(int32_t unit, int32_t entry);
 
 /**
  * Has every Ethernet port send DHCP packets to the CPU and nowhere else, or no longer drop them. Once they go to the
- * CPU they go on doing so.
+ * CPU they go on doing so. sai_fp_dhcp_requeset_to_cpu_set() and sai_fp_dhcp_response_to_cpu_set() take those of one
+ * VLAN.
  *
  * @param enable  1: to the CPU, and dropped; any other value: not dropped
  * @return always 0; a port that refuses is logged and the others are tried
@@ -1852,7 +1858,8 @@ SAI_API int32_t sai_vlan_init(int32_t unit);
  * Creates a VLAN with the CPU port as a tagged member.
  *
  * A VLAN that exists already is not an error: the CPU port is added (again), so the call also repairs a VLAN that was
- * created elsewhere. When adding the CPU port fails, the VLAN stays.
+ * created elsewhere. When adding the CPU port fails, the VLAN stays, whether or not this call created it: destroy it
+ * only if it was new.
  *
  * @param vid  VLAN id, 1 to 4095; checked by the chip
  * @return 0, or the converted result of the failed `bcm_vlan_create` or `bcm_vlan_port_add`
@@ -2296,7 +2303,8 @@ SAI_API int32_t sai_l3_host_route_create(int32_t unit, uint32_t ip, const uint8_
 SAI_API int32_t sai_l3_host_route_delete(int32_t unit, uint32_t ip, uint8_t dtag);
 
 /**
- * Adds the route to a subnet. One that is there is deleted first, also when the new one then cannot be added.
+ * Adds the route to a subnet. One that is there is deleted first, also when the new one then cannot be added. The
+ * subnet 0 with the mask 0 is the default route.
  *
  * Interface and egress object as in sai_l3_host_route_create(), but the message is "can't find vlan %d l3 interface". A
  * route that points at the very interface, with the same port and next-hop MAC address, and is no local route, is not
@@ -2341,7 +2349,8 @@ SAI_API int32_t sai_l3_subnet_route_create(int32_t unit, uint32_t subnet, uint32
 SAI_API int32_t sai_l3_subnet_route_delete(int32_t unit, uint32_t subnet, uint32_t mask, uint8_t dtag);
 
 /**
- * Tells whether a host was a source or destination since the last reading, on unit 0. Reading forgets it.
+ * Tells whether a host was a source or destination since the last reading, on unit 0. Reading forgets it. Only the
+ * host's own route is looked for, not one to a subnet with the address.
  *
  * @param ip  the host's IPv4 address in host byte order
  * @return 1 hit, 0 not hit, or the converted result of `bcm_l3_host_find`, -7 (no such host) among them
@@ -2349,7 +2358,8 @@ SAI_API int32_t sai_l3_subnet_route_delete(int32_t unit, uint32_t subnet, uint32
 SAI_API int32_t sai_l3_host_route_hit_get(uint32_t ip);
 
 /**
- * Tells whether a route to a subnet was used since the last reading, on unit 0. Reading forgets it.
+ * Tells whether a route to a subnet was used since the last reading, on unit 0. Reading forgets it. Only the route with
+ * this very subnet and mask is looked for.
  *
  * @param subnet  the subnet's IPv4 address in host byte order
  * @param mask    its mask in host byte order
@@ -2648,7 +2658,8 @@ SAI_API int32_t sai_vport_fp_policer_get(int32_t unit, int32_t entry_id, int32_t
                                          uint32_t* pkbits_sec, uint32_t* cburst_bytes, uint32_t* pburst_bytes);
 
 /**
- * Destroys a policer.
+ * Destroys a policer. The chip refuses one that is attached: end its field entry with sai_fp_entry_destroy() before, or
+ * detach it with sai_fp_entry_policer_detach().
  *
  * @param policer_id  id of the policer
  * @return 0, or the converted result of `bcm_policer_destroy`, -7 (no such policer) among them
