@@ -34,7 +34,8 @@ int swsdk_link_event(int unit, int port, int up);
 int swsdk_l2_event(int unit, int operation, int vid, const unsigned char* mac, int port);
 
 /**
- * Lets time pass on a unit's chip, whose clock stands still otherwise. Each time the age time of `bcm_l2_age_timer_set`
+ * Lets time pass on a unit's chip, whose clock stands still otherwise; that of `swsdk-switch` follows real time and is
+ * moved on. Each time the age time of `bcm_l2_age_timer_set`
  * has passed, the L2 thread removes the addresses that are not static and were not hit during that time;
  * swsdk_events_drain() waits for it.
  *

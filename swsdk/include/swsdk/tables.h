@@ -14,6 +14,9 @@ extern "C" {
 /**
  * Prints one of a unit's tables for people, a line per entry under a line of headings.
  *
+ * In the table "field", the column "installed" is "changed since" where an entry was changed after its installation:
+ * frames still meet it as it was, until it is installed again. "hits" is what swsdk_field_hits() tells.
+ *
  * @param unit    number of an attached unit
  * @param table   one of swsdk_show_table()
  * @param buffer  where to print to; always ended by a zero byte when size is not 0; may be null when size is 0
