@@ -33,7 +33,8 @@ project=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 newest=$({ ls -t "$project"/build/*/tools/switch/swsdk-switch 2>/dev/null || true; } | head -n 1)
 switch=${SWSDK_SWITCH:-$newest}
 switch=${switch:-$(command -v swsdk-switch || true)}
-[ -n "$switch" ] || skip "there is no swsdk-switch: build it with scripts/demo"
+[ -n "$switch" ] || switch=$(command -v "$project/../../../bin/swsdk-switch" || true) # beside installed examples
+[ -n "$switch" ] || skip "there is no swsdk-switch: build it with scripts/demo, or install it"
 
 mount -t tmpfs tmpfs /run
 work=/run/example

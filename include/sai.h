@@ -740,10 +740,10 @@ SAI_API int32_t sai_cpu_rate_egress_set(int32_t unit, uint32_t rate, uint32_t bu
 SAI_API int32_t sai_cpu_rate_egress_get(int32_t unit, uint32_t* rate, uint32_t* burst);
 
 /**
- * Shapes what a port sends.
+ * Shapes what a port sends. There is no limit after start-up.
  *
  * @param port   port number; its low 16 bits count
- * @param rate   rate in kbit/s
+ * @param rate   rate in kbit/s; 0: no limit
  * @param burst  burst in kbit
  * @return 0, or the converted result of `bcm_port_rate_egress_set`
  */
@@ -763,7 +763,7 @@ SAI_API int32_t sai_port_rate_egress_get(int32_t unit, int32_t port, uint32_t* r
  * Shapes what a port sends, by frames.
  *
  * @param port   port number; its low 16 bits count
- * @param pps    rate in frames per second
+ * @param pps    rate in frames per second; 0: no limit
  * @param burst  burst in frames
  * @return 0, or the converted result of `bcm_port_rate_egress_pps_set`
  */
@@ -780,11 +780,11 @@ SAI_API int32_t sai_port_rate_egress_pps_set(int32_t unit, int32_t port, uint32_
 SAI_API int32_t sai_port_rate_egress_pps_get(int32_t unit, int32_t port, uint32_t* pps, uint32_t* burst);
 
 /**
- * Polices what a port receives.
+ * Polices what a port receives. There is no limit after start-up.
  *
  * @param port   port number; its low 16 bits count
- * @param rate   rate in kbit/s
- * @param burst  burst in kbit
+ * @param rate   rate in kbit/s; 0: no limit
+ * @param burst  burst in kbit: what may come at once; a frame that is longer is lost
  * @return 0, or the converted result of `bcm_port_rate_ingress_set`
  */
 SAI_API int32_t sai_port_rate_ingress_set(int32_t unit, int32_t port, uint32_t rate, uint32_t burst);
@@ -1084,7 +1084,8 @@ SAI_API int32_t sai_l2_init(sai_l2_mac_entry_t* entry);
 SAI_API int32_t sai_l2_mac_init(int32_t unit);
 
 /**
- * Sets after which time a learned address that is not seen again is forgotten.
+ * Sets after which time a learned address that is not seen again is forgotten. The chip looks once in that time, so
+ * that it can take up to twice as long.
  *
  * @param seconds  time in seconds; 0: it is never forgotten
  * @return 0, or the converted result of `bcm_l2_age_timer_set`
@@ -1882,7 +1883,8 @@ SAI_API int32_t sai_vlan_destroy(int32_t unit, uint16_t vid);
 SAI_API int32_t sai_vlan_destroy_all(int32_t unit);
 
 /**
- * Makes a port a member of a VLAN.
+ * Makes a port a member of a VLAN. One that is a member already gets the new tagging. To which VLAN frames belong that
+ * arrive without a tag is another setting: sai_port_untagged_vlan_set().
  *
  * @param vid     VLAN id, 1 to 4095; checked by the chip
  * @param port    port number, 0 to 255; a larger one is refused without asking the chip
