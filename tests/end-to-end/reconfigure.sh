@@ -52,6 +52,8 @@ change_interfaces() {
     4) ip link del p3 2>/dev/null || { ip netns del h3; host h3 3 10.0.0.3/24; } ;;
   esac 2>/dev/null || true
 }
+# The switch takes a moment to open an interface that came back.
+is_plugged() { [ "$(tell_switch "show plug" | grep -c " up ")" -eq 4 ]; }
 changes=0
 change_until() {
   while [ "$SECONDS" -lt "$1" ]; do
@@ -64,7 +66,9 @@ change_until() {
   ip link set p2 up
   ip link show p3 >/dev/null 2>&1 || { ip netns del h3 2>/dev/null || true; host h3 3 10.0.0.3/24; }
   ip link show t4 >/dev/null 2>&1 || ip tuntap add dev t4 mode tap
-  tell_switch "# all are done" >/dev/null
+  ip link set p3 up
+  ip link set t4 up
+  wait_for 5 is_plugged || fail "some port stays without its interface: $(tell_switch "show plug")"
   expect_flow "after $changes changes"
 }
 memory() { awk '/^VmRSS/ { print $2 }' "/proc/$switch_pid/status"; }
