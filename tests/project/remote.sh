@@ -15,6 +15,8 @@ without+=:Policers.AreReadThroughTheirEntry:Policers.WriteNoOutputWhenTheyCannot
 without+=:UnmodeledFields.OfNetworkInterfacesAreRefused
 # A client may begin a recording at any time.
 without+=:Recording.BeginsWithTheChipOff
+# A chip in another process is not told which ids the recorded one chose.
+without+=:ReplayAll.ChoosesTheIdsThatTheRecordedChipChose
 # Aggregates are cut for other processes.
 without+=:Aggregates.ComeWholeToAHandlerThatTakesThem
 # A child works on the chip of its parent.
