@@ -126,7 +126,7 @@ class Recording {
 
   /// At any moment there is a whole file under one of the two names.
   void begin_next() {
-    if (!is_own_file()) return give_up("another process goes on with it");
+    if (!is_own_file()) return give_up("the file was moved, or another process goes on with it");
     const std::vector<std::string_view> lines = in_effect_.lines();
     std::string text = first_line() + api::state_mark.data() + ' ' + std::to_string(lines.size()) + '\n';
     for (const std::string_view line : lines) text += line;
@@ -140,7 +140,7 @@ class Recording {
       give_up(std::strerror(errno));
   }
 
-  /// A child of the process could have begun the next file.
+  /// Not when a child of the process has begun the next file, or somebody has moved this one.
   bool is_own_file() const {
     struct stat own {};
     struct stat named {};

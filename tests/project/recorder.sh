@@ -146,6 +146,16 @@ for moment in 1 2 3 4 5; do
   rm killed.rec*
 done
 
+# When its file is moved, it ends; what was moved stays as it was.
+SWSDK_RECORD_LIMIT=64K record moved.rec "$recorded" forever >said &
+pid=$!
+until mv moved.rec elsewhere 2>/dev/null; do :; done
+until grep -q "the recording moved.rec ends here: " said; do sleep 0.01; done
+pkill -KILL -P "$pid" 2>/dev/null || kill -KILL "$pid"
+wait "$pid" 2>/dev/null || true
+[ ! -e moved.rec ] || fail "a recording that was moved began anew"
+[ -z "$(tail -c 1 elsewhere)" ] || fail "moved, it ends with half a line: $(tail -1 elsewhere)"
+
 # When what is in the chip leaves no room, the recording ends.
 SWSDK_RECORD_LIMIT=64K record small.rec "$soak" --work 5000
 tail -1 small.rec | grep -q ' @' || fail "a ring too small for the chip ends with: $(tail -1 small.rec)"
