@@ -69,6 +69,12 @@ CASES = {
     "over a virtual port": "with a next hop behind a virtual port",
     "double-tagged": "with dtag",
     "in place of one": "there is an entry with the same key",
+    "that is there": "the same route is there",
+    "of one that is there": "the call was made before",
+    "again into its VLAN": "another virtual port of its VLAN is there",
+    "first": "as the first member of the group",
+    "second": "when the group has a member",
+    "last": "as the last member of the group",
 }
 
 
@@ -160,6 +166,8 @@ class Reference:
         self.constants = sdk.headers_of_constants()
         self.problems = [f"{name}: docs/results has nothing of a table that {call} finds full"
                          for name, call in results.without_full(self.logged)]
+        self.problems += [f"{name}: no row tells what a failure of {call} leads to"
+                          for name, call in results.without_row(self.results)]
 
     def documented(self, entry):
         """The comment with an entry's arguments and results: its own, or that of the entry to which it refers."""

@@ -41,6 +41,7 @@ class Failure:
     before: list
     then: str
     log: tuple
+    is_in_turn: bool = False  # a later call fails because of it and gives the result
 
 
 @dataclass
@@ -87,7 +88,9 @@ def log_of(fields, texts):
 
 
 def read_failures(logged):
-    """Failures by function. Left out is what another failure of the same row explains, not the injected one."""
+    """Failures by function. Where a later call fails in turn, all codes have the same consequences, but one looks
+    different because the later call fails with it as well. A later failure that follows one or two codes alone is left
+    out: the chip was told to contradict itself."""
     found = defaultdict(list)
     for line in (RESULTS / "failures").read_text().splitlines():
         name, call, codes, result, before, then, *lines = line.split("\t")
@@ -97,12 +100,18 @@ def read_failures(logged):
     kept = defaultdict(list)
     for function, rows in found.items():
         texts = [text for text, _ in logged.get(function, [])]
-        follow_ups = {(f.case, f.call, f.then) for f, lines in rows
-                      if any(reason in line for line in lines for reason in REASONS[1:])}
+        in_turn = {}
+        for f, lines in rows:
+            if any(reason in line for line in lines for reason in REASONS[1:]):
+                codes = in_turn.setdefault((f.case, f.call, f.then), f.codes)
+                f.is_in_turn = f.codes == codes and len(codes) > 3
         for failure, lines in rows:
-            if (failure.case, failure.call, failure.then) not in follow_ups:
-                failure.log = log_of(lines, texts)
-                kept[function].append(failure)
+            if failure.is_in_turn:
+                failure.codes = ALL
+            elif (failure.case, failure.call, failure.then) in in_turn:
+                continue
+            failure.log = log_of(lines, texts)
+            kept[function].append(failure)
     return kept
 
 
@@ -207,9 +216,9 @@ def failure_rows(failures, refused, natural):
             chip = "some other steps are done"
         few = codes if len(codes) <= 3 else frozenset()
         calls = outcomes.setdefault((result, few, failure.log, chip), {})
-        cases, all_codes = calls.setdefault(failure.call, (set(), set()))
+        cases, own_codes = calls.setdefault(failure.call, (set(), set()))
         cases.add(failure.case.strip())
-        all_codes.update(codes)
+        own_codes.update(codes if not failure.is_in_turn else ())
     variants = defaultdict(int)
     for (_, few, *_), calls in outcomes.items():
         for call in calls:
@@ -268,6 +277,12 @@ def steps():
     for line in (RESULTS / "failures").read_text().splitlines():
         name, call, *_ = line.split("\t")
         yield name.partition(",")[0], call
+
+
+def without_row(found):
+    """Pairs of a function and an SDK call of which no row tells."""
+    told = {(name, call) for name, rows_ in found.items() for row in rows_ for call in re.findall(r"(\w+)\(\)", row.when)}
+    return sorted(set(steps()) - told)
 
 
 def without_full(logged):

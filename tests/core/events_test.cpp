@@ -68,7 +68,7 @@ TEST_F(Events, ALinkServiceHearsOfEveryUnitOnTheChipsOwnThread) {
   EXPECT_NE(teller, std::this_thread::get_id());
 }
 
-TEST_F(Events, AUnitThatRefusesTheLinkServiceIsLoggedAndTheNextIsRegistered) {
+TEST_F(Events, AUnitThatRefusesTheLinkServiceIsLoggedAndMayBeTriedAgain) {
   support::start_chip(2);
   EXPECT_EQ(observe_failing("bcm_linkscan_register", BCM_E_MEMORY, [] { return sai_register_link_service(on_link); }),
             "bcm_linkscan_register(0, <callback>) = -2\n"
@@ -78,6 +78,15 @@ TEST_F(Events, AUnitThatRefusesTheLinkServiceIsLoggedAndTheNextIsRegistered) {
   swsdk_link_event(0, 1, 1);
   swsdk_link_event(1, 2, 1);
   EXPECT_EQ(take_told(), "unit 1 port 2 up\n");
+
+  EXPECT_EQ(observe([] { return sai_register_link_service(on_link); }),
+            "bcm_linkscan_register(0, <callback>) = 0\n"
+            "bcm_linkscan_register(1, <callback>) = -8\n"
+            "log: errors: NONE: unit 1 register linkscan service failed: Entry already exists\n"
+            "returned 0\n");
+  swsdk_link_event(0, 1, 0);
+  swsdk_link_event(1, 2, 0);
+  EXPECT_EQ(take_told(), "unit 0 port 1 down\nunit 1 port 2 down\n");
 }
 
 TEST_F(Events, WithoutAUnitNoLinkServiceIsRegistered) {
