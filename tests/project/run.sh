@@ -52,6 +52,26 @@ exits 0 "The switch is up." sh -c 'echo quit | "$@"' - "$switch" "$folder/config
 exits 0 "The switch is listening; its chip is off." sh -c 'echo quit | "$@"' - "$switch" --listen "$folder/chip"
 grep -q "is up" "$folder/output" && fail "a chip that is off is called up: $(cat "$folder/output")"
 
+# A script that is killed leaves no chip.
+# shellcheck disable=SC2016 # of the program
+"$swsdk_run" --config "$folder/config.sai" -- sh -c 'echo "$SWSDK_CHIP" >"$1"; sleep 1' - "$folder/killed" &
+process=$!
+for ((i = 0; i < 500; ++i)); do
+  [ -s "$folder/killed" ] && break
+  sleep 0.02
+done
+chip=$(cat "$folder/killed")
+"$saish" --chip "$chip" -c "show vlan" >/dev/null || fail "the chip of a running program does not answer"
+kill -KILL "$process"
+wait "$process" || true
+process=
+for ((i = 0; i < 500; ++i)); do
+  "$saish" --chip "$chip" -c "show vlan" >/dev/null 2>&1 || break
+  sleep 0.02
+done
+[ "$i" -lt 500 ] || fail "the chip of a script that was killed answers"
+rm -rf "${chip%/chip}"
+
 # The calls of other programs, as they happen
 "$server" --listen "$folder/chip" >"$folder/ready" &
 process=$!
