@@ -52,10 +52,11 @@ class Failure:
 
 
 @functools.cache
-def _ignored() -> frozenset[tuple[str, str, str]]:
+def _ignored() -> dict[tuple[str, str, str], list[str]]:
+    """By function of libsai.so, SDK call and code, or "all": what the table says besides."""
     text = importlib.resources.files(__package__).joinpath("ignored_failures").read_text("utf-8")
-    return frozenset((library, call, code) for library, call, codes, *_ in map(str.split, text.splitlines())
-                     for code in codes.split(","))
+    return {(library, call, code): words for library, call, codes, *words in map(str.split, text.splitlines())
+            for code in codes.split(",")}
 
 
 class _Run:
@@ -138,7 +139,9 @@ def _failing(function: collections.abc.Callable[[], typing.Any], usual: _Run, li
             os.environ[_FAULT_LOG] = outer
     made_in = path.read_text("utf-8").split()[1] if path.exists() else "-"
     path.unlink(missing_ok=True)
-    ignored = not _ignored().isdisjoint({(made_in, call, "all"), (made_in, call, str(code))})
+    log = _more_than(run.log, usual.log)
+    words = _ignored().get((made_in, call, "all"), _ignored().get((made_in, call, str(code))))
     return Failure(call=line, function=call, nth=nth, code=code, made_in=None if made_in == "-" else made_in,
-                   met=fault.met, ignored=ignored, result=run.result, error=run.error,
-                   log=_more_than(run.log, usual.log), left=_more_than(run.left, usual.left, _kind_of_leftover))
+                   met=fault.met, ignored=words is not None and not (log and "unlogged-only" in words),
+                   result=run.result, error=run.error, log=log,
+                   left=_more_than(run.left, usual.left, _kind_of_leftover))

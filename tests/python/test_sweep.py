@@ -100,6 +100,20 @@ def test_what_the_library_ignores_is_no_finding(chip):
     assert failures and all(failure.ignored and not failure.findings for failure in failures)
 
 
+def test_what_the_library_ignores_in_another_case_is_a_finding(chip):
+    def careless(mode):
+        try:
+            sai.sai_l2_mac_entry_del(0, sai.sai_l2_mac_entry_t(port=3), mode)
+        except sai.SaiError:
+            pass
+
+    call = "bcm_l2_addr_delete_by_port"
+    by_port = list(sai.sweep(lambda: careless(sai.SAI_L2_DELETE_BY_PORT), only={call}))
+    assert [failure.findings for failure in by_port] == [["success"]]
+    of_all = list(sai.sweep(lambda: careless(0), only={call}))
+    assert [failure.findings for failure in of_all] == [[]] * (len(of_all) - 1) + [["success"]]
+
+
 def test_a_function_that_fails_by_itself_is_not_swept(chip):
     before = chip.snapshot()
     with pytest.raises(sai.SaiError, match="SAI_E_NOT_FOUND"):

@@ -124,12 +124,12 @@ class Lines {
   size_t size_ = 0;
 };
 
-/// What an application cannot know: an SDK call of a function whose failure does not show in the function's result.
-struct Ignored {
+/// An SDK call of a function, where its failure is logged or where it is not.
+struct FailedCall {
   std::string function;
   std::string call;
   bool is_unlogged;
-  auto operator<=>(const Ignored&) const = default;
+  auto operator<=>(const FailedCall&) const = default;
 };
 
 /// What a user sees of a failed call: the lines, with every value that is not fixed text made one, the calls that
@@ -171,7 +171,9 @@ class Sweep : public testing::TestWithParam<Row> {
   static size_t triples;
   static std::map<std::string, std::vector<std::string>> outcomes;  ///< lines of the kept file, by function
   static std::set<std::string> functions;
-  static std::map<Ignored, std::set<int>> ignored;  ///< with their codes
+  // With their codes: those that show in the function's result, and those of which an application cannot know.
+  static std::map<FailedCall, std::set<int>> returned;
+  static std::map<FailedCall, std::set<int>> ignored;
 
  protected:
   Sweep() {
@@ -371,7 +373,8 @@ class Sweep : public testing::TestWithParam<Row> {
 size_t Sweep::triples = 0;
 std::map<std::string, std::vector<std::string>> Sweep::outcomes;
 std::set<std::string> Sweep::functions;
-std::map<Ignored, std::set<int>> Sweep::ignored;
+std::map<FailedCall, std::set<int>> Sweep::returned;
+std::map<FailedCall, std::set<int>> Sweep::ignored;
 
 /// Those that SWEEP_CODES lists in the environment; without it, the SDK's codes, one below them and a positive one.
 std::vector<int> codes_to_try() {
@@ -406,9 +409,9 @@ TEST_P(Sweep, EachCallFailsWithEachCode) {
       EXPECT_TRUE(std::ranges::any_of(failing.calls, [&](const Call& made) {
         return made.name == call.name && made.nth == call.nth && made.code == code;
       })) << "it was not called";
-      if (code < 0 && failing.result >= 0) {
+      if (code < 0) {
         const bool is_unlogged = failing.errors == normal.errors && failing.printed == normal.printed;
-        ignored[{function, call.name, is_unlogged}].insert(code);
+        (failing.result >= 0 ? ignored : returned)[{function, call.name, is_unlogged}].insert(code);
       }
       check_calls(normal, failing);
       check_lines(normal, failing);
@@ -452,7 +455,18 @@ TEST(SweepRows, AreThereForEveryExportedFunction) {
   EXPECT_EQ(with_row, exported_functions);
 }
 
-/// The lines of tools/sweep/ignored_failures: function, call, codes, and whether there is no line in the log.
+/// Where some failures of a call are ignored and not logged, and all others are logged and returned.
+bool is_told_by_log(const FailedCall& what, const std::set<int>& codes) {
+  const auto is_returned = [&](bool is_unlogged) {
+    const auto found = Sweep::returned.find({what.function, what.call, is_unlogged});
+    return found != Sweep::returned.end() &&
+           std::ranges::any_of(codes, [&](int code) { return found->second.contains(code); });
+  };
+  return what.is_unlogged && is_returned(false) && !is_returned(true);
+}
+
+/// The lines of tools/sweep/ignored_failures: function, call, codes, "unlogged" where there is no line in the log, and
+/// "unlogged-only" where in other cases there is one and the failure is returned.
 std::string ignored_failures() {
   std::map<std::pair<std::string, std::string>, std::set<int>> unlogged;
   for (const auto& [what, codes] : Sweep::ignored)
@@ -467,7 +481,9 @@ std::string ignored_failures() {
     if (static_cast<std::ptrdiff_t>(codes.size()) ==
         std::ranges::count_if(codes_to_try(), [](int code) { return code < 0; }))
       list = "all";
-    result += what.function + ' ' + what.call + ' ' + list + (what.is_unlogged ? " unlogged\n" : "\n");
+    result += what.function + ' ' + what.call + ' ' + list;
+    if (what.is_unlogged) result += is_told_by_log(what, codes) ? " unlogged-only" : " unlogged";
+    result += '\n';
   }
   return result;
 }

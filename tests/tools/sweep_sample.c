@@ -20,6 +20,11 @@ static int32_t set_up(void) {
     rv = sai_vlan_port_add(unit, vlan, port, 0);
     if (has("ignored result")) rv = SAI_E_NONE;
   }
+  if (rv == SAI_E_NONE && has("ignored flush")) {
+    const sai_l2_mac_entry_t of_port = {.port = port};
+    sai_l2_mac_entry_del(unit, &of_port, SAI_L2_DELETE_BY_PORT);
+    sai_l2_mac_entry_del(unit, &of_port, 0); /* the library ignores all failures but that of the last port */
+  }
   if (rv == SAI_E_NONE) rv = sai_l3_intf_create(unit, router, vlan);
   if (rv == SAI_E_NONE) rv = sai_stg_vlan_add(unit, group, vlan);
   return rv;

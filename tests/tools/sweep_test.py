@@ -93,6 +93,12 @@ class Sweep(unittest.TestCase):
         self.assertEqual([run["call"] for run in runs if run["ignored"]], ["bcm_l3_intf_find_vlan"])
         self.assertRegex(self.printed, r"bcm_l3_intf_find_vlan#1 +BCM_E_FAIL +sai_l3_intf_create +0 +ignored by lib")
 
+    def test_what_the_library_ignores_in_another_case_is_a_finding(self):
+        runs = self.sweep("ignored flush", "--only", "bcm_l2_addr_delete_by_port")
+        self.assertEqual(self.kinds(runs)[:3], [["success"], [], []])
+        self.assertEqual([run["ignored"] for run in runs[:3]], [False, True, True])
+        self.assertEqual(self.kinds(runs)[-1], ["success"])
+
     def test_other_calls_than_before_are_told(self):
         runs = self.sweep("nothing", "--only", "bcm_vlan_create", arguments=[str(self.folder / "first")])
         self.assertEqual(self.kinds(runs), [["unreached"]])
@@ -114,9 +120,9 @@ class Sweep(unittest.TestCase):
 
     def test_each_code_is_tried(self):
         runs = self.sweep("nothing", "--only", "bcm_vlan_create", "--codes", "BCM_E_FULL,BCM_E_EXISTS", expected=0)
-        # The library goes on with a VLAN that is there; this one is not.
+        # The library goes on with a VLAN that is there; this one is not, and the port that joins it is refused.
         self.assertEqual([(run["code"], run["status"], run["ignored"]) for run in runs],
-                         [(-6, 1, False), (-8, 1, True)])
+                         [(-6, 1, False), (-8, 1, False)])
         self.assertEqual(len(self.sweep("nothing", "--only", "bcm_stg_create_id", "--codes", "all", expected=0)), 18)
 
     def test_known_findings_are_accepted_with_a_reason(self):
