@@ -354,6 +354,7 @@ SAI_API void sai_serial_led_config(int32_t unit);
  *
  * @param vid        VLAN of the address
  * @param port       its port; the gport of a virtual port; 0 for an address on a trunk, which sai_l2_addr_show() names
+ *                   unless the address is static
  * @param mac        the address, 6 bytes, valid during the call only
  * @param operation  `BCM_L2_CALLBACK_DELETE` (0): the address left the table; `BCM_L2_CALLBACK_ADD` (1): it entered it
  */
@@ -367,7 +368,11 @@ typedef void (*sai_l2_event_cb)(uint16_t vid, int32_t port, uint8_t* mac, int32_
  * the port number, and a record, valid during the call only, whose `linkstatus` is 1 for a link that went up and 0 for
  * one that went down.
  *
- * Nothing ends that; it goes with the process.
+ * Links that are up already bring no event: ask for them with sai_port_link_status_get() afterwards. A link that goes
+ * down brings no event of the addresses at its port, which stay in the MAC table.
+ *
+ * Nothing ends that; it goes with the process. A further call with the same function is another try for the units that
+ * refused it; the others log that it exists, and go on to call it once for each event.
  *
  * @param handler  the function
  * @return always 0; a unit that refuses is logged, and its links can then only be asked for, with
@@ -377,7 +382,8 @@ SAI_API int32_t sai_register_link_service(bcm_linkscan_handler_t handler);
 
 /**
  * Has a function called when an address enters or leaves the MAC table. It runs on the Chip SDK's L2 thread. To be
- * called after sai_switch_chip_init().
+ * called after sai_switch_chip_init(). Addresses that are there already bring no event: read them with
+ * sai_l2_addr_show() afterwards.
  *
  * @param callback  the function; null is accepted, and its events are dropped
  * @return 0, or the converted result of `bcm_l2_addr_register`
@@ -395,7 +401,8 @@ SAI_API int32_t sai_unregister_l2_service(int32_t unit, sai_l2_event_cb callback
 /* ------------------------------------------------------------------------------------------- Port attributes ------ */
 
 /**
- * Enables or disables a port. Link scanning pauses meanwhile.
+ * Enables or disables a port. Link scanning pauses meanwhile. While a port is disabled, its link is down; the virtual
+ * chip raises no event of that.
  *
  * @param port    port number
  * @param enable  1: enabled, 0: disabled
@@ -413,7 +420,8 @@ SAI_API int32_t sai_port_enable_set(int32_t unit, int32_t port, int32_t enable);
 SAI_API int32_t sai_port_enable_get(int32_t unit, int32_t port, int32_t* enable);
 
 /**
- * Switches the autonegotiation of a port.
+ * Switches the autonegotiation of a port. Speed and duplex are set after it was switched off: the virtual chip also
+ * switches it off when either is set, and takes the port's highest speed when it is switched on.
  *
  * @param port     port number
  * @param autoneg  1: on, 0: off
@@ -432,7 +440,7 @@ SAI_API int32_t sai_port_autoneg_set(int32_t unit, int32_t port, int32_t autoneg
 SAI_API int32_t sai_port_autoneg_get(int32_t unit, int32_t port, int32_t* autoneg);
 
 /**
- * Sets the duplex mode of a port.
+ * Sets the duplex mode of a port, whose autonegotiation is off.
  *
  * @param port    port number
  * @param duplex  0: half, 1: full
@@ -451,11 +459,12 @@ SAI_API int32_t sai_port_duplex_set(int32_t unit, int32_t port, int32_t duplex);
 SAI_API int32_t sai_port_duplex_get(int32_t unit, int32_t port, int32_t* duplex);
 
 /**
- * Sets the speed of a port.
+ * Sets the speed of a port, whose autonegotiation is off.
  *
  * @param port   port number
- * @param speed  speed in Mb/s
- * @return 0, or the converted result of `bcm_port_speed_set`
+ * @param speed  speed in Mb/s; checked by the chip. On the virtual chip 10, 100 and 1000 for ports 1 to 8, 1000 and
+ *               10000 for the others, 0 for the highest
+ * @return 0, or the converted result of `bcm_port_speed_set`, -5 (a speed that the port does not have) among them
  */
 SAI_API int32_t sai_port_speed_set(int32_t unit, int32_t port, int32_t speed);
 
@@ -483,7 +492,8 @@ SAI_API int32_t sai_port_pause_set(int32_t unit, int32_t port, int32_t pause_tx,
  * Sets the longest frame that a port accepts.
  *
  * @param port  port number
- * @param size  length in bytes
+ * @param size  length in bytes, with the checksum and without a tag; 64 to 9216 on the virtual chip, where a tagged
+ *              frame may be 4 bytes longer, the length holds for frames that leave too, and start-up leaves 9216
  * @return 0, or the converted result of `bcm_port_frame_max_set`
  */
 SAI_API int32_t sai_port_frame_max_set(int32_t unit, int32_t port, int32_t size);
@@ -554,7 +564,8 @@ SAI_API int32_t sai_port_link_status_get(int32_t unit, int32_t port, int32_t* up
 SAI_API int32_t sai_port_loopback_set(int32_t unit, int32_t port, int32_t mode);
 
 /**
- * Keeps what a port receives from one other port. Calls add up.
+ * Keeps what a port receives from one other port. Calls add up. Each is one way: what `target` receives still goes to
+ * `port`.
  *
  * @param port    port number
  * @param target  the port that no longer receives anything of `port`, 0 to 255
@@ -564,7 +575,9 @@ SAI_API int32_t sai_port_loopback_set(int32_t unit, int32_t port, int32_t mode);
 SAI_API int32_t sai_port_isolate_set(int32_t unit, int32_t port, int32_t target);
 
 /**
- * Lets what a port receives go to every front port again, which are those of unit 0 whatever the unit.
+ * Lets what a port receives go to every front port again, which are those of unit 0 whatever the unit. The set is the
+ * SDK's; on the virtual chip it has all Ethernet ports. The CPU port is not in it, which does not keep frames from the
+ * CPU there.
  *
  * @param port  port number
  * @return 0, or the converted result of `bcm_port_egress_set`
@@ -694,7 +707,8 @@ SAI_API int32_t sai_rate_mcast_set(int32_t unit, int32_t port, int32_t enable, u
 SAI_API int32_t sai_rate_dlfbc_set(int32_t unit, int32_t port, int32_t enable, uint32_t rate);
 
 /**
- * Limits the broadcast frames that a port receives.
+ * Limits the broadcast frames that a port receives. What exceeds the limit is lost for the CPU as well, ARP requests
+ * among it.
  *
  * @param port    port number
  * @param enable  1 or more: limited; 0 or less: not limited
@@ -1063,7 +1077,7 @@ typedef struct sai_l2_mac_entry_t {
   uint32_t vlan;      /**< VLAN id; its low 16 bits count */
   uint32_t reserved1; /**< not used */
   int32_t port;       /**< port number, gport or trunk id */
-  int32_t port_out;   /**< port, as sai_l2_mac_entry_get() and sai_l2_addr_show() find it */
+  int32_t port_out;   /**< port, as sai_l2_mac_entry_get() finds it, or sai_l2_addr_show() that of a virtual port */
   int32_t trunk;      /**< trunk id for a deletion */
   uint32_t reserved2; /**< not used */
 } sai_l2_mac_entry_t;
@@ -1077,7 +1091,7 @@ typedef struct sai_l2_mac_entry_t {
 SAI_API int32_t sai_l2_init(sai_l2_mac_entry_t* entry);
 
 /**
- * Initializes the chip's MAC table.
+ * Initializes the chip's MAC table, which empties it. The start of the unit in sai_switch_chip_init() includes it.
  *
  * @return 0, or the converted result of `bcm_l2_init`
  */
@@ -1112,8 +1126,9 @@ SAI_API int32_t sai_l2_mac_age_time_get(int32_t unit, int32_t* seconds);
 SAI_API int32_t sai_l2_mac_entry_get(int32_t unit, sai_l2_mac_entry_t* entry);
 
 /**
- * Adds an address. One that is there is replaced, with its place and flags. Without #SAI_L2_MAC_STATIC it ages and
- * moves like a learned one.
+ * Adds an address. One that is there is replaced, with its place and flags; on the virtual chip in one step, with
+ * events of a deletion and an addition even when nothing changes. Without #SAI_L2_MAC_STATIC it ages and moves like a
+ * learned one.
  *
  * @param entry  takes `mac`, `vlan`, `port` and the #sai_l2_mac_flag bits of `flags`
  * @return 0, or the converted result of `bcm_l2_addr_add`, -13 (table full) among them
@@ -1224,11 +1239,13 @@ SAI_API int32_t sai_l2_mac_learn_limit_enable(int32_t unit);
 SAI_API int32_t sai_l2_mac_learn_limit_disable(int32_t unit);
 
 /**
- * Copies the whole MAC table. The number of entries is not returned: set the array to 0 before, and make it large
- * enough; sai_l2_info() returns the number of entries.
+ * Copies the whole MAC table, from the first element of the array on and without gaps. The number of entries is not
+ * returned: set the array to 0 before, and make it large enough; the first element whose VLAN is 0 is behind the last
+ * entry. sai_l2_info() returns the number of entries, which can grow meanwhile.
  *
  * Of each entry are written: `mac`; `vlan`; `port`, the trunk id for an entry of a trunk, otherwise the port as the SDK
- * has it; `flags`, #SAI_L2_MAC_STATIC, else #SAI_L2_MAC_TRUNK, else 0. For an entry on a virtual port also:
+ * has it; `flags`, #SAI_L2_MAC_STATIC, else #SAI_L2_MAC_TRUNK, else 0. So a static entry of trunk 1 looks like one of
+ * port 1; sai_l2_mac_entry_get() finds port 0 for the former. For an entry on a virtual port also:
  * `is_vport`, its low byte only; and `port_out`, the number of its physical port, if it can be found (a failure is not
  * logged).
  *
@@ -1267,7 +1284,8 @@ SAI_API int32_t sai_l2_dst_hit_enable_get(int32_t unit, int32_t* enable);
 /* ------------------------------------------------------------------------------------------------ Trunks ---------- */
 
 /**
- * Initializes the chip's trunk module.
+ * Initializes the chip's trunk module, which takes all trunks away. The start of the unit in sai_switch_chip_init()
+ * includes it.
  *
  * @return 0, or the converted result of `bcm_trunk_init`
  */
@@ -1290,7 +1308,7 @@ SAI_API int32_t sai_trunk_detach(int32_t unit);
 SAI_API int32_t sai_trunk_create(int32_t unit, uint32_t flags, int32_t* tid);
 
 /**
- * Destroys a trunk.
+ * Destroys a trunk. Its addresses stay: delete them before, with sai_l2_mac_entry_del() and #SAI_L2_DELETE_BY_TRUNK.
  *
  * @param tid  trunk id, from 0; checked by the chip
  * @return 0, or the converted result of `bcm_trunk_destroy`, -7 (no such trunk) among them
@@ -1299,6 +1317,7 @@ SAI_API int32_t sai_trunk_destroy(int32_t unit, int32_t tid);
 
 /**
  * Sets the members of a trunk and how it spreads frames over them. A failure before the last step changes nothing.
+ * Without members (0 and 0), which the virtual chip accepts, frames for the trunk are lost.
  *
  * @param tid            trunk id
  * @param psc            hash selector of sai_hash_to_sdk()
@@ -1329,9 +1348,9 @@ enum sai_mirror_mode {
 };
 
 /**
- * Initializes the chip's mirror module, switches directed mirroring and flexible mirror destinations on, and chooses
- * the mode of mirroring, layer 2. Each step is tried, whatever became of the others; a failure of either switch is
- * logged in the same words.
+ * Initializes the chip's mirror module, which takes all mirrors away, switches directed mirroring and flexible mirror
+ * destinations on, and chooses the mode of mirroring, layer 2. Each step is tried, whatever became of the others; a
+ * failure of either switch is logged in the same words.
  *
  * @return 0, or the converted result of the last step, `bcm_mirror_mode_set`; the others are only logged
  */
@@ -1849,7 +1868,9 @@ SAI_API int32_t sai_ipsg_parameter_config(int32_t group, uint32_t src_ip, uint32
 /* ------------------------------------------------------------------------------------------- VLAN table ---------- */
 
 /**
- * Initializes the chip's VLAN module. To be called once per unit before the other VLAN functions.
+ * Initializes the chip's VLAN module, which empties its tables. A unit needs that once, before the other VLAN
+ * functions; the start of the unit in sai_switch_chip_init() includes it. Called later, it takes all VLANs away, VLAN
+ * 4095 of virtual ports among them.
  *
  * @return 0, or the converted result of `bcm_vlan_init`
  */
@@ -1895,7 +1916,8 @@ SAI_API int32_t sai_vlan_destroy_all(int32_t unit);
 SAI_API int32_t sai_vlan_port_add(int32_t unit, uint16_t vid, uint16_t port, int32_t tagged);
 
 /**
- * Removes a port, tagged or untagged, from a VLAN.
+ * Removes a port, tagged or untagged, from a VLAN. Addresses that were learned there stay, and so do routes by the port
+ * and, if it is this VLAN, the VLAN of the port's untagged frames.
  *
  * @param vid   VLAN id, 1 to 4095; checked by the chip
  * @param port  port number, 0 to 255; a larger one is refused without asking the chip
@@ -2099,7 +2121,8 @@ SAI_API int32_t sai_vlan_subnet_clear(int32_t unit);
 /* ---------------------------------------------------------------------------------- Spanning-tree groups ---------- */
 
 /**
- * Initializes the chip's spanning-tree groups. To be called once per unit before the other functions of these groups.
+ * Initializes the chip's spanning-tree groups, which takes all but the first away. A unit needs that once, before the
+ * other functions of these groups; the start of the unit in sai_switch_chip_init() includes it.
  *
  * @return 0, or the converted result of `bcm_stg_init`
  */
@@ -2122,7 +2145,8 @@ SAI_API int32_t sai_stg_default_set(int32_t unit, int32_t stg);
 SAI_API int32_t sai_stg_default_get(int32_t unit, int32_t* stg);
 
 /**
- * Creates a group. The id is always the caller's.
+ * Creates a group. The id is always the caller's. On the virtual chip every Ethernet port is disabled in it, and the
+ * CPU port forwards: set the states with sai_port_stg_stp_set() before a VLAN joins.
  *
  * @param stg  group id, from 1; checked by the chip
  * @return 0, or the converted result of `bcm_stg_create_id`, -6 (an id that is taken) among them
@@ -2130,7 +2154,7 @@ SAI_API int32_t sai_stg_default_get(int32_t unit, int32_t* stg);
 SAI_API int32_t sai_stg_create(int32_t unit, int32_t stg);
 
 /**
- * Destroys a group.
+ * Destroys a group. Its VLANs join the default one, which cannot be destroyed.
  *
  * @param stg  group id, from 1; checked by the chip
  * @return 0, or the converted result of `bcm_stg_destroy`, -7 (no such group) among them
@@ -2138,7 +2162,7 @@ SAI_API int32_t sai_stg_create(int32_t unit, int32_t stg);
 SAI_API int32_t sai_stg_destroy(int32_t unit, int32_t stg);
 
 /**
- * Moves a VLAN to a group.
+ * Moves a VLAN to a group. One that is in it already stays.
  *
  * @param stg  group id, from 1; checked by the chip
  * @param vid  VLAN id, 1 to 4095; checked by the chip
@@ -2147,7 +2171,7 @@ SAI_API int32_t sai_stg_destroy(int32_t unit, int32_t stg);
 SAI_API int32_t sai_stg_vlan_add(int32_t unit, int32_t stg, uint16_t vid);
 
 /**
- * Takes a VLAN out of a group.
+ * Takes a VLAN out of a group. It joins the default one.
  *
  * @param stg  group id, from 1; checked by the chip
  * @param vid  VLAN id, 1 to 4095; checked by the chip
@@ -2156,7 +2180,7 @@ SAI_API int32_t sai_stg_vlan_add(int32_t unit, int32_t stg, uint16_t vid);
 SAI_API int32_t sai_stg_vlan_del(int32_t unit, int32_t stg, uint16_t vid);
 
 /**
- * Takes all VLANs out of a group.
+ * Takes all VLANs out of a group. They join the default one.
  *
  * @param stg  group id, from 1; checked by the chip
  * @return 0, or the converted result of `bcm_stg_vlan_remove_all`

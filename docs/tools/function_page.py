@@ -102,7 +102,7 @@ def table_of_results(reference, entry):
     texts = [text for text, _ in reference.messages_logged(entry)]
     rows = reference.results[entry.name]
     lines = ["Each row is tested on the virtual chip. The steps are in the order of the calls; the first that fails",
-             "ends the function unless the last column says otherwise.",
+             "ends the function unless the last column says otherwise, and nothing that was done before it is undone.",
              r"\(lqIts code\(rq is that of the SDK call, converted by", r"\fBsdk_to_sai\fR(3)."]
     if any(row.is_real_only for row in rows):
         lines += [r"Rows with \(lq*\(rq: only a real chip answers so, or the virtual chip when it is told to fail."]

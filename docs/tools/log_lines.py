@@ -71,21 +71,26 @@ def tell(finder, line):
 
 
 def tell_all(finder, lines):
-    """Prints what the lines of a log mean, each message with each reason once, the most frequent first."""
+    """Prints what the lines of a log mean, each message with each reason once, the most frequent first. Traces, of which
+    none is a failure, are counted."""
     groups = {}
     others = 0
     harmless = 0
+    traces = 0
     for line in lines:
         row = finder.row_of(line)
         if row is None:
             others += bool(line.strip())
         elif finder.why_harmless(line):
             harmless += 1
+        elif row["level"] == "debugging":
+            traces += 1
         else:
             groups.setdefault((row["text"], finder.reason_of(line)), []).append(line.strip())
     for found in sorted(groups.values(), key=len, reverse=True):
         print(f"== {len(found)} of: {found[0]}\n")
         tell(finder, found[0])
         print()
-    print(f"{sum(map(len, groups.values()))} lines to look at, {harmless} harmless, {others} not of the library")
-    return bool(groups or harmless)
+    print(f"{sum(map(len, groups.values()))} lines to look at, {harmless} harmless, {traces} traces, "
+          f"{others} not of the library")
+    return bool(groups or harmless or traces)

@@ -39,8 +39,12 @@ ENDING_VERBS = {
     "disable": "the chip ignores the limits that it has",
 }
 # Words that lead nowhere.
-COMMON = set("a all an and are as at be been by for from has have in into is it its no not of on one or other sai so"
-             " than that the their them then to up what when where whether which whose with".split())
+COMMON = set("a after again all an and another any are as at be been by each for from goes has have in into is it its no"
+             " not of on one or other sai so than that the their them then to up whatever what when where whether which"
+             " whose with would".split())
+# What readers may call it, and the word of the pages.
+ALSO_SAID = {"aggregation": "trunk", "bond": "trunk", "event": "service", "flush": "deletes", "gateway": "subnet",
+             "hits": "hit", "lag": "trunk", "mtu": "frame", "neighbor": "host", "pvid": "untagged", "statistics": "stat"}
 
 
 def shown_tables():
@@ -74,7 +78,8 @@ def overview(reference, version):
 
 
 def permuted_index(reference, version):
-    """Every word of the names and the first sentences, with the functions that have it; and the verbs."""
+    """Every word of the names and first sentences of functions and of the headings of tasks, with those that have it;
+    and the verbs."""
     lines = [r"'\" t", roff.title("sai-index", 7, version), ".SH NAME"]
     lines += [r"sai\-index \- words of the functions of libsai, and their verbs", ".SH VERBS"]
     lines += ["Each function has one name; what takes something away may have any of these verbs in it:"]
@@ -87,10 +92,15 @@ def permuted_index(reference, version):
         lines += [f"{verb}\tT{{", roff.prose(use), "T}\tT{", ",\n".join(map(markdown.breakable, names)), "T}"]
     lines += [".TE", ".ad b", ".SH INDEX"]
     words = {}
-    for name in roff.NAMES:
-        said = roff.first_sentence(reference.entries[name].comment.text[0])
-        for word in {w.lower() for w in re.findall(r"[A-Za-z][A-Za-z0-9]+", said + " " + name.replace("_", " "))}:
+    said = {name: name.replace("_", " ") + " " + roff.first_sentence(reference.entries[name].comment.text[0])
+            for name in roff.NAMES}
+    for page in TASKS:
+        said[f"sai-{page.stem}(7)"] = " ".join(re.findall(r"^#+ (.*)", page.read_text(), re.MULTILINE))
+    for name, text in said.items():
+        for word in {w.lower() for w in re.findall(r"(?<![\w'])[A-Za-z][A-Za-z0-9]+(?![\w'])", text)}:
             words.setdefault(word, set()).add(name)
+    for word, word_here in ALSO_SAID.items():
+        words[word] = words.get(word, set()) | words[word_here]
     for word, names in sorted(words.items()):
         if word not in COMMON and len(names) <= 25:
             lines += [".TP", f".B {roff.escaped(word)}", ",\n".join(map(markdown.breakable, sorted(names)))]

@@ -18,7 +18,7 @@ import sources
 RESULTS = sources.repository() / "docs/results"
 ALL = frozenset(range(-23, 0))
 # SDK calls that change nothing in the chip.
-READS = re.compile(r"_(get|find|traverse|t_init|multi_get|count|valid)\w*$|^soc_linkscan|^bcm_stk_my_modid_get|_to_\w+$")
+READS = re.compile(r"_(get|find|traverse|t_init|multi_get|count|valid|map|sync)\w*$|^soc_linkscan|_to_\w+$")
 
 
 @dataclass(frozen=True)
@@ -281,7 +281,8 @@ def steps():
 
 def without_row(found):
     """Pairs of a function and an SDK call of which no row tells."""
-    told = {(name, call) for name, rows_ in found.items() for row in rows_ for call in re.findall(r"(\w+)\(\)", row.when)}
+    told = {(name, call) for name, rows_ in found.items() for row in rows_
+            for call in re.findall(r"(\w+)\(\)", row.when)}
     return sorted(set(steps()) - told)
 
 
