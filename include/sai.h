@@ -7,7 +7,9 @@
  *
  * - `unit` is the Chip SDK's unit number. The library drives one chip; sai_unit_get() gives its number.
  * - `port` is a number of the chip's: 0 is the CPU port, Ethernet ports begin with 1. The chip checks it: -9 (no such
- *   port).
+ *   port). The SDK's information on the unit has the numbers, `SOC_PORT_BITMAP(unit, ether)` of `<soc/drv.h>`, which on
+ *   a board may have gaps. Front ports are those of its set `port`; on the virtual chip both sets have all Ethernet
+ *   ports, uplinks among them. Where a function stops at port 8, its comment says so.
  * - The result is #SAI_E_NONE (0) or a negative code of #sai_result. A code comes from the Chip SDK's result by
  *   sdk_to_sai(), or from the library itself when it refuses an argument without an SDK call.
  * - A failed SDK call, one with a negative result, is logged once, at level "errors", with a message that ends with the
@@ -401,8 +403,8 @@ SAI_API int32_t sai_unregister_l2_service(int32_t unit, sai_l2_event_cb callback
 /* ------------------------------------------------------------------------------------------- Port attributes ------ */
 
 /**
- * Enables or disables a port. Link scanning pauses meanwhile. While a port is disabled, its link is down; the virtual
- * chip raises no event of that.
+ * Enables or disables a port. Link scanning pauses meanwhile. While a port is disabled, its link is down; what that
+ * changes is an event for the function of sai_register_link_service(), after the pause.
  *
  * @param port    port number
  * @param enable  1: enabled, 0: disabled

@@ -101,14 +101,24 @@ void api::tell_link(int unit, int port, bool up) {
   });
 }
 
+void api::tell_links(int unit, chip::Chip& chip) {
+  for (const chip::Port port : chip.link_scan.look(chip.port_macs.links()))
+    tell_link(unit, port.number(), chip.port_macs.of(port).link());
+}
+
 void api::stop_event_threads() { EventThreads::all().stop(); }
 
 int swsdk_link_event(int unit, int port, int up) {
   const auto change = [&](chip::Chip& chip) {
-    const int result = api::zero_if_ok(chip.port_macs.set_partner(chip::Port::of(port), up != 0));
-    // Queued under the unit's lock, so that events are in the order of the changes.
-    if (result == 0 && chip.link_scan.watches()) api::tell_link(unit, port, up != 0);
-    return result;
+    const chip::Port plugged = chip::Port::of(port);
+    const bool was_up = chip.port_macs.links().contains(plugged);
+    if (chip.port_macs.set_partner(plugged, up != 0) != chip::Status::ok) return -1;
+    const chip::PortMac& mac = chip.port_macs.of(plugged);
+    // A link that is as before was something else for a moment.
+    if (chip.link_scan.watches() && mac.enabled && mac.link() == was_up && was_up == (up != 0))
+      api::tell_link(unit, port, was_up);
+    api::tell_links(unit, chip);
+    return 0;
   };
   return api::act(__func__, unit, change, port, up);
 }

@@ -22,6 +22,9 @@ constexpr const char* print_event = "print";
 
 /// Makes the link scan thread call the listeners of a unit's links: one went up or down.
 void tell_link(int unit, int port, bool up);
+/// Has link scan look: tells of each link that changed, in order of the ports. Under the unit's lock, so that events
+/// are in the order of the changes.
+void tell_links(int unit, chip::Chip& chip);
 
 /// Makes the L2 thread call the present listeners of a unit's MAC table.
 void tell_mac_change(int unit, chip::MacTable::Change change, const chip::MacEntry& entry);

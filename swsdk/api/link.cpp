@@ -9,7 +9,9 @@ using chip::Status;
 
 int bcm_linkscan_enable_set(int unit, int us) {
   return Call(calls::bcm_linkscan_enable_set(unit, us)).answer([&](Chip& chip) {
-    return chip.link_scan.set_interval(us);
+    const Status status = chip.link_scan.set_interval(us);
+    api::tell_links(unit, chip);
+    return status;
   });
 }
 

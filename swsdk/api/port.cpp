@@ -5,6 +5,7 @@
 
 #include "api/call.h"
 #include "api/convert.h"
+#include "api/events.h"
 #include "api/gports.h"
 
 using api::Call;
@@ -176,7 +177,9 @@ int bcm_port_enable_get(int unit, bcm_port_t port, int* enable) {
 
 int bcm_port_enable_set(int unit, bcm_port_t port, int enable) {
   return Call(calls::bcm_port_enable_set(unit, port, enable)).answer([&](Chip& chip) {
-    return chip.port_macs.enable(port_of(port), enable != 0);
+    const Status status = chip.port_macs.enable(port_of(port), enable != 0);
+    api::tell_links(unit, chip);
+    return status;
   });
 }
 
@@ -247,7 +250,9 @@ int bcm_port_local_get(int unit, bcm_gport_t gport, bcm_port_t* local_port) {
 
 int bcm_port_loopback_set(int unit, bcm_port_t port, int loopback) {
   return Call(calls::bcm_port_loopback_set(unit, port, loopback)).answer([&](Chip& chip) {
-    return chip.port_macs.set_loopback(port_of(port), loopback);
+    const Status status = chip.port_macs.set_loopback(port_of(port), loopback);
+    api::tell_links(unit, chip);
+    return status;
   });
 }
 
@@ -343,7 +348,9 @@ int bcm_port_rate_ingress_set(int unit, bcm_port_t port, uint32 kbits_sec, uint3
 
 int bcm_port_selective_set(int unit, bcm_port_t port, bcm_port_info_t* info) {
   return Call(calls::bcm_port_selective_set(unit, port, info)).answer([&](Chip& chip) {
-    return apply(chip, port_of(port), *info);
+    const Status status = apply(chip, port_of(port), *info);
+    api::tell_links(unit, chip);
+    return status;
   });
 }
 

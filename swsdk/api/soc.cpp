@@ -2,6 +2,7 @@
 
 #include "api/call.h"
 #include "api/convert.h"
+#include "api/events.h"
 
 using api::Call;
 using api::hex;
@@ -18,8 +19,9 @@ void soc_linkscan_pause(int unit) {
 }
 
 void soc_linkscan_continue(int unit) {
-  Call(calls::soc_linkscan_continue(unit)).answer([](Chip& chip) {
+  Call(calls::soc_linkscan_continue(unit)).answer([&](Chip& chip) {
     chip.link_scan.resume();
+    api::tell_links(unit, chip);
     return Status::ok;
   });
 }

@@ -17,7 +17,7 @@
 namespace {
 
 /// The first words of a file; the length and the hash of what follows the line end it.
-constexpr std::string_view heading = SWSDK_STATE_HEADING "1 ";
+constexpr std::string_view heading = SWSDK_STATE_HEADING "2 ";
 
 struct Saved {
   swsdk_board board{};

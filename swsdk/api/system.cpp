@@ -155,11 +155,6 @@ int sdk_main(int argc, char** argv) {
 }
 
 int system_init(int unit) {
-  // After a start, link scan assumes that every link is down, so that it reports those with a cable as up.
-  const auto find_links = [&](const chip::Chip& chip) {
-    for (const auto& [port, mac] : chip.port_macs.all())
-      if (mac.link()) api::tell_link(unit, port.number(), true);
-  };
   const auto initialize = [&]() -> int {
     api::Unit* const attached = api::find_unit(unit);
     if (attached == nullptr) return BCM_E_UNIT;
@@ -168,7 +163,7 @@ int system_init(int unit) {
     attached->chip->reset();
     attached->initialized = true;
     api::publish_egress_mode(unit);
-    find_links(*attached->chip);
+    api::tell_links(unit, *attached->chip);
     return BCM_E_NONE;
   };
   return api::call_without_unit(calls::system_init(unit), initialize);

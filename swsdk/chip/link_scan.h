@@ -1,13 +1,14 @@
-// The link scan: whether link changes are reported.
+// The link scan: which changes of links are reported, and when.
 #pragma once
 
+#include "chip/port_set.h"
 #include "chip/status.h"
 
 namespace chip {
 
 class LinkScan {
  public:
-  /// Every quarter of a second after a reset, and not paused.
+  /// Every quarter of a second after a reset, not paused, and as if every link were down.
   void reset() { *this = {}; }
 
   /// Scans every so many microseconds, or with 0 never.
@@ -26,14 +27,24 @@ class LinkScan {
 
   bool watches() const { return interval_ > 0 && pauses_ == 0; }
 
+  /// The ports whose links have changed since it last looked; those of a pause come after it.
+  PortSet look(const PortSet& links) {
+    if (!watches()) return {};
+    PortSet changed = links - known_;
+    changed |= known_ - links;
+    known_ = links;
+    return changed;
+  }
+
   template <class Archive>
   void serialize(Archive& archive) {
-    archive(interval_, pauses_);
+    archive(interval_, pauses_, known_);
   }
 
  private:
   int interval_ = 250000;
   int pauses_ = 0;
+  PortSet known_;  // the links that were up when it last looked
 };
 
 }  // namespace chip

@@ -51,6 +51,13 @@ void PortMacs::reset() {
                    .gaps = {}};
 }
 
+PortSet PortMacs::links() const {
+  PortSet up;
+  for (const auto& [port, mac] : macs_)
+    if (mac.link()) up.add(port);
+  return up;
+}
+
 Status PortMacs::enable(Port port, bool on) {
   return with(port, [&](PortMac& mac) {
     mac.enabled = on;

@@ -74,6 +74,8 @@ class PortMacs {
   Status set_gap(Port port, int speed, int duplex, int bit_times);
 
   const PortTable<PortMac>& all() const { return macs_; }
+  /// The ports whose links are up.
+  PortSet links() const;
   /// The port's MAC, or null for one that has none: the CPU port.
   const PortMac* find(Port port) const { return macs_.find(port); }
   /// Of an Ethernet port of the chip.

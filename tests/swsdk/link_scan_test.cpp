@@ -7,6 +7,7 @@
 #include <swsdk/chip.h>
 
 #include <string>
+#include <utility>
 
 #include "support/start.h"
 
@@ -27,12 +28,16 @@ class LinkScan : public testing::Test {
   }
   ~LinkScan() override { swsdk_power_off(); }
 
+  /// What was heard since the last change or the last question.
+  static std::string heard_now() {
+    swsdk_events_drain();
+    return std::exchange(heard, {});
+  }
   /// Changes the link of port 1 and returns what was heard of it.
   static std::string change(int up) {
     heard.clear();
     EXPECT_EQ(swsdk_link_event(0, 1, up), 0);
-    swsdk_events_drain();
-    return heard;
+    return heard_now();
   }
   static int link() {
     int up = -1;
@@ -48,12 +53,49 @@ TEST_F(LinkScan, TellsOfEachLinkThatChanges) {
   EXPECT_EQ(link(), 0);
 }
 
-TEST_F(LinkScan, TellsNobodyWhileItIsPaused) {
+TEST_F(LinkScan, TellsAfterAPauseWhatChangedMeanwhile) {
   soc_linkscan_pause(0);
   EXPECT_EQ(change(1), "");
   EXPECT_EQ(link(), 1);
   soc_linkscan_continue(0);
+  EXPECT_EQ(heard_now(), "1+");
+  soc_linkscan_pause(0);
+  change(0);
+  change(1);
+  soc_linkscan_continue(0);
+  EXPECT_EQ(heard_now(), "") << "it is as before";
+}
+
+TEST_F(LinkScan, TellsOfALinkThatIsUpAgain) {
+  EXPECT_EQ(change(1), "1+");
+  EXPECT_EQ(change(1), "1+");
   EXPECT_EQ(change(0), "1-");
+  EXPECT_EQ(change(0), "1-");
+}
+
+TEST_F(LinkScan, FindsALinkOfAnEnabledPortOnly) {
+  change(1);
+  bcm_port_enable_set(0, 1, 0);
+  EXPECT_EQ(heard_now(), "1-");
+  bcm_port_enable_set(0, 1, 0);
+  EXPECT_EQ(heard_now(), "");
+  EXPECT_EQ(change(0), "");
+  EXPECT_EQ(change(1), "");
+  bcm_port_enable_set(0, 1, 1);
+  EXPECT_EQ(heard_now(), "1+");
+  bcm_port_info_t info{};
+  info.action_mask = BCM_PORT_ATTR_ENABLE_MASK;
+  bcm_port_selective_set(0, 1, &info);
+  EXPECT_EQ(heard_now(), "1-");
+}
+
+TEST_F(LinkScan, FindsALoopback) {
+  bcm_port_loopback_set(0, 1, BCM_PORT_LOOPBACK_MAC);
+  EXPECT_EQ(heard_now(), "1+");
+  EXPECT_EQ(change(1), "1+");
+  EXPECT_EQ(change(0), "") << "it is still looped back";
+  bcm_port_loopback_set(0, 1, BCM_PORT_LOOPBACK_NONE);
+  EXPECT_EQ(heard_now(), "1-");
 }
 
 TEST_F(LinkScan, PausesNest) {
@@ -62,7 +104,7 @@ TEST_F(LinkScan, PausesNest) {
   soc_linkscan_continue(0);
   EXPECT_EQ(change(1), "");
   soc_linkscan_continue(0);
-  EXPECT_EQ(change(0), "1-");
+  EXPECT_EQ(heard_now(), "1+");
 }
 
 TEST_F(LinkScan, ContinuesWithoutAPauseToNoEffect) {
@@ -76,6 +118,7 @@ TEST_F(LinkScan, TellsNobodyWhileItIsOff) {
   EXPECT_EQ(change(1), "");
   EXPECT_EQ(link(), 1);
   EXPECT_EQ(bcm_linkscan_enable_set(0, 250000), BCM_E_NONE);
+  EXPECT_EQ(heard_now(), "1+");
   EXPECT_EQ(change(0), "1-");
   EXPECT_EQ(bcm_linkscan_enable_set(0, -1), BCM_E_PARAM);
   EXPECT_EQ(change(1), "1+");

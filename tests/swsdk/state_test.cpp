@@ -248,7 +248,7 @@ TEST_F(State, IsReadOnlyFromAWholeFile) {
     EXPECT_EQ(restored(damaged), SWSDK_STATE_NO_STATE) << at;
   }
   EXPECT_EQ(restored(whole + 'x'), SWSDK_STATE_NO_STATE);
-  EXPECT_EQ(restored("swsdk state 2 " + whole.substr(14)), SWSDK_STATE_NO_STATE);
+  EXPECT_EQ(restored("swsdk state 999 " + whole.substr(14)), SWSDK_STATE_NO_STATE);
   EXPECT_EQ(all_tables(), tables);
   EXPECT_EQ(restored(whole), SWSDK_STATE_DONE);
   EXPECT_NE(all_tables(), tables);

@@ -13,8 +13,10 @@ extern "C" {
 
 /**
  * Puts a link up or down, as plugging a cable does: the link scan thread calls the handlers of `bcm_linkscan_register`.
- * While link scanning is paused or disabled, the link changes but no handler is called. A cable outlives
- * `system_init`: the link is up again after it, and the handlers are called.
+ * A link that is so already has been otherwise for a moment; the handlers are called again. While link scanning is
+ * paused or disabled, none is called; those of links that are not as before are when it goes on. A port that is
+ * disabled has no link: its handlers are called when it is enabled with a cable in it, and when it is disabled. A cable
+ * outlives `system_init`: the link is up again after it, and the handlers are called.
  *
  * @param port  an Ethernet port
  * @param up    non-zero: the link went up; 0: it went down
