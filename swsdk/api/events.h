@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "chip/mac_table.h"
+#include "chip/chip.h"
 
 namespace api {
 
