@@ -590,8 +590,9 @@ SAI_API int32_t sai_port_isolate_reset(int32_t unit, int32_t port);
  * Gives untagged frames of one protocol that a port receives a VLAN of their own.
  *
  * @param port        port number
- * @param frame_type  frame type of the SDK
- * @param ether_type  Ethernet type
+ * @param frame_type  how a frame carries the protocol, checked by the chip; on the virtual chip 1: Ethernet II, 2: SNAP
+ *                    behind an LLC header, 4: LLC
+ * @param ether_type  Ethernet type; of LLC the two access points, the destination's first
  * @param vlan        VLAN id, 1 to 4095; checked by the chip
  * @return 0, or the converted result of `bcm_port_protocol_vlan_add`
  */
@@ -602,8 +603,8 @@ SAI_API int32_t sai_port_protocol_vlan_add(int32_t unit, int32_t port, int32_t f
  * Deletes what sai_port_protocol_vlan_add() added.
  *
  * @param port        port number
- * @param frame_type  frame type of the SDK
- * @param ether_type  Ethernet type
+ * @param frame_type  as it was added
+ * @param ether_type  as it was added
  * @return 0, or the converted result of `bcm_port_protocol_vlan_delete`
  */
 SAI_API int32_t sai_port_protocol_vlan_del(int32_t unit, int32_t port, int32_t frame_type, uint16_t ether_type);
@@ -1142,7 +1143,7 @@ enum sai_l2_delete_mode {
   SAI_L2_DELETE_ENTRY = 0x01,    /**< the one entry of `mac` and `vlan` */
   SAI_L2_DELETE_BY_MAC = 0x02,   /**< those of `mac`, by `flags` */
   SAI_L2_DELETE_BY_VLAN = 0x04,  /**< those of `vlan`, by `flags` */
-  SAI_L2_DELETE_BY_PORT = 0x08,  /**< those of `port` of module 0, by `flags` */
+  SAI_L2_DELETE_BY_PORT = 0x08,  /**< those of `port` of module 0, by `flags`; a virtual port is another, its gport */
   SAI_L2_DELETE_BY_TRUNK = 0x20, /**< those of `trunk`, with the SDK's flags 0 */
 };
 
@@ -1197,7 +1198,7 @@ typedef struct sai_l2_learn_limit_t {
   uint16_t port;     /**< port number, for `BCM_L2_LEARN_LIMIT_PORT` */
   int32_t trunk;     /**< trunk id, for `BCM_L2_LEARN_LIMIT_TRUNK` */
   uint32_t scope_id; /**< tunnel id, for `BCM_L2_LEARN_LIMIT_TUNNEL` */
-  int32_t limit;     /**< number of addresses */
+  int32_t limit;     /**< number of addresses; -1 on the virtual chip: no limit, as after start-up */
 } sai_l2_learn_limit_t;
 
 /**
@@ -1209,7 +1210,8 @@ typedef struct sai_l2_learn_limit_t {
 SAI_API int32_t sai_l2_mac_learn_limit_init(sai_l2_learn_limit_t* limit);
 
 /**
- * Sets a learn limit.
+ * Sets a learn limit, which the chip heeds after sai_l2_mac_learn_limit_enable(). Addresses that are there already
+ * stay.
  *
  * @param limit  the limit; of `flags` the bits of scopes and actions count
  * @return 0, or the converted result of `bcm_l2_learn_limit_set`
@@ -1783,7 +1785,8 @@ SAI_API int32_t sai_fp_mld_packet_exclude_filter_set(int32_t unit, int32_t port,
  * @param port   port number, compared by its low 8 bits
  * @param group  a group of sai_fp_vport_group_create()
  * @param entry  receives the id of the entry; written on success only
- * @param vlan   outer VLAN tag, all 16 bits of which are compared
+ * @param vlan   outer VLAN tag, all 16 bits of which are compared; on the virtual chip that of the VLAN inside, before
+ *               virtual ports and translations give the frame the tags that it leaves with
  */
 SAI_API int32_t sai_fp_vport_qualify_set(int32_t unit, int32_t port, int32_t group, int32_t* entry, uint16_t vlan);
 
@@ -1837,7 +1840,7 @@ SAI_API int32_t sai_ipsg_init(int32_t unit, int32_t* group);
  * its id is lost.
  *
  * @param group    id of the group of sai_ipsg_init(); of an entry that exists, for messages only
- * @param vlan     outer VLAN id, the low 12 bits; 0 is compared like any other
+ * @param vlan     outer VLAN id inside the switch, the low 12 bits; 0 is compared like any other
  * @param ignored  has no effect
  * @param port     port number
  * @param entry    in: 0 to create an entry; any other value, negative ones too, is the id of the entry to move. Out:
@@ -1856,7 +1859,7 @@ SAI_API int32_t sai_ipsg_verify_config(int32_t group, int32_t vlan, int32_t igno
  * @param group        id of the group of sai_ipsg_init(); of an entry that exists, for messages only
  * @param src_ip       source address in network order; 0: any
  * @param src_ip_mask  mask of the address in host order
- * @param vlan         outer VLAN id, the low 12 bits; 0 or less: any
+ * @param vlan         outer VLAN id inside the switch, the low 12 bits; 0 or less: any
  * @param ignored      has no effect
  * @param port         port number
  * @param entry        in: 0 or less to create an entry, or the id of the entry to move. Out: the id of the new entry;
@@ -1964,9 +1967,9 @@ SAI_API int32_t sai_port_vlan_translate_init(int32_t unit);
  *
  * @param port         port number
  * @param old_vid      VLAN id outside the switch; its low 16 bits count
- * @param egress_prio  priority on the way out, passed to the SDK as it is
+ * @param egress_prio  priority on the way out, passed to the SDK as it is; -1 on the virtual chip: that of the frame
  * @param new_vid      VLAN id inside the switch; its low 16 bits count
- * @param prio         priority on the way in, passed to the SDK as it is
+ * @param prio         priority on the way in, passed to the SDK as it is; likewise
  * @return 0, or the converted result of the failed `bcm_vlan_translate_add` or `bcm_vlan_translate_egress_add`, -6
  *         (there is a translation of that VLAN) and -13 (table full) among them
  */
@@ -2073,7 +2076,8 @@ SAI_API int32_t sai_vlan_mac_del(int32_t unit, const uint8_t* mac);
 SAI_API int32_t sai_vlan_mac_clear(int32_t unit);
 
 /**
- * Gives untagged frames from an IPv4 subnet a VLAN, on the ports where sai_port_subnet_vlan_set() has switched that on.
+ * Gives untagged IPv4 packets from a subnet a VLAN, on the ports where sai_port_subnet_vlan_set() has switched that on.
+ * The ARP frames of its hosts are no such packets: they stay in the port's VLAN.
  *
  * @param ip    address of the subnet in network byte order
  * @param mask  its mask in network byte order
@@ -2093,7 +2097,7 @@ SAI_API int32_t sai_vlan_ip_subnet_add(int32_t unit, uint32_t ip, uint32_t mask,
 SAI_API int32_t sai_vlan_ip_subnet_del(int32_t unit, uint32_t ip, uint32_t mask);
 
 /**
- * Gives untagged frames from an IPv6 subnet a VLAN, on the ports where sai_port_subnet_vlan_set() has switched that on.
+ * Gives untagged IPv6 packets from a subnet a VLAN, on the ports where sai_port_subnet_vlan_set() has switched that on.
  *
  * @param ip6     address of the subnet, 16 bytes
  * @param prefix  length of its prefix in bits, 0 to 128
@@ -2473,9 +2477,10 @@ SAI_API int32_t sai_ipmc_add(int32_t unit, int32_t vlan, int32_t user_vlan, int3
                              const uint8_t* mac);
 
 /**
- * Chooses which multicast frames a VLAN floods, of whichever IP version.
+ * Chooses which multicast frames a VLAN floods, of whichever IP version. A new VLAN floods all.
  *
- * @param mode  1 all, 2 those of unknown groups, any other value none
+ * @param mode  1 all, 2 those of unknown groups, any other value none. After sai_switch_chip_init() the addresses that
+ *              hosts cannot do without are flooded all the same: 224.0.0.0 to 224.0.0.255, ff01::/16 and ff02::/16
  * @param vlan  VLAN id; its low 16 bits count
  * @return 0, or the converted result of `bcm_vlan_mcast_flood_set`
  */
@@ -2582,7 +2587,7 @@ SAI_API int32_t sai_vlan_vport_init(int32_t unit);
  * the chip; 0 means none.
  */
 typedef struct sai_vport_t {
-  int32_t priority;    /**< priority on both ways, kept as its network groups: 0 to 7, more means 7, negative: none */
+  int32_t priority;    /**< its network group, both ways: 0 to 7, more means 7, negative: none; tags keep theirs */
   uint16_t match_vlan; /**< VLAN of the outer tag, on the way in and again on the way out */
   uint16_t match_inner_vlan; /**< VLAN of the inner tag; 0: frames with an outer tag alone */
   uint16_t vlan;             /**< internal VLAN: the only one, or that of the inner tag where outer_vlan is given */
@@ -2631,7 +2636,7 @@ SAI_API int32_t sai_vport_destroy(int32_t unit, int32_t ignored, sai_vport_t* vp
 
 /**
  * Isolates a network group of virtual ports (split horizon), or ends that: frames that entered through it do not leave
- * through another.
+ * through virtual ports of another group. Those of its own group, and physical ports, stay reachable.
  *
  * @param port    network group id
  * @param enable  non-zero: isolated; 0: not

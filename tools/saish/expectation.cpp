@@ -17,8 +17,8 @@ const char* const frame_expectations[4] = {"out", "cpu", "dropped", "nothing"};
 const char* const expectation_notes[9] = {
     "expect CODE COMMAND: the command returns that code. send returns 0, or a number that says why not.",
     "expect out PORT [FRAME]: of the last send, a copy left at that Ethernet port; * is any of them.",
-    "expect cpu REASON[,REASON...] [FRAME]: a copy went to the CPU, for just these reasons (l3-miss), or any.",
-    "expect dropped REASON: it was not passed on, for that reason, or any.",
+    "expect cpu REASON[,REASON...] [FRAME]: a copy went to the CPU, for just these reasons (l3-miss); any is any.",
+    "expect dropped REASON: it was not passed on, for that reason; any is any.",
     "expect nothing: no copy left but those that were expected.",
     "Each copy is for one expectation, in any order. Once there is one, there has to be one for every copy before the "
     "next send, a capture or the end of the script.",

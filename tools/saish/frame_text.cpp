@@ -12,9 +12,9 @@
 namespace saish {
 
 const char frame_form[] =
-    "FRAME is hexadecimal digits, or MAC > MAC, then what it has of: vlan ID[/PRIORITY], svlan ID[/PRIORITY],\n"
-    "  type NUMBER, arp IP > IP, ip IP > IP, tos NUMBER, ttl NUMBER, udp PORT > PORT, tcp PORT > PORT, icmp TYPE,\n"
-    "  igmp TYPE GROUP, protocol NUMBER, length BYTES";
+    "FRAME is hexadecimal digits, or MAC > MAC, then what it has of: vlan ID[/PRIORITY] and svlan ID[/PRIORITY], tags\n"
+    "  of the types 0x8100 and 0x88a8, the outer one first, type NUMBER, arp IP > IP, ip IP > IP, tos NUMBER,\n"
+    "  ttl NUMBER, udp PORT > PORT, tcp PORT > PORT, icmp TYPE, igmp TYPE GROUP, protocol NUMBER, length BYTES";
 
 namespace {
 
