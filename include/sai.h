@@ -79,7 +79,7 @@ enum sai_log_level {
  *
  * A line of the console and of the file is `2026/11/21 07:24:30.125 errors: NONE: the message`: the local time, its
  * fraction if time_precision is set, the level if show_priority is set, the module, the message. A record of the system
- * log is only the message.
+ * log is only the message. Each line is flushed.
  */
 typedef struct sai_log_handle {
   FILE* file;             /**< log file opened by the caller, or null; closed by close_sai_log() */
@@ -1156,10 +1156,11 @@ enum sai_l2_delete_mode {
  * @param entry  takes what the mode names; `flags` goes to the SDK as the flags of the deletion, but for modes
  *               #SAI_L2_DELETE_ENTRY and #SAI_L2_DELETE_BY_TRUNK
  * @param mode   #sai_l2_delete_mode bits
- * @return 0, also when there is no port to walk; or the converted result of `bcm_l2_addr_delete`, -7 (no such address
- *         in that VLAN) among them, of `bcm_l2_addr_delete_by_mac`, `bcm_l2_addr_delete_by_vlan`,
- *         `bcm_l2_addr_delete_by_port` or `bcm_l2_addr_delete_by_trunk`; of the walk that of the last
- *         `bcm_stk_my_modid_get` or `bcm_l2_addr_delete_by_port`
+ * @return 0, also when there is no port to walk, and but for #SAI_L2_DELETE_ENTRY when there is no such address; or the
+ *         converted result of `bcm_l2_addr_delete`, -7 (no such address in that VLAN) among them, of
+ *         `bcm_l2_addr_delete_by_mac`, `bcm_l2_addr_delete_by_vlan`, `bcm_l2_addr_delete_by_port` or
+ *         `bcm_l2_addr_delete_by_trunk`; of the walk that of the last `bcm_stk_my_modid_get` or
+ *         `bcm_l2_addr_delete_by_port`
  */
 SAI_API int32_t sai_l2_mac_entry_del(int32_t unit, const sai_l2_mac_entry_t* entry, uint8_t mode);
 
@@ -2253,7 +2254,8 @@ SAI_API int32_t sai_l3_enable_set(int32_t unit, int32_t enable);
  * Gives a VLAN its L3 interface, which carries the router's MAC address.
  *
  * An interface with the same MAC address is left alone; one with another is deleted first, and the VLAN stays without
- * when the new one cannot be created. A failed lookup is not logged and counts as no interface.
+ * when the new one cannot be created. The new one can have another number, which next hops that
+ * were made before do not know: delete routes first. A failed lookup is not logged and counts as no interface.
  *
  * @param mac   the router's MAC address, 6 bytes
  * @param vlan  VLAN id; its low 16 bits count
@@ -2349,11 +2351,13 @@ SAI_API int32_t sai_l3_host_route_delete(int32_t unit, uint32_t ip, uint8_t dtag
  * sai_l3_subnet_route_delete(), then create it. An interface and an egress object that were made stay as well when a
  * later step fails.
  *
- * @param subnet       the subnet's IPv4 address in host byte order
+ * @param subnet       the subnet's IPv4 address in host byte order; bits outside the mask do not count on the virtual
+ *                     chip, here and where the route is deleted or asked for
  * @param mask         its mask in host byte order
- * @param nexthop_ip   IPv4 address of the next hop in host byte order
+ * @param nexthop_ip   IPv4 address of the next hop in host byte order, or 0; kept with the route for who reads it there
  * @param router_mac   MAC address of an interface that is made, 6 bytes
- * @param nexthop_mac  the next hop's MAC address, 6 bytes; the chip must have learned it in `vlan`
+ * @param nexthop_mac  the next hop's MAC address, 6 bytes; the chip must have learned it in `vlan`. Routes with the
+ *                     same address, VLAN and port share a next hop
  * @param port         port number; the CPU port sends to the CPU
  * @param vlan         VLAN id; its low 16 bits count
  * @param dtag         non-zero: the next hop is double-tagged, behind a virtual port
