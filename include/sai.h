@@ -7,9 +7,10 @@
  *
  * - `unit` is the Chip SDK's unit number. The library drives one chip; sai_unit_get() gives its number.
  * - `port` is a number of the chip's: 0 is the CPU port, Ethernet ports begin with 1. The chip checks it: -9 (no such
- *   port). The SDK's information on the unit has the numbers, `SOC_PORT_BITMAP(unit, ether)` of `<soc/drv.h>`, which on
- *   a board may have gaps. Front ports are those of its set `port`; on the virtual chip both sets have all Ethernet
- *   ports, uplinks among them. Where a function stops at port 8, its comment says so.
+ *   port). The SDK's information on the unit has the numbers, `SOC_PORT_BITMAP(unit, ether)` of `<soc/drv.h>`, which
+ *   `BCM_PBMP_ITER` of `<bcm/types.h>` walks and on a board may have gaps. Front ports are those of its set `port`; on
+ *   the virtual chip both sets have all Ethernet ports, uplinks among them. Where a function stops at port 8, its
+ *   comment says so.
  * - The result is #SAI_E_NONE (0) or a negative code of #sai_result. A code comes from the Chip SDK's result by
  *   sdk_to_sai(), or from the library itself when it refuses an argument without an SDK call.
  * - A failed SDK call, one with a negative result, is logged once, at level "errors", with a message that ends with the
@@ -1140,7 +1141,7 @@ SAI_API int32_t sai_l2_mac_entry_add(int32_t unit, const sai_l2_mac_entry_t* ent
 
 /** Bits of the mode of sai_l2_mac_entry_del(), in the order in which they are checked. */
 enum sai_l2_delete_mode {
-  SAI_L2_DELETE_ENTRY = 0x01,    /**< the one entry of `mac` and `vlan` */
+  SAI_L2_DELETE_ENTRY = 0x01,    /**< the one entry of `mac` and `vlan`, static or not */
   SAI_L2_DELETE_BY_MAC = 0x02,   /**< those of `mac`, by `flags` */
   SAI_L2_DELETE_BY_VLAN = 0x04,  /**< those of `vlan`, by `flags` */
   SAI_L2_DELETE_BY_PORT = 0x08,  /**< those of `port` of module 0, by `flags`; a virtual port is another, its gport */
@@ -1922,8 +1923,9 @@ SAI_API int32_t sai_vlan_destroy_all(int32_t unit);
 SAI_API int32_t sai_vlan_port_add(int32_t unit, uint16_t vid, uint16_t port, int32_t tagged);
 
 /**
- * Removes a port, tagged or untagged, from a VLAN. Addresses that were learned there stay, and so do routes by the port
- * and, if it is this VLAN, the VLAN of the port's untagged frames.
+ * Removes a port, tagged or untagged, from a VLAN; one that is no member is no failure on the virtual chip. Addresses
+ * that were learned there stay, and so do routes by the port and, if it is this VLAN, the VLAN of the port's untagged
+ * frames.
  *
  * @param vid   VLAN id, 1 to 4095; checked by the chip
  * @param port  port number, 0 to 255; a larger one is refused without asking the chip

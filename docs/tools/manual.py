@@ -173,7 +173,8 @@ def main(arguments):
     pages["man7/swsdk.7"] = sdk_functions(reference, version)
     for command in (ROOT / "docs").glob("*.1"):
         page = command.read_text().replace("@DATE@", roff.date()).replace("@VERSION@", version)
-        pages[f"man1/{command.name}"] = page.replace("@TABLES@", roff.prose(shown_tables())).splitlines()
+        page = page.replace("@TABLES@", roff.prose(shown_tables()))
+        pages[f"man1/{command.name}"] = [roff.UNHYPHENATED, *page.splitlines()]
     if reference.problems:
         print("\n".join(reference.problems), file=sys.stderr)
         return 1

@@ -7,6 +7,8 @@ import time
 
 # The functions and variables that have a page.
 NAMES = set()
+# At the head of a page: its names can be searched for and copied.
+UNHYPHENATED = ".nr HY 0"
 
 
 def escaped(text):
@@ -54,7 +56,7 @@ def ranges(numbers):
 
 
 def title(name, section, version):
-    return f'.TH {escaped(name)} {section} {date()} "libsai {version}" "Chip programming"'
+    return f'{UNHYPHENATED}\n.TH {escaped(name)} {section} {date()} "libsai {version}" "Chip programming"'
 
 
 def listed_pages(pages):
