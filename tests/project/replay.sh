@@ -172,7 +172,7 @@ action swsdk_frame_send(0, 1, [3c 11 22 33 44 55 02 00 00 00 00 77 08 00 45 00 0
 end
 REC
 "$saish" --redact secret.rec >shared.rec
-grep -nE 'secret|3c:11:22|3c 11 22|10\.77|0a 4d 58|db8:77|73 65 63' shared.rec && fail "this is still there"
+grep -nE 'secret|3c:11:22|3c 11 22|10\.77\.88|0a 4d 58|db8:77|73 65 63' shared.rec && fail "this is still there"
 [ "$(grep -oE '[0-9a-f]{2}(:[0-9a-f]{2}){5}' shared.rec | sort -u | wc -l)" = 2 ] || fail "MAC addresses: $(cat shared.rec)"
 for kept in 01:00:5e:01:01:01 239.1.2.3 255.255.255.0 '"led 0 load text-2"' 'name="text-1"' 'ip4=10.' 'ef 01 01 01 13 88 13 88 00 00 00 00'; do
   grep -qF "$kept" shared.rec || fail "$kept is not in: $(cat shared.rec)"
