@@ -47,3 +47,12 @@ echo "expect SAI_E_NOT_FOUND sai_vlan_port_add 0 77 4 1" >>"$work/script.sai"
 "$saish" "$work/script.sai" >"$work/log"
 says 0 '^== 1 of: .*Failed to add port \[4\] to vlan \[77\]' "$messages" find "$work/log"
 grep ' NONE: ' "$work/log" | grep -qvEf "$work/harmless" || fail "a failure is called harmless"
+
+# Traces are counted, and a reader who has seen enough may go.
+sed 's/^log errors$/log debugging/' "$work/script.sai" >"$work/traced.sai"
+"$saish" "$work/traced.sai" >"$work/log"
+says 0 '^1 lines to look at, [0-9]+ harmless, [1-9][0-9]* traces, ' "$messages" find "$work/log"
+"$messages" find "$work/log" >"$work/explained"
+grep -q '^Traces\.' "$work/explained" && fail "a trace is explained: $(cat "$work/explained")"
+{ sleep 0.3 && "$messages" find "$work/log" 2>"$work/complaint"; } | true || true
+[ ! -s "$work/complaint" ] || fail "it complains of a closed pipe: $(cat "$work/complaint")"
